@@ -1,0 +1,103 @@
+/* Counts every call, and lets a test fail the n-th or hear a lie. */
+#include "platform/hosted/standin.h"
+
+LiveCounts liveCounts;
+
+namespace {
+
+constexpr const char* aCallNames[] = {
+#define CALL_TEXT(result, name, params, failed) #name,
+    ALL_CALLS(CALL_TEXT)
+#undef CALL_TEXT
+};
+
+int       anCounts[CALL_COUNT];
+CallId    faultCall  = ANY_CALL;
+int       nFaultIn   = 0; /* calls left until the fault; 0: none set */
+FaultMode faultMode  = FAIL_ONCE;
+int       bFailing   = 0; /* FAIL_FROM_THERE has begun */
+int       nFailed    = 0;
+LieKind   lieKind    = LIE_NONE;
+CallId    lieCall    = ANY_CALL;
+
+} // namespace
+
+const char* CallName(CallId call)
+{
+    return call >= 0 && call < CALL_COUNT ? aCallNames[call] : "any call";
+}
+
+int CallCount(CallId call)
+{
+    if (call >= 0 && call < CALL_COUNT) {
+        return anCounts[call];
+    }
+    int nAll = 0;
+    for (int nCount : anCounts) {
+        nAll += nCount;
+    }
+    return nAll;
+}
+
+void FailCall(CallId call, int nTh, FaultMode mode)
+{
+    faultCall = call;
+    nFaultIn  = nTh;
+    faultMode = mode;
+    bFailing  = 0;
+    nFailed   = 0;
+}
+
+int StopFaults()
+{
+    nFaultIn = 0;
+    bFailing = 0;
+    return nFailed;
+}
+
+int CallFails(CallId call)
+{
+    anCounts[call]++;
+    if ((faultCall != ANY_CALL && faultCall != call) || (!nFaultIn && !bFailing)) {
+        return 0;
+    }
+    /* What gives back, and what cannot fail, is not failed: a release that fails still releases, so a fault
+       there would only hide the next one. */
+    if (call == CALL_GetProcessHeap || call == CALL_GetLastError) {
+        return 0;
+    }
+    if (nFaultIn && --nFaultIn == 0) {
+        bFailing = faultMode == FAIL_FROM_THERE;
+        nFailed++;
+    } else if (bFailing) {
+        nFailed++;
+    } else {
+        return 0;
+    }
+    SetHostedError(call == CALL_HeapAlloc ? ERROR_NOT_ENOUGH_MEMORY : ERROR_GEN_FAILURE);
+    return 1;
+}
+
+void TellLies(LieKind kind, CallId call)
+{
+    lieKind = kind;
+    lieCall = call;
+}
+
+int Lies(CallId call, LieKind kind)
+{
+    return lieKind == kind && (lieCall == ANY_CALL || lieCall == call);
+}
+
+LiveCounts CountLive()
+{
+    return liveCounts;
+}
+
+void ResetCallCounts()
+{
+    for (int& nCount : anCounts) {
+        nCount = 0;
+    }
+    ResetPeak();
+}

@@ -1,0 +1,104 @@
+/* The hosted machine as the tests see it: what is installed, whose session it is, what was called, what is
+   still held, and which calls fail or lie. Everything here is for tests, benchmarks and the companion tool;
+   the library itself knows only the Windows calls.
+
+   Files lie below a temporary root. A Windows path "C:\Dir\File.txt" is the file ROOT/c/dir/file.txt: drive
+   and names in small letters, so that names compare as they do on Windows; their spelling is remembered. */
+#ifndef TQUI_HOSTED_MACHINE_H
+#define TQUI_HOSTED_MACHINE_H
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/calls.h"
+#include "platform/spooler.h"
+
+using Bytes    = std::vector<u8>;
+using WideText = std::u16string;
+
+/* Starts an empty machine: no printer, no key, no file, US English user on a metric-free locale (iMeasure
+   1), code page 1252, computer "WORKPC", system version 10.0. The root is a new folder below the system's
+   temporary one; StopMachine removes it. A machine that is already running is stopped first. */
+void StartMachine();
+void StopMachine();
+
+/* ---- who and where ---- */
+void SetUserLanguage(u16 usLangId);                                        /* GetUserDefaultLangID */
+void SetLocaleValue(std::u16string_view wcKey, std::u16string_view wcText); /* section "intl"; empty removes */
+void SetComputerName(std::u16string_view wcName);                          /* empty: GetComputerNameW fails */
+void SetEnvironmentValue(std::u16string_view wcName, std::u16string_view wcText); /* empty removes */
+void SetSystemVersion(int nMajor, int nMinor);
+void SetCodePage(UINT uCodePage); /* 1252, 932 (a small part: half-width, hiragana) or 65001 */
+
+/* ---- files ---- */
+std::filesystem::path HostPath(std::u16string_view tcPath); /* where a Windows path lies on this disk */
+void                  PutFile(std::u16string_view tcPath, const Bytes& bytes); /* makes missing folders */
+void                  PutFile(std::u16string_view tcPath, std::string_view text);
+Bytes                 GetFile(std::u16string_view tcPath); /* empty when there is none */
+bool                  HasFile(std::u16string_view tcPath);
+void                  SetReadOnly(std::u16string_view tcPath, bool bReadOnly);
+
+/* ---- printers ---- */
+struct PrinterSetup {
+    WideText              wcName;       /* printer */
+    WideText              wcDriverName; /* driver, as the print rate and the user's folder see it */
+    WideText              tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
+    std::vector<WideText> atcDependentFiles;
+    WideText              wcComment, wcLocation;
+};
+void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
+void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
+void SetPrinterText(std::u16string_view wcPrinter, std::u16string_view wcValue, std::u16string_view wcText);
+void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue);
+bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
+void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 lLength); /* thousandths of a mm */
+void DropMachineForms();
+void DenyPrinterAccess(DWORD dwAccess, DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
+/* What OpenPrinterW was asked, as "name|access". */
+const std::vector<std::string>& OpenedPrinters();
+
+/* ---- registry ---- */
+void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
+bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
+
+/* ---- what was called ---- */
+enum CallId : int {
+    ANY_CALL = -1,
+#define CALL_ID(result, name, params, failed) CALL_##name,
+    ALL_CALLS(CALL_ID)
+#undef CALL_ID
+        CALL_COUNT
+};
+const char* CallName(CallId call);
+int         CallCount(CallId call); /* since ResetCallCounts; ANY_CALL counts all */
+void        ResetCallCounts();
+
+/* ---- faults: the n-th call from now fails as its row in calls.h says ---- */
+enum FaultMode { FAIL_ONCE, FAIL_FROM_THERE };
+void FailCall(CallId call, int nTh, FaultMode mode = FAIL_ONCE);
+/* Ends the fault. Result: how many calls failed; 0 says that the loop over n is through. */
+int StopFaults();
+
+/* ---- lies: calls succeed with answers that an honest system does not give ---- */
+enum LieKind {
+    LIE_NONE,
+    LIE_SHORT,        /* success with half of what there is */
+    LIE_UNTERMINATED, /* text without its closing NUL */
+    LIE_GROWS,        /* the data is larger at the second asking than the first said */
+    LIE_NULL_MEMBERS, /* text members of structures are null */
+    LIE_HUGE,         /* sizes and counts near the end of their range */
+    LIE_KIND_COUNT
+};
+void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
+
+/* ---- what is held ---- */
+struct LiveCounts {
+    int  nBlocks, nFiles, nPrinters, nKeys, nModules;
+    bool operator==(const LiveCounts&) const = default;
+};
+LiveCounts CountLive();
+size_t     PeakBlockBytes(); /* most bytes held in blocks at once since ResetCallCounts */
+
+#endif

@@ -1,0 +1,125 @@
+/* Stand-ins for the registry: keys and values in memory. */
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "platform/hosted/standin.h"
+
+namespace {
+
+struct Value {
+    DWORD dwType;
+    Bytes bytes;
+};
+
+using Key = std::map<WideText, Value>; /* values by name in one form */
+
+struct Registry {
+    std::map<WideText, Key>             keys; /* paths in one form, without a backslash at the end */
+    std::map<HKEY, WideText>            open;
+    std::vector<std::unique_ptr<char>> handles;
+};
+
+Registry& registry()
+{
+    static Registry instance;
+    return instance;
+}
+
+WideText KeyForm(std::u16string_view wcPath)
+{
+    while (!wcPath.empty() && wcPath.back() == u'\\') {
+        wcPath.remove_suffix(1);
+    }
+    return LowerText(wcPath);
+}
+
+bool RootOf(HKEY hKey, WideText* pPath)
+{
+    if (hKey == HKEY_LOCAL_MACHINE || hKey == HKEY_CURRENT_USER) {
+        *pPath = hKey == HKEY_LOCAL_MACHINE ? u"hklm" : u"hkcu";
+        return true;
+    }
+    auto found = registry().open.find(hKey);
+    if (found == registry().open.end()) {
+        return false;
+    }
+    *pPath = found->second;
+    return true;
+}
+
+} // namespace
+
+void ResetRegistry()
+{
+    registry()       = Registry();
+    liveCounts.nKeys = 0;
+}
+
+void AddKey(std::u16string_view wcPath)
+{
+    registry().keys[KeyForm(wcPath)];
+}
+
+bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes)
+{
+    auto key = registry().keys.find(KeyForm(wcPath));
+    if (key == registry().keys.end()) {
+        return false;
+    }
+    auto value = key->second.find(LowerText(wcValue));
+    if (value == key->second.end()) {
+        return false;
+    }
+    *pdwType = value->second.dwType;
+    *pBytes  = value->second.bytes;
+    return true;
+}
+
+LSTATUS WINAPI RegOpenKeyExW(HKEY hParent, LPCWSTR wcPath, DWORD, REGSAM, PHKEY phKey)
+{
+    FAILS(RegOpenKeyExW);
+    WideText wcFull;
+    if (!RootOf(hParent, &wcFull)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    wcFull += u'\\';
+    wcFull += wcPath ? wcPath : u"";
+    WideText wcForm = KeyForm(wcFull);
+    /* A key is there when it or one below it was made. */
+    auto found = registry().keys.lower_bound(wcForm);
+    bool bHere = found != registry().keys.end() &&
+                 (found->first == wcForm || found->first.compare(0, wcForm.size() + 1, wcForm + u'\\') == 0);
+    if (!bHere) {
+        return static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
+    }
+    registry().handles.push_back(std::make_unique<char>());
+    *phKey                   = reinterpret_cast<HKEY>(registry().handles.back().get());
+    registry().open[*phKey] = wcForm;
+    liveCounts.nKeys++;
+    return 0;
+}
+
+LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR wcValue, DWORD, DWORD dwType, const BYTE* pBytes, DWORD cbBytes)
+{
+    FAILS(RegSetValueExW);
+    WideText wcPath;
+    if (!RootOf(hKey, &wcPath)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    registry().keys[wcPath][LowerText(wcValue ? wcValue : u"")] = {dwType, Bytes(pBytes, pBytes + cbBytes)};
+    return 0;
+}
+
+LSTATUS WINAPI RegCloseKey(HKEY hKey)
+{
+    int bFails = CallFails(CALL_RegCloseKey);
+    if (!registry().open.erase(hKey)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    std::erase_if(registry().handles, [hKey](const auto& handle) { return reinterpret_cast<HKEY>(handle.get()) == hKey; });
+    liveCounts.nKeys--;
+    return bFails ? static_cast<LSTATUS>(ERROR_GEN_FAILURE) : 0;
+}

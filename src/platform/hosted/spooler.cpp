@@ -1,0 +1,356 @@
+/* Stand-ins for the spooler: printers with their driver's files, stored values and forms in memory. The
+   structures are laid into the caller's buffer as the spooler does it: the fixed part in front, the texts
+   behind it. */
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "platform/hosted/standin.h"
+
+namespace {
+
+struct PrinterValue {
+    DWORD dwType;
+    Bytes bytes;
+};
+
+struct Printer {
+    PrinterSetup                     setup;
+    std::map<WideText, PrinterValue> values; /* by name in one form */
+};
+
+struct Form {
+    WideText wcName;
+    DWORD    dwFlags;
+    SIZEL    size;
+};
+
+struct OpenPrinterHandle {
+    WideText wcPrinter;
+};
+
+struct Spooler {
+    std::map<WideText, Printer>                     printers; /* by name in one form */
+    std::vector<Form>                               forms;
+    std::vector<std::unique_ptr<OpenPrinterHandle>> handles;
+    std::vector<std::string>                        opened;
+    std::map<DWORD, DWORD>                          denied;
+};
+
+Spooler& spooler()
+{
+    static Spooler instance;
+    return instance;
+}
+
+Printer* FindPrinter(HANDLE hPrinter)
+{
+    for (const auto& handle : spooler().handles) {
+        if (handle.get() == hPrinter) {
+            auto found = spooler().printers.find(handle->wcPrinter);
+            return found == spooler().printers.end() ? nullptr : &found->second;
+        }
+    }
+    return nullptr;
+}
+
+/* Lays a fixed part and the texts behind it into a caller's buffer. With LIE_GROWS each asking needs more
+   than the one before. */
+class Layout {
+public:
+    Layout(CallId id, size_t cbFixed, LPBYTE pOut, DWORD cbOut)
+        : call(id), pBuffer(pOut), cbBuffer(cbOut), cbUsed(cbFixed)
+    {
+        if (Lies(call, LIE_GROWS)) {
+            static size_t cbGrowth = 0;
+            cbGrowth += 6000;
+            cbUsed += cbGrowth;
+            if (cbGrowth > 60000) {
+                cbGrowth = 0;
+            }
+        }
+    }
+
+    LPWSTR Put(const WideText& wcText)
+    {
+        if (Lies(call, LIE_NULL_MEMBERS)) {
+            return nullptr;
+        }
+        return PutRaw(wcText.data(), wcText.size());
+    }
+
+    LPWSTR PutMany(const std::vector<WideText>& texts)
+    {
+        if (Lies(call, LIE_NULL_MEMBERS) || texts.empty()) {
+            return nullptr;
+        }
+        WideText wcAll;
+        for (const WideText& wcText : texts) {
+            wcAll += wcText;
+            wcAll += u'\0';
+        }
+        return PutRaw(wcAll.data(), wcAll.size());
+    }
+
+    bool Fits() const { return cbUsed <= cbBuffer; }
+    DWORD Needed() const { return Lies(call, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(cbUsed); }
+
+private:
+    LPWSTR PutRaw(const WCHAR* wcText, size_t cch)
+    {
+        size_t cbAt  = (cbUsed + 1) & ~static_cast<size_t>(1);
+        int    bOpen = Lies(call, LIE_UNTERMINATED);
+        cbUsed       = cbAt + (cch + 1) * sizeof(WCHAR);
+        if (cbUsed > cbBuffer) {
+            return nullptr;
+        }
+        std::memcpy(pBuffer + cbAt, wcText, cch * sizeof(WCHAR));
+        WCHAR wcEnd = bOpen ? u'X' : u'\0';
+        std::memcpy(pBuffer + cbAt + cch * sizeof(WCHAR), &wcEnd, sizeof(WCHAR));
+        return reinterpret_cast<LPWSTR>(pBuffer + cbAt);
+    }
+
+    CallId call;
+    LPBYTE pBuffer;
+    size_t cbBuffer, cbUsed;
+};
+
+Bytes TextBytes(std::u16string_view wcText)
+{
+    Bytes bytes((wcText.size() + 1) * sizeof(WCHAR));
+    std::memcpy(bytes.data(), wcText.data(), wcText.size() * sizeof(WCHAR));
+    return bytes;
+}
+
+} // namespace
+
+void ResetSpooler()
+{
+    spooler()            = Spooler();
+    liveCounts.nPrinters = 0;
+}
+
+void AddPrinter(const PrinterSetup& setup)
+{
+    Printer& printer = spooler().printers[LowerText(setup.wcName)];
+    printer          = {setup, {}};
+}
+
+void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes)
+{
+    spooler().printers[LowerText(wcPrinter)].values[LowerText(wcValue)] = {dwType, bytes};
+}
+
+void SetPrinterText(std::u16string_view wcPrinter, std::u16string_view wcValue, std::u16string_view wcText)
+{
+    SetPrinterValue(wcPrinter, wcValue, REG_SZ, TextBytes(wcText));
+}
+
+void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue)
+{
+    spooler().printers[LowerText(wcPrinter)].values.erase(LowerText(wcValue));
+}
+
+bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes)
+{
+    auto& values = spooler().printers[LowerText(wcPrinter)].values;
+    auto  found  = values.find(LowerText(wcValue));
+    if (found == values.end()) {
+        return false;
+    }
+    *pdwType = found->second.dwType;
+    *pBytes  = found->second.bytes;
+    return true;
+}
+
+void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 lLength)
+{
+    spooler().forms.push_back({WideText(wcName), dwFlags, {lWidth, lLength}});
+}
+
+void DropMachineForms()
+{
+    spooler().forms.clear();
+}
+
+void DenyPrinterAccess(DWORD dwAccess, DWORD dwError)
+{
+    if (dwError) {
+        spooler().denied[dwAccess] = dwError;
+    } else {
+        spooler().denied.clear();
+    }
+}
+
+const std::vector<std::string>& OpenedPrinters()
+{
+    return spooler().opened;
+}
+
+BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW pDefaults)
+{
+    FAILS(OpenPrinterW);
+    DWORD dwAccess = pDefaults ? pDefaults->DesiredAccess : PRINTER_ACCESS_USE;
+    char  cAccess[16];
+    std::snprintf(cAccess, sizeof cAccess, "|%X", dwAccess);
+    spooler().opened.push_back(Narrow(wcName ? wcName : u"(server)") + cAccess);
+    if (auto denied = spooler().denied.find(dwAccess); denied != spooler().denied.end()) {
+        return Refuse(denied->second);
+    }
+    /* "\\THISPC\Name" is the printer "Name" of this computer. */
+    std::u16string_view wcAsked(wcName ? wcName : u"");
+    if (wcAsked.starts_with(u"\\\\")) {
+        size_t nSlash = wcAsked.find(u'\\', 2);
+        wcAsked       = nSlash == std::u16string_view::npos ? u"" : wcAsked.substr(nSlash + 1);
+    }
+    if (!spooler().printers.count(LowerText(wcAsked))) {
+        return Refuse(ERROR_INVALID_PRINTER_NAME);
+    }
+    spooler().handles.push_back(std::make_unique<OpenPrinterHandle>(OpenPrinterHandle{LowerText(wcAsked)}));
+    *phPrinter = spooler().handles.back().get();
+    liveCounts.nPrinters++;
+    return 1;
+}
+
+BOOL WINAPI ClosePrinter(HANDLE hPrinter)
+{
+    int bFails = CallFails(CALL_ClosePrinter);
+    if (!std::erase_if(spooler().handles, [hPrinter](const auto& handle) { return handle.get() == hPrinter; })) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    liveCounts.nPrinters--;
+    return !bFails;
+}
+
+BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded)
+{
+    FAILS(GetPrinterW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter || dwLevel != 2) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    Layout          layout(CALL_GetPrinterW, sizeof(PRINTER_INFO_2W), pOut, cbOut);
+    PRINTER_INFO_2W info = {};
+    info.pPrinterName    = layout.Put(pPrinter->setup.wcName);
+    info.pDriverName     = layout.Put(pPrinter->setup.wcDriverName);
+    info.pPortName       = layout.Put(u"LPT1:");
+    info.pComment        = layout.Put(pPrinter->setup.wcComment);
+    info.pLocation       = layout.Put(pPrinter->setup.wcLocation);
+    info.pPrintProcessor = layout.Put(u"winprint");
+    info.pDatatype       = layout.Put(u"RAW");
+    *pcbNeeded           = layout.Needed();
+    if (!layout.Fits() || Lies(CALL_GetPrinterW, LIE_HUGE)) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    std::memcpy(pOut, &info, sizeof info);
+    return 1;
+}
+
+BOOL WINAPI GetPrinterDriverW(HANDLE hPrinter, LPWSTR, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded)
+{
+    FAILS(GetPrinterDriverW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter || dwLevel != 3) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    const PrinterSetup& setup = pPrinter->setup;
+    Layout              layout(CALL_GetPrinterDriverW, sizeof(DRIVER_INFO_3W), pOut, cbOut);
+    DRIVER_INFO_3W      info = {};
+    info.cVersion            = 3;
+    info.pName               = layout.Put(setup.wcDriverName);
+    info.pEnvironment        = layout.Put(u"Windows x64");
+    info.pDriverPath         = layout.Put(setup.tcDriverPath);
+    info.pDataFile           = layout.Put(setup.tcDataFile);
+    info.pConfigFile         = layout.Put(setup.tcConfigFile);
+    info.pHelpFile           = setup.tcHelpFile.empty() ? nullptr : layout.Put(setup.tcHelpFile);
+    info.pDependentFiles     = layout.PutMany(setup.atcDependentFiles);
+    info.pDefaultDataType    = layout.Put(u"RAW");
+    *pcbNeeded               = layout.Needed();
+    if (!layout.Fits() || Lies(CALL_GetPrinterDriverW, LIE_HUGE)) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    std::memcpy(pOut, &info, sizeof info);
+    return 1;
+}
+
+DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, LPDWORD pdwType, LPBYTE pOut, DWORD cbOut,
+                             LPDWORD pcbNeeded)
+{
+    FAILS(GetPrinterDataW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter) {
+        return ERROR_INVALID_HANDLE;
+    }
+    auto found = pPrinter->values.find(LowerText(wcValue));
+    if (found == pPrinter->values.end()) {
+        return ERROR_FILE_NOT_FOUND;
+    }
+    const Bytes& bytes = found->second.bytes;
+    DWORD        cb    = static_cast<DWORD>(bytes.size());
+    if (pdwType) {
+        *pdwType = found->second.dwType;
+    }
+    if (Lies(CALL_GetPrinterDataW, LIE_HUGE)) {
+        *pcbNeeded = 0xFFFFFFF0;
+        return pOut ? ERROR_SUCCESS : ERROR_MORE_DATA;
+    }
+    if (Lies(CALL_GetPrinterDataW, LIE_GROWS) && cbOut <= cb + 64) {
+        *pcbNeeded = cbOut + 64;
+        return ERROR_MORE_DATA;
+    }
+    if (Lies(CALL_GetPrinterDataW, LIE_SHORT)) {
+        cb /= 2;
+    }
+    *pcbNeeded = cb;
+    if (cbOut < cb) {
+        return ERROR_MORE_DATA;
+    }
+    if (cb) {
+        std::memcpy(pOut, bytes.data(), cb);
+    }
+    if (Lies(CALL_GetPrinterDataW, LIE_UNTERMINATED)) {
+        std::memset(pOut, 'A', cbOut);
+        *pcbNeeded = cbOut;
+    }
+    return ERROR_SUCCESS;
+}
+
+DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, DWORD dwType, LPBYTE pBytes, DWORD cbBytes)
+{
+    FAILS(SetPrinterDataW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter) {
+        return ERROR_INVALID_HANDLE;
+    }
+    pPrinter->values[LowerText(wcValue)] = {dwType, Bytes(pBytes, pBytes + cbBytes)};
+    return ERROR_SUCCESS;
+}
+
+BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded, LPDWORD pnForms)
+{
+    FAILS(EnumFormsW);
+    *pnForms = 0;
+    if (!FindPrinter(hPrinter) || dwLevel != 1) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    const std::vector<Form>& forms = spooler().forms;
+    Layout                   layout(CALL_EnumFormsW, forms.size() * sizeof(FORM_INFO_1W), pOut, cbOut);
+    std::vector<FORM_INFO_1W> rows;
+    for (const Form& form : forms) {
+        FORM_INFO_1W row  = {};
+        row.Flags         = form.dwFlags;
+        row.pName         = layout.Put(form.wcName);
+        row.Size          = form.size;
+        row.ImageableArea = {0, 0, form.size.cx, form.size.cy};
+        rows.push_back(row);
+    }
+    *pcbNeeded = layout.Needed();
+    if (!layout.Fits() || Lies(CALL_EnumFormsW, LIE_HUGE)) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    if (!rows.empty()) {
+        std::memcpy(pOut, rows.data(), rows.size() * sizeof(FORM_INFO_1W));
+    }
+    *pnForms = static_cast<DWORD>(rows.size());
+    return 1;
+}

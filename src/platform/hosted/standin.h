@@ -1,0 +1,71 @@
+/* Shared by the stand-ins: every one opens with FAILS(Name), which counts the call and lets a test's fault
+   answer in its place, and asks Lies() where it can tell one. */
+#ifndef TQUI_HOSTED_STANDIN_H
+#define TQUI_HOSTED_STANDIN_H
+
+#include "platform/calls.h"
+#include "platform/files.h"
+#include "platform/hosted/machine.h"
+#include "platform/process.h"
+#include "platform/profile.h"
+#include "platform/registry.h"
+#include "platform/resources.h"
+#include "platform/spooler.h"
+#include "platform/text.h"
+
+/* Counts the call. 1 when a fault is set for it: the last error is then ERROR_GEN_FAILURE, or
+   ERROR_NOT_ENOUGH_MEMORY for an allocation. */
+int CallFails(CallId call);
+int Lies(CallId call, LieKind kind);
+
+/* The value that the call gives on failure. */
+#define FAILED_RESULT(result, name, params, failed) \
+    inline result Failed_##name() { return static_cast<result>(failed); }
+ALL_CALLS(FAILED_RESULT)
+#undef FAILED_RESULT
+
+#define FAILS(name) \
+    do { \
+        if (CallFails(CALL_##name)) { \
+            return Failed_##name(); \
+        } \
+    } while (0)
+
+/* Language id of the machine's user; counts no call. */
+u16 HostedUserLanguage();
+/* The folder below which the machine's files lie. */
+extern std::filesystem::path machineRoot;
+
+void  SetHostedError(DWORD dwError);
+/* Sets the error and gives 0: for "return Refuse(ERROR_...)". */
+BOOL  Refuse(DWORD dwError);
+
+/* Capital of one 16-bit character, by the same table as CharUpperBuffW. */
+WCHAR    UpperChar(WCHAR wcChar);
+/* One form for all spellings of a name: capitals, but A to Z small. */
+WideText LowerText(std::u16string_view wcText);
+bool     SameName(std::u16string_view wcOne, std::u16string_view wcOther); /* case ignored */
+std::string Narrow(std::u16string_view wcText);                            /* UTF-8, for paths and messages */
+WideText    Widen(std::string_view text);                                  /* from UTF-8 */
+WideText    FromCodePage(const char* cText, size_t cb);                    /* from the machine's code page */
+std::string ToCodePage(std::u16string_view wcText);
+
+/* Bookkeeping of what is held; each kind of object counts itself up and down. */
+extern LiveCounts liveCounts;
+void              ResetPeak(); /* the most bytes held begins anew at what is held now */
+
+/* Closes what a kind of object left behind at StopMachine; each stand-in has one. */
+void ResetProcess();
+void ResetFiles();
+void ResetProfile();
+void ResetRegistry();
+void ResetSpooler();
+void ResetResources();
+
+/* Locale value of section "intl"; false when the machine has none. */
+bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);
+
+/* Reads a whole file of the machine for a stand-in that is not itself a file call (no counting). */
+bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes);
+
+#endif

@@ -1,0 +1,18 @@
+/* Memory, errors, system version, names and environment of this process, language of the user. */
+#ifndef TQUI_PLATFORM_PROCESS_H
+#define TQUI_PLATFORM_PROCESS_H
+
+#include "platform/basic.h"
+
+#ifndef _WIN32
+
+#include "platform/calls.h"
+
+constexpr DWORD HEAP_ZERO_MEMORY         = 8;
+constexpr DWORD MAX_COMPUTERNAME_LENGTH  = 15;
+constexpr DWORD DLL_PROCESS_ATTACH       = 1;
+
+PROCESS_CALLS(DECLARE_CALL)
+
+#endif
+#endif

@@ -1,0 +1,17 @@
+/* The language resource library: loaded as data, never run. */
+#ifndef TQUI_PLATFORM_RESOURCES_H
+#define TQUI_PLATFORM_RESOURCES_H
+
+#include "platform/basic.h"
+
+#ifndef _WIN32
+
+#include "platform/calls.h"
+
+constexpr DWORD LOAD_LIBRARY_AS_DATAFILE       = 0x02;
+constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
+
+RESOURCE_CALLS(DECLARE_CALL)
+
+#endif
+#endif
