@@ -89,4 +89,17 @@ enum : DWORD {
 SPOOLER_CALLS(DECLARE_CALL)
 
 #endif
+
+/* The published header of the document property calls, which the toolchain's headers lack. */
+struct DOCUMENTPROPERTYHEADER {
+    WORD      cbSize; /* 48 */
+    WORD      Reserved;
+    HANDLE    hPrinter;
+    LPWSTR    pszPrinterName;
+    PDEVMODEW pdmIn, pdmOut;
+    DWORD     cbOut; /* bytes of pdmOut, told back by the size call */
+    DWORD     fMode;
+};
+static_assert(sizeof(DOCUMENTPROPERTYHEADER) == 48);
+
 #endif

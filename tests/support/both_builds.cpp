@@ -19,7 +19,7 @@ int nFolder = 0;
 std::filesystem::path BuiltFolder()
 {
     const char* cFolder = std::getenv("TQUI_BUILT");
-    return cFolder ? cFolder : TQUI_SOURCE_DIR "/build/package";
+    return cFolder ? cFolder : TQUI_SAMPLES;
 }
 
 std::vector<unsigned char> ReadAll(const std::filesystem::path& path)

@@ -1,0 +1,59 @@
+/* Paper codes: one 16-bit number for any paper.
+
+     1 to 118     a row of the model's paper table
+     119 to 255   none
+     256          user-sized: the size is in the settings record
+     257 to 447   a row of the model's paper table, shown and stored, but GetPaperSize answers with the
+                  default paper
+     448 and up   the saved papers, then the spooler's user forms; valid for the moment only, since a paper
+                  saved or a form added renumbers what follows */
+#ifndef TQUI_DESCRIPTION_PAPER_H
+#define TQUI_DESCRIPTION_PAPER_H
+
+#include "description/driver_files.h"
+#include "description/paper_row.h"
+
+constexpr i32 FIRST_UNKNOWN_CODE = 119; /* up to LAST_UNKNOWN_CODE the default paper stands in */
+constexpr i32 LAST_UNKNOWN_CODE  = 447;
+constexpr i32 FIRST_SAVED_CODE   = 448;
+
+/* The saved papers: from the user's settings file when that file exists, else from the driver's .INI file.
+   outRows   O   new array of result + 1 rows, the caller's (the spare row filled when pModel is given); null
+                 when memory fails
+   Result: row count. */
+i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows);
+
+/* The spooler's user forms in its order; built-in forms and those of printers are left out.
+   Result: row count with *outRows a new array, the caller's; 0 and null when there is none or memory fails. */
+i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows);
+
+/* Size of a paper code in tenths of a millimetre. A code that cannot be resolved is the default paper: this
+   never fails. Result: 1 (or the model's number) for a metric paper, 0 for others. pModel may be null. */
+i32 GetPaperSize(PrinterCall& call, const XpiModel* pModel, i16 sCode, i16* psWidth, i16* psLength);
+
+/* The paper that a document is scaled to when this one is chosen; 0 or below for none. */
+i16 GetCompanionPaper(const XpiModel* pModel, i16 sCode);
+
+/* Row of the model's paper table with this code, or null. */
+const PaperRow* FindPaperRow(const XpiModel* pModel, i16 sCode);
+
+/* Smallest and largest width and length over the paper table and the custom range, each side by itself, in
+   tenths of a millimetre. Without both custom maxima the walk starts at 0x7FFFFFFF and at 0, and that is what
+   a model without papers answers. */
+struct PaperExtents {
+    i32 lMinWidth, lMinLength, lMaxWidth, lMaxLength;
+};
+PaperExtents GetPaperExtents(const XpiModel* pModel);
+
+/* Printable margins. Paper code 0 or below asks for the margins of the rotated paper; codes 119 to 447 stand
+   for the default paper.
+   usOrientation   1 portrait, 2 landscape, a mask against the rows' modes
+   lDpi            dots per inch of the result; with 25400 thousandths of a millimetre, the unit of forms
+   Without a model, a table or a usable resolution in the row both are lDpi / 4. Results are brought to 16
+   bits. */
+struct Margins {
+    i32 lX, lY;
+};
+Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation, i32 lDpi);
+
+#endif

@@ -1,0 +1,179 @@
+/* Asks the spooler, each thing once a call. */
+#include "description/printer_call.h"
+
+#include <cstring>
+
+#include "base/wide.h"
+
+namespace {
+
+constexpr u32 FIRST_BYTES   = 4096;
+constexpr u32 ANSWER_LIMIT  = 8 * 1024 * 1024; /* no honest answer of a spooler comes near */
+constexpr u32 CLOSING_BYTES = 16;              /* zeros behind an answer, so that its last text has an end */
+constexpr int NAME_CHARS    = 129;             /* a printer's name that is opened: 128 characters and NUL */
+
+BOOL AskDriver(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD*)
+{
+    return GetPrinterDriverW(hPrinter, nullptr, 3, pOut, cbOut, pcbNeeded);
+}
+
+BOOL AskPrinter(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD*)
+{
+    return GetPrinterW(hPrinter, 2, pOut, cbOut, pcbNeeded);
+}
+
+} // namespace
+
+const WCHAR* AnswerText(const void* pBlock, u32 cbBlock, const WCHAR* wcMember)
+{
+    u64 ullBlock = reinterpret_cast<std::uintptr_t>(pBlock);
+    u64 ullText  = reinterpret_cast<std::uintptr_t>(wcMember);
+    int bInside  = ullText >= ullBlock && ullText < ullBlock + cbBlock && ullText % alignof(WCHAR) == 0;
+    return bInside ? wcMember : TEXT("");
+}
+
+void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState)
+{
+    *pState = NO_ANSWER;
+    if (!IsOpen(hPrinter)) {
+        return nullptr;
+    }
+    u32 cb = cbFirst;
+    for (int nTry = 0; nTry < 2; nTry++) {
+        OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(cb + CLOSING_BYTES)));
+        if (!pBlock) {
+            *pState = NO_MEMORY;
+            return nullptr;
+        }
+        DWORD cbNeeded = 0;
+        *pnRows        = 0;
+        if (fnAsk(hPrinter, pBlock.get(), cb, &cbNeeded, pnRows)) {
+            *pState = ANSWERED;
+            *pcb    = cb;
+            return pBlock.release();
+        }
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded <= cb) {
+            return nullptr;
+        }
+        if (cbNeeded > ANSWER_LIMIT) {
+            *pState = NO_MEMORY;
+            return nullptr;
+        }
+        cb = cbNeeded;
+    }
+    return nullptr; /* it grew between the two calls */
+}
+
+const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call)
+{
+    if (call.driverState == NOT_ASKED) {
+        DWORD nRows;
+        call.pDriverInfo.reset(static_cast<DRIVER_INFO_3W*>(
+            AskSpooler(call.hPrinter, AskDriver, FIRST_BYTES, &call.cbDriverInfo, &nRows, &call.driverState)));
+    }
+    return call.pDriverInfo.get();
+}
+
+const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call)
+{
+    if (call.printerState == NOT_ASKED) {
+        DWORD nRows;
+        call.pPrinterInfo.reset(static_cast<PRINTER_INFO_2W*>(
+            AskSpooler(call.hPrinter, AskPrinter, FIRST_BYTES, &call.cbPrinterInfo, &nRows, &call.printerState)));
+    }
+    return call.pPrinterInfo.get();
+}
+
+const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember)
+{
+    return AnswerText(call.pDriverInfo.get(), call.cbDriverInfo, wcMember);
+}
+
+const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember)
+{
+    return AnswerText(call.pPrinterInfo.get(), call.cbPrinterInfo, wcMember);
+}
+
+int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int cch, int* pbEnded)
+{
+    DWORD dwType = 0, cbValue = 0;
+    DWORD cbRoom = static_cast<DWORD>(cch) * static_cast<DWORD>(sizeof(WCHAR));
+    wcOut[0]     = 0;
+    if (!IsOpen(call.hPrinter) ||
+        GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType, reinterpret_cast<BYTE*>(wcOut), cbRoom,
+                        &cbValue) != ERROR_SUCCESS ||
+        dwType != REG_SZ) {
+        wcOut[0] = 0;
+        return 0;
+    }
+    int nGot    = static_cast<int>((cbValue < cbRoom ? cbValue : cbRoom) / sizeof(WCHAR));
+    int nLength = BoundedLength(wcOut, nGot);
+    if (pbEnded) {
+        *pbEnded = nLength < nGot;
+    }
+    wcOut[nLength < cch ? nLength : cch - 1] = 0;
+    return 1;
+}
+
+u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb)
+{
+    DWORD dwType = 0, cbValue = 0;
+    if (!IsOpen(call.hPrinter) ||
+        GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType, static_cast<BYTE*>(pOut), cb, &cbValue) !=
+            ERROR_SUCCESS) {
+        return 0;
+    }
+    return cbValue <= cb ? cbValue : 0;
+}
+
+namespace {
+
+/* Cuts ",Local" off a name that begins with this computer's own "\\NAME\". */
+void CutLocalTail(WCHAR* wcName)
+{
+    WCHAR wcOwn[NAME_CHARS] = TEXT("\\\\");
+    WCHAR wcComputer[64];
+    DWORD cchComputer = 64;
+    if (wcName[0] != '\\' || wcName[1] != '\\' || !GetComputerNameW(wcComputer, &cchComputer)) {
+        return;
+    }
+    wcComputer[63] = 0;
+    if (!AppendWideWhole(wcOwn, NAME_CHARS, wcComputer) || !AppendWideWhole(wcOwn, NAME_CHARS, TEXT("\\"))) {
+        return;
+    }
+    for (int i = 0; wcOwn[i]; i++) {
+        if (wcName[i] != wcOwn[i]) {
+            return;
+        }
+    }
+    const WCHAR* wcTail = FindWide(wcName, TEXT(",Local"));
+    if (wcTail) {
+        wcName[wcTail - wcName] = 0;
+    }
+}
+
+} // namespace
+
+OwnedPrinter OpenPrinterByName(const WCHAR* wcName)
+{
+    WCHAR wcCopy[NAME_CHARS];
+    if (!wcName) {
+        return OwnedPrinter(INVALID_HANDLE_VALUE); /* null would open the print server */
+    }
+    CopyWide(wcCopy, NAME_CHARS, wcName);
+    CutLocalTail(wcCopy);
+    PRINTER_DEFAULTSW defaults = {};
+    HANDLE            hPrinter = nullptr;
+    defaults.DesiredAccess     = PRINTER_ALL_ACCESS;
+    if (OpenPrinterW(wcCopy, &hPrinter, &defaults)) {
+        return OwnedPrinter(hPrinter);
+    }
+    if (GetLastError() == ERROR_ACCESS_DENIED) {
+        defaults.DesiredAccess = PRINTER_ACCESS_USE;
+        hPrinter               = nullptr;
+        if (OpenPrinterW(wcCopy, &hPrinter, &defaults)) {
+            return OwnedPrinter(hPrinter);
+        }
+    }
+    return OwnedPrinter(INVALID_HANDLE_VALUE);
+}

@@ -1,0 +1,79 @@
+/* What one entry call knows of its printer. Asking the spooler is what costs, so each thing is asked for
+   once, when it is first wanted, and goes with the call: nothing of this outlives it. Functions that serve a
+   printer take a PrinterCall where others would take the handle. */
+#ifndef TQUI_DESCRIPTION_PRINTER_CALL_H
+#define TQUI_DESCRIPTION_PRINTER_CALL_H
+
+#include "base/owned.h"
+#include "description/xpi_file.h"
+#include "platform/spooler.h"
+
+/* The installed set, 16 bytes as in the printer value "DeviceInfo": what option masks are tested against. */
+struct DeviceInfo {
+    u32 ulInputs, ulOutputs, ulOptions, ulMemoryKey;
+};
+static_assert(sizeof(DeviceInfo) == 16);
+
+enum AskState : int { NOT_ASKED, ANSWERED, NO_ANSWER, NO_MEMORY };
+
+struct PrinterCall {
+    HANDLE                      hPrinter; /* borrowed; null or invalid: every question has no answer */
+    AskState                    driverState, printerState, xpiState, deviceState;
+    u32                         cbDriverInfo, cbPrinterInfo; /* bytes of the two blocks that the spooler wrote */
+    OwnedBlock<DRIVER_INFO_3W>  pDriverInfo;
+    OwnedBlock<PRINTER_INFO_2W> pPrinterInfo;
+    XpiFile                     rXpiFile;
+    DeviceInfo                  rDeviceInfo;
+
+    explicit PrinterCall(HANDLE hOf)
+        : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), xpiState(NOT_ASKED),
+          deviceState(NOT_ASKED), cbDriverInfo(0), cbPrinterInfo(0), rXpiFile{}, rDeviceInfo{}
+    {
+    }
+};
+
+struct PrinterDeleter {
+    using pointer = HANDLE;
+    void operator()(HANDLE hPrinter) const
+    {
+        if (IsOpen(hPrinter)) {
+            ClosePrinter(hPrinter);
+        }
+    }
+};
+using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
+
+/* DRIVER_INFO_3 and PRINTER_INFO_2 of the printer, the call's own; null when the spooler does not give them
+   or memory fails (the state tells which). Text members are read with InfoText. */
+const DRIVER_INFO_3W*  GetDriverInfo(PrinterCall& call);
+const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
+
+/* A text member of one of the two blocks: "" for null and for what does not lie in the block. The text ends
+   inside the block or in the zeros kept behind it, and so does a list of texts. */
+const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember);
+const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember);
+
+/* The same for any answer of the spooler of cb bytes that AskSpooler gave. */
+const WCHAR* AnswerText(const void* pBlock, u32 cb, const WCHAR* wcMember);
+
+/* A growing answer of the spooler (size call and real call in one), zero-filled beyond what it wrote. Only
+   for the askers of this folder: fnAsk gives the spooler's result for a buffer. Result: the block, or null
+   with *pState telling why; *pcb is the size that was handed to the spooler. */
+using AskFunction = BOOL (*)(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD* pnRows);
+void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState);
+
+/* Reads a text value of the printer into cch characters. 1 when it is there, of type REG_SZ, and fits; the
+   text is ended by us where its NUL is missing (*pbEnded, which may be null, says whether it had one). Else 0
+   and "". */
+int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int cch, int* pbEnded);
+
+/* Reads a value of at most cb bytes whatever its type. Result: its size, 0 when it is not there, empty, or
+   larger. */
+u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb);
+
+/* Opens a printer by a name that comes from outside a spooler call: a name of this computer
+   ("\\THISPC\Name,LocalOnly") is cut at ",Local". Full access is tried first, use only behind a refusal. The
+   caller closes it; the invalid handle when it cannot be opened. */
+OwnedPrinter OpenPrinterByName(const WCHAR* wcName);
+
+#endif

@@ -1,0 +1,169 @@
+/* Reads and writes the printer's stored values; names the user's folder. */
+#include "description/printer_store.h"
+
+#include <cstring>
+
+#include "platform/process.h"
+#include "settingsfile/profile_values.h"
+
+namespace {
+
+constexpr u32 VALUE_LIMIT = 1024 * 1024; /* bytes of a stored value; an honest one has a few hundred */
+
+void SetValue(PrinterCall& call, const WCHAR* wcValue, DWORD dwType, const void* pBytes, u32 cb)
+{
+    SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), dwType,
+                    static_cast<BYTE*>(const_cast<void*>(pBytes)), cb);
+}
+
+/* 1 for a name of nothing but dots and blanks, which names no file. */
+int IsHollow(const WCHAR* wcName)
+{
+    while (*wcName == '.' || *wcName == ' ') {
+        wcName++;
+    }
+    return *wcName == 0;
+}
+
+void MakeFileName(WCHAR* wcName)
+{
+    for (; *wcName; wcName++) {
+        switch (*wcName) {
+        case '"': *wcName = '\''; break;
+        case '*':
+        case ':':
+        case '?':
+        case '|': *wcName = ' '; break;
+        case '/':
+        case '\\': *wcName = '-'; break;
+        case '<': *wcName = '('; break;
+        case '>': *wcName = ')'; break;
+        default: break;
+        }
+    }
+}
+
+void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch)
+{
+    WCHAR tcPath[PATH_CHARS];
+    GetUserSettingsPath(call, tcPath);
+    ReadProfileText(TEXT("Basalt"), wcKey, TEXT(""), wcOut, cch, tcPath);
+}
+
+} // namespace
+
+u32 GetPrinterMemory(PrinterCall& call)
+{
+    u32 ulMemory = 0;
+    return ReadPrinterBytes(call, TEXT("Memory"), &ulMemory, sizeof ulMemory) == sizeof ulMemory ? ulMemory : 0;
+}
+
+void SetPrinterMemory(PrinterCall& call, u32 ulMemory)
+{
+    SetValue(call, TEXT("Memory"), REG_DWORD, &ulMemory, sizeof ulMemory);
+}
+
+u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
+{
+    DWORD dwType, cbValue = 0;
+    LPWSTR wcValue = const_cast<LPWSTR>(TEXT("FontSubs"));
+    BYTE   bSize;
+    outBlock->reset();
+    if (!IsOpen(call.hPrinter) ||
+        GetPrinterDataW(call.hPrinter, wcValue, &dwType, &bSize, 0, &cbValue) != ERROR_MORE_DATA || !cbValue ||
+        cbValue > VALUE_LIMIT) {
+        return 0;
+    }
+    OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
+    DWORD          cbGot = 0;
+    if (!pBlock || GetPrinterDataW(call.hPrinter, wcValue, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
+        return 0;
+    }
+    u32 cb = (cbGot < cbValue ? cbGot : cbValue) & ~1u;
+    if (!cb) {
+        return 0;
+    }
+    std::memset(pBlock.get() + cb, 0, cbValue - cb);
+    *outBlock = std::move(pBlock);
+    return cb;
+}
+
+void SetFontSubs(PrinterCall& call, const void* pBlock, u32 cb)
+{
+    SetValue(call, TEXT("FontSubs"), REG_MULTI_SZ, pBlock, cb);
+}
+
+int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
+{
+    int bRead = ReadPrinterText(call, TEXT("Settings"), wcOut, cch, nullptr);
+    int bPlain = !IsHollow(wcOut);
+    for (int i = 0; wcOut[i]; i++) {
+        bPlain = bPlain && wcOut[i] != '\\' && wcOut[i] != '/' && wcOut[i] != ':';
+    }
+    if (!bRead || !bPlain) {
+        wcOut[0] = 0;
+        return 0;
+    }
+    return 1;
+}
+
+void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName)
+{
+    SetValue(call, TEXT("Settings"), REG_SZ, wcName, static_cast<u32>((WideLength(wcName) + 1) * static_cast<int>(sizeof(WCHAR))));
+}
+
+int GetDriverName(PrinterCall& call, WCHAR* wcOut)
+{
+    const PRINTER_INFO_2W* pInfo = GetPrinterInfo(call);
+    CopyWide(wcOut, PATH_CHARS, pInfo ? PrinterText(call, pInfo->pDriverName) : TEXT(""));
+    return wcOut[0] != 0;
+}
+
+int GetUserFolder(PrinterCall& call, WCHAR* tcOut)
+{
+    WCHAR wcDriver[PATH_CHARS];
+    tcOut[0] = 0;
+    GetDriverName(call, wcDriver);
+    MakeFileName(wcDriver);
+    DWORD nProfile = GetEnvironmentVariableW(TEXT("USERPROFILE"), tcOut, PATH_CHARS);
+    if (IsHollow(wcDriver) || nProfile == 0 || nProfile >= PATH_CHARS) {
+        tcOut[0] = 0;
+        return 0;
+    }
+    tcOut[nProfile] = 0;
+    const WCHAR* const aSteps[] = {TEXT("\\Application Data"), TEXT("\\Corvantis Optics"), TEXT("\\"), wcDriver};
+    int                anEnds[4];
+    for (int i = 0; i < 4; i++) {
+        if (!AppendWideWhole(tcOut, PATH_CHARS, aSteps[i])) {
+            return 0;
+        }
+        anEnds[i] = WideLength(tcOut);
+    }
+    if (GetFileAttributesW(tcOut) == INVALID_FILE_ATTRIBUTES) {
+        for (int nEnd : {anEnds[0], anEnds[1], anEnds[3]}) {
+            WCHAR wcKept = tcOut[nEnd];
+            tcOut[nEnd]  = 0;
+            CreateDirectoryW(tcOut, nullptr);
+            tcOut[nEnd] = wcKept;
+        }
+    }
+    return 1;
+}
+
+int GetUserSettingsPath(PrinterCall& call, WCHAR* tcOut)
+{
+    WCHAR wcName[PATH_CHARS];
+    tcOut[0] = 0;
+    return GetSettingsFileName(call, wcName, PATH_CHARS) && GetUserFolder(call, tcOut) &&
+           AppendWideWhole(tcOut, PATH_CHARS, TEXT("\\")) && AppendWideWhole(tcOut, PATH_CHARS, wcName);
+}
+
+void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch)
+{
+    ReadBasaltText(call, TEXT("Profile"), wcOut, cch);
+}
+
+void GetScreenName(PrinterCall& call, WCHAR* wcOut, int cch)
+{
+    ReadBasaltText(call, TEXT("Screen"), wcOut, cch);
+}

@@ -1,0 +1,192 @@
+/* Reads the sections of a description file. */
+#include "description/xpi_file.h"
+
+#include <cstring>
+
+int OpenXpiPath(XpiFile& file, const WCHAR* tcPath)
+{
+    file.bHeaderRead = 0;
+    file.hFile.reset(CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    return IsOpen(file.hFile.get());
+}
+
+int ReadXpiBytes(XpiFile& file, u64 ullOffset, void* pOut, u32 cb, u32* pcbGot)
+{
+    *pcbGot = 0;
+    LARGE_INTEGER offset;
+    offset.QuadPart = static_cast<i64>(ullOffset);
+    DWORD cbRead    = 0;
+    if (!SetFilePointerEx(file.hFile.get(), offset, nullptr, FILE_BEGIN) ||
+        !ReadFile(file.hFile.get(), pOut, cb, &cbRead, nullptr)) {
+        return 0;
+    }
+    *pcbGot = cbRead < cb ? cbRead : cb;
+    return 1;
+}
+
+const XpiHeader* ReadXpiHeader(XpiFile& file)
+{
+    if (!file.bHeaderRead) {
+        u32 cbGot;
+        file.rHeader     = {};
+        file.bHeaderRead = 1;
+        ReadXpiBytes(file, 0, &file.rHeader, sizeof file.rHeader, &cbGot);
+    }
+    return &file.rHeader;
+}
+
+namespace {
+
+/* cScratch has room for nLimit bytes. */
+int ReadCommand(XpiFile& file, u16 usId, char* cScratch, u32 nLimit, char* cOut, int cbOut)
+{
+    if (cbOut < 1) {
+        return 0;
+    }
+    cOut[0]                  = 0;
+    const XpiHeader* pHeader = ReadXpiHeader(file);
+    u16              usOffset = 0;
+    u32              cbGot;
+    if (!ReadXpiBytes(file, pHeader->dwCommandTableOffset + 2 * static_cast<u64>(usId), &usOffset, sizeof usOffset,
+                      &cbGot) ||
+        cbGot < sizeof usOffset) {
+        return 0;
+    }
+    u64 ullStart = static_cast<u64>(pHeader->dwCommandDataOffset) + usOffset;
+    if (ullStart >= pHeader->dwFontDataOffset) {
+        return 0;
+    }
+    u64 ullRoom = pHeader->dwFontDataOffset - ullStart;
+    u32 cbAsked = ullRoom < nLimit ? static_cast<u32>(ullRoom) : nLimit;
+    if (!ReadXpiBytes(file, ullStart, cScratch, cbAsked, &cbGot)) {
+        return 0;
+    }
+    u32 nLength = 0;
+    while (nLength < cbGot && cScratch[nLength]) {
+        nLength++;
+    }
+    if (nLength >= nLimit || nLength >= static_cast<u32>(cbOut)) {
+        return 0;
+    }
+    std::memcpy(cOut, cScratch, nLength);
+    cOut[nLength] = 0;
+    return static_cast<int>(nLength);
+}
+
+/* Reads nRows rows of the font offset table from row nFirst on; 0 unless all came. */
+int ReadFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows)
+{
+    u32 cbGot;
+    return ReadXpiBytes(file, ReadXpiHeader(file)->dwFontTableOffset + 4 * static_cast<u64>(nFirst), aRows, 4 * nRows,
+                        &cbGot) &&
+           cbGot == 4 * nRows;
+}
+
+} // namespace
+
+int ReadXpiCommand(XpiFile& file, u16 usId, char* cOut, int cbOut)
+{
+    char cScratch[COMMAND_BYTES];
+    return ReadCommand(file, usId, cScratch, sizeof cScratch, cOut, cbOut);
+}
+
+int ReadXpiShortCommand(XpiFile& file, u16 usId, char* cOut, int cbOut)
+{
+    char cScratch[SHORT_COMMAND_BYTES];
+    return ReadCommand(file, usId, cScratch, sizeof cScratch, cOut, cbOut);
+}
+
+u32 ReadXpiFontChunk(XpiFile& file, const XpiModel* pModel, u8* pOut, i32 nFirst)
+{
+    if (!pModel || nFirst < 1 || nFirst > pModel->sResFontCount) {
+        return 0;
+    }
+    u32 nFonts = static_cast<u32>(pModel->sResFontCount);
+    u32 nFont  = static_cast<u32>(nFirst) - 1;
+    u32 aRows[65];
+    u32 ulStart = 0, cbChunk = 0;
+    for (u32 nHeld = 0, nAt = 0; nFont < nFonts; nFont++, nAt++) {
+        if (nAt == nHeld) {
+            nHeld = nFonts - nFont < 64 ? nFonts - nFont : 64;
+            nAt   = 0;
+            if (!ReadFontRows(file, nFont, aRows, nHeld + 1)) {
+                return 0;
+            }
+            ulStart = nFont + 1 == static_cast<u32>(nFirst) ? aRows[0] : ulStart;
+        }
+        u32 cbFont = XpiFontBytes(aRows[nAt], aRows[nAt + 1]);
+        if (cbChunk + cbFont > FONT_CHUNK_BYTES) {
+            break;
+        }
+        cbChunk += cbFont;
+    }
+    if (pOut && cbChunk) {
+        u32 cbGot;
+        if (!ReadXpiBytes(file, static_cast<u64>(ReadXpiHeader(file)->dwFontDataOffset) + ulStart, pOut, cbChunk,
+                          &cbGot) ||
+            cbGot < cbChunk) {
+            return 0;
+        }
+    }
+    return cbChunk;
+}
+
+u32 GetXpiFontDataSize(XpiFile& file, const XpiModel* pModel)
+{
+    if (!pModel || pModel->sResFontCount < 1) {
+        return 0;
+    }
+    u32           ulFirst, ulLast;
+    LARGE_INTEGER size;
+    if (!ReadFontRows(file, 0, &ulFirst, 1) ||
+        !ReadFontRows(file, static_cast<u32>(pModel->sResFontCount), &ulLast, 1) || ulLast < ulFirst ||
+        !GetFileSizeEx(file.hFile.get(), &size) ||
+        static_cast<u64>(ReadXpiHeader(file)->dwFontDataOffset) + ulLast > static_cast<u64>(size.QuadPart)) {
+        return 0;
+    }
+    return ulLast - ulFirst;
+}
+
+OwnedBlock<u8> ReadXpiBitmap(XpiFile& file, u16 usId, u32* pcbOut)
+{
+    constexpr u32    FILE_HEADER_BYTES = 14;
+    const XpiHeader* pHeader           = ReadXpiHeader(file);
+    u32              ulOffset, cbGot, cbFile;
+    u8               abHeader[FILE_HEADER_BYTES];
+    LARGE_INTEGER    size;
+    *pcbOut = 0;
+    if (!ReadXpiBytes(file, pHeader->dwBitmapTableOffset + 4 * static_cast<u64>(usId), &ulOffset, sizeof ulOffset,
+                      &cbGot) ||
+        cbGot < sizeof ulOffset) {
+        return nullptr;
+    }
+    u64 ullStart = static_cast<u64>(pHeader->dwBitmapDataOffset) + ulOffset;
+    if (!ReadXpiBytes(file, ullStart, abHeader, sizeof abHeader, &cbGot) || cbGot < sizeof abHeader) {
+        return nullptr;
+    }
+    std::memcpy(&cbFile, abHeader + 2, sizeof cbFile);
+    if (cbFile < FILE_HEADER_BYTES || !GetFileSizeEx(file.hFile.get(), &size) ||
+        ullStart + cbFile > static_cast<u64>(size.QuadPart)) {
+        return nullptr;
+    }
+    OwnedBlock<u8> pBitmap(static_cast<u8*>(AllocateBlock(cbFile)));
+    if (!pBitmap || !ReadXpiBytes(file, ullStart, pBitmap.get(), cbFile, &cbGot) || cbGot < cbFile) {
+        return nullptr;
+    }
+    *pcbOut = cbFile;
+    return pBitmap;
+}
+
+u32 ReadXpiColorData(XpiFile& file, u8* pOut)
+{
+    const XpiHeader* pHeader = ReadXpiHeader(file);
+    u32              cbData  = static_cast<u16>(pHeader->dwColorDataSize);
+    u32              cbGot;
+    if (pOut && cbData) {
+        std::memset(pOut, 0, cbData);
+        if (!ReadXpiBytes(file, pHeader->dwColorDataOffset, pOut, cbData, &cbGot)) {
+            return 0;
+        }
+    }
+    return cbData;
+}

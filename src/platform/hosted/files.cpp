@@ -1,0 +1,600 @@
+/* Stand-ins for files and folders: real files below the machine's root. A drive's letter is a folder of the
+   root, "\\server\share" is unc/server/share there, and every name is kept in small letters. The read-only
+   attribute is the missing write permission of the file's owner; hidden and system are not kept. */
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/hosted/standin.h"
+
+/* For stand-ins that open files by themselves: 0, or ERROR_SHARING_VIOLATION when what is open at the moment
+   does not go with an opening of these access and share bits. */
+DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
+
+/* The error for a host call on a path that failed with errno nError. */
+DWORD HostPathError(const std::string& host, int nError);
+
+namespace {
+
+constexpr DWORD ERROR_TOO_MANY_OPEN_FILES  = 4;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_NOACCESS             = 998;
+
+constexpr DWORD GENERIC_ALL     = 0x10000000;
+constexpr DWORD FILE_READ_DATA  = 1;
+constexpr DWORD FILE_WRITE_DATA = 2;
+
+constexpr size_t PATH_LIMIT   = 259; /* characters of a path without its NUL */
+constexpr size_t FOLDER_LIMIT = 247; /* a folder leaves room for a file name of 8.3 in it */
+constexpr i64    HUGE_SIZE    = i64{1} << 40;
+
+struct ResolvedPath {
+    DWORD       dwError     = 0; /* why the path cannot be one */
+    bool        bNeedFolder = false; /* ends in a separator */
+    std::string host;
+};
+
+struct OpenFile {
+    int   nDescriptor = -1; /* -1: the slot is free */
+    u32   ulSerial    = 0;  /* of the handle, so that a closed one never lives again */
+    u64   ulDevice    = 0;
+    u64   ulNode      = 0;
+    DWORD dwAccess    = 0; /* FILE_READ_DATA, FILE_WRITE_DATA */
+    DWORD dwShare     = 0;
+    i64   lPosition   = 0;
+};
+
+struct Files {
+    std::vector<OpenFile> open;
+    u32                   ulLastSerial = 0;
+};
+
+Files& files()
+{
+    static Files instance;
+    return instance;
+}
+
+/* ---- paths ---- */
+
+bool IsSeparator(char16_t character)
+{
+    return character == u'\\' || character == u'/';
+}
+
+/* Device names are taken in any folder and with any extension. None of them can be opened here. */
+bool IsDeviceName(std::u16string_view wcName)
+{
+    wcName = wcName.substr(0, wcName.find(u'.'));
+    while (!wcName.empty() && wcName.back() == u' ') {
+        wcName.remove_suffix(1);
+    }
+    if (wcName.size() == 4 && wcName[3] >= u'1' && wcName[3] <= u'9') {
+        return SameName(wcName.substr(0, 3), u"COM") || SameName(wcName.substr(0, 3), u"LPT");
+    }
+    return SameName(wcName, u"NUL") || SameName(wcName, u"CON") || SameName(wcName, u"AUX") ||
+           SameName(wcName, u"PRN");
+}
+
+bool IsUsableName(std::u16string_view wcName)
+{
+    constexpr std::u16string_view WC_FORBIDDEN = u"<>:\"|?*";
+    for (char16_t character : wcName) {
+        if (character < 0x20 || WC_FORBIDDEN.find(character) != WC_FORBIDDEN.npos) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/* Takes the next name and the separators behind it off the path. */
+std::u16string_view TakeName(std::u16string_view* pRest, bool* pbLast)
+{
+    size_t nEnd = 0;
+    while (nEnd < pRest->size() && !IsSeparator((*pRest)[nEnd])) {
+        nEnd++;
+    }
+    std::u16string_view wcName = pRest->substr(0, nEnd);
+    *pbLast                    = nEnd == pRest->size();
+    while (nEnd < pRest->size() && IsSeparator((*pRest)[nEnd])) {
+        nEnd++;
+    }
+    pRest->remove_prefix(nEnd);
+    return wcName;
+}
+
+/* The names of a path behind its drive or share, as Windows reads them: "." and ".." go, the second never
+   above the drive or share; dots end no name, and blanks not the last one. Result: 0 or an error. */
+DWORD ResolveNames(std::u16string_view wcRest, std::vector<std::u16string_view>* pNames, bool* pbNeedFolder)
+{
+    while (!wcRest.empty()) {
+        bool                bLast;
+        std::u16string_view wcName = TakeName(&wcRest, &bLast);
+        *pbNeedFolder              = !bLast;
+        if (wcName.empty() || wcName == u".") {
+            continue;
+        }
+        if (wcName == u"..") {
+            if (!pNames->empty()) {
+                pNames->pop_back();
+            }
+            continue;
+        }
+        while (!wcName.empty() && (wcName.back() == u'.' || (bLast && wcName.back() == u' '))) {
+            wcName.remove_suffix(1);
+        }
+        if (wcName.empty() && bLast) {
+            continue;
+        }
+        if (wcName.empty() || !IsUsableName(wcName)) {
+            return ERROR_INVALID_NAME;
+        }
+        pNames->push_back(wcName);
+    }
+    return !pNames->empty() && IsDeviceName(pNames->back()) ? ERROR_FILE_NOT_FOUND : 0;
+}
+
+/* Start of the host path: the drive's folder or the share's. Result: 0 or an error. */
+DWORD ResolveStart(std::u16string_view* pRest, WideText* pStart)
+{
+    std::u16string_view wcPath = *pRest;
+    if (wcPath.size() >= 3 && wcPath[1] == u':' && IsSeparator(wcPath[2])) {
+        char16_t wcDrive = UpperChar(wcPath[0]);
+        if (wcDrive < u'A' || wcDrive > u'Z') {
+            return ERROR_PATH_NOT_FOUND;
+        }
+        pStart->assign({u'/', wcDrive});
+        pRest->remove_prefix(3);
+        return 0;
+    }
+    if (wcPath.size() < 2 || !IsSeparator(wcPath[0]) || !IsSeparator(wcPath[1])) {
+        return ERROR_PATH_NOT_FOUND; /* relative: there is no current folder */
+    }
+    pRest->remove_prefix(2);
+    if (!pRest->empty() && (pRest->front() == u'?' || pRest->front() == u'.')) {
+        return ERROR_FILE_NOT_FOUND; /* a device */
+    }
+    pStart->assign(u"/unc");
+    for (int i = 0; i < 2; i++) {
+        bool                bLast;
+        std::u16string_view wcName = TakeName(pRest, &bLast);
+        if (wcName.find_first_not_of(u". ") == std::u16string_view::npos || !IsUsableName(wcName)) {
+            return ERROR_PATH_NOT_FOUND;
+        }
+        pStart->append(u"/").append(wcName);
+    }
+    return 0;
+}
+
+ResolvedPath Resolve(std::u16string_view wcPath)
+{
+    ResolvedPath resolved;
+    if (machineRoot.empty() || wcPath.empty() || wcPath.size() > PATH_LIMIT) {
+        resolved.dwError = ERROR_PATH_NOT_FOUND;
+        return resolved;
+    }
+    WideText                         wcHost;
+    std::vector<std::u16string_view> names;
+    resolved.dwError = ResolveStart(&wcPath, &wcHost);
+    if (!resolved.dwError) {
+        resolved.dwError = ResolveNames(wcPath, &names, &resolved.bNeedFolder);
+    }
+    if (resolved.dwError) {
+        return resolved;
+    }
+    for (std::u16string_view wcName : names) {
+        wcHost.append(u"/").append(wcName);
+    }
+    resolved.host = machineRoot.native() + Narrow(LowerText(wcHost));
+    return resolved;
+}
+
+ResolvedPath Resolve(LPCWSTR wcPath)
+{
+    return Resolve(wcPath ? std::u16string_view(wcPath) : std::u16string_view());
+}
+
+/* ---- open files ---- */
+
+/* A handle is the slot with its serial number above it, and a mark that no other kind of handle bears. */
+HANDLE HandleOf(size_t nSlot, u32 ulSerial)
+{
+    return reinterpret_cast<HANDLE>(u64{ulSerial} << 32 | 0x46000000 | nSlot << 2);
+}
+
+OpenFile* FindFile(HANDLE hFile)
+{
+    u64    ulHandle = reinterpret_cast<u64>(hFile);
+    size_t nSlot    = (ulHandle & 0xFFFFFF) >> 2;
+    if (nSlot >= files().open.size()) {
+        return nullptr;
+    }
+    OpenFile* pFile = &files().open[nSlot];
+    return pFile->nDescriptor >= 0 && HandleOf(nSlot, pFile->ulSerial) == hFile ? pFile : nullptr;
+}
+
+DWORD DataAccess(DWORD dwAccess)
+{
+    DWORD dwData = dwAccess & (FILE_READ_DATA | FILE_WRITE_DATA);
+    dwData |= dwAccess & (GENERIC_READ | GENERIC_ALL) ? FILE_READ_DATA : 0;
+    dwData |= dwAccess & (GENERIC_WRITE | GENERIC_ALL) ? FILE_WRITE_DATA : 0;
+    return dwData;
+}
+
+/* The bits of data access and of sharing are the same, so that one mask tells. */
+bool Excludes(DWORD dwShare, DWORD dwData)
+{
+    static_assert(FILE_READ_DATA == FILE_SHARE_READ && FILE_WRITE_DATA == FILE_SHARE_WRITE);
+    return (dwData & ~dwShare) != 0;
+}
+
+HANDLE KeepFile(const OpenFile& opened)
+{
+    std::vector<OpenFile>& open  = files().open;
+    size_t                 nSlot = 0;
+    while (nSlot < open.size() && open[nSlot].nDescriptor >= 0) {
+        nSlot++;
+    }
+    if (nSlot == open.size()) {
+        open.emplace_back();
+    }
+    open[nSlot]          = opened;
+    open[nSlot].ulSerial = ++files().ulLastSerial;
+    liveCounts.nFiles++;
+    return HandleOf(nSlot, open[nSlot].ulSerial);
+}
+
+/* Opens or makes the file. Result: the descriptor, or -1 with the last error set. */
+int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWORD dwAttributes, bool* pbMade)
+{
+    bool bMakes = dwDisposition != OPEN_EXISTING && dwDisposition != TRUNCATE_EXISTING;
+    int  nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC;
+    *pbMade     = false;
+    if (dwDisposition == CREATE_NEW) {
+        struct stat there;
+        if (stat(path.host.c_str(), &there) == 0) {
+            Refuse(ERROR_FILE_EXISTS);
+            return -1;
+        }
+    } else {
+        int nDescriptor = open(path.host.c_str(), nFlags);
+        if (nDescriptor >= 0 || errno != ENOENT || !bMakes) {
+            if (nDescriptor < 0) {
+                Refuse(HostPathError(path.host, errno));
+            }
+            return nDescriptor;
+        }
+    }
+    if (path.bNeedFolder) {
+        Refuse(ERROR_INVALID_NAME);
+        return -1;
+    }
+    mode_t nMode       = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0666;
+    int    nDescriptor = open(path.host.c_str(), nFlags | O_CREAT | O_EXCL, nMode);
+    *pbMade            = true;
+    if (nDescriptor < 0) {
+        Refuse(errno == ENOENT ? ERROR_PATH_NOT_FOUND : HostPathError(path.host, errno));
+    }
+    return nDescriptor;
+}
+
+/* What forbids this opening of a file that is there: 0 or an error. */
+DWORD OpeningError(const struct stat& there, const ResolvedPath& path, DWORD dwData, DWORD dwShare)
+{
+    if (S_ISDIR(there.st_mode)) {
+        return ERROR_ACCESS_DENIED;
+    }
+    if (path.bNeedFolder) {
+        return ERROR_INVALID_NAME;
+    }
+    if (dwData & FILE_WRITE_DATA && !(there.st_mode & S_IWUSR)) {
+        return ERROR_ACCESS_DENIED; /* said here, since the super-user's opening succeeds */
+    }
+    return HostSharingError(there.st_dev, there.st_ino, dwData, dwShare);
+}
+
+} // namespace
+
+DWORD HostPathError(const std::string& host, int nError)
+{
+    struct stat parent;
+    switch (nError) {
+    case ENOENT:
+        return stat(host.substr(0, host.rfind('/')).c_str(), &parent) == 0 && S_ISDIR(parent.st_mode)
+                   ? ERROR_FILE_NOT_FOUND
+                   : ERROR_PATH_NOT_FOUND;
+    case ENOTDIR: return ERROR_PATH_NOT_FOUND;
+    case ENAMETOOLONG: return ERROR_INVALID_NAME;
+    case EEXIST: return ERROR_FILE_EXISTS;
+    case EMFILE:
+    case ENFILE: return ERROR_TOO_MANY_OPEN_FILES;
+    case EISDIR:
+    case EACCES:
+    case EPERM:
+    case EROFS: return ERROR_ACCESS_DENIED;
+    default: return ERROR_GEN_FAILURE;
+    }
+}
+
+DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare)
+{
+    DWORD dwData = DataAccess(dwAccess);
+    for (const OpenFile& other : files().open) {
+        if (other.nDescriptor >= 0 && other.ulNode == ulNode && other.ulDevice == ulDevice && dwData &&
+            other.dwAccess && (Excludes(other.dwShare, dwData) || Excludes(dwShare, other.dwAccess))) {
+            return ERROR_SHARING_VIOLATION;
+        }
+    }
+    return 0;
+}
+
+HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECURITY_ATTRIBUTES,
+                          DWORD dwDisposition, DWORD dwAttributes, HANDLE)
+{
+    FAILS(CreateFileW);
+    ResolvedPath path     = Resolve(tcPath);
+    bool         bEmpties = dwDisposition == CREATE_ALWAYS || dwDisposition == TRUNCATE_EXISTING;
+    DWORD        dwData   = DataAccess(dwAccess);
+    bool bBadCall = dwDisposition < CREATE_NEW || dwDisposition > TRUNCATE_EXISTING ||
+                    (dwDisposition == TRUNCATE_EXISTING && !(dwData & FILE_WRITE_DATA));
+    if (path.dwError || bBadCall) {
+        Refuse(path.dwError ? path.dwError : ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    bool     bMade;
+    OpenFile opened;
+    opened.nDescriptor =
+        OpenOnHost(path, dwDisposition, bEmpties || dwData & FILE_WRITE_DATA, dwAttributes, &bMade);
+    if (opened.nDescriptor < 0) {
+        return INVALID_HANDLE_VALUE;
+    }
+    struct stat there;
+    DWORD       dwError = fstat(opened.nDescriptor, &there) == 0 ? 0 : ERROR_GEN_FAILURE;
+    if (!dwError && !bMade) {
+        /* Emptying a file is writing it, whatever access was asked for. */
+        dwError = OpeningError(there, path, dwData | (bEmpties ? FILE_WRITE_DATA : 0), dwShare);
+    }
+    if (!dwError && !bMade && bEmpties && ftruncate(opened.nDescriptor, 0) != 0) {
+        dwError = ERROR_GEN_FAILURE;
+    }
+    if (dwError) {
+        close(opened.nDescriptor);
+        Refuse(dwError);
+        return INVALID_HANDLE_VALUE;
+    }
+    opened.ulDevice = there.st_dev;
+    opened.ulNode   = there.st_ino;
+    opened.dwAccess = dwData;
+    opened.dwShare  = dwShare;
+    bool bAlways    = dwDisposition == CREATE_ALWAYS || dwDisposition == OPEN_ALWAYS;
+    SetHostedError(bAlways && !bMade ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+    return KeepFile(opened);
+}
+
+BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBytes, DWORD cbWanted, LPDWORD pcbRead, LPOVERLAPPED pOverlapped)
+{
+    FAILS(ReadFile);
+    if (!pcbRead || pOverlapped) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    *pcbRead        = 0;
+    OpenFile* pFile = FindFile(hFile);
+    if (!pFile) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    if (!(pFile->dwAccess & FILE_READ_DATA)) {
+        return Refuse(ERROR_ACCESS_DENIED);
+    }
+    if (!pBytes && cbWanted) {
+        return Refuse(ERROR_NOACCESS);
+    }
+    if (Lies(CALL_ReadFile, LIE_SHORT)) {
+        cbWanted /= 2;
+    }
+    while (*pcbRead < cbWanted) {
+        ssize_t cb = pread(pFile->nDescriptor, static_cast<u8*>(pBytes) + *pcbRead, cbWanted - *pcbRead,
+                           pFile->lPosition);
+        if (cb < 0 && errno == EINTR) {
+            continue;
+        }
+        if (cb < 0 && errno != EINVAL) { /* EINVAL: the position is beyond what a file can hold */
+            return Refuse(ERROR_GEN_FAILURE);
+        }
+        if (cb <= 0) {
+            break;
+        }
+        *pcbRead += static_cast<DWORD>(cb);
+        pFile->lPosition += cb;
+    }
+    return 1;
+}
+
+BOOL WINAPI SetFilePointerEx(HANDLE hFile, LARGE_INTEGER lMove, PLARGE_INTEGER plPosition, DWORD dwMethod)
+{
+    FAILS(SetFilePointerEx);
+    OpenFile*   pFile = FindFile(hFile);
+    struct stat there = {};
+    if (!pFile) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    if (dwMethod > FILE_END || (dwMethod == FILE_END && fstat(pFile->nDescriptor, &there) != 0)) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    i64 lFrom = dwMethod == FILE_BEGIN ? 0 : dwMethod == FILE_CURRENT ? pFile->lPosition : there.st_size;
+    i64 lPosition;
+    if (__builtin_add_overflow(lFrom, lMove.QuadPart, &lPosition) || lPosition < 0) {
+        return Refuse(ERROR_NEGATIVE_SEEK);
+    }
+    pFile->lPosition = lPosition;
+    if (plPosition) {
+        plPosition->QuadPart = lPosition;
+    }
+    return 1;
+}
+
+BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
+{
+    FAILS(GetFileSizeEx);
+    OpenFile*   pFile = FindFile(hFile);
+    struct stat there;
+    if (!pFile) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    if (!plSize || fstat(pFile->nDescriptor, &there) != 0) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    plSize->QuadPart = Lies(CALL_GetFileSizeEx, LIE_HUGE) ? HUGE_SIZE : there.st_size;
+    return 1;
+}
+
+BOOL WINAPI CloseHandle(HANDLE hObject)
+{
+    int bFails = CallFails(CALL_CloseHandle); /* a close that fails still closes, else the fault would leak */
+    if (OpenFile* pFile = FindFile(hObject)) {
+        close(pFile->nDescriptor);
+        pFile->nDescriptor = -1;
+        liveCounts.nFiles--;
+        return !bFails;
+    }
+    /* The invalid handle is at the same time this process's own, which closes at any time without effect. */
+    return bFails ? 0 : hObject == INVALID_HANDLE_VALUE ? 1 : Refuse(ERROR_INVALID_HANDLE);
+}
+
+DWORD WINAPI GetFileAttributesW(LPCWSTR tcPath)
+{
+    FAILS(GetFileAttributesW);
+    ResolvedPath path = Resolve(tcPath);
+    struct stat  there;
+    if (path.dwError || stat(path.host.c_str(), &there) != 0) {
+        Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
+        return INVALID_FILE_ATTRIBUTES;
+    }
+    if (S_ISDIR(there.st_mode)) {
+        return FILE_ATTRIBUTE_DIRECTORY;
+    }
+    if (path.bNeedFolder) {
+        Refuse(ERROR_PATH_NOT_FOUND);
+        return INVALID_FILE_ATTRIBUTES;
+    }
+    return FILE_ATTRIBUTE_ARCHIVE | (there.st_mode & S_IWUSR ? 0 : FILE_ATTRIBUTE_READONLY);
+}
+
+BOOL WINAPI SetFileAttributesW(LPCWSTR tcPath, DWORD dwAttributes)
+{
+    FAILS(SetFileAttributesW);
+    ResolvedPath path = Resolve(tcPath);
+    struct stat  there;
+    if (path.dwError || stat(path.host.c_str(), &there) != 0) {
+        return Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
+    }
+    if (S_ISDIR(there.st_mode)) {
+        return 1; /* the attribute forbids nothing on a folder */
+    }
+    if (path.bNeedFolder) {
+        return Refuse(ERROR_PATH_NOT_FOUND);
+    }
+    mode_t nMode = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0644;
+    return chmod(path.host.c_str(), nMode) == 0 ? 1 : Refuse(HostPathError(path.host, errno));
+}
+
+BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)
+{
+    FAILS(CreateDirectoryW);
+    ResolvedPath path = Resolve(tcPath);
+    if (tcPath && std::u16string_view(tcPath).size() > FOLDER_LIMIT) {
+        return Refuse(ERROR_FILENAME_EXCED_RANGE);
+    }
+    if (path.dwError || mkdir(path.host.c_str(), 0777) == 0) {
+        return path.dwError ? Refuse(path.dwError) : 1;
+    }
+    return Refuse(errno == EEXIST ? ERROR_ALREADY_EXISTS
+                  : errno == ENOENT ? ERROR_PATH_NOT_FOUND
+                                    : HostPathError(path.host, errno));
+}
+
+/* ---- the machine's face ---- */
+
+void ResetFiles()
+{
+    for (const OpenFile& left : files().open) {
+        if (left.nDescriptor >= 0) {
+            close(left.nDescriptor);
+        }
+    }
+    files().open.clear();
+    liveCounts.nFiles = 0;
+}
+
+std::filesystem::path HostPath(std::u16string_view tcPath)
+{
+    return Resolve(tcPath).host;
+}
+
+bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes)
+{
+    ResolvedPath path = Resolve(tcPath);
+    struct stat  there;
+    int          nDescriptor = path.dwError ? -1 : open(path.host.c_str(), O_RDONLY | O_CLOEXEC);
+    bool         bRead = nDescriptor >= 0 && fstat(nDescriptor, &there) == 0 && S_ISREG(there.st_mode);
+    pBytes->clear();
+    if (bRead) {
+        pBytes->resize(static_cast<size_t>(there.st_size));
+        size_t cbRead = 0;
+        for (ssize_t cb = 1; cb > 0 && cbRead < pBytes->size();) {
+            cb = read(nDescriptor, pBytes->data() + cbRead, pBytes->size() - cbRead);
+            cbRead += cb > 0 ? static_cast<size_t>(cb) : 0;
+        }
+        pBytes->resize(cbRead);
+    }
+    if (nDescriptor >= 0) {
+        close(nDescriptor);
+    }
+    return bRead;
+}
+
+void PutFile(std::u16string_view tcPath, std::string_view text)
+{
+    ResolvedPath    path = Resolve(tcPath);
+    std::error_code ignored;
+    if (!path.dwError) {
+        std::filesystem::create_directories(std::filesystem::path(path.host).parent_path(), ignored);
+    }
+    std::FILE* pFile    = path.dwError ? nullptr : std::fopen(path.host.c_str(), "wb");
+    bool       bWritten = pFile && std::fwrite(text.data(), 1, text.size(), pFile) == text.size();
+    if ((pFile && std::fclose(pFile) != 0) || !bWritten) {
+        std::fprintf(stderr, "PutFile: \"%s\" cannot be written\n", Narrow(tcPath).c_str());
+        std::abort(); /* a test that goes on without its file would test nothing */
+    }
+}
+
+void PutFile(std::u16string_view tcPath, const Bytes& bytes)
+{
+    PutFile(tcPath, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+Bytes GetFile(std::u16string_view tcPath)
+{
+    Bytes bytes;
+    ReadHostFile(tcPath, &bytes);
+    return bytes;
+}
+
+bool HasFile(std::u16string_view tcPath)
+{
+    ResolvedPath path = Resolve(tcPath);
+    struct stat  there;
+    return !path.dwError && stat(path.host.c_str(), &there) == 0 && S_ISREG(there.st_mode);
+}
+
+void SetReadOnly(std::u16string_view tcPath, bool bReadOnly)
+{
+    ResolvedPath path = Resolve(tcPath);
+    if (path.dwError || chmod(path.host.c_str(), bReadOnly ? 0444 : 0644) != 0) {
+        std::fprintf(stderr, "SetReadOnly: there is no \"%s\"\n", Narrow(tcPath).c_str());
+        std::abort();
+    }
+}

@@ -1,0 +1,90 @@
+/* tq, the companion tool: shows what the library makes of a printer description, without Windows. */
+#include <cstdio>
+#include <exception>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "platform/hosted/standin.h"
+#include "tools/tq/ask.h"
+#include "tools/tq/lint.h"
+#include "tools/tq/sample_printer.h"
+
+namespace {
+
+struct CapsOptions {
+    std::string what;
+    std::string package = TQUI_SAMPLES;
+    std::string language = "0409";
+    bool        bMetric = false;
+    bool        bRaw    = false;
+};
+
+int RunCaps(const CapsOptions& options)
+{
+    namespace fs = std::filesystem;
+    StartMachine();
+    SetUserLanguage(static_cast<u16>(std::stoul(options.language, nullptr, 16)));
+    SetLocaleValue(u"iMeasure", options.bMetric ? u"0" : u"1");
+    PrinterSetup setup;
+    fs::path     path(options.what);
+    if (fs::is_regular_file(path)) {
+        setup = InstallDescription(Widen(path.stem().string()), ReadDiskFile(path), options.package);
+    } else {
+        setup = InstallSample(FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.what), options.package);
+    }
+    std::vector<CapabilityAnswer> answers;
+    {
+        OpenSample printer(setup.wcName);
+        for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
+            answers.push_back(AskCapability(printer.hPrinter, setup.wcName, wQuestion));
+        }
+    }
+    StopMachine();
+    if (options.bRaw) {
+        for (const CapabilityAnswer& answer : answers) {
+            std::cout << RawLine(answer) << "\n";
+        }
+    } else {
+        std::cout << Narrow(setup.wcName) << "\n" << ReadableLines(answers);
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App    app("Shows what the printer driver interface makes of a printer description.", "tq");
+    CapsOptions caps;
+    std::string lintFile;
+    app.require_subcommand(1);
+
+    CLI::App* pCaps = app.add_subcommand("caps", "All 35 capability answers of a printer");
+    pCaps->add_option("printer", caps.what, "A description file (.XPI), or a sample's name or section of the INF")->required();
+    pCaps->add_option("--package", caps.package, "Folder with tqui.inf, descriptions and language libraries")->check(CLI::ExistingDirectory);
+    pCaps->add_option("--language", caps.language, "Language id of the user, four hex digits (0407 German, 0409 English)")
+        ->check([](const std::string& text) { return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos ? std::string() : "not four hex digits: " + text; });
+    pCaps->add_flag("--metric", caps.bMetric, "The user's locale is metric");
+    pCaps->add_flag("--raw", caps.bRaw, "One line a question: number, result, rows in hex");
+
+    CLI::App* pLint = app.add_subcommand("lint", "The faults of a description file, by table, row and field");
+    pLint->add_option("file", lintFile, "A description file (.XPI)")->required();
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {
+            return app.exit(error);
+        }
+        std::cerr << error.what() << "\n\n" << app.help();
+        return 2;
+    }
+    try {
+        return *pLint ? RunLint(lintFile, std::cout, std::cerr) : RunCaps(caps);
+    } catch (const std::exception& error) {
+        std::cerr << "tq: " << error.what() << "\n";
+        StopMachine();
+        return 1;
+    }
+}
