@@ -137,6 +137,9 @@ int FormatList(Char* pOut, int cchOut, const Char* pFormat, const FormatArgument
             PutNumber(&output, conversion, pArguments[nUsed++].lNumber);
         }
     }
+    if (sizeof(Char) == sizeof(WCHAR) && output.bCut && output.nAt > 0 && (pOut[output.nAt - 1] & 0xFC00) == 0xD800) {
+        output.nAt--; /* the first half of a pair never stands alone */
+    }
     pOut[output.nAt] = 0;
     return !output.bCut;
 }

@@ -5,6 +5,7 @@
 
 #include "base/wide.h"
 #include "description/printer_call.h"
+#include "description/xpi_load.h"
 
 /* Finds a driver file: by the text of the printer value wcValue when that is there and not empty, else by
    wcDefault; either may be "" for none. The list is searched in the order dependent files, data file, help

@@ -113,11 +113,13 @@ struct ModelDeleter {
 };
 using OwnedModel = std::unique_ptr<XpiModel, ModelDeleter>;
 
-/* Loads the body behind an open description file and turns its slots into pointers; see xpi_file.h for what
-   an open file is. The caller owns the model. Null when the body cannot be read or memory fails; a short
-   file gives a model whose missing part reads as zeros. */
-struct XpiFile;
-OwnedModel LoadXpiModel(XpiFile& file);
+/* A zeroed block for a body of cbBody bytes; null when memory fails. The loader fills it. */
+OwnedModel NewModelBlock(u32 cbBody);
+
+/* Bytes of the body in the file, and where the zero tail begins: the same unless the body is shorter than its
+   fixed part. */
+u32 ModelBodyBytes(const XpiModel* pModel);
+u32 ModelTailOffset(const XpiModel* pModel);
 
 /* Row nIndex of a table whose rows are cbRow wide (at most 64). Gives the row, or a shared row of zeros when
    the table is absent or does not lie in the model's block, or the row would leave the block or has an index

@@ -11,7 +11,7 @@ namespace xpifile {
 std::vector<Entry> InTextOrder(const toml::table& table)
 {
     struct Placed {
-        Entry                 entry;
+        Entry entry;
         toml::source_position place;
     };
     std::vector<Placed> placed;

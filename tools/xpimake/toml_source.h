@@ -12,9 +12,10 @@
 
 namespace xpifile {
 
-/* A child of a TOML table. The parser keeps tables by alphabet; the order of the text is the one that counts. */
+/* A child of a TOML table. The parser keeps tables by alphabet; the order of the text is the one that counts.
+ */
 struct Entry {
-    std::string_view  key;
+    std::string_view key;
     const toml::node* node;
 };
 

@@ -1,10 +1,10 @@
 /* The layout of a description file, once, for the compiler, the dump and the review.
 
    HEADER, sixteen u32: 8 body, 12 string bases (end of the body), 16 string offsets, 20 string bytes,
-   24 command offsets, 28 command bytes, 32 font offsets, 36 font bytes (end of the commands), 40 bitmap offsets,
-   44 bitmap bytes, 48 colour data, 52 size of the colour data. All little-endian, all else zero.
-   BODY, 315 fixed bytes, then the tables. A table hangs from an 8-byte slot: low half the offset from the start
-   of the body, all zero when the table is absent. */
+   24 command offsets, 28 command bytes, 32 font offsets, 36 font bytes (end of the commands), 40 bitmap
+   offsets, 44 bitmap bytes, 48 colour data, 52 size of the colour data. All little-endian, all else zero.
+   BODY, 315 fixed bytes, then the tables. A table hangs from an 8-byte slot: low half the offset from the
+   start of the body, all zero when the table is absent. */
 #pragma once
 
 #include <cstddef>
@@ -21,8 +21,18 @@ using u64 = std::uint64_t;
 using i64 = std::int64_t;
 
 enum Section : unsigned {
-    BODY = 2, STRING_BASES = 3, STRING_OFFSETS = 4, STRING_BYTES = 5, COMMAND_OFFSETS = 6, COMMAND_BYTES = 7,
-    FONT_OFFSETS = 8, FONT_BYTES = 9, BITMAP_OFFSETS = 10, BITMAP_BYTES = 11, COLOR_DATA = 12, COLOR_SIZE = 13,
+    BODY = 2,
+    STRING_BASES = 3,
+    STRING_OFFSETS = 4,
+    STRING_BYTES = 5,
+    COMMAND_OFFSETS = 6,
+    COMMAND_BYTES = 7,
+    FONT_OFFSETS = 8,
+    FONT_BYTES = 9,
+    BITMAP_OFFSETS = 10,
+    BITMAP_BYTES = 11,
+    COLOR_DATA = 12,
+    COLOR_SIZE = 13,
 };
 inline constexpr std::size_t HEADER_BYTES = 64;
 inline constexpr std::size_t FIXED_BODY_BYTES = 315;
@@ -33,7 +43,7 @@ inline constexpr std::size_t LANGUAGE_ROWS = 1024;  /* every value of the low 10
 inline constexpr i64 IMAGE_KIND = 3;
 
 enum class Kind : u8 {
-    Used,      /* non-zero in every row that counts; written as 1 when not named */
+    Used, /* non-zero in every row that counts; written as 1 when not named */
     Signed,
     Unsigned,
     Flags,     /* unsigned, dumped in hexadecimal */
@@ -43,25 +53,25 @@ enum class Kind : u8 {
     Text,      /* narrow text in a field of fixed width, NUL padded */
     Papers,    /* 256 bits, high bit first: a list of paper codes */
     ListStart, /* row number in a table of lists: the list's key, or a number */
-    Slice,     /* offset and length of a piece of [color_data], by its key; a second way to write two numbers */
+    Slice, /* offset and length of a piece of [color_data], by its key; a second way to write two numbers */
 };
 
 enum class Only : u8 { Always, Image, NotImage };
 
 struct EnumName {
-    i64         value;
+    i64 value;
     const char* name;
 };
 
 struct Field {
-    const char*               key;
-    u16                       offset;
-    u8                        width;
-    Kind                      kind;
-    Only                      only = Only::Always;
-    u16                       limit = 0;      /* Name: characters, Command: bytes, both with the NUL; 0 the widest */
-    const char*               list = nullptr; /* ListStart: the table of lists */
-    std::span<const EnumName> names = {};     /* values that have a name of their own */
+    const char* key;
+    u16 offset;
+    u8 width;
+    Kind kind;
+    Only only = Only::Always;
+    u16 limit = 0;              /* Name: characters, Command: bytes, both with the NUL; 0 the widest */
+    const char* list = nullptr; /* ListStart: the table of lists */
+    std::span<const EnumName> names = {}; /* values that have a name of their own */
 };
 
 enum class Form : u8 {
@@ -75,17 +85,17 @@ enum class Form : u8 {
 };
 
 struct Table {
-    const char*            key;
-    u16                    slot;
-    u8                     rowBytes;
-    u8                     endBytes; /* width of the first field, which ends the table at zero */
-    Form                   form;
+    const char* key;
+    u16 slot;
+    u8 rowBytes;
+    u8 endBytes; /* width of the first field, which ends the table at zero */
+    Form form;
     std::span<const Field> fields;
 };
 
-inline constexpr u16 NAME_CHARACTERS = 128;  /* text buffer of most lists */
-inline constexpr u16 VALUE_BYTES = 128;      /* keys and values of job lines */
-inline constexpr u16 LINE_BYTES = 512;       /* commands that are sent as they stand */
+inline constexpr u16 NAME_CHARACTERS = 128; /* text buffer of most lists */
+inline constexpr u16 VALUE_BYTES = 128;     /* keys and values of job lines */
+inline constexpr u16 LINE_BYTES = 512;      /* commands that are sent as they stand */
 inline constexpr u16 PCL_NAME_CHARACTERS = 14;
 
 inline constexpr EnumName LANGUAGE_NAMES[] = {
@@ -172,16 +182,11 @@ inline constexpr Field ABOUT_FIELDS[] = {
     {"name", 0, 2, Kind::Name},
 };
 inline constexpr Field CONSTRAINT_FIELDS[] = {
-    {"used", 0, 2, Kind::Used},
-    {"papers", 4, 32, Kind::Papers},
-    {"min_width", 36, 2, Kind::Signed},
-    {"max_width", 38, 2, Kind::Signed},
-    {"min_length", 40, 2, Kind::Signed},
-    {"max_length", 42, 2, Kind::Signed},
-    {"inputs", 44, 4, Kind::Flags},
-    {"outputs", 48, 4, Kind::Flags},
-    {"media", 52, 4, Kind::Flags},
-    {"options", 56, 4, Kind::Flags},
+    {"used", 0, 2, Kind::Used},          {"papers", 4, 32, Kind::Papers},
+    {"min_width", 36, 2, Kind::Signed},  {"max_width", 38, 2, Kind::Signed},
+    {"min_length", 40, 2, Kind::Signed}, {"max_length", 42, 2, Kind::Signed},
+    {"inputs", 44, 4, Kind::Flags},      {"outputs", 48, 4, Kind::Flags},
+    {"media", 52, 4, Kind::Flags},       {"options", 56, 4, Kind::Flags},
     {"message", 60, 2, Kind::Name},
 };
 inline constexpr Field MARGIN_FIELDS[] = {

@@ -1,6 +1,7 @@
 /* Stand-ins for files and folders: real files below the machine's root. A drive's letter is a folder of the
    root, "\\server\share" is unc/server/share there, and every name is kept in small letters. The read-only
    attribute is the missing write permission of the file's owner; hidden and system are not kept. */
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -18,9 +19,14 @@ DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
 /* The error for a host call on a path that failed with errno nError. */
 DWORD HostPathError(const std::string& host, int nError);
 
+/* Reads a whole file; false when there is none. */
+bool ReadHostBytes(const std::string& host, Bytes* pBytes);
+
+/* Makes the file hold these bytes. Result: 0 or an error. */
+DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
+
 namespace {
 
-constexpr DWORD ERROR_TOO_MANY_OPEN_FILES  = 4;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_NOACCESS             = 998;
 
@@ -59,8 +65,6 @@ Files& files()
     return instance;
 }
 
-/* ---- paths ---- */
-
 bool IsSeparator(char16_t character)
 {
     return character == u'\\' || character == u'/';
@@ -70,9 +74,7 @@ bool IsSeparator(char16_t character)
 bool IsDeviceName(std::u16string_view wcName)
 {
     wcName = wcName.substr(0, wcName.find(u'.'));
-    while (!wcName.empty() && wcName.back() == u' ') {
-        wcName.remove_suffix(1);
-    }
+    wcName = wcName.substr(0, wcName.find_last_not_of(u' ') + 1);
     if (wcName.size() == 4 && wcName[3] >= u'1' && wcName[3] <= u'9') {
         return SameName(wcName.substr(0, 3), u"COM") || SameName(wcName.substr(0, 3), u"LPT");
     }
@@ -94,16 +96,10 @@ bool IsUsableName(std::u16string_view wcName)
 /* Takes the next name and the separators behind it off the path. */
 std::u16string_view TakeName(std::u16string_view* pRest, bool* pbLast)
 {
-    size_t nEnd = 0;
-    while (nEnd < pRest->size() && !IsSeparator((*pRest)[nEnd])) {
-        nEnd++;
-    }
+    size_t              nEnd   = std::min(pRest->find_first_of(u"\\/"), pRest->size());
     std::u16string_view wcName = pRest->substr(0, nEnd);
     *pbLast                    = nEnd == pRest->size();
-    while (nEnd < pRest->size() && IsSeparator((*pRest)[nEnd])) {
-        nEnd++;
-    }
-    pRest->remove_prefix(nEnd);
+    pRest->remove_prefix(std::min(pRest->find_first_not_of(u"\\/", nEnd), pRest->size()));
     return wcName;
 }
 
@@ -198,8 +194,6 @@ ResolvedPath Resolve(LPCWSTR wcPath)
     return Resolve(wcPath ? std::u16string_view(wcPath) : std::u16string_view());
 }
 
-/* ---- open files ---- */
-
 /* A handle is the slot with its serial number above it, and a mark that no other kind of handle bears. */
 HANDLE HandleOf(size_t nSlot, u32 ulSerial)
 {
@@ -254,13 +248,7 @@ int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWOR
     bool bMakes = dwDisposition != OPEN_EXISTING && dwDisposition != TRUNCATE_EXISTING;
     int  nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC;
     *pbMade     = false;
-    if (dwDisposition == CREATE_NEW) {
-        struct stat there;
-        if (stat(path.host.c_str(), &there) == 0) {
-            Refuse(ERROR_FILE_EXISTS);
-            return -1;
-        }
-    } else {
+    if (dwDisposition != CREATE_NEW) {
         int nDescriptor = open(path.host.c_str(), nFlags);
         if (nDescriptor >= 0 || errno != ENOENT || !bMakes) {
             if (nDescriptor < 0) {
@@ -297,6 +285,17 @@ DWORD OpeningError(const struct stat& there, const ResolvedPath& path, DWORD dwD
     return HostSharingError(there.st_dev, there.st_ino, dwData, dwShare);
 }
 
+/* Finds what is at a path. Result: 1, or 0 with the last error set. */
+BOOL LookUp(LPCWSTR tcPath, std::string* pHost, struct stat* pThere)
+{
+    ResolvedPath path = Resolve(tcPath);
+    if (path.dwError || stat(path.host.c_str(), pThere) != 0) {
+        return Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
+    }
+    *pHost = path.host;
+    return !path.bNeedFolder || S_ISDIR(pThere->st_mode) ? 1 : Refuse(ERROR_PATH_NOT_FOUND);
+}
+
 } // namespace
 
 DWORD HostPathError(const std::string& host, int nError)
@@ -310,14 +309,46 @@ DWORD HostPathError(const std::string& host, int nError)
     case ENOTDIR: return ERROR_PATH_NOT_FOUND;
     case ENAMETOOLONG: return ERROR_INVALID_NAME;
     case EEXIST: return ERROR_FILE_EXISTS;
-    case EMFILE:
-    case ENFILE: return ERROR_TOO_MANY_OPEN_FILES;
     case EISDIR:
     case EACCES:
     case EPERM:
     case EROFS: return ERROR_ACCESS_DENIED;
     default: return ERROR_GEN_FAILURE;
     }
+}
+
+bool ReadHostBytes(const std::string& host, Bytes* pBytes)
+{
+    u8         aChunk[16384];
+    std::FILE* pFile = std::fopen(host.c_str(), "rb");
+    pBytes->clear();
+    for (size_t cb = 1; pFile && cb > 0;) {
+        cb = std::fread(aChunk, 1, sizeof aChunk, pFile);
+        pBytes->insert(pBytes->end(), aChunk, aChunk + cb);
+    }
+    bool bRead = pFile && !std::ferror(pFile);
+    if (pFile) {
+        std::fclose(pFile);
+    }
+    return bRead;
+}
+
+DWORD WriteHostBytes(const std::string& host, std::string_view bytes)
+{
+    /* Cut behind the writing, not before: ext4 sends a file to the disk at once that was emptied first. */
+    int  nDescriptor = open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    bool bWritten    = nDescriptor >= 0;
+    for (size_t cbDone = 0; bWritten && cbDone < bytes.size();) {
+        ssize_t cb = write(nDescriptor, bytes.data() + cbDone, bytes.size() - cbDone);
+        bWritten   = cb > 0 || (cb < 0 && errno == EINTR);
+        cbDone += cb > 0 ? static_cast<size_t>(cb) : 0;
+    }
+    bWritten      = bWritten && ftruncate(nDescriptor, static_cast<off_t>(bytes.size())) == 0;
+    DWORD dwError = bWritten ? 0 : HostPathError(host, errno);
+    if (nDescriptor >= 0) {
+        close(nDescriptor);
+    }
+    return dwError;
 }
 
 DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare)
@@ -467,38 +498,27 @@ BOOL WINAPI CloseHandle(HANDLE hObject)
 DWORD WINAPI GetFileAttributesW(LPCWSTR tcPath)
 {
     FAILS(GetFileAttributesW);
-    ResolvedPath path = Resolve(tcPath);
-    struct stat  there;
-    if (path.dwError || stat(path.host.c_str(), &there) != 0) {
-        Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
+    std::string host;
+    struct stat there;
+    if (!LookUp(tcPath, &host, &there)) {
         return INVALID_FILE_ATTRIBUTES;
     }
-    if (S_ISDIR(there.st_mode)) {
-        return FILE_ATTRIBUTE_DIRECTORY;
-    }
-    if (path.bNeedFolder) {
-        Refuse(ERROR_PATH_NOT_FOUND);
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    return FILE_ATTRIBUTE_ARCHIVE | (there.st_mode & S_IWUSR ? 0 : FILE_ATTRIBUTE_READONLY);
+    return S_ISDIR(there.st_mode)    ? FILE_ATTRIBUTE_DIRECTORY
+           : there.st_mode & S_IWUSR ? FILE_ATTRIBUTE_ARCHIVE
+                                     : FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
 }
 
 BOOL WINAPI SetFileAttributesW(LPCWSTR tcPath, DWORD dwAttributes)
 {
     FAILS(SetFileAttributesW);
-    ResolvedPath path = Resolve(tcPath);
-    struct stat  there;
-    if (path.dwError || stat(path.host.c_str(), &there) != 0) {
-        return Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
+    std::string host;
+    struct stat there;
+    if (!LookUp(tcPath, &host, &there)) {
+        return 0;
     }
-    if (S_ISDIR(there.st_mode)) {
-        return 1; /* the attribute forbids nothing on a folder */
-    }
-    if (path.bNeedFolder) {
-        return Refuse(ERROR_PATH_NOT_FOUND);
-    }
+    /* On a folder the attribute forbids nothing. */
     mode_t nMode = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0644;
-    return chmod(path.host.c_str(), nMode) == 0 ? 1 : Refuse(HostPathError(path.host, errno));
+    return S_ISDIR(there.st_mode) || chmod(host.c_str(), nMode) == 0 ? 1 : Refuse(HostPathError(host, errno));
 }
 
 BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)
@@ -515,8 +535,6 @@ BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)
                   : errno == ENOENT ? ERROR_PATH_NOT_FOUND
                                     : HostPathError(path.host, errno));
 }
-
-/* ---- the machine's face ---- */
 
 void ResetFiles()
 {
@@ -536,36 +554,15 @@ std::filesystem::path HostPath(std::u16string_view tcPath)
 
 bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes)
 {
-    ResolvedPath path = Resolve(tcPath);
-    struct stat  there;
-    int          nDescriptor = path.dwError ? -1 : open(path.host.c_str(), O_RDONLY | O_CLOEXEC);
-    bool         bRead = nDescriptor >= 0 && fstat(nDescriptor, &there) == 0 && S_ISREG(there.st_mode);
-    pBytes->clear();
-    if (bRead) {
-        pBytes->resize(static_cast<size_t>(there.st_size));
-        size_t cbRead = 0;
-        for (ssize_t cb = 1; cb > 0 && cbRead < pBytes->size();) {
-            cb = read(nDescriptor, pBytes->data() + cbRead, pBytes->size() - cbRead);
-            cbRead += cb > 0 ? static_cast<size_t>(cb) : 0;
-        }
-        pBytes->resize(cbRead);
-    }
-    if (nDescriptor >= 0) {
-        close(nDescriptor);
-    }
-    return bRead;
+    return ReadHostBytes(HostPath(tcPath).native(), pBytes);
 }
 
 void PutFile(std::u16string_view tcPath, std::string_view text)
 {
-    ResolvedPath    path = Resolve(tcPath);
-    std::error_code ignored;
-    if (!path.dwError) {
-        std::filesystem::create_directories(std::filesystem::path(path.host).parent_path(), ignored);
-    }
-    std::FILE* pFile    = path.dwError ? nullptr : std::fopen(path.host.c_str(), "wb");
-    bool       bWritten = pFile && std::fwrite(text.data(), 1, text.size(), pFile) == text.size();
-    if ((pFile && std::fclose(pFile) != 0) || !bWritten) {
+    std::filesystem::path host = HostPath(tcPath);
+    std::error_code       ignored; /* the writing tells */
+    std::filesystem::create_directories(host.parent_path(), ignored);
+    if (host.empty() || WriteHostBytes(host.native(), text)) {
         std::fprintf(stderr, "PutFile: \"%s\" cannot be written\n", Narrow(tcPath).c_str());
         std::abort(); /* a test that goes on without its file would test nothing */
     }
@@ -585,15 +582,13 @@ Bytes GetFile(std::u16string_view tcPath)
 
 bool HasFile(std::u16string_view tcPath)
 {
-    ResolvedPath path = Resolve(tcPath);
-    struct stat  there;
-    return !path.dwError && stat(path.host.c_str(), &there) == 0 && S_ISREG(there.st_mode);
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(HostPath(tcPath), ignored);
 }
 
 void SetReadOnly(std::u16string_view tcPath, bool bReadOnly)
 {
-    ResolvedPath path = Resolve(tcPath);
-    if (path.dwError || chmod(path.host.c_str(), bReadOnly ? 0444 : 0644) != 0) {
+    if (chmod(HostPath(tcPath).c_str(), bReadOnly ? 0444 : 0644) != 0) {
         std::fprintf(stderr, "SetReadOnly: there is no \"%s\"\n", Narrow(tcPath).c_str());
         std::abort();
     }

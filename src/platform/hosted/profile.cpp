@@ -2,7 +2,6 @@
    system does it. A parsed file is kept until the file on disk is another. */
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <ctime>
 #include <unordered_map>
 
@@ -13,6 +12,8 @@
 /* Of files.cpp. */
 DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
 DWORD HostPathError(const std::string& host, int nError);
+bool  ReadHostBytes(const std::string& host, Bytes* pBytes);
+DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
 
 namespace {
 
@@ -65,8 +66,6 @@ Profiles& profiles()
     return instance;
 }
 
-/* ---- text ---- */
-
 bool IsBlank(char16_t character)
 {
     return character == u' ' || (character >= 9 && character <= 13) || character == 0x1A;
@@ -102,8 +101,6 @@ WideText Fold(std::u16string_view wcName)
     return wcFolded;
 }
 
-/* ---- parsing ---- */
-
 WideText Decode(const Bytes& bytes, Encoding* pEncoding)
 {
     const char* cBytes = reinterpret_cast<const char*>(bytes.data());
@@ -136,10 +133,10 @@ void AddLine(Section* pSection, std::u16string_view wcLine)
 {
     size_t nEquals = wcLine.front() == u';' ? std::u16string_view::npos : wcLine.find(u'=');
     if (nEquals == std::u16string_view::npos) {
-        pSection->lines.push_back({WideText(CutAtNul(wcLine)), {}, false});
+        pSection->lines.push_back({WideText(wcLine), {}, false});
     } else {
-        std::u16string_view wcKey   = CutAtNul(Trim(wcLine.substr(0, nEquals)));
-        std::u16string_view wcValue = CutAtNul(Trim(wcLine.substr(nEquals + 1)));
+        std::u16string_view wcKey   = Trim(wcLine.substr(0, nEquals));
+        std::u16string_view wcValue = Trim(wcLine.substr(nEquals + 1));
         pSection->lines.push_back({WideText(wcKey), WideText(wcValue), true});
     }
     if (wcLine.front() != u';') {
@@ -155,14 +152,14 @@ void Parse(const Bytes& bytes, Profile* pProfile)
     StartSection(pProfile, {});
     while (!wcRest.empty()) {
         size_t              nEnd   = std::min(wcRest.find_first_of(u"\r\n"), wcRest.size());
-        std::u16string_view wcLine = Trim(wcRest.substr(0, nEnd));
+        std::u16string_view wcLine = Trim(CutAtNul(wcRest.substr(0, nEnd)));
         wcRest.remove_prefix(std::min(nEnd + 1, wcRest.size()));
         if (wcLine.empty()) {
             continue;
         }
         size_t nClose = wcLine.front() == u'[' ? wcLine.rfind(u']') : std::u16string_view::npos;
         if (nClose != std::u16string_view::npos) {
-            StartSection(pProfile, CutAtNul(Trim(wcLine.substr(1, nClose - 1))));
+            StartSection(pProfile, Trim(wcLine.substr(1, nClose - 1)));
         } else {
             AddLine(&pProfile->sections.back(), wcLine);
         }
@@ -180,8 +177,6 @@ Line* FindLine(Section* pSection, LPCWSTR wcKey)
     auto found = pSection->keys.find(Fold(wcKey));
     return found == pSection->keys.end() ? nullptr : &pSection->lines[found->second];
 }
-
-/* ---- files ---- */
 
 /* Where the file of a profile call lies: a bare name is one of the Windows folder. Empty for what is none. */
 const std::string& ProfileOnHost(LPCWSTR tcFile)
@@ -213,22 +208,6 @@ bool IsSettled(const struct stat& stamp)
     return lSeconds > 1 || lSeconds * 1'000'000'000 + lNanoseconds > SETTLED_NANOSECONDS;
 }
 
-bool ReadBytes(const std::string& host, Bytes* pBytes)
-{
-    std::FILE* pFile = std::fopen(host.c_str(), "rb");
-    if (!pFile) {
-        return false;
-    }
-    u8     aChunk[16384];
-    size_t cb;
-    while ((cb = std::fread(aChunk, 1, sizeof aChunk, pFile)) > 0) {
-        pBytes->insert(pBytes->end(), aChunk, aChunk + cb);
-    }
-    bool bRead = !std::ferror(pFile);
-    std::fclose(pFile);
-    return bRead;
-}
-
 /* The file as it stands on disk now. Result: 0 and the parsed file, valid until the next call of this; or an
    error and null. */
 DWORD LoadProfile(const std::string& host, DWORD dwAccess, Profile** ppProfile)
@@ -254,7 +233,7 @@ DWORD LoadProfile(const std::string& host, DWORD dwAccess, Profile** ppProfile)
     if (!bSameText || !found->second.bSettled || !IsSameStamp(found->second.stamp, there)) {
         Bytes bytes;
         bool  bSettled = IsSettled(there);
-        if (!ReadBytes(host, &bytes)) {
+        if (!ReadHostBytes(host, &bytes)) {
             return ERROR_ACCESS_DENIED;
         }
         if (!bSameText || found->second.bytes != bytes) {
@@ -272,8 +251,6 @@ DWORD LoadProfile(const std::string& host, DWORD dwAccess, Profile** ppProfile)
     *ppProfile = &found->second.profile;
     return 0;
 }
-
-/* ---- answers ---- */
 
 /* Copies a text cut to the buffer. Result: characters without the NUL. */
 DWORD CopyText(std::u16string_view wcText, LPWSTR wcOut, DWORD cchOut)
@@ -385,20 +362,16 @@ DWORD ReadLocale(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, LPWSTR wcO
     return CopyValue(bFound ? wcValue : DefaultText(wcDefault), wcOut, cchOut);
 }
 
-/* ---- writing ---- */
-
-Bytes Encode(const WideText& wcText, Encoding encoding)
+std::string Encode(const WideText& wcText, Encoding encoding)
 {
-    Bytes bytes;
     if (encoding == ANSI || encoding == UTF8) {
-        std::string narrow = encoding == ANSI ? ToCodePage(wcText) : "\xEF\xBB\xBF" + Narrow(wcText);
-        bytes.assign(narrow.begin(), narrow.end());
-        return bytes;
+        return encoding == ANSI ? ToCodePage(wcText) : "\xEF\xBB\xBF" + Narrow(wcText);
     }
+    std::string bytes;
     for (char16_t character : u'\xFEFF' + wcText) {
-        u8 bLow = static_cast<u8>(character), bHigh = static_cast<u8>(character >> 8);
-        bytes.push_back(encoding == UTF16_LE ? bLow : bHigh);
-        bytes.push_back(encoding == UTF16_LE ? bHigh : bLow);
+        char cLow = static_cast<char>(character & 0xFF), cHigh = static_cast<char>(character >> 8);
+        bytes.push_back(encoding == UTF16_LE ? cLow : cHigh);
+        bytes.push_back(encoding == UTF16_LE ? cHigh : cLow);
     }
     return bytes;
 }
@@ -414,13 +387,7 @@ DWORD SaveProfile(const std::string& host, const Profile& profile)
             wcText.append(line.wcKey).append(line.bValue ? u"=" : u"").append(line.wcValue).append(u"\r\n");
         }
     }
-    Bytes      bytes = Encode(wcText, profile.encoding);
-    std::FILE* pFile = std::fopen(host.c_str(), "wb");
-    if (!pFile) {
-        return HostPathError(host, errno);
-    }
-    bool bWritten = std::fwrite(bytes.data(), 1, bytes.size(), pFile) == bytes.size();
-    return std::fclose(pFile) == 0 && bWritten ? ERROR_SUCCESS : ERROR_GEN_FAILURE;
+    return WriteHostBytes(host, Encode(wcText, profile.encoding));
 }
 
 /* Brings the change into the parsed file. Result: whether anything is another than before. */

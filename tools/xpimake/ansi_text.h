@@ -11,8 +11,8 @@
 
 namespace xpifile {
 
-/* UTF-8 to code page 1252; nothing when a character is not in it. The five bytes that the page leaves free stand
-   for the control characters of the same number, so every byte can be written. */
+/* UTF-8 to code page 1252; nothing when a character is not in it. The five bytes that the page leaves free
+   stand for the control characters of the same number, so every byte can be written. */
 std::optional<std::string> ToAnsi(std::string_view utf8);
 
 /* One line of TOML string with its quotation marks for bytes of code page 1252. */

@@ -1,0 +1,66 @@
+# The front door. Every command installs the Debian packages that it lacks (scripts/setup says which).
+.DEFAULT_GOAL := help
+SHELL := /bin/bash
+SECONDS ?= 60
+JOBS := $(shell nproc)
+
+.PHONY: help demo test package show bench fuzz check coverage format clean hosted asan windows
+
+help:
+	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
+	@echo 'make test      every test, on Linux and on Wine'
+	@echo 'make package   the Windows driver package: build/package/ and its zip'
+	@echo 'make bench     speed, as ratios to a floor measured in the same run'
+	@echo 'make fuzz      fuzzing, SECONDS=60 each target'
+	@echo 'make check     format, tidy, cppcheck, and the gates of the architecture'
+	@echo 'make coverage  lines that the hosted tests execute'
+	@echo 'make clean     removes build/'
+
+hosted:
+	@scripts/setup hosted windows bench
+	@scripts/build hosted-release
+
+asan:
+	@scripts/setup hosted windows bench
+	@scripts/build hosted-asan
+
+windows:
+	@scripts/setup hosted windows
+	@scripts/build windows
+
+demo: hosted
+	@scripts/demo
+
+package: hosted windows
+	@scripts/package build/hosted build/windows build/package
+
+test: package asan
+	@scripts/setup wine
+	@scripts/run-tests
+
+bench: hosted
+	@build/hosted/bench/ratios
+
+fuzz:
+	@scripts/setup hosted windows fuzz
+	@scripts/build fuzz
+	@scripts/fuzz $(SECONDS)
+
+check: hosted windows
+	@scripts/setup check fuzz
+	@scripts/check
+
+coverage:
+	@scripts/setup hosted windows bench
+	@scripts/build coverage
+	@scripts/coverage
+
+format:
+	@scripts/setup check
+	@scripts/check --format
+
+show:
+	@echo 'make show: the sheets are not built yet; there is nothing to open'; exit 1
+
+clean:
+	rm -rf build

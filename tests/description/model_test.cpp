@@ -1,0 +1,595 @@
+/* The loaded body of a description file, its rows, and the sections beside texts: built byte by byte, whole
+   and damaged. */
+#include "description/driver_files.h"
+#include "support/sample_machine.h"
+
+namespace {
+
+class ModelTest : public MachineTest {
+protected:
+    void TearDown() override
+    {
+        pModel.reset();
+        file.hFile.reset();
+        MachineTest::TearDown();
+    }
+
+    /* Opens a description; what was loaded from the one before is let go. */
+    void Open(const Bytes& bytes)
+    {
+        pModel.reset();
+        PutFile(u"C:\\x.xpi", bytes);
+        ASSERT_TRUE(OpenXpiPath(file, u"C:\\x.xpi"));
+    }
+
+    const XpiModel* Load(const Bytes& bytes)
+    {
+        Open(bytes);
+        pModel = LoadXpiModel(file);
+        EXPECT_TRUE(pModel);
+        return pModel.get();
+    }
+
+    const u8* Body() const { return reinterpret_cast<const u8*>(pModel.get()); }
+
+    /* What the loader made of the slot, as an offset into the body; -1 for an absent table. */
+    i64 SlotOffset(size_t nSlot) const
+    {
+        const u8* pAt;
+        std::memcpy(&pAt, Body() + nSlot, sizeof pAt);
+        return pAt ? pAt - Body() : -1;
+    }
+
+    u16 WordAt(size_t nAt) const
+    {
+        u16 usWord;
+        std::memcpy(&usWord, Body() + nAt, sizeof usWord);
+        return usWord;
+    }
+
+    XpiFile    file = {};
+    OwnedModel pModel;
+};
+
+/* The body's pointers: every table and text, and nothing else. */
+constexpr size_t aTableSlots[] = {
+    8 /* papers */,         24 /* input bins */,  32 /* output bins */,    40 /* options */,
+    48 /* media */,         96 /* memory */,      104 /* about texts */,   124 /* default font */,
+    132 /* proportional */, 140 /* font pages */, 148 /* font pairs */,    158 /* constraints */,
+    166 /* margins */,      174 /* resolutions */, 188 /* features */,     196 /* their values */,
+    220 /* colour modes */, 228 /* text */,       236 /* image */,         244 /* graphics */,
+    252 /* general */,      260 /* values */,     268 /* presets */,       284 /* screens */};
+
+/* A file that is nothing but a header and a body of cb bytes at offset 0x40. */
+Bytes BareBody(size_t cb, u8 bFill = 0)
+{
+    Bytes bytes(64);
+    Poke(&bytes, AT_BODY, u32{64});
+    Poke(&bytes, AT_STRING_BASE, static_cast<u32>(64 + cb));
+    bytes.resize(64 + cb, bFill);
+    return bytes;
+}
+
+DescriptionBuilder WithFonts(const std::vector<size_t>& sizes)
+{
+    DescriptionBuilder builder;
+    u8                 bFill = 0x41;
+    for (size_t cb : sizes) {
+        builder.fonts.emplace_back(cb, bFill++);
+    }
+    builder.Set<i16>(156, static_cast<i16>(sizes.size()));
+    return builder;
+}
+
+const std::vector<size_t> SIX_FONTS = {20000, 12767, 1, 30000, 2767, 1};
+
+} // namespace
+
+TEST_F(ModelTest, BodySizeIsADifferenceOfLowHalves)
+{
+    /* 0x10200 - 0x40 is 66,000 bytes; the low halves give 448. */
+    Bytes bytes(64 + 70000, 0xEE);
+    Poke(&bytes, AT_BODY, u32{0x40});
+    Poke(&bytes, AT_STRING_BASE, u32{0x10200});
+    for (size_t nSlot : aTableSlots) {
+        Poke(&bytes, 64 + nSlot, u64{0});
+    }
+    Poke(&bytes, 64 + 8, u64{440});
+    Load(bytes);
+    EXPECT_EQ(SlotOffset(8), 440);
+    EXPECT_EQ(Body()[447], 0xEE);
+    EXPECT_EQ(Body()[448], 0x00);
+    EXPECT_EQ(PeakBlockBytes(), 8u + 448u + 128u) << "the block is the body and its tail, no more";
+
+    /* Low halves that fall wrap as 16 bits: 0x0010 - 0x0040 is 65,488. */
+    Poke(&bytes, AT_STRING_BASE, u32{0x10});
+    Poke(&bytes, 64 + 8, u64{65480});
+    Load(bytes);
+    EXPECT_EQ(SlotOffset(8), 65480);
+}
+
+TEST_F(ModelTest, AllSlotsBecomePointersAndNothingElseChanges)
+{
+    Bytes bytes = BareBody(0x240, 0xA7);
+    for (size_t nSlot : aTableSlots) {
+        Poke(&bytes, 64 + nSlot, u64{0x200});
+    }
+    Load(bytes);
+    Bytes after(Body(), Body() + 315);
+    for (size_t nSlot : aTableSlots) {
+        EXPECT_EQ(SlotOffset(nSlot), 0x200) << "slot " << nSlot;
+        Poke(&after, nSlot, u64{0x200});
+    }
+    EXPECT_EQ(after, Bytes(bytes.begin() + 64, bytes.begin() + 64 + 315));
+}
+
+TEST_F(ModelTest, SlotsCountByAllEightBytesButLeadByTheLowFour)
+{
+    struct Case {
+        u64 ullSlot;
+        i64 lOffset; /* -1: absent */
+    };
+    constexpr Case aCases[] = {
+        {0, -1},
+        {0x0000000100000000, 0}, /* not zero, so it leads to the body's first byte */
+        {0xDEADBEEF00000140, 0x140},
+        {0x13F, 0x13F},
+        {0x17F, 0x17F},
+        {0x180, 0x180}, /* the body's size: from here on it is the tail */
+        {0x181, 0x180},
+        {0xFFFFFFFFFFFFFFFF, 0x180},
+    };
+    for (const Case& row : aCases) {
+        Bytes bytes = BareBody(0x180);
+        Poke(&bytes, 64 + 284, row.ullSlot);
+        Load(bytes);
+        EXPECT_EQ(SlotOffset(284), row.lOffset) << std::hex << row.ullSlot;
+    }
+}
+
+TEST_F(ModelTest, ATableBehindTheBodyIsPresentAndEmpty)
+{
+    Bytes bytes = BareBody(0x180);
+    for (size_t nSlot : {8, 96, 124, 174}) {
+        Poke(&bytes, 64 + nSlot, u64{0x9000});
+    }
+    const XpiModel* pLoaded = Load(bytes);
+    EXPECT_EQ(SlotOffset(8), 0x180);
+    EXPECT_EQ(Row(pLoaded, pLoaded->pPaperTable, 0)->sNameId, 0);
+    EXPECT_STREQ(BodyText(pLoaded, pLoaded->pDefaultFont), "");
+    EXPECT_EQ(LookupXpiMemory(pLoaded, 96), 0);
+    EXPECT_EQ(GetXpiHalftoneBytes(pLoaded), 0u);
+}
+
+TEST_F(ModelTest, ShortBodiesAndFilesReadAsZeros)
+{
+    /* A body of 100 bytes: what it has counts, its pointers lead nowhere, the rest is zero. */
+    Bytes bytes = BareBody(100);
+    Poke(&bytes, 64 + 2, u16{3});
+    Poke(&bytes, 64 + 8, u64{96});
+    Poke(&bytes, 64 + 24, u64{200});
+    Poke(&bytes, 64 + 92, i16{64});
+    bytes.resize(64 + 400, 0xEE); /* what lies behind the body in the file is no part of it */
+    const XpiModel* pLoaded = Load(bytes);
+    EXPECT_EQ(pLoaded->usLanguage, 3);
+    EXPECT_EQ(pLoaded->sStdMemory, 64);
+    EXPECT_EQ(SlotOffset(8), 96);
+    EXPECT_EQ(SlotOffset(24), 315);
+    EXPECT_EQ(pLoaded->usColorClass, 0);
+    EXPECT_EQ(SlotOffset(220), -1);
+    EXPECT_EQ(pLoaded->bModelFlags, 0);
+
+    /* A body that is announced longer than the file. */
+    bytes = BareBody(448, 0x55);
+    bytes.resize(64 + 4);
+    pLoaded = Load(bytes);
+    EXPECT_EQ(pLoaded->usLanguage, 0x5555);
+    EXPECT_EQ(pLoaded->sLanguageLevel, 0);
+    EXPECT_EQ(SlotOffset(8), -1);
+
+    /* Nothing there at all: an empty file, a header alone, a body far beyond the end. */
+    for (const Bytes& empty : {Bytes(), Bytes(64), BareBody(0)}) {
+        pLoaded = Load(empty);
+        EXPECT_EQ(Bytes(Body(), Body() + 315 + 128), Bytes(315 + 128));
+    }
+    bytes = BareBody(448, 0x55);
+    Poke(&bytes, AT_BODY, u32{0xFFFFFF00});
+    Poke(&bytes, AT_STRING_BASE, u32{0x100});
+    EXPECT_EQ(Load(bytes)->usLanguage, 0);
+}
+
+TEST_F(ModelTest, NoModelWithoutAFileMemoryOrAReadableBody)
+{
+    XpiFile closed = {};
+    EXPECT_FALSE(LoadXpiModel(closed));
+    EXPECT_FALSE(OpenXpiPath(closed, u"C:\\missing.xpi"));
+    EXPECT_FALSE(LoadXpiModel(closed));
+
+    DescriptionBuilder builder = WithFonts({10, 20});
+    builder.Table<u16>(140, {0, 0, 0});
+    for (CallId call : {CALL_HeapAlloc, CALL_ReadFile, CALL_SetFilePointerEx}) {
+        int nFailing = call == CALL_HeapAlloc ? 1 : 2; /* the first read is the header's, and that one may fail */
+        for (int nTh = nFailing;; nTh++) {
+            Open(builder.Build());
+            FailCall(call, nTh);
+            pModel = LoadXpiModel(file);
+            if (!StopFaults()) {
+                EXPECT_GE(nTh, call == CALL_HeapAlloc ? 2 : 4) << "body and font offsets are read";
+                break;
+            }
+            EXPECT_FALSE(pModel) << CallName(call) << " " << nTh;
+        }
+    }
+}
+
+TEST_F(ModelTest, WalksEndInTheTailWhenTheClosingRowIsMissing)
+{
+    DescriptionBuilder builder;
+    builder.Table<MediaRow>(48, {{1, 7, 0, {}, 1}, {2, 8, 0, {}, 2}});
+    builder.Table<PaperRow>(8, {{1, 9, 2100, 2970, 1, 0, 0, 0, {}}, {2, 8, 2970, 4200, 1, 0, 0, 0, {}}});
+    Bytes whole = builder.Build();
+    /* Cut anywhere in the last row: the rest reads as zeros, and the row behind it is the end. */
+    for (size_t nCut = 0; nCut <= sizeof(PaperRow); nCut++) {
+        Bytes bytes = whole;
+        Poke(&bytes, AT_STRING_BASE, static_cast<u32>(Peek<u32>(bytes, AT_STRING_BASE) - nCut));
+        const XpiModel* pLoaded = Load(bytes);
+        i32             nRows   = 0;
+        while (Row(pLoaded, pLoaded->pPaperTable, nRows)->sNameId) {
+            nRows++;
+            ASSERT_LE(nRows, 2);
+        }
+        EXPECT_EQ(nRows, nCut >= 47 ? 1 : 2) << nCut;
+        EXPECT_EQ(Row(pLoaded, pLoaded->pPaperTable, 1)->sLength, nCut > 41 ? nCut > 40 + 2 ? 0 : 4200 & 0xFF : 4200) << nCut;
+    }
+}
+
+TEST_F(ModelTest, RowsOutsideTheBlockAreZeroRows)
+{
+    DescriptionBuilder builder;
+    u32                ulTable = builder.Table<MemoryRow>(96, {{8, 60}, {96, 90}, {0, 0}});
+    const XpiModel*    pLoaded = Load(builder.Build());
+    const MemoryRow*   pTable  = pLoaded->pMemoryTable;
+    EXPECT_EQ(Row(pLoaded, pTable, 1)->usValue, 90);
+
+    const u8* pEnd = Body() + ulTable + 12 + 128; /* of the tail */
+    auto      IsZeroRow = [&](const MemoryRow* pAt, i32 nIndex) {
+        const MemoryRow* pRow    = Row(pLoaded, pAt, nIndex);
+        const u8*        pBytes  = reinterpret_cast<const u8*>(pRow);
+        bool             bInside = pBytes >= Body() && pBytes + sizeof *pRow <= pEnd;
+        return pRow && !bInside && !pRow->usKey && !pRow->usValue;
+    };
+    for (i32 nIndex : {-1, -2, INT32_MIN, INT32_MAX, 3 + 32, 1000}) {
+        EXPECT_TRUE(IsZeroRow(pTable, nIndex)) << nIndex;
+    }
+    EXPECT_FALSE(IsZeroRow(pTable, 3 + 31)) << "the last row of the tail";
+    EXPECT_TRUE(IsZeroRow(nullptr, 0));
+    MemoryRow elsewhere[2] = {{1, 2}, {3, 4}};
+    EXPECT_TRUE(IsZeroRow(elsewhere, 0));
+    for (i64 lOff : {i64{-1}, i64{-8}, i64{315 + 12 + 128}, i64{315 + 12 + 126}, i64{1} << 40, -(i64{1} << 40)}) {
+        const MemoryRow* pAt;
+        u64              ullAt = reinterpret_cast<std::uintptr_t>(Body()) + static_cast<u64>(lOff);
+        std::memcpy(&pAt, &ullAt, sizeof pAt);
+        EXPECT_TRUE(IsZeroRow(pAt, 0)) << lOff;
+    }
+    EXPECT_EQ(Row<MemoryRow>(nullptr, pTable, 1)->usValue, 0);
+    EXPECT_STREQ(BodyText(pLoaded, reinterpret_cast<const char*>(elsewhere)), "");
+    EXPECT_STREQ(BodyText(pLoaded, nullptr), "");
+}
+
+TEST_F(ModelTest, FontPagesHoldTheStartsOfTheChunksThatEnded)
+{
+    DescriptionBuilder builder = WithFonts(SIX_FONTS);
+    u32                ulPages = builder.Table<u16>(140, {0xEEEE, 0xEEEE, 0xEEEE, 0xEEEE});
+    Load(builder.Build());
+    EXPECT_EQ((std::vector<u16>{WordAt(ulPages), WordAt(ulPages + 2), WordAt(ulPages + 4), WordAt(ulPages + 6)}),
+              (std::vector<u16>{1, 3, 5, 0xEEEE}));
+
+    /* More fonts than are read at one go: 255, 256 and 257 fill two pages and a third. */
+    for (size_t nFonts : {254, 255, 256, 257, 511, 600}) {
+        builder = WithFonts(std::vector<size_t>(nFonts, 128));
+        ulPages = builder.Table<u16>(140, {0, 0, 0, 0});
+        Load(builder.Build());
+        EXPECT_EQ(WordAt(ulPages), 1) << nFonts;
+        EXPECT_EQ(WordAt(ulPages + 2), nFonts > 255 ? 256 : 0) << nFonts; /* 255 * 128 is 32640 */
+        EXPECT_EQ(WordAt(ulPages + 4), nFonts > 510 ? 511 : 0) << nFonts;
+        EXPECT_EQ(WordAt(ulPages + 6), 0) << nFonts;
+    }
+
+    for (i16 sCount : std::initializer_list<i16>{0, -1, -32768}) {
+        builder = WithFonts({});
+        builder.Set<i16>(156, sCount);
+        ulPages = builder.Table<u16>(140, {0xEEEE, 0xEEEE});
+        Load(builder.Build());
+        EXPECT_EQ(WordAt(ulPages), 1) << sCount;
+        EXPECT_EQ(WordAt(ulPages + 2), 0xEEEE) << sCount;
+    }
+}
+
+TEST_F(ModelTest, FontPagesNeverTouchTheFixedPartOrTheTail)
+{
+    DescriptionBuilder builder = WithFonts(SIX_FONTS);
+    builder.Set<u32>(311, 0xA5A5A5A5);
+    builder.body.resize(320, 0xA5);
+    builder.Set<u64>(140, 311); /* the first entry lies in the fixed part, the second reaches into it no more */
+    Load(builder.Build());
+    EXPECT_EQ(Bytes(Body() + 311, Body() + 320), (Bytes{0xA5, 0xA5, 0xA5, 0xA5, 5, 0, 0xA5, 0xA5, 0xA5}));
+
+    builder.Set<u64>(140, 314); /* entry 0 would share a byte with the fixed part */
+    Load(builder.Build());
+    EXPECT_EQ(Bytes(Body() + 312, Body() + 320), (Bytes{0xA5, 0xA5, 0xA5, 0xA5, 3, 0, 5, 0}));
+
+    builder.Set<u64>(140, 317); /* entry 1 would reach behind the body by one byte */
+    Load(builder.Build());
+    EXPECT_EQ(Bytes(Body() + 315, Body() + 325), (Bytes{0xA5, 0xA5, 1, 0, 0xA5, 0, 0, 0, 0, 0}));
+
+    for (u64 ullSlot : {u64{0x100000000}, u64{4}, u64{320}, u64{0xFFFFFFF0}}) { /* body's start, within, tail */
+        builder.Set<u64>(140, ullSlot);
+        builder.Set<u16>(2, 3);
+        Load(builder.Build());
+        EXPECT_EQ(pModel->usLanguage, 3);
+        EXPECT_EQ(Bytes(Body() + 320, Body() + 320 + 128), Bytes(128)) << "the tail stays zero";
+    }
+}
+
+TEST_F(ModelTest, FontChunksAndSizes)
+{
+    DescriptionBuilder builder = WithFonts(SIX_FONTS);
+    Load(builder.Build());
+    constexpr u32 aExpected[] = {32767, 12768, 30001, 32767, 2768, 1, 0};
+    for (i32 nFirst = 1; nFirst <= 7; nFirst++) {
+        u32 cb = aExpected[nFirst - 1];
+        EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, nFirst), cb) << nFirst;
+        Bytes buffer(32767, 0xEE);
+        EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), buffer.data(), nFirst), cb) << nFirst;
+        Bytes expected;
+        for (size_t nFont = static_cast<size_t>(nFirst) - 1; expected.size() < cb; nFont++) {
+            expected.insert(expected.end(), builder.fonts[nFont].begin(), builder.fonts[nFont].end());
+        }
+        expected.resize(32767, 0xEE);
+        EXPECT_EQ(buffer, expected) << nFirst;
+    }
+    for (i32 nFirst : {0, -1, 8, INT32_MAX, INT32_MIN}) {
+        EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, nFirst), 0u) << nFirst;
+    }
+    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 65536u);
+
+    Load(WithFonts({40000, 5}).Build());
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 0u) << "a single font over the limit";
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 2), 5u);
+
+    builder = WithFonts(std::vector<size_t>(200, 100)); /* more rows than are held at once */
+    builder.fonts[130].assign(101, 0x7A);
+    Load(builder.Build());
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 20001u);
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 130), 7101u);
+    Bytes last(101);
+    Load(WithFonts({3, 101}).Build());
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), last.data(), 2), 101u);
+    EXPECT_EQ(last, Bytes(101, 0x42));
+}
+
+TEST_F(ModelTest, FontsThatLeadOutOfTheFileHaveNoSize)
+{
+    DescriptionBuilder builder = WithFonts({10, 20});
+    Bytes              whole   = builder.Build();
+    size_t             nTable  = Peek<u32>(whole, AT_FONT_TABLE);
+
+    Bytes bytes = whole;
+    Poke(&bytes, nTable + 8, u32{0x7FFFFFFF});
+    Load(bytes);
+    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u);
+
+    bytes = whole;
+    Poke(&bytes, nTable, u32{31}); /* the table falls */
+    Load(bytes);
+    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u);
+
+    bytes = whole;
+    bytes.resize(Peek<u32>(whole, AT_FONT_DATA) + 29); /* a byte is missing */
+    Load(bytes);
+    u8 aRoom[40];
+    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u);
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 30u);
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), aRoom, 1), 0u);
+    EXPECT_EQ(ReadXpiFontChunk(file, nullptr, aRoom, 1), 0u);
+    EXPECT_EQ(GetXpiFontDataSize(file, nullptr), 0u);
+
+    bytes = whole;
+    Poke(&bytes, AT_FONT_DATA, u32{0xFFFFFFF8}); /* offsets are added in 64 bits, or this would wrap */
+    Load(bytes);
+    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u);
+    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), aRoom, 1), 0u);
+}
+
+TEST_F(ModelTest, MemoryIsLookedUpWithTheFirstRowInReserve)
+{
+    struct Case {
+        std::vector<MemoryRow> rows;
+        u16                    usKey, usValue;
+    };
+    const std::vector<MemoryRow> two = {{8, 60}, {96, 90}, {0, 77}};
+    for (const Case& row : {Case{two, 96, 90}, Case{two, 8, 60}, Case{two, 16, 60}, Case{two, 0, 60},
+                            Case{{{0, 77}}, 96, 77}, Case{{{448, 40000}, {0, 0}}, 448, 40000}}) {
+        DescriptionBuilder builder;
+        builder.Table(96, row.rows);
+        EXPECT_EQ(LookupXpiMemory(Load(builder.Build()), row.usKey), row.usValue) << row.usKey;
+    }
+    EXPECT_EQ(LookupXpiMemory(Load(DescriptionBuilder().Build()), 8), 0);
+    EXPECT_EQ(LookupXpiMemory(nullptr, 8), 0);
+}
+
+TEST_F(ModelTest, HalftoneBytesAreSquaresOfSaneDimensions)
+{
+    auto Resolution = [](i16 sDim) { return ResolutionRow{1, 300, 0, 0, 300, 300, sDim, 1}; };
+    DescriptionBuilder builder;
+    builder.Table<ResolutionRow>(174, {Resolution(8), Resolution(16), {}, Resolution(1024)});
+    EXPECT_EQ(GetXpiHalftoneBytes(Load(builder.Build())), 10240u);
+
+    builder = {};
+    builder.Table<ResolutionRow>(174, {Resolution(-8), Resolution(0), Resolution(1), Resolution(1024), Resolution(1025),
+                                       Resolution(32767), Resolution(-32768), {}});
+    EXPECT_EQ(GetXpiHalftoneBytes(Load(builder.Build())), 32u + 32u * 1024 * 1024);
+
+    builder = {}; /* more than 32 bits hold */
+    builder.Table(174, std::vector<ResolutionRow>(200, Resolution(1024)));
+    EXPECT_EQ(GetXpiHalftoneBytes(Load(builder.Build())), 200 * (u64{32} << 20));
+    EXPECT_EQ(GetXpiHalftoneBytes(nullptr), 0u);
+}
+
+TEST_F(ModelTest, ValueRowsAreWiderOnTheFirstImageKindOnly)
+{
+    DescriptionBuilder builder;
+    builder.Table<u16>(196, {101, 102, 103, 104, 105, 106, 0, 0, 0});
+    for (u16 usKind : std::initializer_list<u16>{0, 1, 2, 3, 4, 5}) {
+        const XpiModel* pLoaded = Load(builder.Set<u16>(2, usKind).Build());
+        EXPECT_EQ(PjlValueRow(pLoaded, 1)->usNameId, usKind == 3 ? 104 : 103) << usKind;
+        EXPECT_EQ(PjlValueRow(pLoaded, 1)->usCmdId, usKind == 3 ? 105 : 104) << usKind;
+    }
+    EXPECT_EQ(PjlValueRow(pModel.get(), -1)->usNameId, 0);
+    EXPECT_EQ(PjlValueRow(pModel.get(), 0x7FFFFFFF)->usNameId, 0);
+    EXPECT_EQ(PjlValueRow(nullptr, 0)->usNameId, 0);
+}
+
+TEST_F(ModelTest, CommandsComeWholeOrNotAtAll)
+{
+    DescriptionBuilder builder;
+    u16 usShort = builder.Command("@PJL SET RESOLUTION=600\r\n"), usNone = builder.Command("");
+    u16 us127 = builder.Command(std::string(127, 'a')), us128 = builder.Command(std::string(128, 'b'));
+    u16 us1023 = builder.Command(std::string(1023, 'c')), us1024 = builder.Command(std::string(1024, 'd'));
+    builder.commands.push_back({'A', 'B', 'C'}); /* no NUL: the font section is its end */
+    u16 usOpen = static_cast<u16>(builder.commands.size() - 1);
+    Open(builder.Build());
+
+    struct Case {
+        u16         usId;
+        std::string full, brief; /* by the two readers */
+    };
+    for (const Case& row :
+         {Case{usShort, "@PJL SET RESOLUTION=600\r\n", "@PJL SET RESOLUTION=600\r\n"}, Case{usNone, "", ""},
+          Case{0, "", ""}, Case{us127, std::string(127, 'a'), std::string(127, 'a')},
+          Case{us128, std::string(128, 'b'), ""}, Case{us1023, std::string(1023, 'c'), ""}, Case{us1024, "", ""},
+          Case{usOpen, "ABC", "ABC"}}) {
+        char cText[2000];
+        std::memset(cText, '~', sizeof cText);
+        EXPECT_EQ(ReadXpiCommand(file, row.usId, cText, sizeof cText), static_cast<int>(row.full.size())) << row.usId;
+        EXPECT_EQ(cText, row.full);
+        EXPECT_EQ(ReadXpiShortCommand(file, row.usId, cText, sizeof cText), static_cast<int>(row.brief.size()));
+        EXPECT_EQ(cText, row.brief);
+    }
+
+    /* Fields of 12 bytes and fewer: half a command is worse than none. */
+    char cField[4] = {'~', '~', '~', '~'};
+    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 4), 3);
+    EXPECT_STREQ(cField, "ABC");
+    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 3), 0);
+    EXPECT_STREQ(cField, "");
+    cField[0] = '~';
+    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 0), 0);
+    EXPECT_EQ(cField[0], '~');
+
+    FailCall(CALL_ReadFile, 2, FAIL_FROM_THERE);
+    char cText[200] = "~";
+    EXPECT_EQ(ReadXpiCommand(file, usShort, cText, sizeof cText), 0);
+    EXPECT_STREQ(cText, "");
+    EXPECT_GT(StopFaults(), 0);
+}
+
+TEST_F(ModelTest, CommandsNeverReachTheFontSection)
+{
+    DescriptionBuilder builder;
+    u16                usId  = builder.Command("ABCDEF");
+    Bytes              whole = builder.Build();
+    u32                ulAt  = Peek<u32>(whole, AT_COMMAND_DATA) + 1; /* behind command 0 */
+    char               cText[64];
+    struct Case {
+        u32         ulFontData;
+        const char* cText;
+    };
+    for (Case row : {Case{ulAt + 7, "ABCDEF"}, Case{ulAt + 6, "ABCDEF"}, Case{ulAt + 3, "ABC"}, Case{ulAt, ""},
+                     Case{ulAt - 1, ""}, Case{0, ""}, Case{0xFFFFFFFF, "ABCDEF"}}) {
+        Bytes bytes = whole;
+        Poke(&bytes, AT_FONT_DATA, row.ulFontData);
+        Open(bytes);
+        ReadXpiCommand(file, usId, cText, sizeof cText);
+        EXPECT_STREQ(cText, row.cText) << row.ulFontData - ulAt;
+    }
+    /* Ids beyond the table read what lies behind it in the file, or nothing: never a fault. */
+    Open(whole);
+    ReadXpiCommand(file, 0xFFFF, cText, sizeof cText);
+    EXPECT_STREQ(cText, "");
+}
+
+TEST_F(ModelTest, BitmapsComeWholeOrNotAtAll)
+{
+    DescriptionBuilder builder;
+    auto               Bitmap = [](u32 cbTold, size_t cb) {
+        Bytes bitmap(cb, 0x77);
+        bitmap[0] = 'B';
+        bitmap[1] = 'M';
+        Poke(&bitmap, 2, cbTold);
+        return bitmap;
+    };
+    builder.bitmaps = {Bitmap(70, 70), Bitmap(14, 14), Bitmap(13, 14), Bitmap(61, 60), Bitmap(0xFFFFFFFF, 14)};
+    Bytes whole = builder.Build();
+    Poke(&whole, AT_COLOR_DATA, u32{0});
+    whole.resize(Peek<u32>(whole, AT_BITMAP_DATA) + 70 + 14 + 14 + 60 + 14);
+    Open(whole);
+    u32            cb     = 99;
+    OwnedBlock<u8> pFirst = ReadXpiBitmap(file, 0, &cb);
+    ASSERT_TRUE(pFirst);
+    EXPECT_EQ(Bytes(pFirst.get(), pFirst.get() + cb), builder.bitmaps[0]);
+    OwnedBlock<u8> pSmallest = ReadXpiBitmap(file, 1, &cb);
+    ASSERT_TRUE(pSmallest);
+    EXPECT_EQ(cb, 14u);
+
+    ResetCallCounts();
+    for (u16 usId : std::initializer_list<u16>{2, 4, 0xFFFF}) {
+        cb = 99;
+        EXPECT_FALSE(ReadXpiBitmap(file, usId, &cb)) << usId;
+        EXPECT_EQ(cb, 0u);
+    }
+    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0) << "a size that the file cannot hold is not allocated";
+    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "61 bytes told where 60 lie reads on into the next bitmap";
+    whole.resize(whole.size() - 14);
+    Open(whole);
+    EXPECT_FALSE(ReadXpiBitmap(file, 3, &cb)) << "but not beyond the end";
+
+    Open(whole);
+    for (int nTh = 2; nTh <= 4; nTh++) { /* the header was read for the file; offset, BMP header, whole */
+        Open(whole);
+        FailCall(CALL_ReadFile, nTh);
+        EXPECT_FALSE(ReadXpiBitmap(file, 0, &cb)) << nTh;
+        EXPECT_EQ(StopFaults(), 1);
+    }
+}
+
+TEST_F(ModelTest, ColorDataIsAsLongAsTheLowHalfSays)
+{
+    DescriptionBuilder builder;
+    builder.colorData = {1, 2, 3, 4, 5, 6, 7, 8};
+    Bytes whole       = builder.Build();
+    u8    aRoom[16];
+    struct Case {
+        u32 cbTold;
+        u32 cb;
+    };
+    for (Case row : {Case{8, 8}, Case{0, 0}, Case{0x10005, 5}, Case{0x10000, 0}}) {
+        Bytes bytes = whole;
+        Poke(&bytes, AT_COLOR_SIZE, row.cbTold);
+        Open(bytes);
+        EXPECT_EQ(ReadXpiColorData(file, nullptr), row.cb);
+        std::memset(aRoom, 0xEE, sizeof aRoom);
+        EXPECT_EQ(ReadXpiColorData(file, aRoom), row.cb);
+        for (u32 i = 0; i < sizeof aRoom; i++) {
+            EXPECT_EQ(aRoom[i], i < row.cb ? i + 1 : 0xEE) << row.cbTold << " at " << i;
+        }
+    }
+    Poke(&whole, AT_COLOR_SIZE, u32{12}); /* four more than the file has */
+    Open(whole);
+    std::memset(aRoom, 0xEE, sizeof aRoom);
+    EXPECT_EQ(ReadXpiColorData(file, aRoom), 12u);
+    EXPECT_EQ(Bytes(aRoom, aRoom + 16), (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE}));
+    FailCall(CALL_ReadFile, 1);
+    EXPECT_EQ(ReadXpiColorData(file, aRoom), 0u);
+    EXPECT_EQ(StopFaults(), 1);
+}

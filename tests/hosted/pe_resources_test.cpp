@@ -1,0 +1,503 @@
+/* The reader of resources in PE files: the built libraries against their sources, small files made byte by
+   byte, and files that lie about themselves. */
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "platform/hosted/machine.h"
+#include "platform/hosted/pe_resources.h"
+#include "platform/hosted/standin.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Strings = std::map<long, std::u16string>;
+
+constexpr u16 ENGLISH = 0x0409;
+constexpr u16 GERMAN  = 0x0407;
+constexpr u16 VERSION = 16;
+
+Bytes ReadDisk(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path;
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+Bytes BuiltLibrary(const char* cName)
+{
+    const char* cFolder = std::getenv("TQUI_BUILT");
+    return ReadDisk(fs::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
+}
+
+fs::path Source(const std::string& name)
+{
+    return fs::path(TQUI_SOURCE_DIR "/package/resources") / name;
+}
+
+/* Strings of a resource source, read line by line: id, text in quotation marks. */
+Strings SourceStrings(const std::string& name)
+{
+    std::ifstream file(Source(name));
+    Strings       strings;
+    for (std::string line; std::getline(file, line);) {
+        const size_t nOpen = line.find('"'), nClose = line.rfind('"');
+        char*        pBehind = nullptr;
+        const long   lId     = std::strtol(line.c_str(), &pBehind, 10);
+        if (lId > 0 && *pBehind == ',' && nOpen < nClose) {
+            const std::string text = line.substr(nOpen + 1, nClose - nOpen - 1);
+            EXPECT_TRUE(strings.emplace(lId, Widen(text)).second) << name << ": " << line;
+        }
+    }
+    return strings;
+}
+
+std::u16string TextAt(std::span<const u8> file, const PeText& text)
+{
+    std::u16string wcText(text.cch, u'\0');
+    for (size_t n = 0; n < text.cch; n++) {
+        wcText[n] = static_cast<char16_t>(file[text.nOffset + 2 * n] | file[text.nOffset + 2 * n + 1] << 8);
+    }
+    return wcText;
+}
+
+/* All strings that are not empty, in one language's order. */
+Strings ReadStrings(std::span<const u8> file, const std::vector<u16>& aLanguages)
+{
+    Strings strings;
+    for (int nId = 0; nId <= 0xFFFF; nId++) {
+        PeText text{};
+        if (FindPeString(file, static_cast<u16>(nId), aLanguages, &text) && text.cch > 0) {
+            strings[nId] = TextAt(file, text);
+        }
+    }
+    return strings;
+}
+
+/* The conversions of a format one behind the other, from each % to its letter. */
+std::string Conversions(const std::u16string& wcText)
+{
+    std::string all;
+    bool        bInside = false;
+    for (const char cChar : Narrow(wcText)) {
+        bInside = bInside || cChar == '%';
+        if (bInside) {
+            all += cChar;
+        }
+        bInside = bInside && !std::isalpha(static_cast<unsigned char>(cChar));
+    }
+    return all;
+}
+
+/* ---- a small PE file, made from a list of resources ---- */
+
+struct TinyResource {
+    PeName type, name;
+    u16    usLanguage;
+    Bytes  data;
+};
+
+void Put16(Bytes* pBytes, size_t nOffset, unsigned nValue)
+{
+    (*pBytes)[nOffset]     = static_cast<u8>(nValue);
+    (*pBytes)[nOffset + 1] = static_cast<u8>(nValue >> 8);
+}
+
+void Put32(Bytes* pBytes, size_t nOffset, u32 ulValue)
+{
+    Put16(pBytes, nOffset, ulValue & 0xFFFF);
+    Put16(pBytes, nOffset + 2, ulValue >> 16);
+}
+
+constexpr size_t RSRC    = 0x200;  /* where the section lies in the file */
+constexpr u32    ADDRESS = 0x3000; /* and when loaded */
+
+struct TinyPe {
+    Bytes  bytes;
+    size_t nSection; /* offset of the section header */
+    size_t nTables;  /* offset of the data directories */
+
+    TinyPe(const std::vector<TinyResource>& list, bool bWide = true) : bytes(RSRC)
+    {
+        const size_t nOptional = 0x40 + 24;
+        nTables                = nOptional + (bWide ? 112 : 96);
+        nSection               = nTables + 16 * 8;
+        Put16(&bytes, 0, 0x5A4D);
+        Put32(&bytes, 60, 0x40);
+        Put32(&bytes, 0x40, 0x4550);
+        Put16(&bytes, 0x44, bWide ? 0x8664 : 0x014C);
+        Put16(&bytes, 0x46, 1);
+        Put16(&bytes, 0x54, static_cast<unsigned>(nSection - nOptional));
+        Put16(&bytes, nOptional, bWide ? 0x20B : 0x10B);
+        Put32(&bytes, nTables - 4, 16);
+        Put32(&bytes, nTables + 16, ADDRESS);
+
+        Level(list, 0);
+        Put32(&bytes, nTables + 20, Size());
+        Put32(&bytes, nSection + 8, Size());
+        Put32(&bytes, nSection + 12, ADDRESS);
+        Put32(&bytes, nSection + 16, Size());
+        Put32(&bytes, nSection + 20, RSRC);
+    }
+
+    u32 Size() const { return static_cast<u32>(bytes.size() - RSRC); }
+
+    /* Appends a directory of one level with all that is below it; its offset in the section. */
+    u32 Level(const std::vector<TinyResource>& list, int nLevel)
+    {
+        const auto key = [nLevel](const TinyResource& r) {
+            return nLevel == 0 ? r.type : nLevel == 1 ? r.name : PeName(r.usLanguage);
+        };
+        std::vector<PeName> keys;
+        for (const TinyResource& resource : list) {
+            if (keys.empty() || !(keys.back() == key(resource))) {
+                keys.push_back(key(resource));
+            }
+        }
+        const u32 ulStart = Size();
+        bytes.resize(bytes.size() + 16 + 8 * keys.size());
+        Put16(&bytes, RSRC + ulStart + 14, static_cast<unsigned>(keys.size()));
+        for (size_t n = 0; n < keys.size(); n++) {
+            std::vector<TinyResource> below;
+            for (const TinyResource& resource : list) {
+                if (key(resource) == keys[n]) {
+                    below.push_back(resource);
+                }
+            }
+            const size_t nEntry = RSRC + ulStart + 16 + 8 * n;
+            u32          ulName = keys[n].usId;
+            if (!keys[n].wcName.empty()) {
+                ulName = 0x80000000 | Size();
+                const size_t nText = bytes.size();
+                bytes.resize(nText + 2 + 2 * keys[n].wcName.size());
+                Put16(&bytes, nText, static_cast<unsigned>(keys[n].wcName.size()));
+                for (size_t k = 0; k < keys[n].wcName.size(); k++) {
+                    Put16(&bytes, nText + 2 + 2 * k, keys[n].wcName[k]);
+                }
+            }
+            Put32(&bytes, nEntry, ulName);
+            const u32 ulBelow = nLevel < 2 ? 0x80000000 | Level(below, nLevel + 1) : Data(below[0].data);
+            Put32(&bytes, nEntry + 4, ulBelow);
+        }
+        return ulStart;
+    }
+
+    u32 Data(const Bytes& data)
+    {
+        const u32 ulEntry = Size();
+        bytes.resize(bytes.size() + 16);
+        Put32(&bytes, RSRC + ulEntry, ADDRESS + Size());
+        Put32(&bytes, RSRC + ulEntry + 4, static_cast<u32>(data.size()));
+        bytes.insert(bytes.end(), data.begin(), data.end());
+        return ulEntry;
+    }
+};
+
+Bytes StringBlock(const std::vector<std::u16string>& texts)
+{
+    Bytes block;
+    for (const std::u16string& wcText : texts) {
+        block.resize(block.size() + 2 + 2 * wcText.size());
+        size_t nOffset = block.size() - 2 - 2 * wcText.size();
+        Put16(&block, nOffset, static_cast<unsigned>(wcText.size()));
+        for (const char16_t wcChar : wcText) {
+            Put16(&block, nOffset += 2, wcChar);
+        }
+    }
+    return block;
+}
+
+/* Reads all there is to read. Every piece must lie inside the bytes, which are in a block of exactly their
+   size so that a sanitizer sees one byte too many. */
+void ReadHostile(std::span<const u8> bytes, int nLimit = 2000)
+{
+    const auto pCopy = std::make_unique<u8[]>(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), pCopy.get());
+    const std::span<const u8> file(pCopy.get(), bytes.size());
+
+    const std::vector<PeResource> list = ListPeResources(file, nLimit);
+    ASSERT_LE(list.size(), static_cast<size_t>(nLimit));
+    for (const PeResource& resource : list) {
+        ASSERT_LE(resource.data.nOffset, file.size());
+        ASSERT_LE(resource.data.cbSize, file.size() - resource.data.nOffset);
+    }
+    for (const u16 usId : {u16{0}, u16{15}, u16{16}, u16{17}, u16{121}, u16{1004}, u16{2335}}) {
+        PeText text{};
+        if (FindPeString(file, usId, LanguageOrder(GERMAN), &text)) {
+            ASSERT_LE(text.nOffset, file.size());
+            ASSERT_LE(text.cch, (file.size() - text.nOffset) / 2);
+        }
+    }
+    PePiece piece{};
+    if (FindPeResource(file, PeName(PE_BITMAP), PeName(u"LOGOBITMAP"), LanguageOrder(0), &piece)) {
+        ASSERT_LE(piece.nOffset, file.size());
+        ASSERT_LE(piece.cbSize, file.size() - piece.nOffset);
+    }
+    IsWholePeImage(file);
+}
+
+/* ---- the built libraries ---- */
+
+TEST(LanguageLibraries, HoldTheTextsOfTheirSources)
+{
+    const Strings english = SourceStrings("strings_en.rc"), german = SourceStrings("strings_de.rc");
+    ASSERT_EQ(english.size(), 234u);
+    const Bytes all = BuiltLibrary("TXT.DLL"), only = BuiltLibrary("ENUS.DLL");
+    EXPECT_TRUE(IsWholePeImage(all) && IsWholePeImage(only));
+    EXPECT_EQ(ReadStrings(all, {ENGLISH}), english);
+    EXPECT_EQ(ReadStrings(all, {GERMAN}), german);
+    EXPECT_EQ(ReadStrings(only, LanguageOrder(GERMAN)), english);
+}
+
+TEST(LanguageLibraries, SpeakOfTheSameThings)
+{
+    const Strings english = SourceStrings("strings_en.rc"), german = SourceStrings("strings_de.rc");
+    for (const auto& [nId, wcText] : english) {
+        SCOPED_TRACE(nId);
+        const auto other = german.find(nId);
+        if (other == german.end()) {
+            ADD_FAILURE() << "not in German";
+            continue;
+        }
+        EXPECT_LT(wcText.size(), 128u);
+        EXPECT_LT(other->second.size(), 128u);
+        EXPECT_GT(other->second.size(), 0u);
+        const bool bFormat = (nId >= 2513 && nId <= 2516) || nId == 2601 || nId == 2602;
+        if (nId == 1877) { /* the percent sign itself */
+            continue;
+        }
+        EXPECT_EQ(Conversions(wcText), Conversions(other->second));
+        EXPECT_EQ(Conversions(wcText), !bFormat ? "" : nId > 2600 ? "%d" : "%d%02d%d%d");
+    }
+    EXPECT_EQ(english.size(), german.size());
+    for (const Strings& strings : {english, german}) {
+        EXPECT_NE(strings.at(2455), strings.at(2456)); /* the editors tell the unit by its name */
+        EXPECT_EQ(strings.at(2420), u"TQS");           /* a file extension is not translated */
+    }
+}
+
+TEST(LanguageLibraries, HoldThePicturesAndTheVersion)
+{
+    const std::map<std::u16string, std::string> pictures = {{u"LOGOBITMAP", "logo.bmp"},
+                                                            {u"DUPSIMPLE", "dupsimple.bmp"},
+                                                            {u"DUPLONG", "duplong.bmp"},
+                                                            {u"DUPSHORT", "dupshort.bmp"}};
+    for (const char* cLibrary : {"TXT.DLL", "ENUS.DLL"}) {
+        SCOPED_TRACE(cLibrary);
+        const Bytes library = BuiltLibrary(cLibrary);
+        for (const auto& [wcName, file] : pictures) {
+            SCOPED_TRACE(file);
+            PePiece piece{};
+            ASSERT_TRUE(FindPeResource(library, PE_BITMAP, PeName(wcName), LanguageOrder(GERMAN), &piece));
+            const Bytes picture = ReadDisk(Source(file)); /* its header of 14 bytes is not in the resource */
+            const Bytes stored(library.begin() + static_cast<long>(piece.nOffset),
+                               library.begin() + static_cast<long>(piece.nOffset + piece.cbSize));
+            EXPECT_EQ(stored, Bytes(picture.begin() + 14, picture.end()));
+            EXPECT_EQ(picture[28], 8);                               /* bits a pixel: a colour table ... */
+            EXPECT_EQ(picture[picture[10] + picture[11] * 256u], 0); /* ... whose row 0 is the ground */
+        }
+        PePiece version{};
+        ASSERT_TRUE(FindPeResource(library, PeName(VERSION), PeName(1), LanguageOrder(0), &version));
+        /* signature, version of the layout, 10.51 */
+        const Bytes numbers = {0xBD, 0x04, 0xEF, 0xFE, 0, 0, 1, 0, 51, 0, 10, 0};
+        const auto  end     = library.begin() + static_cast<long>(version.nOffset + version.cbSize);
+        EXPECT_NE(std::search(library.begin() + static_cast<long>(version.nOffset), end, numbers.begin(),
+                              numbers.end()),
+                  end);
+    }
+}
+
+/* ---- small files ---- */
+
+TEST(PeResources, NamesNumbersAndLanguagesInBothFormats)
+{
+    const std::vector<TinyResource> list = {{u"DATA", u"ONE", 0, {1}},
+                                            {u"DATA", u"TWO", 0, {2, 2}},
+                                            {PE_BITMAP, 7, GERMAN, {3}},
+                                            {PE_BITMAP, 7, ENGLISH, {4}},
+                                            {PE_BITMAP, 9, 0x000A, {5}}};
+    for (const bool bWide : {false, true}) {
+        SCOPED_TRACE(bWide);
+        const TinyPe pe(list, bWide);
+        const auto   found = [&](const PeName& type, const PeName& name, u16 usUser) {
+            PePiece piece{};
+            return FindPeResource(pe.bytes, type, name, LanguageOrder(usUser), &piece) && piece.cbSize > 0
+                         ? pe.bytes[piece.nOffset]
+                         : 0;
+        };
+        EXPECT_EQ(found(u"DATA", u"ONE", ENGLISH), 1);
+        EXPECT_EQ(found(u"DATA", u"TWO", ENGLISH), 2);
+        EXPECT_EQ(found(u"DATA", u"TW", ENGLISH), 0);
+        EXPECT_EQ(found(u"DATA", 1, ENGLISH), 0);
+        const u16 usNameOffset = static_cast<u16>(pe.bytes[RSRC + 16] | pe.bytes[RSRC + 17] << 8);
+        EXPECT_EQ(found(usNameOffset, u"ONE", ENGLISH), 0); /* where a name lies is no number */
+        EXPECT_EQ(found(u"DAT", u"ONE", ENGLISH), 0);
+        EXPECT_EQ(found(PE_BITMAP, 7, GERMAN), 3);
+        EXPECT_EQ(found(PE_BITMAP, 7, 0x0C07), 4); /* another German: English */
+        EXPECT_EQ(found(PE_BITMAP, 9, GERMAN), 5); /* neither: the first there is */
+        EXPECT_EQ(found(PE_BITMAP, 9, 0x2C0A), 5);
+        EXPECT_EQ(found(PE_BITMAP, 8, ENGLISH), 0);
+
+        const std::vector<PeResource> all = ListPeResources(pe.bytes, 100);
+        ASSERT_EQ(all.size(), list.size());
+        for (size_t n = 0; n < list.size(); n++) {
+            EXPECT_EQ(all[n].type, list[n].type);
+            EXPECT_EQ(all[n].name, list[n].name);
+            EXPECT_EQ(all[n].usLanguage, list[n].usLanguage);
+            EXPECT_EQ(all[n].data.cbSize, list[n].data.size());
+        }
+    }
+}
+
+TEST(PeResources, LanguagesInOrder)
+{
+    /* Of the languages that are there, the user's is first, then his primary one, then English; the neutral
+       one goes before all. */
+    const auto picked = [](std::vector<u16> aThere, u16 usUser) {
+        std::vector<TinyResource> list;
+        for (const u16 usLanguage : aThere) {
+            list.push_back({PE_STRING, 1, usLanguage, StringBlock({std::u16string(1, usLanguage + 1)})});
+        }
+        const Bytes bytes = TinyPe(list).bytes;
+        PeText      text{};
+        EXPECT_TRUE(FindPeString(bytes, 0, LanguageOrder(usUser), &text));
+        return TextAt(bytes, text).at(0) - 1;
+    };
+    EXPECT_EQ(picked({0x0007, 0x0407, 0x0409, 0x0C07}, 0x0C07), 0x0C07);
+    EXPECT_EQ(picked({0x0007, 0x0407, 0x0409}, 0x0C07), 0x0007);
+    EXPECT_EQ(picked({0x0407, 0x0409}, 0x0C07), 0x0409);
+    EXPECT_EQ(picked({0x0407, 0x040C}, 0x0411), 0x0407);
+    EXPECT_EQ(picked({0x0000, 0x0407, 0x0409}, 0x0407), 0x0000);
+}
+
+TEST(PeResources, StringsEndWithTheirBlock)
+{
+    Bytes      block = StringBlock({u"first", u"", u"last"});
+    const auto find  = [&](u16 usId) {
+        const TinyPe pe({{PE_STRING, 2, ENGLISH, block}, {u"BEHIND", 1, 0, Bytes(600, 'x')}});
+        PeText       text{};
+        const int    nFound = FindPeString(pe.bytes, usId, LanguageOrder(ENGLISH), &text);
+        return nFound ? Narrow(TextAt(pe.bytes, text)) : "none";
+    };
+    EXPECT_EQ(find(16), "first");
+    EXPECT_EQ(find(17), "");
+    EXPECT_EQ(find(18), "last");
+    EXPECT_EQ(find(19), "none"); /* behind the end of a block that was cut */
+    EXPECT_EQ(find(15), "none");
+    block.pop_back();
+    EXPECT_EQ(find(18), "none");
+    Put16(&block, 0, 0xFFFF);
+    EXPECT_EQ(find(16), "none");
+    EXPECT_EQ(find(18), "none");
+}
+
+TEST(PeResources, DirectoriesThatLeadBackEnd)
+{
+    const std::vector<TinyResource> list = {{PE_STRING, 1, ENGLISH, StringBlock({u"text"})}};
+    const size_t                    nType = RSRC + 16, nName = nType + 24, nLanguage = nName + 24;
+    for (const size_t nEntry : {nType, nName, nLanguage}) {
+        SCOPED_TRACE(nEntry);
+        TinyPe pe(list);
+        ASSERT_EQ(ListPeResources(pe.bytes, 100).size(), 1u);
+        Put32(&pe.bytes, nEntry + 4, 0x80000000);
+        PeText text{};
+        EXPECT_FALSE(FindPeString(pe.bytes, 0, LanguageOrder(ENGLISH), &text));
+        EXPECT_TRUE(ListPeResources(pe.bytes, 100).empty());
+    }
+    /* All entries of three wide levels are one directory: the limit ends it. */
+    TinyPe    pe(list);
+    const u32 ulWide = pe.Size();
+    pe.bytes.resize(pe.bytes.size() + 16 + 8 * 60000);
+    Put16(&pe.bytes, RSRC + ulWide + 14, 60000);
+    for (size_t n = 0; n < 60000; n++) {
+        Put32(&pe.bytes, RSRC + ulWide + 16 + 8 * n, PE_STRING);
+        Put32(&pe.bytes, RSRC + ulWide + 20 + 8 * n, 0x80000000 | ulWide);
+    }
+    Put32(&pe.bytes, pe.nSection + 16, pe.Size());
+    Put32(&pe.bytes, nType + 4, 0x80000000 | ulWide);
+    ReadHostile(pe.bytes, 200000);
+}
+
+TEST(PeResources, CutFilesGiveTheSameTextOrNone)
+{
+    const Strings texts = {
+        {0, u"text"}, {121, u"Letter"}, {1004, u"Qualit\u00E4t"}, {2631, u"Werkseinstellungen"}};
+    const TinyPe tiny({{PE_STRING, 1, 0, StringBlock({u"text"})}});
+    for (const Bytes& whole : {BuiltLibrary("TXT.DLL"), tiny.bytes}) {
+        int nFound = 0;
+        for (size_t cbKept = 0; cbKept < whole.size(); cbKept += cbKept < 0x1800 ? 1 : 61) {
+            const std::span<const u8> cut(whole.data(), cbKept);
+            ReadHostile(cut);
+            ASSERT_FALSE(IsWholePeImage(cut)) << cbKept;
+            for (const auto& [nId, wcText] : texts) {
+                PeText text{};
+                if (FindPeString(cut, static_cast<u16>(nId), LanguageOrder(GERMAN), &text)) {
+                    ASSERT_EQ(TextAt(cut, text), wcText) << cbKept;
+                    nFound++;
+                }
+            }
+            if (HasFatalFailure()) {
+                FAIL() << cbKept << " bytes kept";
+            }
+        }
+        EXPECT_TRUE(nFound > 0 || whole.size() < 0x1000);
+    }
+}
+
+TEST(PeResources, EveryFieldAtItsBounds)
+{
+    const Bytes good = TinyPe({{u"DATA", u"ONE", 0, {1, 2, 3}},
+                               {PE_BITMAP, u"LOGOBITMAP", 0, {4}},
+                               {PE_STRING, 1, ENGLISH, StringBlock({u"zero", u"one"})},
+                               {PE_STRING, 2, GERMAN, StringBlock({u"sixteen", u"", u"eighteen"})}})
+                           .bytes;
+    const u32 cb = static_cast<u32>(good.size());
+    for (size_t nOffset = 0; nOffset + 4 <= good.size(); nOffset++) {
+        for (const u32 ulValue : {0u, 1u, 0x7Fu, 0xFFFFu, cb - 1, cb, cb + 1, 0x7FFFFFFFu, 0x80000000u,
+                                  0x80000010u, 0xFFFFFFF0u, 0xFFFFFFFFu}) {
+            Bytes bytes = good;
+            Put32(&bytes, nOffset, ulValue);
+            ReadHostile(bytes);
+            bytes = good;
+            Put16(&bytes, nOffset, ulValue & 0xFFFF);
+            ReadHostile(bytes);
+            if (HasFatalFailure()) {
+                FAIL() << "offset " << nOffset << " value " << ulValue;
+            }
+        }
+    }
+}
+
+/* The stand-in's lies, which the sweeps build on, are told where they are asked for and nowhere else. */
+TEST(ResourceLies, LoadStringLiesAboutItsLength)
+{
+    StartMachine();
+    PutFile(u"C:\\TXT.DLL", BuiltLibrary("TXT.DLL"));
+    const HMODULE hModule = LoadLibraryExW(u"C:\\TXT.DLL", nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_TRUE(hModule);
+    EXPECT_EQ(CountLive().nModules, 1);
+    const auto ask = [hModule](LieKind kind) {
+        WCHAR wcText[12] = {};
+        TellLies(kind, CALL_LoadStringW);
+        const int cch = LoadStringW(hModule, 1002, wcText, 10);
+        TellLies(LIE_NONE);
+        EXPECT_EQ(wcText[10], 0); /* no lie goes beyond the room */
+        return std::pair(cch, std::u16string(wcText));
+    };
+    EXPECT_EQ(ask(LIE_NONE), std::pair(6, std::u16string(u"Layout")));
+    EXPECT_EQ(ask(LIE_SHORT), std::pair(3, std::u16string(u"Lay")));
+    EXPECT_EQ(ask(LIE_UNTERMINATED), std::pair(10, std::u16string(u"Layout####")));
+    EXPECT_GT(ask(LIE_HUGE).first, 0x7FFF0000);
+
+    EXPECT_FALSE(LoadLibraryExW(u"C:\\TXT.DLL", nullptr, 0)); /* its code is never run */
+    StopMachine();
+    EXPECT_EQ(CountLive().nModules, 0); /* what a test leaves is taken away */
+}
+
+} // namespace

@@ -1,0 +1,100 @@
+/* Installs test printers on the hosted machine. */
+#include "support/sample_machine.h"
+
+#include "xpi_format.h"
+
+void MachineTest::SetUp()
+{
+    BothBuilds::SetUp();
+}
+
+void MachineTest::TearDown()
+{
+    opened.reset();
+    BothBuilds::TearDown();
+}
+
+void MachineTest::Open(const WideText& wcName)
+{
+    wcPrinter = wcName;
+    opened.reset();
+    opened.emplace(wcName);
+    hPrinter = opened->hPrinter;
+}
+
+HANDLE MachineTest::AddTestPrinter(const Bytes& description, const std::string& ini)
+{
+    PrinterSetup setup;
+    setup.wcName       = u"Test";
+    setup.wcDriverName = u"Test Driver";
+    setup.tcDriverPath = u"C:\\drv\\qrnd.dll";
+    setup.tcConfigFile = u"C:\\drv\\tqui.dll";
+    setup.tcDataFile   = u"C:\\drv\\qa.fdf";
+    setup.tcHelpFile   = u"C:\\drv\\qa.chm";
+    setup.atcDependentFiles = {u"C:\\drv\\qa.xpi", u"C:\\drv\\qa.ini", u"C:\\drv\\txt.dll", u"C:\\drv\\enus.dll"};
+    PutFile(u"C:\\drv\\qa.xpi", description);
+    if (!ini.empty()) {
+        PutFile(u"C:\\drv\\qa.ini", std::string_view(ini));
+    }
+    PutFile(u"C:\\drv\\txt.dll", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
+    PutFile(u"C:\\drv\\enus.dll", ReadDiskFile(TQUI_SAMPLES "/ENUS.DLL"));
+    AddPrinter(setup);
+    Open(setup.wcName);
+    return hPrinter;
+}
+
+HANDLE MachineTest::AddSample(const std::string& nameOrSection)
+{
+    Open(InstallSample(FindInfModel(SampleModels(), nameOrSection), TQUI_SAMPLES).wcName);
+    return hPrinter;
+}
+
+std::vector<i64> MachineTest::Numbers(const CapabilityAnswer& answer)
+{
+    size_t           cbRow = RowBytes(answer.wQuestion);
+    size_t           cb    = cbRow == 8 ? 4 : cbRow; /* pairs of LONG come one number after the other */
+    std::vector<i64> numbers;
+    for (size_t nAt = 0; nAt + cb <= answer.rows.size(); nAt += cb) {
+        numbers.push_back(cb == 2 ? Peek<i16>(answer.rows, nAt) : Peek<i32>(answer.rows, nAt));
+    }
+    return numbers;
+}
+
+std::vector<std::string> MachineTest::Texts(const CapabilityAnswer& answer)
+{
+    size_t                   cbRow = RowBytes(answer.wQuestion);
+    std::vector<std::string> texts;
+    for (size_t nRow = 0; (nRow + 1) * cbRow <= answer.rows.size(); nRow++) {
+        WideText wcText;
+        size_t   nAt = 0;
+        while (nAt < cbRow && Peek<u16>(answer.rows, nRow * cbRow + nAt)) {
+            wcText += static_cast<WCHAR>(Peek<u16>(answer.rows, nRow * cbRow + nAt));
+            nAt += sizeof(WCHAR);
+        }
+        EXPECT_LT(nAt, cbRow) << "row " << nRow << " has no end";
+        texts.push_back(Narrow(wcText));
+    }
+    return texts;
+}
+
+const std::vector<InfModel>& SampleModels()
+{
+    static const std::vector<InfModel> models = ReadInf(TQUI_SAMPLES "/tqui.inf");
+    return models;
+}
+
+Bytes CompileSample(const std::string& stem, const std::vector<std::pair<std::string, std::string>>& overrides)
+{
+    std::string path = TQUI_SOURCE_DIR "/package/models/" + stem + ".toml";
+    Bytes       text = ReadDiskFile(path);
+
+    std::vector<XpiOverride> changes;
+    for (const auto& [key, value] : overrides) {
+        changes.push_back({key, value});
+    }
+    XpiCompiled compiled = CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path, changes);
+    for (const XpiError& error : compiled.errors) {
+        ADD_FAILURE() << FormatXpiError(path, error);
+    }
+    return compiled.bytes;
+}

@@ -1,0 +1,53 @@
+/* A printer of the package, installed in the system's spooler for as long as the object lives. */
+#ifndef TQUI_TESTS_WINDOWS_INSTALLED_PRINTER_H
+#define TQUI_TESTS_WINDOWS_INSTALLED_PRINTER_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+#include <winspool.h>
+
+#include "support/inf.h"
+
+/* The built package: the folder that the environment variable TQUI_BUILT names, as a Windows or a Unix path.
+   Throws std::runtime_error when it is not set. The same for other variables that name paths. */
+std::filesystem::path PathFromEnvironment(const char* cVariable);
+
+/* Copies a model's files to the spooler's driver folder, adds the driver and a printer "NAME (test)" on
+   FILE:. Throws std::runtime_error with the call and its error code; what was done until then is undone. */
+class InstalledPrinter {
+public:
+    /* tcLibrary: the file to install as the model's ConfigFile, the shipped one or a test copy. */
+    InstalledPrinter(const InfModel& model, const std::filesystem::path& tcPackage,
+                     const std::filesystem::path& tcLibrary);
+    ~InstalledPrinter();
+    InstalledPrinter(const InstalledPrinter&)            = delete;
+    InstalledPrinter& operator=(const InstalledPrinter&) = delete;
+
+    HANDLE       Handle() const { return m_hPrinter; } /* open with all access */
+    const WCHAR* Name() const { return m_wcName.c_str(); }
+
+    /* Full paths as the spooler lists them: driver, config, data, help, dependent files. */
+    std::vector<std::filesystem::path> Files() const;
+
+    /* The installed library, loaded for the life of the object, and a routine of it. */
+    template <typename Routine> Routine Export(const char* cName) const
+    {
+        return reinterpret_cast<Routine>(reinterpret_cast<void*>(GetProcAddress(m_hLibrary, cName)));
+    }
+
+private:
+    void Install(const InfModel& model, const std::filesystem::path& tcPackage,
+                 const std::filesystem::path& tcLibrary);
+    void Remove();
+
+    std::wstring                       m_wcName, m_wcDriver;
+    std::vector<std::filesystem::path> m_copied;
+    bool                               m_bDriver  = false;
+    HANDLE                             m_hPrinter = nullptr;
+    HMODULE                            m_hLibrary = nullptr;
+};
+
+#endif
