@@ -41,7 +41,11 @@ int ReadRow(const WCHAR* tcPath, i32 nIndex, PaperSizeRow* pRow)
 i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows)
 {
     i32 nRows = ReadProfileInt(wcSection, TEXT("NumCustomSizes"), -1, tcPath);
-    nRows     = nRows < 0 ? 0 : nRows > LIST_LIMIT ? LIST_LIMIT : nRows;
+    if (nRows < 0) {
+        nRows = 0;
+    } else if (nRows > LIST_LIMIT) {
+        nRows = LIST_LIMIT;
+    }
     outRows->reset(static_cast<PaperSizeRow*>(AllocateRows(static_cast<u64>(nRows) + 1, sizeof(PaperSizeRow))));
     PaperSizeRow* pRows = outRows->get();
     if (!pRows) {

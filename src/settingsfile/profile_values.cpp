@@ -40,7 +40,7 @@ u32 ParseHex(const WCHAR* wcText)
         if (wcDigit >= '0' && wcDigit <= '9') {
             ullDigit = static_cast<u64>(wcDigit - '0');
         } else if ((wcDigit | 0x20) >= 'a' && (wcDigit | 0x20) <= 'f') {
-            ullDigit = static_cast<u64>((wcDigit | 0x20) - 'a' + 10);
+            ullDigit = static_cast<u64>(wcDigit | 0x20) - 'a' + 10;
         } else {
             return static_cast<u32>(ullValue);
         }

@@ -194,6 +194,7 @@ TEST_F(Files, ReadOnlyFilesAreReadAndNotWritten)
     DWORD dwWriting = OpenError(tcPath, GENERIC_WRITE);
     DWORD dwBoth    = OpenError(tcPath, GENERIC_READ | GENERIC_WRITE);
     DWORD dwAlways  = OpenError(tcPath, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    DWORD dwEmptied = OpenError(tcPath, GENERIC_READ, 0, CREATE_ALWAYS);
     ASSERT_TRUE(SetFileAttributesW(tcPath.c_str(), FILE_ATTRIBUTE_NORMAL));
     EXPECT_EQ(GetFileAttributesW(tcPath.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
     EXPECT_EQ(OpenError(tcPath, GENERIC_WRITE), ERROR_SUCCESS);
@@ -206,6 +207,7 @@ TEST_F(Files, ReadOnlyFilesAreReadAndNotWritten)
     EXPECT_EQ(dwWriting, ERROR_ACCESS_DENIED);
     EXPECT_EQ(dwBoth, ERROR_ACCESS_DENIED);
     EXPECT_EQ(dwAlways, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(dwEmptied, ERROR_ACCESS_DENIED);
     EXPECT_EQ(ReadTestFile(tcPath).size(), 10u);
 }
 
@@ -352,8 +354,11 @@ TEST_F(Files, HostedFaultsAndLies)
         EXPECT_EQ(StopFaults(), 1);
         EXPECT_EQ(CountLive().nFiles, 0) << CallName(call);
     }
+    HANDLE hClosed = Open(Path("a.txt"));
+    CloseHandle(hClosed);
     HANDLE        hFile = Open(Path("a.txt"));
     LARGE_INTEGER size;
+    EXPECT_FALSE(CloseHandle(hClosed)) << "a handle that was closed has become another's";
     TellLies(LIE_SHORT);
     EXPECT_EQ(Read(hFile, 8), "0123");
     TellLies(LIE_HUGE);

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using Strings = std::map<long, std::u16string>;
 
 constexpr u16 ENGLISH = 0x0409;
-constexpr u16 GERMAN  = 0x0407;
+constexpr u16 GERMAN  = 0x0007; /* the neutral language: all German users */
 constexpr u16 VERSION = 16;
 
 Bytes ReadDisk(const fs::path& path)

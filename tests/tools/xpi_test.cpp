@@ -156,6 +156,9 @@ TEST(Xpi, ErrorsTellLineAndField)
     const Case cases[] = {
         {"[model]\nlanguage = \n", 2, "", ""},
         {"[papers]\nrows = []\n", 0, "model", "missing"},
+        {"[model]\nlanguage = 1 # \x01\n", 2, "", "control"},
+        {"[model]\n# \xC3\xBC 'x\n\xC3\xBC = \"\"\n", 3, "", "ASCII"},
+        {"[model]\nx = '''\n\xC3\xBC''''\ny = \"\\\"\xC3\xBC\" \xC3\xBC\n", 4, "", "ASCII"},
         {"[model]\n[paper]\n", 2, "paper", "no such section"},
         {"[model]\ncolour = 1\n", 2, "model.colour", "no such field"},
         {"[model]\nlanguage = \"pcl7\"\n", 2, "model.language", "pcl6, pcl5"},

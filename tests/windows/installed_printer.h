@@ -9,7 +9,7 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include "support/inf.h"
+#include "tools/tq/inf.h"
 
 /* The built package: the folder that the environment variable TQUI_BUILT names, as a Windows or a Unix path.
    Throws std::runtime_error when it is not set. The same for other variables that name paths. */

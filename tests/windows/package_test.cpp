@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/inf.h"
+#include "tools/tq/inf.h"
 
 namespace fs = std::filesystem;
 

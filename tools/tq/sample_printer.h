@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "platform/hosted/machine.h"
-#include "support/inf.h"
+#include "tools/tq/inf.h"
 
 /* Where the driver's files lie on the machine, with a backslash at the end. */
 constexpr const WCHAR* wcDriverFolder = TEXT("C:\\Windows\\System32\\spool\\DRIVERS\\x64\\3\\");

@@ -417,6 +417,12 @@ XpiCompiled CompileXpi(std::string_view text, std::string_view fileName,
                        std::span<const XpiOverride> overrides)
 {
     Compiler compiler;
+    if (int line = LineOfStrayCharacter(text)) {
+        compiler.result.errors.push_back(
+            {line, "",
+             "A character has no place here: beyond ASCII outside quotation marks, or a control character."});
+        return compiler.result;
+    }
     try {
         compiler.root = toml::parse(text, fileName);
     } catch (const toml::parse_error& error) {

@@ -34,6 +34,43 @@ int LineOf(const toml::node& node)
     return static_cast<int>(node.source().begin.line);
 }
 
+int LineOfStrayCharacter(std::string_view text)
+{
+    int line = 1;
+    std::string_view open; /* the quotation marks or the # that the text is behind */
+    for (std::size_t i = text.starts_with("\xEF\xBB\xBF") ? 3 : 0; i < text.size(); i++) {
+        char c = text[i];
+        auto byte = static_cast<unsigned char>(c);
+        if (byte == 0x7F || (byte < 0x20 && c != '\n' && c != '\r' && c != '\t')) {
+            return line;
+        }
+        if (c == '\n') {
+            line++;
+            open = open.size() == 3 ? open : ""; /* only three marks span lines */
+        } else if (open.empty()) {
+            if (byte >= 0x80) {
+                return line;
+            }
+            for (std::string_view mark : {"\"\"\"", "'''", "\"", "'", "#"}) {
+                if (text.substr(i).starts_with(mark)) {
+                    open = mark;
+                    i += mark.size() - 1;
+                    break;
+                }
+            }
+        } else if (c == '\\' && open[0] == '"') {
+            i += i + 1 < text.size() && text[i + 1] != '\n' ? 1 : 0;
+        } else if (open != "#" && text.substr(i).starts_with(open)) {
+            i += open.size() - 1;
+            while (open.size() == 3 && i + 1 < text.size() && text[i + 1] == c) {
+                i++; /* a mark or two more belong to the text */
+            }
+            open = "";
+        }
+    }
+    return 0;
+}
+
 /* One step of a path: a key, or an index when the key is empty. */
 struct Step {
     std::string key;
@@ -141,6 +178,9 @@ bool ApplyOverride(toml::table& root, const XpiOverride& change, std::vector<Xpi
     if (change.value.empty()) {
         return Remove(*parent, steps->back()) ||
                Fail(errors, change, "The override removes a value that is not in the text.");
+    }
+    if (LineOfStrayCharacter(change.value) != 0) {
+        return Fail(errors, change, "The override is not a TOML value.");
     }
     try {
         toml::table parsed = toml::parse("value = " + change.value);

@@ -4,13 +4,21 @@
 #include "xpi_format.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
+#include <cstring>
 
 namespace xpifile {
+
+static_assert(std::endian::native == std::endian::little);
 
 static u64 Number(std::span<const u8> bytes, u64 offset, std::size_t width)
 {
     u64 value = 0;
+    if (offset + width <= bytes.size() && offset <= bytes.size()) {
+        std::memcpy(&value, bytes.data() + offset, width); /* the usual case; the tools run little-endian */
+        return value;
+    }
     for (std::size_t i = 0; i < width; i++) {
         if (offset + i < bytes.size()) {
             value |= static_cast<u64>(bytes[offset + i]) << (8 * i);

@@ -101,18 +101,22 @@ WideText Fold(std::u16string_view wcName)
     return wcFolded;
 }
 
+/* The encoding by the mark at the start. */
+Encoding EncodingOf(std::string_view bytes)
+{
+    return bytes.substr(0, 3) == "\xEF\xBB\xBF" ? UTF8
+           : bytes.substr(0, 2) == "\xFF\xFE"   ? UTF16_LE
+           : bytes.substr(0, 2) == "\xFE\xFF"   ? UTF16_BE
+                                               : ANSI;
+}
+
 WideText Decode(const Bytes& bytes, Encoding* pEncoding)
 {
-    const char* cBytes = reinterpret_cast<const char*>(bytes.data());
-    *pEncoding         = ANSI;
-    if (bytes.size() >= 3 && bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF) {
-        *pEncoding = UTF8;
-        return Widen(std::string_view(cBytes + 3, bytes.size() - 3));
+    std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    *pEncoding = EncodingOf(text);
+    if (*pEncoding == ANSI || *pEncoding == UTF8) {
+        return *pEncoding == ANSI ? FromCodePage(text.data(), text.size()) : Widen(text.substr(3));
     }
-    if (bytes.size() < 2 || (bytes[0] ^ bytes[1]) != 1 || (bytes[0] | bytes[1]) != 0xFF) {
-        return FromCodePage(cBytes, bytes.size());
-    }
-    *pEncoding  = bytes[0] == 0xFF ? UTF16_LE : UTF16_BE;
     size_t nLow = *pEncoding == UTF16_LE ? 0 : 1;
     WideText wcText(bytes.size() / 2 - 1, u'\0');
     for (size_t i = 0; i < wcText.size(); i++) {
@@ -364,10 +368,14 @@ DWORD ReadLocale(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, LPWSTR wcO
 
 std::string Encode(const WideText& wcText, Encoding encoding)
 {
-    if (encoding == ANSI || encoding == UTF8) {
-        return encoding == ANSI ? ToCodePage(wcText) : "\xEF\xBB\xBF" + Narrow(wcText);
-    }
     std::string bytes;
+    if (encoding == UTF8) {
+        return "\xEF\xBB\xBF" + Narrow(wcText);
+    }
+    if (encoding == ANSI) {
+        bytes = ToCodePage(wcText);
+        return EncodingOf(bytes) == ANSI ? bytes : "\r\n" + bytes; /* text that would be taken for a mark */
+    }
     for (char16_t character : u'\xFEFF' + wcText) {
         char cLow = static_cast<char>(character & 0xFF), cHigh = static_cast<char>(character >> 8);
         bytes.push_back(encoding == UTF16_LE ? cLow : cHigh);

@@ -9,7 +9,6 @@
 #include "platform/hosted/standin.h"
 
 /* The user's language as the machine has it, without counting a call. */
-u16 HostedUserLanguage();
 
 namespace {
 
@@ -73,12 +72,12 @@ HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
 
 BOOL WINAPI FreeLibrary(HMODULE hModule)
 {
-    FAILS(FreeLibrary);
+    const int bFails = CallFails(CALL_FreeLibrary); /* a release that fails still releases */
     if (loadedModules.erase(hModule) == 0) {
         return Refuse(ERROR_BAD_EXE_FORMAT);
     }
     liveCounts.nModules--;
-    return TRUE;
+    return !bFails;
 }
 
 int WINAPI LoadStringW(HINSTANCE hModule, UINT uId, LPWSTR wcOut, int cchRoom)

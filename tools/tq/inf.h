@@ -2,8 +2,8 @@
 
    Strict: whatever the reader does not understand is an error with its line, never skipped, so that the INF
    stays within what both the tests and the system read alike. */
-#ifndef TQUI_TESTS_SUPPORT_INF_H
-#define TQUI_TESTS_SUPPORT_INF_H
+#ifndef TQUI_TOOLS_TQ_INF_H
+#define TQUI_TOOLS_TQ_INF_H
 
 #include <filesystem>
 #include <stdexcept>

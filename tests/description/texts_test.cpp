@@ -1,0 +1,354 @@
+/* Display texts: where they are looked up, where they are cut, and that a list gives what single reads give. */
+#include <random>
+
+#include "description/language_dll.h"
+#include "description/xpi_text.h"
+#include "support/sample_machine.h"
+
+namespace {
+
+class TextsTest : public MachineTest {
+protected:
+    void TearDown() override
+    {
+        hLibrary.reset();
+        file.hFile.reset();
+        MachineTest::TearDown();
+    }
+
+    void Open(const Bytes& bytes)
+    {
+        PutFile(u"C:\\x.xpi", bytes);
+        ASSERT_TRUE(OpenXpiPath(file, u"C:\\x.xpi"));
+    }
+
+    /* The library with English and German texts. */
+    void OpenLibrary()
+    {
+        PrinterCall call(AddTestPrinter(DescriptionBuilder().Build()));
+        hLibrary = OpenLanguageDll(call, nullptr);
+        ASSERT_TRUE(hLibrary);
+    }
+
+    WideText Read(i32 nId, u16 usLanguage = 9, int cch = 64)
+    {
+        WideText wcRoom(static_cast<size_t>(cch) + 2, u'~');
+        ReadXpiString(file, usLanguage, hLibrary.get(), nId, wcRoom.data() + 1, cch);
+        EXPECT_EQ(wcRoom.front(), u'~');
+        EXPECT_EQ(wcRoom.back(), u'~');
+        size_t nEnd = wcRoom.find(u'\0', 1);
+        EXPECT_NE(nEnd, WideText::npos) << "no NUL within the buffer";
+        return wcRoom.substr(1, nEnd - 1);
+    }
+
+    XpiFile     file = {};
+    OwnedModule hLibrary;
+};
+
+/* Header and the three sections of the texts, each at a place of its own. */
+struct TextSections {
+    std::vector<u16> bases, offsets;
+    Bytes            texts;
+
+    Bytes Build() const
+    {
+        Bytes bytes(64);
+        Poke(&bytes, AT_STRING_BASE, u32{64});
+        for (u16 usBase : bases) {
+            Poke(&bytes, bytes.size(), usBase);
+        }
+        Poke(&bytes, AT_STRING_ID, static_cast<u32>(bytes.size()));
+        for (u16 usOffset : offsets) {
+            Poke(&bytes, bytes.size(), usOffset);
+        }
+        Poke(&bytes, AT_STRING_DATA, static_cast<u32>(bytes.size()));
+        bytes.insert(bytes.end(), texts.begin(), texts.end());
+        return bytes;
+    }
+};
+
+/* What the format says of a text, for a code page whose characters are single bytes and keep their number. */
+WideText PlainReading(const Bytes& bytes, u16 usLanguage, i32 nId, int cch)
+{
+    auto Word = [&bytes](u64 ullAt) -> i64 { return ullAt + 2 > bytes.size() ? -1 : Peek<u16>(bytes, ullAt); };
+    i64  lBase = Word(Peek<u32>(bytes, AT_STRING_BASE) + 2 * u64{usLanguage});
+    i64  lText = lBase < 0 ? -1 : Word(Peek<u32>(bytes, AT_STRING_ID) + 2 * static_cast<u64>(lBase + nId));
+    WideText wcText;
+    for (u64 ullAt = Peek<u32>(bytes, AT_STRING_DATA) + static_cast<u64>(lText);
+         lText >= 0 && ullAt < bytes.size() && bytes[ullAt] && wcText.size() + 1 < static_cast<size_t>(cch); ullAt++) {
+        wcText += static_cast<WCHAR>(bytes[ullAt]);
+    }
+    return wcText;
+}
+
+WideText Repeat(WCHAR wcChar, size_t n)
+{
+    return WideText(n, wcChar);
+}
+
+std::string Repeat(const std::string& text, size_t n)
+{
+    std::string all;
+    while (n--) {
+        all += text;
+    }
+    return all;
+}
+
+} // namespace
+
+TEST_F(TextsTest, LookupCountsInRows)
+{
+    TextSections sections;
+    sections.bases.assign(10, 0);
+    sections.bases[7] = 40;
+    sections.offsets.assign(60, 9);
+    sections.texts = {0, 'r', 'o', 'w', ' ', '4', '3', 0, 0, 'n', 'o', 0};
+    sections.offsets[43] = 1;
+    Open(sections.Build());
+    EXPECT_EQ(Read(3, 7), u"row 43");
+    EXPECT_EQ(Read(3, 9), u"no");
+    EXPECT_EQ(Read(43, 9), u"row 43");
+    EXPECT_EQ(Read(2, 7), u"no");
+    EXPECT_EQ(Read(4, 7), u"no");
+}
+
+TEST_F(TextsTest, LanguagesHaveListsOfTheirOwn)
+{
+    DescriptionBuilder builder;
+    builder.strings[9] = {"Auto", "Tray"};
+    builder.strings[7] = {"Automatisch", "F\xE4" "cher \x80"};
+    Open(builder.Build());
+    EXPECT_EQ(Read(1, 9), u"Auto");
+    EXPECT_EQ(Read(1, 7), u"Automatisch");
+    EXPECT_EQ(Read(2, 7), u"F\u00E4cher \u20AC");
+    EXPECT_EQ(Read(2, 12), u"Tray") << "a language without a list is pointed at the first";
+}
+
+TEST_F(TextsTest, IdsBelowOneAreTheLibrarys)
+{
+    OpenLibrary();
+    DescriptionBuilder builder;
+    builder.strings[9] = {"first", "second"};
+    Open(builder.Build());
+    EXPECT_EQ(Read(-121), u"Letter");
+    EXPECT_EQ(Read(static_cast<i16>(0xFF87)), u"Letter");
+    EXPECT_EQ(Read(-129, 7), u"A4");
+    EXPECT_EQ(Read(0), u"");
+    EXPECT_EQ(Read(-32768), u"");
+    EXPECT_EQ(Read(static_cast<i16>(0x8000)), u"");
+    EXPECT_EQ(Read(-7), u"") << "the library has no such text";
+    EXPECT_EQ(Read(-121, 9, 4), u"Let");
+    EXPECT_EQ(Read(-121, 9, 1), u"");
+
+    SetUserLanguage(0x0407);
+    EXPECT_EQ(Read(-2203), u"Vorgabe des Druckers");
+    WCHAR wcRoom[32];
+    ReadLibraryString(hLibrary.get(), 2203, wcRoom, 32);
+    EXPECT_EQ(WideText(wcRoom), u"Vorgabe des Druckers");
+}
+
+TEST_F(TextsTest, WithoutALibraryTheHostProgramIsNotAsked)
+{
+    Open(DescriptionBuilder().Build());
+    ResetCallCounts();
+    EXPECT_EQ(Read(-121), u"");
+    EXPECT_EQ(Read(0), u"");
+    i16   aIds[3]    = {-121, 0, -1};
+    WCHAR wcRows[12] = u"~~~~~~~~~~~";
+    ReadXpiStrings(file, 9, nullptr, aIds, 3, wcRows, 4, 4);
+    EXPECT_EQ(wcRows[0] + wcRows[4] + wcRows[8], 0);
+    WCHAR wcMark = u'~';
+    ReadXpiString(file, 9, nullptr, -121, &wcMark, 0);
+    ReadXpiString(file, 9, nullptr, 1, &wcMark, 0);
+    EXPECT_EQ(wcMark, u'~');
+    EXPECT_EQ(CallCount(CALL_LoadStringW), 0);
+    EXPECT_EQ(NeedsLanguageDll(aIds, 3), 1);
+    EXPECT_EQ(NeedsLanguageDll(aIds + 1, 1), 0) << "id 0 has no text, so no library is opened for it";
+}
+
+TEST_F(TextsTest, AFalseLengthOfTheLibraryStaysInTheBuffer)
+{
+    OpenLibrary();
+    for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE, LIE_SHORT}) {
+        TellLies(lie, CALL_LoadStringW);
+        EXPECT_LT(Read(-121, 9, 16).size(), 16u) << lie;
+        TellLies(LIE_NONE);
+    }
+    for (LieKind lie : {LIE_HUGE}) {
+        DescriptionBuilder builder;
+        builder.strings[9] = {std::string(100, 'x')};
+        Open(builder.Build());
+        TellLies(lie, CALL_MultiByteToWideChar);
+        EXPECT_LT(Read(1, 9, 16).size(), 16u);
+        TellLies(LIE_NONE);
+    }
+}
+
+TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
+{
+    struct Case {
+        const char* cWhat;
+        UINT        uCodePage;
+        std::string text;
+        int         cch;
+        WideText    wcText;
+    };
+    const std::string A = "\x82\xA0", EURO = "\xE2\x82\xAC", E_ACUTE = "\xC3\xA9", SMILE = "\xF0\x9F\x98\x80";
+    const Case        aCases[] = {
+        {"63 of 63", 1252, std::string(63, 'a'), 64, Repeat(u'a', 63)},
+        {"64 of 64", 1252, std::string(64, 'a'), 64, Repeat(u'a', 63)},
+        {"23 of a bin's 24", 1252, std::string(40, '\xE9'), 24, Repeat(u'\u00E9', 23)},
+        {"22 behind a blank", 1252, std::string(40, 'b'), 23, Repeat(u'b', 22)},
+        {"no room", 1252, "abc", 1, u""},
+        {"one character", 1252, "abc", 2, u"a"},
+        {"two bytes, torn", 932, Repeat(A, 40), 64, Repeat(u'\u3042', 31)},
+        {"two bytes, at the edge", 932, "x" + Repeat(A, 40), 64, u"x" + Repeat(u'\u3042', 31)},
+        {"two bytes, whole", 932, "x" + Repeat(A, 31), 64, u"x" + Repeat(u'\u3042', 31)},
+        {"two bytes, bin", 932, Repeat(A, 12), 24, Repeat(u'\u3042', 11)},
+        {"half-width", 932, std::string(70, '\xB1'), 64, Repeat(u'\uFF71', 63)},
+        {"UTF-8, at the edge", 65001, Repeat(EURO, 30), 64, Repeat(u'\u20AC', 21)},
+        {"UTF-8, two of three bytes", 65001, "x" + Repeat(EURO, 30), 64, u"x" + Repeat(u'\u20AC', 20)},
+        {"UTF-8, one of three bytes", 65001, "xx" + Repeat(EURO, 30), 64, u"xx" + Repeat(u'\u20AC', 20)},
+        {"UTF-8, one of two bytes", 65001, Repeat(E_ACUTE, 40), 64, Repeat(u'\u00E9', 31)},
+        {"UTF-8, three of four bytes", 65001, Repeat(SMILE, 20), 64, [] {
+             WideText wcText;
+             for (int i = 0; i < 15; i++) {
+                 wcText += u"\xD83D\xDE00";
+             }
+             return wcText;
+         }()},
+        {"UTF-8, wrong in the middle", 65001, "a\xFF" "b", 64, u"a\uFFFD" u"b"},
+        {"UTF-8, nothing left", 65001, SMILE, 4, u""},
+    };
+    for (const Case& row : aCases) {
+        SetCodePage(row.uCodePage);
+        DescriptionBuilder builder;
+        builder.strings[9] = {row.text, "behind"};
+        Open(builder.Build());
+        EXPECT_EQ(Narrow(Read(1, 9, row.cch)), Narrow(row.wcText)) << row.cWhat;
+    }
+}
+
+TEST_F(TextsTest, TheEndOfTheFileEndsAText)
+{
+    TextSections sections;
+    sections.bases.assign(10, 0);
+    sections.offsets = {0, 0, 4, 7, 8, 0xFFFF};
+    sections.texts   = {'a', 'b', 'c', 0, 'x', 'y', 0, 'z'};
+    Open(sections.Build());
+    EXPECT_EQ(Read(1, 9, 128), u"abc");
+    EXPECT_EQ(Read(2, 9, 128), u"xy") << "three bytes in front of the end";
+    EXPECT_EQ(Read(3, 9, 128), u"z") << "the file's last byte, without a NUL";
+    EXPECT_EQ(Read(4, 9, 128), u"") << "begins at the end";
+    EXPECT_EQ(Read(5, 9, 128), u"") << "begins beyond the end";
+    EXPECT_EQ(Read(3, 9, 2), u"z");
+}
+
+TEST_F(TextsTest, IdsAndLanguagesBeyondTheirTables)
+{
+    TextSections sections;
+    sections.bases   = {0, 0xFFFF};
+    sections.offsets = {0, 0};
+    sections.texts   = {'a', 0};
+    Open(sections.Build());
+    EXPECT_EQ(Read(1, 0), u"a");
+    EXPECT_EQ(Read(32767, 0), u"");
+    EXPECT_EQ(Read(1, 1), u"") << "base and id are added in 32 bits: row 65,536, not row 0";
+    EXPECT_EQ(Read(1, 0x3FF), u"");
+    EXPECT_EQ(Read(1, 0xFFFF), u"");
+
+    Bytes bytes = sections.Build();
+    for (size_t nField : {AT_STRING_BASE, AT_STRING_ID, AT_STRING_DATA}) {
+        for (u32 ulOffset : {0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu}) {
+            Bytes wrong = bytes;
+            Poke(&wrong, nField, ulOffset);
+            Open(wrong);
+            EXPECT_EQ(Read(1, 0), u"") << nField << " " << ulOffset;
+        }
+    }
+    for (const Bytes& shortened : {Bytes(), Bytes(13), Bytes(64)}) {
+        Open(shortened);
+        EXPECT_EQ(Read(1, 9), u"");
+    }
+}
+
+TEST_F(TextsTest, AListReadsWhatSingleReadsGive)
+{
+    OpenLibrary();
+    std::mt19937 random(20240115);
+    auto         Below = [&random](u32 ulLimit) { return static_cast<u32>(random() % ulLimit); };
+    int          nTexts = 0;
+    for (int nTrial = 0; nTrial < 300; nTrial++) {
+        TextSections sections;
+        for (u32 i = 0, n = Below(12); i < n; i++) {
+            sections.bases.push_back(static_cast<u16>(Below(30)));
+        }
+        u32 cbTexts = 1 + Below(nTrial % 3 ? 300 : 5000);
+        for (u32 i = 0, n = Below(80); i < n; i++) {
+            sections.offsets.push_back(static_cast<u16>(Below(cbTexts + 5)));
+        }
+        for (u32 i = 0; i < cbTexts; i++) {
+            u32 ulByte = Below(200); /* no control codes, and only bytes that keep their number in 1252 */
+            sections.texts.push_back(static_cast<u8>(ulByte < 20 ? 0 : ulByte < 110 ? 0x20 + ulByte - 20 : 0xA0 + ulByte - 110));
+        }
+        Bytes bytes = sections.Build();
+        if (Below(3) == 0) {
+            bytes.resize(64 + Below(static_cast<u32>(bytes.size() - 63)));
+        }
+        Open(bytes);
+
+        std::vector<i16> ids;
+        for (u32 i = 0, n = Below(60); i < n; i++) {
+            ids.push_back(Below(8) ? static_cast<i16>(1 + Below(40)) : static_cast<i16>(-121 * static_cast<int>(Below(2))));
+        }
+        u16      usLanguage = static_cast<u16>(Below(14));
+        int      cch = 2 + static_cast<int>(Below(70)), cchStride = cch + static_cast<int>(Below(5));
+        i32      nIds = static_cast<i32>(ids.size());
+        WideText wcRows(ids.size() * static_cast<size_t>(cchStride) + 1, u'~');
+        ReadXpiStrings(file, usLanguage, hLibrary.get(), ids.data(), nIds, wcRows.data(), cchStride, cch);
+        ASSERT_EQ(wcRows.back(), u'~');
+        for (size_t i = 0; i < ids.size(); i++) {
+            WideText wcRow(wcRows, i * static_cast<size_t>(cchStride), static_cast<size_t>(cchStride));
+            ASSERT_EQ(wcRow.find(u'~', static_cast<size_t>(cch)), cch < cchStride ? static_cast<size_t>(cch) : WideText::npos)
+                << "written behind the row's characters";
+            size_t nEnd = wcRow.find(u'\0');
+            ASSERT_LT(nEnd, static_cast<size_t>(cch));
+            wcRow.resize(nEnd);
+            ASSERT_EQ(wcRow, Read(ids[i], usLanguage, cch)) << "trial " << nTrial << " id " << ids[i];
+            if (ids[i] > 0) {
+                ASSERT_EQ(wcRow, PlainReading(bytes, usLanguage, ids[i], cch)) << "trial " << nTrial << " id " << ids[i];
+                nTexts += !wcRow.empty();
+            }
+        }
+    }
+    EXPECT_GT(nTexts, 500) << "most trials read nothing, so little was compared";
+}
+
+TEST_F(TextsTest, AListCostsFewReadsAndAFailedOneLeavesEmptyRows)
+{
+    DescriptionBuilder builder;
+    std::vector<i16>   ids;
+    for (int i = 0; i < 40; i++) {
+        ids.push_back(builder.Text("Paper of a somewhat longer name, number " + std::to_string(i)));
+    }
+    std::vector<WCHAR> rows(40 * 64, u'~');
+    for (CallId call : {CALL_ReadFile, CALL_SetFilePointerEx, CALL_HeapAlloc}) {
+        int nFailed = 1;
+        for (int nTh = 1; nFailed; nTh++) {
+            Open(builder.Build());
+            std::fill(rows.begin(), rows.end(), u'~');
+            ResetCallCounts();
+            FailCall(call, nTh);
+            ReadXpiStrings(file, 9, nullptr, ids.data(), 40, rows.data(), 64, 64);
+            nFailed = StopFaults();
+            EXPECT_LE(CallCount(CALL_ReadFile), 4) << "header, base, offsets, bytes";
+            for (size_t i = 0; i < 40; i++) {
+                WideText wcRow(rows.data() + i * 64);
+                EXPECT_EQ(wcRow.empty(), nFailed != 0) << CallName(call) << " " << nTh;
+            }
+            ASSERT_LT(nTh, 10);
+        }
+    }
+    EXPECT_EQ(WideText(rows.data() + 39 * 64), u"Paper of a somewhat longer name, number 39");
+}
