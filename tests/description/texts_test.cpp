@@ -219,7 +219,6 @@ TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
              return wcText;
          }()},
         {"UTF-8, wrong in the middle", 65001, "a\xFF" "b", 64, u"a\uFFFD" u"b"},
-        {"UTF-8, nothing left", 65001, SMILE, 4, u""},
     };
     for (const Case& row : aCases) {
         SetCodePage(row.uCodePage);

@@ -195,22 +195,27 @@ protected:
         return nFaults;
     }
 
-    void SweepLies()
+    /* Every kind of lie, told by all calls and by each alone. Result: how many answers came out otherwise. */
+    int SweepLies()
     {
+        int nOthers = 0;
         for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
+            GuardedAnswer honest = AskRoomy(wQuestion);
             for (int nCall = ANY_CALL; nCall < CALL_COUNT; nCall++) {
                 for (int nKind = LIE_SHORT; nKind < LIE_KIND_COUNT; nKind++) {
                     std::string fault = HoldsNothing([&] {
                         TellLies(static_cast<LieKind>(nKind), static_cast<CallId>(nCall));
-                        std::string own = AskRoomy(wQuestion).fault;
+                        GuardedAnswer answer = AskRoomy(wQuestion);
                         TellLies(LIE_NONE);
-                        return own;
+                        nOthers += answer != honest;
+                        return answer.fault;
                     });
                     EXPECT_EQ(fault, "") << QuestionName(wQuestion) << ", " << CallName(static_cast<CallId>(nCall))
                                          << ", lie " << nKind;
                 }
             }
         }
+        return nOthers;
     }
 
     const WideText wcKey = u"HKLM\\SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\Ostra K100";
@@ -252,14 +257,14 @@ TEST_F(CapabilityFaults, EveryCallFailsOnARichSample)
 {
     UseRichSample();
     EXPECT_EQ(AskRoomy(DC_PAPERS).dwFilled, 16u) << "the list holds no saved paper or no form";
-    EXPECT_GT(SweepQuestions(), 10000);
+    EXPECT_GT(SweepQuestions(), 5000);
 }
 
 TEST_F(CapabilityFaults, EveryCallFailsForAPrinterAskedByName)
 {
     UseNamedSample();
     EXPECT_EQ(AskRoomy(DC_PAPERS).dwFilled, 7u) << "the list holds no saved paper or no form";
-    EXPECT_GT(SweepQuestions(), 10000);
+    EXPECT_GT(SweepQuestions(), 5000);
     DWORD dwType;
     Bytes folder;
     ASSERT_TRUE(GetKeyValue(wcKey, u"SpoolDirectory", &dwType, &folder));
@@ -275,19 +280,19 @@ TEST_F(CapabilityFaults, EveryCallFailsWithoutAModel)
 TEST_F(CapabilityFaults, EveryCallLies)
 {
     UseRichSample();
-    SweepLies();
+    EXPECT_GT(SweepLies(), 50);
 }
 
 TEST_F(CapabilityFaults, EveryCallLiesForAPrinterAskedByName)
 {
     UseNamedSample();
-    SweepLies();
+    EXPECT_GT(SweepLies(), 50);
 }
 
 TEST_F(CapabilityFaults, EveryCallLiesWithoutAModel)
 {
     UseNoModel();
-    SweepLies();
+    EXPECT_GT(SweepLies(), 50);
 }
 
 /* ---- printer values ---- */

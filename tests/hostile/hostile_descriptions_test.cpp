@@ -45,9 +45,7 @@ protected:
         AddTestPrinter(description, "[CustomSizes]\nNumCustomSizes=1\nCustomName0=Card\nCustomWidth0=20009\n"
                                     "CustomLength0=30000\nCustomMetric0=1\n");
         SetPrinterValue(wcPrinter, u"Memory", REG_DWORD, {98, 0, 0, 0});
-        if (!CountLive().nFiles) {
-            host = HostPath(u"C:\\drv\\qa.xpi");
-        }
+        host = HostPath(u"C:\\drv\\qa.xpi");
     }
 
     /* Puts other bytes into the file. */
@@ -197,7 +195,7 @@ DescriptionBuilder Good()
 struct Answers {
     std::vector<std::string> papers = {"Letter", "A4"};
     std::vector<std::string> bins   = {" Tray", " Tray", "Heavy"};
-    DWORD                    dwMaximum = 2970u << 16 | 2159;
+    DWORD                    dwMinimum = 2794u << 16 | 2100, dwMaximum = 2970u << 16 | 2159;
     DWORD                    dwFields  = 0xE70F;
     DWORD                    nResolutions = 1;
     std::string              command = "ABC";
@@ -212,12 +210,12 @@ Answers With(void (*fnChange)(Answers&))
     return answers;
 }
 const Answers emptyModel = With([](Answers& a) {
-    a = {{}, {}, 0, 0x0380E70F, 0, "", 0, 150};
+    a = {{}, {}, 0xFFFFFFFF, 0, 0x0380EF0F, 0, "", 0, 150};
 });
 
 void PrintTo(const Answers& a, std::ostream* pOut)
 {
-    *pOut << ::testing::PrintToString(a.papers) << " " << ::testing::PrintToString(a.bins) << " " << a.dwMaximum << " "
+    *pOut << ::testing::PrintToString(a.papers) << " " << ::testing::PrintToString(a.bins) << " " << a.dwMinimum << " " << a.dwMaximum << " "
           << a.dwFields << " " << a.nResolutions << " \"" << a.command << "\" " << a.cbFonts << " " << a.lMargin;
 }
 
@@ -246,12 +244,12 @@ const std::vector<WrongFile> aWrongFiles = {
     {"body of 100 bytes, tables behind it",
      [] { return Patched(AT_STRING_BASE, 64 + 100); },
      /* Also the strings are lost with the base table, and what lies behind byte 100 of the body. */
-     With([](Answers& a) { a = {{}, {}, 0, 0x0380E70F, 0, "ABC", 0, 150}; })},
+     With([](Answers& a) { a = {{}, {}, 0xFFFFFFFF, 0, 0x0380EF0F, 0, "ABC", 0, 150}; })},
     {"paper table behind the body", [] { return Good().Set<u64>(8, 60000).Build(); },
-     With([](Answers& a) { a.papers = {}; a.dwMaximum = 0; })},
+     With([](Answers& a) { a.papers = {}; a.dwMinimum = 0xFFFFFFFF; a.dwMaximum = 0; })},
     {"paper table at the end of the body",
      [] { auto b = Good(); b.Set<u64>(8, b.body.size()); return b.Build(); },
-     With([](Answers& a) { a.papers = {}; a.dwMaximum = 0; })},
+     With([](Answers& a) { a.papers = {}; a.dwMinimum = 0xFFFFFFFF; a.dwMaximum = 0; })},
     {"table without a closing row up to the end of the body",
      [] {
          auto b = Good();
@@ -303,6 +301,7 @@ TEST_F(HostileDescriptions, FilesThatAreWrongAnswerAsWithAnAbsentTable)
         ReadXpiCommand(*OpenXpiFile(call), 1, cCommand, sizeof cCommand);
         Answers answers = {Texts(Ask(DC_PAPERNAMES)),
                            Texts(Ask(DC_BINNAMES)),
+                           Ask(DC_MINEXTENT).dwResult,
                            Ask(DC_MAXEXTENT).dwResult,
                            Ask(DC_FIELDS).dwResult,
                            Ask(DC_ENUMRESOLUTIONS).dwResult,

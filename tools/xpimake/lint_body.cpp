@@ -1,5 +1,5 @@
 /* Review of the body: its slots, the fields that name texts and commands, the single values of the model. */
-#include "lint.h"
+#include "linter.h"
 
 #include <algorithm>
 

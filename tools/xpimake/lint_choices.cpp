@@ -1,5 +1,5 @@
 /* Review of the choices that a model offers: features, colour modes and options, screens. */
-#include "lint.h"
+#include "linter.h"
 
 #include <algorithm>
 

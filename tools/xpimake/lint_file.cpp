@@ -1,5 +1,5 @@
 /* Review of the sections of a file: header, texts, commands, fonts, bitmaps, colour data. */
-#include "lint.h"
+#include "linter.h"
 
 #include <algorithm>
 

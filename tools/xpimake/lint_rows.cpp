@@ -1,6 +1,6 @@
 /* Review of what the rows of the tables say: values out of range, rows that are never reached, references
  * that miss. */
-#include "lint.h"
+#include "linter.h"
 
 #include <algorithm>
 

@@ -12,19 +12,6 @@
 
 #include "platform/hosted/standin.h"
 
-/* For stand-ins that open files by themselves: 0, or ERROR_SHARING_VIOLATION when what is open at the moment
-   does not go with an opening of these access and share bits. */
-DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
-
-/* The error for a host call on a path that failed with errno nError. */
-DWORD HostPathError(const std::string& host, int nError);
-
-/* Reads a whole file; false when there is none. */
-bool ReadHostBytes(const std::string& host, Bytes* pBytes);
-
-/* Makes the file hold these bytes. Result: 0 or an error. */
-DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
-
 namespace {
 
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;

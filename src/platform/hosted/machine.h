@@ -3,7 +3,7 @@
    the library itself knows only the Windows calls.
 
    Files lie below a temporary root. A Windows path "C:\Dir\File.txt" is the file ROOT/c/dir/file.txt: drive
-   and names in small letters, so that names compare as they do on Windows; their spelling is remembered. */
+   and names in small letters, so that names compare as they do on Windows. */
 #ifndef TQUI_HOSTED_MACHINE_H
 #define TQUI_HOSTED_MACHINE_H
 

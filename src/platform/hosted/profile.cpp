@@ -9,12 +9,6 @@
 
 #include "platform/hosted/standin.h"
 
-/* Of files.cpp. */
-DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
-DWORD HostPathError(const std::string& host, int nError);
-bool  ReadHostBytes(const std::string& host, Bytes* pBytes);
-DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
-
 namespace {
 
 constexpr size_t KEPT_LIMIT = 8;

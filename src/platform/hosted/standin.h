@@ -65,6 +65,19 @@ void ResetResources();
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);
 
+/* For stand-ins that open files by themselves: 0, or ERROR_SHARING_VIOLATION when what is open at the moment
+   does not go with an opening of these access and share bits. */
+DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare);
+
+/* The error for a host call on a path that failed with errno nError. */
+DWORD HostPathError(const std::string& host, int nError);
+
+/* Reads a whole file; false when there is none. */
+bool ReadHostBytes(const std::string& host, Bytes* pBytes);
+
+/* Makes the file hold these bytes. Result: 0 or an error. */
+DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
+
 /* Reads a whole file of the machine for a stand-in that is not itself a file call (no counting). */
 bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes);
 

@@ -1,0 +1,341 @@
+/* Stored values of the printer, the installed set, and the user's folder and settings file. */
+#include "description/installed_set.h"
+#include "description/paper.h"
+#include "description/printer_store.h"
+#include "support/sample_machine.h"
+
+namespace {
+
+using Words = std::array<u32, 4>;
+
+Words WordsOf(const DeviceInfo& info)
+{
+    return {info.ulInputs, info.ulOutputs, info.ulOptions, info.ulMemoryKey};
+}
+
+/* Standard and optional words that together give 3, 3, 7 and 96. */
+DescriptionBuilder FourWords()
+{
+    DescriptionBuilder builder;
+    builder.Set<u32>(56, 1).Set<u32>(60, 2).Set<u32>(64, 4).Set<u32>(68, 2).Set<u32>(72, 1).Set<u32>(76, 3);
+    builder.Set<u32>(80, 0xF0).Set<u32>(84, 0xF0).Set<u32>(88, 0xF0); /* what can be bought is not installed */
+    builder.Set<i16>(92, 64).Set<u16>(94, 32);
+    return builder;
+}
+
+class PrinterStoreTest : public MachineTest {
+protected:
+    void SetUp() override
+    {
+        MachineTest::SetUp();
+        AddTestPrinter(FourWords().Build());
+    }
+
+    Words Installed(bool bModel = true)
+    {
+        PrinterCall call(hPrinter);
+        OwnedModel  pModel = bModel ? LoadPrinterModel(call) : OwnedModel();
+        EXPECT_EQ(pModel != nullptr, bModel);
+        return WordsOf(*GetDeviceInfo(call, pModel.get()));
+    }
+
+    Words WithIni(const std::string& ini, bool bModel = true)
+    {
+        PutFile(u"C:\\drv\\qa.ini", "[DeviceInfo]\r\n" + ini);
+        return Installed(bModel);
+    }
+
+    /* The printer with another driver name; its values are gone. */
+    void NameDriver(const WideText& wcDriver)
+    {
+        PrinterSetup setup;
+        setup.wcName       = u"Test";
+        setup.wcDriverName = wcDriver;
+        AddPrinter(setup);
+    }
+
+    std::string UserFolder()
+    {
+        PrinterCall call(hPrinter);
+        WCHAR       tcFolder[PATH_CHARS + 1] = {};
+        tcFolder[PATH_CHARS]                 = u'~';
+        int bNamed                           = GetUserFolder(call, tcFolder);
+        EXPECT_EQ(tcFolder[PATH_CHARS], u'~');
+        EXPECT_EQ(bNamed, tcFolder[0] != 0);
+        return Narrow(tcFolder);
+    }
+
+    std::string SettingsPath(const WideText& wcSettings)
+    {
+        SetPrinterText(u"Test", u"Settings", wcSettings);
+        PrinterCall call(hPrinter);
+        WCHAR       tcPath[PATH_CHARS];
+        int         bNamed = GetUserSettingsPath(call, tcPath);
+        EXPECT_EQ(bNamed, tcPath[0] != 0);
+        return Narrow(tcPath);
+    }
+};
+
+const std::string FOLDER = "C:\\Users\\worker\\Application Data\\Corvantis Optics\\";
+
+} // namespace
+
+TEST_F(PrinterStoreTest, TheStoredSetCountsAtExactlySixteenBytes)
+{
+    PutFile(u"C:\\drv\\qa.ini", "[DeviceInfo]\r\nOptions=11\r\n");
+    const Bytes stored = {1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0x80, 4, 0, 0, 0, 5};
+    for (size_t cb : {0, 4, 8, 15, 17}) {
+        SetPrinterValue(u"Test", u"DeviceInfo", REG_BINARY, Bytes(stored.begin(), stored.begin() + static_cast<i64>(cb)));
+        EXPECT_EQ(Installed(), (Words{3, 3, 0x11, 96})) << cb;
+    }
+    for (DWORD dwType : {REG_BINARY, REG_SZ, REG_DWORD}) { /* the size decides, not the type */
+        SetPrinterValue(u"Test", u"DeviceInfo", dwType, Bytes(stored.begin(), stored.begin() + 16));
+        EXPECT_EQ(Installed(), (Words{1, 2, 0x80000003, 4})) << dwType;
+        EXPECT_EQ(Installed(false), (Words{1, 2, 0x80000003, 4}));
+    }
+    TellLies(LIE_SHORT, CALL_GetPrinterDataW);
+    EXPECT_EQ(Installed(), (Words{3, 3, 0x11, 96}));
+    TellLies(LIE_NONE);
+
+    PrinterCall call(hPrinter);
+    DeviceInfo  changed = {9, 8, 7, 6};
+    SetDeviceInfo(call, &changed);
+    EXPECT_EQ(Installed(), (Words{9, 8, 7, 6}));
+    DWORD dwType = 0;
+    Bytes bytes;
+    ASSERT_TRUE(GetPrinterValue(u"Test", u"DeviceInfo", &dwType, &bytes));
+    EXPECT_EQ(dwType, REG_BINARY);
+    EXPECT_EQ(bytes, (Bytes{9, 0, 0, 0, 8, 0, 0, 0, 7, 0, 0, 0, 6, 0, 0, 0}));
+
+    ResetCallCounts();
+    const DeviceInfo* pFirst = GetDeviceInfo(call, nullptr);
+    EXPECT_EQ(GetDeviceInfo(call, nullptr), pFirst);
+    EXPECT_EQ(CallCount(CALL_GetPrinterDataW), 1) << "asked once a call";
+}
+
+TEST_F(PrinterStoreTest, TheSettingsFileOfTheDriverOverridesTheModelKeyByKey)
+{
+    EXPECT_EQ(Installed(), (Words{3, 3, 7, 96})) << "the .INI file is listed but not there";
+    EXPECT_EQ(Installed(false), (Words{0, 0, 0, 0}));
+    EXPECT_EQ(WithIni("Sources=A\r\n", false), (Words{10, 0, 0, 0}));
+    EXPECT_EQ(WithIni("Sources=A\r\n"), (Words{10, 3, 7, 96}));
+    EXPECT_EQ(WithIni("destinations = 1F\r\nTotalMemory=010\r\n"), (Words{3, 31, 7, 10}));
+    EXPECT_EQ(WithIni("Options=\"ff\"\r\nTotalMemory=128MB\r\n"), (Words{3, 3, 255, 128}));
+    EXPECT_EQ(WithIni("Sources=0x11\r\nOptions=\r\n"), (Words{0, 3, 0, 96})) << "no prefix; an empty value is a number";
+    EXPECT_EQ(WithIni("Options=123456789A\r\nTotalMemory=99999999999\r\n"), (Words{3, 3, 0xFFFFFFFF, 0x7FFFFFFF}));
+    EXPECT_EQ(WithIni("TotalMemory=-1\r\n"), (Words{3, 3, 7, 0xFFFFFFFF}));
+    EXPECT_EQ(WithIni("TotalMemory= +7\r\n"), (Words{3, 3, 7, 7}));
+
+    PrinterCall call(hPrinter);
+    OwnedModel  pModel = LoadPrinterModel(call);
+    DeviceInfo  info   = {1, 1, 1, 1};
+    BuildDeviceInfo(call, pModel.get(), &info, 0);
+    EXPECT_EQ(WordsOf(info), (Words{3, 3, 7, 96})) << "the model alone";
+    BuildDeviceInfo(call, nullptr, &info, 0);
+    EXPECT_EQ(WordsOf(info), (Words{0, 0, 0, 0}));
+
+    DescriptionBuilder wide = FourWords();
+    PutFile(u"C:\\drv\\qa.xpi", wide.Set<i16>(92, -1).Set<u16>(94, 0xFFFF).Build());
+    EXPECT_EQ(WithIni(""), (Words{3, 3, 7, 65534}));
+}
+
+TEST_F(PrinterStoreTest, Memory)
+{
+    auto Memory = [this] {
+        PrinterCall call(hPrinter);
+        return GetPrinterMemory(call);
+    };
+    EXPECT_EQ(Memory(), 0u);
+    SetPrinterValue(u"Test", u"Memory", REG_DWORD, {98, 0, 0, 0});
+    EXPECT_EQ(Memory(), 98u);
+    SetPrinterValue(u"Test", u"Memory", REG_BINARY, {1, 2, 3, 4});
+    EXPECT_EQ(Memory(), 0x04030201u);
+    for (size_t cb : {0, 1, 2, 3, 5, 8}) {
+        SetPrinterValue(u"Test", u"Memory", REG_DWORD, Bytes(cb, 1));
+        EXPECT_EQ(Memory(), 0u) << cb;
+    }
+    PrinterCall call(hPrinter);
+    SetPrinterMemory(call, 0xFFFFFFFE);
+    EXPECT_EQ(Memory(), 0xFFFFFFFEu);
+    PrinterCall none(nullptr);
+    EXPECT_EQ(GetPrinterMemory(none), 0u);
+}
+
+TEST_F(PrinterStoreTest, FontPairs)
+{
+    PrinterCall    call(hPrinter);
+    OwnedBlock<u8> pPairs(static_cast<u8*>(AllocateBlock(4)));
+    EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
+    EXPECT_FALSE(pPairs) << "what was in the block's place is let go";
+
+    const WCHAR awcPairs[] = u"Arial\0Halden Sans\0";
+    SetFontSubs(call, awcPairs, sizeof awcPairs);
+    DWORD dwType = 0;
+    Bytes bytes;
+    ASSERT_TRUE(GetPrinterValue(u"Test", u"FontSubs", &dwType, &bytes));
+    EXPECT_EQ(dwType, REG_MULTI_SZ);
+    ASSERT_EQ(GetFontSubs(call, &pPairs), sizeof awcPairs);
+    EXPECT_EQ(std::memcmp(pPairs.get(), awcPairs, sizeof awcPairs), 0);
+
+    /* Shapes that an honest writer does not leave: two NULs stand behind every one of them. */
+    for (size_t cb : {2, 3, 5, 6, 7, 1000, 4097}) {
+        SetPrinterValue(u"Test", u"FontSubs", REG_MULTI_SZ, Bytes(cb, 'x'));
+        u32 cbGot = GetFontSubs(call, &pPairs);
+        EXPECT_EQ(cbGot, cb & ~size_t{1}) << cb;
+        EXPECT_EQ(Bytes(pPairs.get() + cbGot - 1, pPairs.get() + cbGot + 4), (Bytes{'x', 0, 0, 0, 0})) << cb;
+    }
+    for (size_t cb : {0, 1}) {
+        SetPrinterValue(u"Test", u"FontSubs", REG_MULTI_SZ, Bytes(cb, 'x'));
+        EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
+        EXPECT_FALSE(pPairs);
+    }
+    SetFontSubs(call, awcPairs, sizeof awcPairs);
+    for (int nTh : {1, 2}) {
+        FailCall(CALL_GetPrinterDataW, nTh);
+        EXPECT_EQ(GetFontSubs(call, &pPairs), 0u) << nTh;
+        EXPECT_FALSE(pPairs);
+        EXPECT_EQ(StopFaults(), 1);
+    }
+    FailCall(CALL_HeapAlloc, 1);
+    EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
+    EXPECT_EQ(StopFaults(), 1);
+    for (LieKind lie : {LIE_GROWS, LIE_HUGE}) {
+        TellLies(lie, CALL_GetPrinterDataW);
+        EXPECT_EQ(GetFontSubs(call, &pPairs), 0u) << lie;
+        EXPECT_FALSE(pPairs);
+        TellLies(LIE_NONE);
+    }
+}
+
+TEST_F(PrinterStoreTest, TheSettingsNameIsAPlainFileName)
+{
+    EXPECT_EQ(SettingsPath(u"00001234.EXT"), FOLDER + "Test Driver\\00001234.EXT");
+    EXPECT_EQ(SettingsPath(u"a.b"), FOLDER + "Test Driver\\a.b");
+    for (const WCHAR* wcBad : {u"", u"..", u".", u" . ", u"..\\x", u"a/b", u"C:x", u"x:stream", u"\\x", u"C:\\x"}) {
+        EXPECT_EQ(SettingsPath(wcBad), "") << Narrow(wcBad);
+    }
+    /* 259 characters are the longest path: 69 of them are the folder and its backslash. */
+    size_t nFolder = (FOLDER + "Test Driver\\").size();
+    EXPECT_EQ(SettingsPath(WideText(259 - nFolder, u's')).size(), 259u);
+    EXPECT_EQ(SettingsPath(WideText(260 - nFolder, u's')), "");
+    EXPECT_EQ(SettingsPath(WideText(400, u's')), "");
+
+    PrinterCall call(hPrinter);
+    SetSettingsFileName(call, u"0000ABCD.INI");
+    DWORD dwType = 0;
+    Bytes bytes;
+    ASSERT_TRUE(GetPrinterValue(u"Test", u"Settings", &dwType, &bytes));
+    EXPECT_EQ(dwType, REG_SZ);
+    EXPECT_EQ(bytes.size(), 26u) << "with its NUL";
+    WCHAR wcName[13];
+    EXPECT_EQ(GetSettingsFileName(call, wcName, 13), 1);
+    EXPECT_EQ(WideText(wcName), u"0000ABCD.INI");
+    EXPECT_EQ(GetSettingsFileName(call, wcName, 12), 0) << "a name that does not fit would be another's";
+    EXPECT_EQ(wcName[0], 0);
+    SetPrinterValue(u"Test", u"Settings", REG_BINARY, bytes);
+    EXPECT_EQ(GetSettingsFileName(call, wcName, 13), 0);
+    EXPECT_EQ(wcName[0], 0);
+}
+
+TEST_F(PrinterStoreTest, TheUsersFolderIsNamedByTheDriverAndMade)
+{
+    EXPECT_FALSE(std::filesystem::exists(HostPath(Widen(FOLDER))));
+    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
+    EXPECT_TRUE(std::filesystem::is_directory(HostPath(Widen(FOLDER + "Test Driver"))));
+    ResetCallCounts();
+    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
+    EXPECT_EQ(CallCount(CALL_CreateDirectoryW), 0) << "it is there";
+
+    NameDriver(u"Q\"A*B\\C<D>");
+    EXPECT_EQ(UserFolder(), FOLDER + "Q'A B-C(D)");
+    EXPECT_TRUE(std::filesystem::is_directory(HostPath(Widen(FOLDER + "Q'A B-C(D)"))));
+    NameDriver(u"a:b?c|d/e..");
+    EXPECT_EQ(UserFolder(), FOLDER + "a b c d-e..");
+    for (const WCHAR* wcHollow : {u"", u"..", u".", u" ", u" .. ", u"??", u":"}) {
+        NameDriver(wcHollow);
+        EXPECT_EQ(UserFolder(), "") << Narrow(wcHollow);
+    }
+    NameDriver(u"..\\..\\x"); /* no way out of the folder */
+    EXPECT_EQ(UserFolder(), FOLDER + "..-..-x");
+
+    NameDriver(WideText(259 - FOLDER.size(), u'd'));
+    EXPECT_EQ(UserFolder().size(), 259u);
+    for (size_t cch : {260 - FOLDER.size(), size_t{259}, size_t{400}}) {
+        NameDriver(WideText(cch, u'd'));
+        EXPECT_EQ(UserFolder(), "") << cch;
+    }
+}
+
+TEST_F(PrinterStoreTest, NoUsersFolderWithoutAProfileOrADriverName)
+{
+    SetEnvironmentValue(u"USERPROFILE", u"");
+    EXPECT_EQ(UserFolder(), "");
+    SetEnvironmentValue(u"USERPROFILE", u"C:\\" + WideText(300, u'u'));
+    EXPECT_EQ(UserFolder(), "");
+    SetEnvironmentValue(u"USERPROFILE", u"C:\\Users\\worker");
+    for (LieKind lie : {LIE_HUGE, LIE_UNTERMINATED}) {
+        TellLies(lie, CALL_GetEnvironmentVariableW);
+        EXPECT_EQ(UserFolder(), "") << lie;
+        TellLies(LIE_NONE);
+    }
+    TellLies(LIE_NULL_MEMBERS, CALL_GetPrinterW);
+    EXPECT_EQ(UserFolder(), "");
+    TellLies(LIE_NONE);
+    FailCall(CALL_GetPrinterW, 1);
+    EXPECT_EQ(UserFolder(), "");
+    EXPECT_EQ(StopFaults(), 1);
+
+    /* A folder that cannot be made has its name all the same. */
+    PutFile(u"C:\\Users\\worker\\Application Data", "a file in the way");
+    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
+}
+
+TEST_F(PrinterStoreTest, ProfileAndScreenNamesLieInTheUsersFile)
+{
+    PrinterCall call(hPrinter);
+    WCHAR       wcName[16] = u"~";
+    PutFile(u"C:\\drv\\qa.ini", "[Basalt]\r\nProfile=driver.icc\r\n");
+    GetProfileName(call, wcName, 16);
+    EXPECT_EQ(WideText(wcName), u"") << "the driver's own file is not asked";
+    ASSERT_NE(SettingsPath(u"mine.ini"), "");
+    PutFile(Widen(SettingsPath(u"mine.ini")),
+            "[PrinterSettings]\r\nProfile=2\r\n[Basalt]\r\nProfile= \"Coated 12.icc\" \r\nScreen=fine.scr\r\n");
+    GetProfileName(call, wcName, 16);
+    EXPECT_EQ(WideText(wcName), u"Coated 12.icc");
+    GetScreenName(call, wcName, 16);
+    EXPECT_EQ(WideText(wcName), u"fine.scr");
+    GetProfileName(call, wcName, 7);
+    EXPECT_EQ(WideText(wcName), u"Coated");
+}
+
+TEST_F(PrinterStoreTest, SavedPapersComeFromTheUsersFileWhenThereIsOne)
+{
+    const std::string two = "[CustomSizes]\r\nNumCustomSizes=2\r\n"
+                            "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=15000\r\nCustomMetric0=1\r\n"
+                            "CustomName1=B\r\nCustomWidth1=20009\r\nCustomLength1=30000\r\nCustomMetric1=0\r\n";
+    auto Saved = [this](std::string* pNames = nullptr) {
+        PrinterCall              call(hPrinter);
+        OwnedBlock<PaperSizeRow> pRows;
+        i32                      nRows = GetSavedPapers(call, nullptr, &pRows);
+        for (i32 i = 0; pNames && i < nRows; i++) {
+            *pNames += Narrow(pRows.get()[i].wcName) + " ";
+        }
+        return nRows;
+    };
+    EXPECT_EQ(Saved(), 0);
+    PutFile(u"C:\\drv\\qa.ini", two);
+    std::string names;
+    EXPECT_EQ(Saved(&names), 2);
+    EXPECT_EQ(names, "A B ");
+    WideText tcUser = Widen(SettingsPath(u"mine.ini"));
+    EXPECT_EQ(Saved(), 2) << "named, but not there";
+    PutFile(tcUser, "[PrinterSettings]\r\nCopies=1\r\n");
+    EXPECT_EQ(Saved(), 0) << "the file decides, not its section";
+    PutFile(tcUser, "[CustomSizes]\r\nNumCustomSizes=1\r\n"
+                    "CustomName0=Mine\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n");
+    names.clear();
+    EXPECT_EQ(Saved(&names), 1);
+    EXPECT_EQ(names, "Mine ");
+    SettingsPath(u"..\\mine.ini");
+    EXPECT_EQ(Saved(), 2) << "a name that is none counts as no file";
+}
