@@ -6,16 +6,16 @@ namespace {
 constexpr int WIDTH_LIMIT = 20;
 
 struct Conversion {
-    int  nLength; /* characters of the conversion, the % included; 0: none of ours */
-    char cType;   /* d u x X s % */
-    int  nWidth;
-    int  bZeros;
+    int nLength; /* characters of the conversion, the % included; 0: none of ours */
+    char cType;  /* d u x X s % */
+    int nWidth;
+    int bZeros;
 };
 
 template <class Char> Conversion ReadConversion(const Char* pFormat)
 {
     Conversion conversion = {};
-    int        nAt        = 1;
+    int nAt = 1;
     if (pFormat[nAt] == '0') {
         conversion.bZeros = 1;
         nAt++;
@@ -26,12 +26,12 @@ template <class Char> Conversion ReadConversion(const Char* pFormat)
     }
     int bLong = pFormat[nAt] == 'l';
     nAt += bLong;
-    Char type    = pFormat[nAt];
-    int  bNumber = type == 'd' || type == 'u' || type == 'x' || type == 'X';
-    int  bPlain  = (type == 's' || type == '%') && nAt == 1;
+    Char type = pFormat[nAt];
+    int bNumber = type == 'd' || type == 'u' || type == 'x' || type == 'X';
+    int bPlain = (type == 's' || type == '%') && nAt == 1;
     if ((bNumber || bPlain) && conversion.nWidth <= WIDTH_LIMIT) {
         conversion.nLength = nAt + 1;
-        conversion.cType   = static_cast<char>(type);
+        conversion.cType = static_cast<char>(type);
     }
     return conversion;
 }
@@ -67,9 +67,9 @@ template <class Char> int IsServedBy(const Char* pFormat, const FormatArgument<C
 
 template <class Char> struct Output {
     Char* pOut;
-    int   cchOut;
-    int   nAt;
-    int   bCut;
+    int cchOut;
+    int nAt;
+    int bCut;
 };
 
 template <class Char> void Put(Output<Char>* pOutput, Char character)
@@ -83,14 +83,14 @@ template <class Char> void Put(Output<Char>* pOutput, Char character)
 
 template <class Char> void PutNumber(Output<Char>* pOutput, const Conversion& conversion, i64 lNumber)
 {
-    const char* cDigits   = conversion.cType == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
-    int         bSigned   = conversion.cType == 'd';
-    u32         ulBits    = static_cast<u32>(static_cast<u64>(lNumber)); /* numbers are 32 bits wide, as in the fields */
-    int         bNegative = bSigned && (ulBits & 0x80000000);
-    u32         ulRest    = bNegative ? 0 - ulBits : ulBits;
-    u32         ulBase    = conversion.cType == 'x' || conversion.cType == 'X' ? 16 : 10;
-    char        aDigits[10];
-    int         nDigits = 0;
+    const char* cDigits = conversion.cType == 'X' ? "0123456789ABCDEF" : "0123456789abcdef";
+    int bSigned = conversion.cType == 'd';
+    u32 ulBits = static_cast<u32>(static_cast<u64>(lNumber)); /* numbers are 32 bits wide, as in the fields */
+    int bNegative = bSigned && (ulBits & 0x80000000);
+    u32 ulRest = bNegative ? 0 - ulBits : ulBits;
+    u32 ulBase = conversion.cType == 'x' || conversion.cType == 'X' ? 16 : 10;
+    char aDigits[10];
+    int nDigits = 0;
     do {
         aDigits[nDigits++] = cDigits[ulRest % ulBase];
         ulRest /= ulBase;
@@ -111,14 +111,15 @@ template <class Char> void PutNumber(Output<Char>* pOutput, const Conversion& co
 }
 
 template <class Char>
-int FormatList(Char* pOut, int cchOut, const Char* pFormat, const FormatArgument<Char>* pArguments, int nCount)
+int FormatList(Char* pOut, int cchOut, const Char* pFormat, const FormatArgument<Char>* pArguments,
+               int nCount)
 {
     if (cchOut < 1) {
         return 0;
     }
-    Output<Char> output  = {pOut, cchOut, 0, 0};
-    int          bServed = IsServedBy(pFormat, pArguments, nCount);
-    int          nUsed   = 0;
+    Output<Char> output = {pOut, cchOut, 0, 0};
+    int bServed = IsServedBy(pFormat, pArguments, nCount);
+    int nUsed = 0;
     while (*pFormat) {
         if (*pFormat != '%' || !bServed) {
             Put(&output, *pFormat++);
@@ -137,7 +138,8 @@ int FormatList(Char* pOut, int cchOut, const Char* pFormat, const FormatArgument
             PutNumber(&output, conversion, pArguments[nUsed++].lNumber);
         }
     }
-    if (sizeof(Char) == sizeof(WCHAR) && output.bCut && output.nAt > 0 && (pOut[output.nAt - 1] & 0xFC00) == 0xD800) {
+    if (sizeof(Char) == sizeof(WCHAR) && output.bCut && output.nAt > 0 &&
+        (pOut[output.nAt - 1] & 0xFC00) == 0xD800) {
         output.nAt--; /* the first half of a pair never stands alone */
     }
     pOut[output.nAt] = 0;
@@ -146,12 +148,14 @@ int FormatList(Char* pOut, int cchOut, const Char* pFormat, const FormatArgument
 
 } // namespace
 
-int FormatWideList(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, const WideArgument* pArguments, int nCount)
+int FormatWideList(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, const WideArgument* pArguments,
+                   int nCount)
 {
     return FormatList(wcOut, cchOut, wcFormat, pArguments, nCount);
 }
 
-int FormatNarrowList(char* cOut, int cchOut, const char* cFormat, const NarrowArgument* pArguments, int nCount)
+int FormatNarrowList(char* cOut, int cchOut, const char* cFormat, const NarrowArgument* pArguments,
+                     int nCount)
 {
     return FormatList(cOut, cchOut, cFormat, pArguments, nCount);
 }

@@ -13,7 +13,7 @@
 
 template <class Char> struct FormatArgument {
     enum Kind { SIGNED, UNSIGNED, TEXT_ARGUMENT } kind;
-    i64         lNumber;
+    i64 lNumber;
     const Char* pText;
 
     constexpr FormatArgument(int nValue) : kind(SIGNED), lNumber(nValue), pText(nullptr) {}
@@ -26,21 +26,25 @@ template <class Char> struct FormatArgument {
     constexpr FormatArgument(const Char* pValue) : kind(TEXT_ARGUMENT), lNumber(0), pText(pValue) {}
 };
 
-using WideArgument   = FormatArgument<WCHAR>;
+using WideArgument = FormatArgument<WCHAR>;
 using NarrowArgument = FormatArgument<char>;
 
 /* Fills a buffer of cchOut characters, always ended by a NUL, from a format and its arguments.
    Result: 1 if all fitted, 0 if the text was cut at the buffer's end (a path is then to be given up). */
-int FormatWideList(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, const WideArgument* pArguments, int nCount);
-int FormatNarrowList(char* cOut, int cchOut, const char* cFormat, const NarrowArgument* pArguments, int nCount);
+int FormatWideList(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, const WideArgument* pArguments,
+                   int nCount);
+int FormatNarrowList(char* cOut, int cchOut, const char* cFormat, const NarrowArgument* pArguments,
+                     int nCount);
 
-template <class... Arguments> int FormatWide(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, Arguments... arguments)
+template <class... Arguments>
+int FormatWide(WCHAR* wcOut, int cchOut, const WCHAR* wcFormat, Arguments... arguments)
 {
     const WideArgument aArguments[] = {WideArgument(arguments)..., WideArgument(0)};
     return FormatWideList(wcOut, cchOut, wcFormat, aArguments, static_cast<int>(sizeof...(arguments)));
 }
 
-template <class... Arguments> int FormatNarrow(char* cOut, int cchOut, const char* cFormat, Arguments... arguments)
+template <class... Arguments>
+int FormatNarrow(char* cOut, int cchOut, const char* cFormat, Arguments... arguments)
 {
     const NarrowArgument aArguments[] = {NarrowArgument(arguments)..., NarrowArgument(0)};
     return FormatNarrowList(cOut, cchOut, cFormat, aArguments, static_cast<int>(sizeof...(arguments)));

@@ -12,7 +12,7 @@
 /* A zero-filled block of the process heap, or null when there is no memory or cbSize is 0 or beyond
    BLOCK_LIMIT (no honest structure of ours comes near). Freed with FreeBlock. */
 constexpr u64 BLOCK_LIMIT = 0x10000000;
-void*         AllocateBlock(u64 cbSize);
+void* AllocateBlock(u64 cbSize);
 
 /* The same for nCount rows of one size; null also when the product is out of range. */
 void* AllocateRows(u64 nCount, u64 cbRow);

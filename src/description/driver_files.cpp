@@ -55,7 +55,8 @@ XpiFile* OpenXpiFile(PrinterCall& call)
 {
     if (call.xpiState == NOT_ASKED) {
         WCHAR tcPath[PATH_CHARS];
-        int   bOpen   = FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), tcPath) && OpenXpiPath(call.rXpiFile, tcPath);
+        int bOpen =
+            FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), tcPath) && OpenXpiPath(call.rXpiFile, tcPath);
         call.xpiState = bOpen ? ANSWERED : NO_ANSWER;
     }
     return call.xpiState == ANSWERED ? &call.rXpiFile : nullptr;
@@ -76,7 +77,7 @@ int GetFontFilePath(PrinterCall& call, WCHAR* tcOut)
 
 u32 GetFontFileSize(PrinterCall& call)
 {
-    WCHAR         tcPath[PATH_CHARS];
+    WCHAR tcPath[PATH_CHARS];
     LARGE_INTEGER size;
     if (!GetFontFilePath(call, tcPath)) {
         return NO_FONT_FILE;

@@ -26,7 +26,7 @@ int GetFontFilePath(PrinterCall& call, WCHAR* tcOut);
 
 /* Its size in bytes; 0xFFFFFFFF when it cannot be opened or has 4 GB and more. */
 constexpr u32 NO_FONT_FILE = 0xFFFFFFFF;
-u32           GetFontFileSize(PrinterCall& call);
+u32 GetFontFileSize(PrinterCall& call);
 
 /* Opens the existing font description file without sharing, after a read-only attribute was cleared. */
 OwnedFile OpenFontFile(PrinterCall& call, u32 dwAccess);

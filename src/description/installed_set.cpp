@@ -21,9 +21,9 @@ void BuildDeviceInfo(PrinterCall& call, const XpiModel* pModel, DeviceInfo* pInf
 {
     *pInfo = {};
     if (pModel) {
-        pInfo->ulInputs    = pModel->ulOptInputs | pModel->ulStdInputs;
-        pInfo->ulOutputs   = pModel->ulOptOutputs | pModel->ulStdOutputs;
-        pInfo->ulOptions   = pModel->ulOptOptions | pModel->ulStdOptions;
+        pInfo->ulInputs = pModel->ulOptInputs | pModel->ulStdInputs;
+        pInfo->ulOutputs = pModel->ulOptOutputs | pModel->ulStdOutputs;
+        pInfo->ulOptions = pModel->ulOptOptions | pModel->ulStdOptions;
         pInfo->ulMemoryKey = static_cast<u32>(pModel->sStdMemory + pModel->sOptMemory);
     }
     WCHAR tcIni[PATH_CHARS];
@@ -31,16 +31,16 @@ void BuildDeviceInfo(PrinterCall& call, const XpiModel* pModel, DeviceInfo* pInf
         return;
     }
     const WCHAR* wcSection = TEXT("DeviceInfo");
-    pInfo->ulInputs        = ReadProfileHex(wcSection, TEXT("Sources"), pInfo->ulInputs, tcIni);
-    pInfo->ulOutputs       = ReadProfileHex(wcSection, TEXT("Destinations"), pInfo->ulOutputs, tcIni);
-    pInfo->ulOptions       = ReadProfileHex(wcSection, TEXT("Options"), pInfo->ulOptions, tcIni);
-    pInfo->ulMemoryKey     = static_cast<u32>(
+    pInfo->ulInputs = ReadProfileHex(wcSection, TEXT("Sources"), pInfo->ulInputs, tcIni);
+    pInfo->ulOutputs = ReadProfileHex(wcSection, TEXT("Destinations"), pInfo->ulOutputs, tcIni);
+    pInfo->ulOptions = ReadProfileHex(wcSection, TEXT("Options"), pInfo->ulOptions, tcIni);
+    pInfo->ulMemoryKey = static_cast<u32>(
         ReadProfileLong(wcSection, TEXT("TotalMemory"), static_cast<i32>(pInfo->ulMemoryKey), tcIni));
 }
 
 void SetDeviceInfo(PrinterCall& call, const DeviceInfo* pInfo)
 {
     DeviceInfo copy = *pInfo;
-    SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(TEXT("DeviceInfo")), REG_BINARY, reinterpret_cast<BYTE*>(&copy),
-                    sizeof copy);
+    SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(TEXT("DeviceInfo")), REG_BINARY,
+                    reinterpret_cast<BYTE*>(&copy), sizeof copy);
 }

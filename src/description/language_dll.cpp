@@ -22,7 +22,8 @@ const WCHAR* const aLanguageCodes[] = {
     TEXT("GERM GSWI GAUS GLUX GLIE"),
     TEXT("GREE"),
     TEXT("ENUS ENUK ENAU ENCA ENNZ ENEI ENSA ENJA ENCR ENBE ENTR"),
-    TEXT("SCAS SMEX SMOD SGUA SCOS SPAN SDOM SVEN SCOL SPER SARG SECU SCHI SURU SPAR SBOL SELS SHON SNIC SPUE"),
+    TEXT(
+        "SCAS SMEX SMOD SGUA SCOS SPAN SDOM SVEN SCOL SPER SARG SECU SCHI SURU SPAR SBOL SELS SHON SNIC SPUE"),
     TEXT("FINN"),
     TEXT("FREN FBEL FCAN FSWI FLUX"),
     TEXT("HEBR"),
@@ -80,8 +81,8 @@ u16 GetUserLanguage()
 
 LanguageCode GetLanguageCode(u16 usPrimary, u16 usSub)
 {
-    LanguageCode code  = {};
-    int          nSkip = usPrimary == 0 ? usSub : usSub - 1;
+    LanguageCode code = {};
+    int nSkip = usPrimary == 0 ? usSub : usSub - 1;
     if (usPrimary >= LANGUAGE_COUNT || nSkip < 0) {
         return code;
     }
@@ -101,18 +102,18 @@ LanguageCode GetLanguageCode(u16 usPrimary, u16 usSub)
 
 OwnedModule OpenLanguageDll(PrinterCall& call, LanguageChoice* pChoice)
 {
-    WCHAR       tcPath[PATH_CHARS];
-    LANGID      usUser    = GetUserDefaultLangID();
-    u16         usPrimary = usUser & 0x3FF;
-    u16         usSub     = static_cast<u16>(usUser >> 10);
+    WCHAR tcPath[PATH_CHARS];
+    LANGID usUser = GetUserDefaultLangID();
+    u16 usPrimary = usUser & 0x3FF;
+    u16 usSub = static_cast<u16>(usUser >> 10);
     OwnedModule hModule;
     if (FindDriverFile(call, TEXT(""), TEXT("txt.dll"), tcPath)) {
         hModule = LoadAsData(tcPath);
     }
     if (!hModule) {
         usPrimary = PRIMARY_ENGLISH;
-        usSub     = SUB_US;
-        WCHAR        wcFile[16];
+        usSub = SUB_US;
+        WCHAR wcFile[16];
         LanguageCode code = GetLanguageCode(usPrimary, usSub);
         FormatWide(wcFile, 16, TEXT("%s.DLL"), code.wcText);
         if (FindDriverFile(call, code.wcText, wcFile, tcPath)) {
@@ -123,8 +124,8 @@ OwnedModule OpenLanguageDll(PrinterCall& call, LanguageChoice* pChoice)
         WCHAR wcDecimal[9]; /* 8 characters and NUL are asked for, of which 3 are kept */
         FindDriverFile(call, TEXT(""), TEXT(".CHM"), pChoice->tcHelpFile);
         pChoice->usPrimary = usPrimary;
-        pChoice->usSub     = usSub;
-        DWORD nGot         = GetProfileStringW(TEXT("intl"), TEXT("sDecimal"), TEXT("."), wcDecimal, 8);
+        pChoice->usSub = usSub;
+        DWORD nGot = GetProfileStringW(TEXT("intl"), TEXT("sDecimal"), TEXT("."), wcDecimal, 8);
         wcDecimal[nGot < 8 ? nGot : 7] = 0;
         CopyWide(pChoice->wcDecimal, 4, wcDecimal[0] ? wcDecimal : TEXT("."));
     }

@@ -7,8 +7,8 @@
 
 /* What a sheet keeps of the language that was found. */
 struct LanguageChoice {
-    u16   usPrimary;              /* primary language id for ReadXpiString: 9 on the library of last resort */
-    u16   usSub;                  /* sublanguage id */
+    u16 usPrimary;                /* primary language id for ReadXpiString: 9 on the library of last resort */
+    u16 usSub;                    /* sublanguage id */
     WCHAR tcHelpFile[PATH_CHARS]; /* "" when the driver has none */
     WCHAR wcDecimal[4];           /* decimal separator, never empty */
 };

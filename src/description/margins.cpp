@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr int PAPER_BITS      = 256;
-constexpr i32 CUSTOM_FROM     = 256; /* codes from here up are found by their size */
+constexpr int PAPER_BITS = 256;
+constexpr i32 CUSTOM_FROM = 256; /* codes from here up are found by their size */
 
 /* The row that serves the paper; when none does, the closing row, whose margins are the model's default. */
 const MarginRow* FindMarginRow(PrinterCall& call, const XpiModel* pModel, i32 lCode, u16 usOrientation)
@@ -26,8 +26,8 @@ const MarginRow* FindMarginRow(PrinterCall& call, const XpiModel* pModel, i32 lC
             if (IsBitSet(pRow->bPapers, PAPER_BITS, lCode)) {
                 return pRow;
             }
-        } else if (IsBitSet(pRow->bPapers, PAPER_BITS, 0) && sWidth >= pRow->sMinWidth && sWidth <= pRow->sMaxWidth &&
-                   sLength >= pRow->sMinLength && sLength <= pRow->sMaxLength) {
+        } else if (IsBitSet(pRow->bPapers, PAPER_BITS, 0) && sWidth >= pRow->sMinWidth &&
+                   sWidth <= pRow->sMaxWidth && sLength >= pRow->sMinLength && sLength <= pRow->sMaxLength) {
             return pRow;
         }
     }
@@ -51,5 +51,6 @@ Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode
     }
     i16 sX = sCode > 0 ? pRow->sMarginX : pRow->sMarginXRotated;
     i16 sY = sCode > 0 ? pRow->sMarginY : pRow->sMarginYRotated;
-    return {LowWord(MulDivTrunc(sX, lDpi, pRow->sResolution)), LowWord(MulDivTrunc(sY, lDpi, pRow->sResolution))};
+    return {LowWord(MulDivTrunc(sX, lDpi, pRow->sResolution)),
+            LowWord(MulDivTrunc(sY, lDpi, pRow->sResolution))};
 }

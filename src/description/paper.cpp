@@ -34,21 +34,23 @@ i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSi
 
 i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
 {
-    u32      cb;
-    DWORD    nForms;
+    u32 cb;
+    DWORD nForms;
     AskState state;
     outRows->reset();
-    OwnedBlock<u8> pForms(static_cast<u8*>(AskSpooler(call.hPrinter, AskForms, FORM_BYTES, &cb, &nForms, &state)));
+    OwnedBlock<u8> pForms(
+        static_cast<u8*>(AskSpooler(call.hPrinter, AskForms, FORM_BYTES, &cb, &nForms, &state)));
     if (!pForms) {
         return 0;
     }
     const FORM_INFO_1W* pForm = reinterpret_cast<const FORM_INFO_1W*>(pForms.get());
-    u32                 nAll  = nForms < cb / sizeof(FORM_INFO_1W) ? nForms : static_cast<u32>(cb / sizeof(FORM_INFO_1W));
-    i32                 nUser = 0;
+    u32 nAll = nForms < cb / sizeof(FORM_INFO_1W) ? nForms : static_cast<u32>(cb / sizeof(FORM_INFO_1W));
+    i32 nUser = 0;
     for (u32 i = 0; i < nAll; i++) {
         nUser += pForm[i].Flags == FORM_USER;
     }
-    PaperSizeRow* pRows = static_cast<PaperSizeRow*>(AllocateRows(static_cast<u64>(nUser), sizeof(PaperSizeRow)));
+    PaperSizeRow* pRows =
+        static_cast<PaperSizeRow*>(AllocateRows(static_cast<u64>(nUser), sizeof(PaperSizeRow)));
     if (!pRows) {
         return 0;
     }
@@ -56,7 +58,7 @@ i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
     u32 ulMetric = static_cast<u32>(IsMetricLocale());
     for (u32 i = 0; i < nAll; i++) {
         if (pForm[i].Flags == FORM_USER) {
-            pRows->ulWidth  = FormSide(pForm[i].Size.cx);
+            pRows->ulWidth = FormSide(pForm[i].Size.cx);
             pRows->ulLength = FormSide(pForm[i].Size.cy);
             pRows->ulMetric = ulMetric;
             CopyWide(pRows->wcName, static_cast<int>(sizeof pRows->wcName / sizeof(WCHAR)),
@@ -94,19 +96,20 @@ i32 GetPaperSize(PrinterCall& call, const XpiModel* pModel, i16 sCode, i16* psWi
         return GetDefaultPaperSize(psWidth, psLength);
     }
     if (const PaperRow* pRow = FindPaperRow(pModel, sCode)) {
-        *psWidth  = pRow->sWidth;
+        *psWidth = pRow->sWidth;
         *psLength = pRow->sLength;
         return pRow->sMetric;
     }
     if (sCode >= FIRST_SAVED_CODE) {
         OwnedBlock<PaperSizeRow> pSaved, pForms;
-        i32                      nSaved = GetSavedPapers(call, nullptr, &pSaved);
-        i32                      nForms = GetSpoolerForms(call, &pForms);
-        i32                      nIndex = sCode - FIRST_SAVED_CODE;
+        i32 nSaved = GetSavedPapers(call, nullptr, &pSaved);
+        i32 nForms = GetSpoolerForms(call, &pForms);
+        i32 nIndex = sCode - FIRST_SAVED_CODE;
         if (nIndex < nSaved + nForms) {
-            const PaperSizeRow* pRow = nIndex < nSaved ? pSaved.get() + nIndex : pForms.get() + (nIndex - nSaved);
-            *psWidth                 = LowWord(pRow->ulWidth / 10);
-            *psLength                = LowWord(pRow->ulLength / 10);
+            const PaperSizeRow* pRow =
+                nIndex < nSaved ? pSaved.get() + nIndex : pForms.get() + (nIndex - nSaved);
+            *psWidth = LowWord(pRow->ulWidth / 10);
+            *psLength = LowWord(pRow->ulLength / 10);
             return static_cast<i32>(pRow->ulMetric);
         }
     }
@@ -128,11 +131,11 @@ PaperExtents GetPaperExtents(const XpiModel* pModel)
         if (!pRow->sNameId) {
             return extents;
         }
-        i32 lWidth         = pRow->sWidth;
-        i32 lLength        = pRow->sLength;
-        extents.lMinWidth  = lWidth < extents.lMinWidth ? lWidth : extents.lMinWidth;
+        i32 lWidth = pRow->sWidth;
+        i32 lLength = pRow->sLength;
+        extents.lMinWidth = lWidth < extents.lMinWidth ? lWidth : extents.lMinWidth;
         extents.lMinLength = lLength < extents.lMinLength ? lLength : extents.lMinLength;
-        extents.lMaxWidth  = lWidth > extents.lMaxWidth ? lWidth : extents.lMaxWidth;
+        extents.lMaxWidth = lWidth > extents.lMaxWidth ? lWidth : extents.lMaxWidth;
         extents.lMaxLength = lLength > extents.lMaxLength ? lLength : extents.lMaxLength;
     }
 }

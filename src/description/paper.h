@@ -14,8 +14,8 @@
 #include "description/paper_row.h"
 
 constexpr i32 FIRST_UNKNOWN_CODE = 119; /* up to LAST_UNKNOWN_CODE the default paper stands in */
-constexpr i32 LAST_UNKNOWN_CODE  = 447;
-constexpr i32 FIRST_SAVED_CODE   = 448;
+constexpr i32 LAST_UNKNOWN_CODE = 447;
+constexpr i32 FIRST_SAVED_CODE = 448;
 
 /* The saved papers: from the user's settings file when that file exists, else from the driver's .INI file.
    outRows   O   new array of result + 1 rows, the caller's (the spare row filled when pModel is given); null
@@ -54,6 +54,7 @@ PaperExtents GetPaperExtents(const XpiModel* pModel);
 struct Margins {
     i32 lX, lY;
 };
-Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation, i32 lDpi);
+Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation,
+                            i32 lDpi);
 
 #endif

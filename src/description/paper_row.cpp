@@ -16,22 +16,22 @@ i16 GetDefaultPaper()
 int GetDefaultPaperSize(i16* psWidth, i16* psLength)
 {
     int bMetric = IsMetricLocale();
-    *psWidth    = bMetric ? 2100 : 2159;
-    *psLength   = bMetric ? 2970 : 2794;
+    *psWidth = bMetric ? 2100 : 2159;
+    *psLength = bMetric ? 2970 : 2794;
     return bMetric;
 }
 
 void NewPaperRow(PaperSizeRow* pRow, const XpiModel* pModel)
 {
-    *pRow         = {};
+    *pRow = {};
     pRow->ulMetric = static_cast<u32>(IsMetricLocale());
-    i32 lWidth    = pModel->sMinCustomWidth;
-    i32 lLength   = pModel->sMinCustomLength;
+    i32 lWidth = pModel->sMinCustomWidth;
+    i32 lLength = pModel->sMinCustomLength;
     if (pRow->ulMetric) {
-        pRow->ulWidth  = static_cast<u32>((lWidth + 5) / 10 * 100);
+        pRow->ulWidth = static_cast<u32>((lWidth + 5) / 10 * 100);
         pRow->ulLength = static_cast<u32>((lLength + 5) / 10 * 100);
     } else {
-        pRow->ulWidth  = static_cast<u32>((lWidth + 127) / 254 * 2540);
+        pRow->ulWidth = static_cast<u32>((lWidth + 127) / 254 * 2540);
         pRow->ulLength = static_cast<u32>((lLength + 127) / 254 * 2540);
     }
 }

@@ -7,9 +7,9 @@
 
 /* One saved paper or form. Unlike all other paper sizes these are hundredths of a millimetre. */
 struct PaperSizeRow {
-    u32   ulWidth, ulLength; /* hundredths of a millimetre */
-    u32   ulMetric;          /* 1: a metric size */
-    WCHAR wcName[64];        /* "" marks the spare row, which stands for a new paper */
+    u32 ulWidth, ulLength; /* hundredths of a millimetre */
+    u32 ulMetric;          /* 1: a metric size */
+    WCHAR wcName[64];      /* "" marks the spare row, which stands for a new paper */
 };
 static_assert(sizeof(PaperSizeRow) == 140);
 

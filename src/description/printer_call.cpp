@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr u32 FIRST_BYTES   = 4096;
-constexpr u32 ANSWER_LIMIT  = 8 * 1024 * 1024; /* no honest answer of a spooler comes near */
-constexpr u32 CLOSING_BYTES = 16;              /* zeros behind an answer, so that its last text has an end */
-constexpr int NAME_CHARS    = 129;             /* a printer's name that is opened: 128 characters and NUL */
+constexpr u32 FIRST_BYTES = 4096;
+constexpr u32 ANSWER_LIMIT = 8 * 1024 * 1024; /* no honest answer of a spooler comes near */
+constexpr u32 CLOSING_BYTES = 16;             /* zeros behind an answer, so that its last text has an end */
+constexpr int NAME_CHARS = 129;               /* a printer's name that is opened: 128 characters and NUL */
 
 BOOL AskDriver(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD*)
 {
@@ -27,8 +27,8 @@ BOOL AskPrinter(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWOR
 const WCHAR* AnswerText(const void* pBlock, u32 cbBlock, const WCHAR* wcMember)
 {
     u64 ullBlock = reinterpret_cast<std::uintptr_t>(pBlock);
-    u64 ullText  = reinterpret_cast<std::uintptr_t>(wcMember);
-    int bInside  = ullText >= ullBlock && ullText < ullBlock + cbBlock && ullText % alignof(WCHAR) == 0;
+    u64 ullText = reinterpret_cast<std::uintptr_t>(wcMember);
+    int bInside = ullText >= ullBlock && ullText < ullBlock + cbBlock && ullText % alignof(WCHAR) == 0;
     return bInside ? wcMember : TEXT("");
 }
 
@@ -46,10 +46,10 @@ void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWOR
             return nullptr;
         }
         DWORD cbNeeded = 0;
-        *pnRows        = 0;
+        *pnRows = 0;
         if (fnAsk(hPrinter, pBlock.get(), cb, &cbNeeded, pnRows)) {
             *pState = ANSWERED;
-            *pcb    = cb;
+            *pcb = cb;
             return pBlock.release();
         }
         if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded <= cb) {
@@ -68,8 +68,8 @@ const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call)
 {
     if (call.driverState == NOT_ASKED) {
         DWORD nRows;
-        call.pDriverInfo.reset(static_cast<DRIVER_INFO_3W*>(
-            AskSpooler(call.hPrinter, AskDriver, FIRST_BYTES, &call.cbDriverInfo, &nRows, &call.driverState)));
+        call.pDriverInfo.reset(static_cast<DRIVER_INFO_3W*>(AskSpooler(
+            call.hPrinter, AskDriver, FIRST_BYTES, &call.cbDriverInfo, &nRows, &call.driverState)));
     }
     return call.pDriverInfo.get();
 }
@@ -78,8 +78,8 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call)
 {
     if (call.printerState == NOT_ASKED) {
         DWORD nRows;
-        call.pPrinterInfo.reset(static_cast<PRINTER_INFO_2W*>(
-            AskSpooler(call.hPrinter, AskPrinter, FIRST_BYTES, &call.cbPrinterInfo, &nRows, &call.printerState)));
+        call.pPrinterInfo.reset(static_cast<PRINTER_INFO_2W*>(AskSpooler(
+            call.hPrinter, AskPrinter, FIRST_BYTES, &call.cbPrinterInfo, &nRows, &call.printerState)));
     }
     return call.pPrinterInfo.get();
 }
@@ -98,15 +98,15 @@ int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int c
 {
     DWORD dwType = 0, cbValue = 0;
     DWORD cbRoom = static_cast<DWORD>(cch) * static_cast<DWORD>(sizeof(WCHAR));
-    wcOut[0]     = 0;
+    wcOut[0] = 0;
     if (!IsOpen(call.hPrinter) ||
-        GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType, reinterpret_cast<BYTE*>(wcOut), cbRoom,
-                        &cbValue) != ERROR_SUCCESS ||
+        GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType, reinterpret_cast<BYTE*>(wcOut),
+                        cbRoom, &cbValue) != ERROR_SUCCESS ||
         dwType != REG_SZ) {
         wcOut[0] = 0;
         return 0;
     }
-    int nGot    = static_cast<int>((cbValue < cbRoom ? cbValue : cbRoom) / sizeof(WCHAR));
+    int nGot = static_cast<int>((cbValue < cbRoom ? cbValue : cbRoom) / sizeof(WCHAR));
     int nLength = BoundedLength(wcOut, nGot);
     if (pbEnded) {
         *pbEnded = nLength < nGot;
@@ -118,9 +118,8 @@ int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int c
 u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb)
 {
     DWORD dwType = 0, cbValue = 0;
-    if (!IsOpen(call.hPrinter) ||
-        GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType, static_cast<BYTE*>(pOut), cb, &cbValue) !=
-            ERROR_SUCCESS) {
+    if (!IsOpen(call.hPrinter) || GetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), &dwType,
+                                                  static_cast<BYTE*>(pOut), cb, &cbValue) != ERROR_SUCCESS) {
         return 0;
     }
     return cbValue <= cb ? cbValue : 0;
@@ -163,14 +162,14 @@ OwnedPrinter OpenPrinterByName(const WCHAR* wcName)
     CopyWide(wcCopy, NAME_CHARS, wcName);
     CutLocalTail(wcCopy);
     PRINTER_DEFAULTSW defaults = {};
-    HANDLE            hPrinter = nullptr;
-    defaults.DesiredAccess     = PRINTER_ALL_ACCESS;
+    HANDLE hPrinter = nullptr;
+    defaults.DesiredAccess = PRINTER_ALL_ACCESS;
     if (OpenPrinterW(wcCopy, &hPrinter, &defaults)) {
         return OwnedPrinter(hPrinter);
     }
     if (GetLastError() == ERROR_ACCESS_DENIED) {
         defaults.DesiredAccess = PRINTER_ACCESS_USE;
-        hPrinter               = nullptr;
+        hPrinter = nullptr;
         if (OpenPrinterW(wcCopy, &hPrinter, &defaults)) {
             return OwnedPrinter(hPrinter);
         }

@@ -17,13 +17,13 @@ static_assert(sizeof(DeviceInfo) == 16);
 enum AskState : int { NOT_ASKED, ANSWERED, NO_ANSWER, NO_MEMORY };
 
 struct PrinterCall {
-    HANDLE                      hPrinter; /* borrowed; null or invalid: every question has no answer */
-    AskState                    driverState, printerState, xpiState, deviceState;
-    u32                         cbDriverInfo, cbPrinterInfo; /* bytes of the two blocks that the spooler wrote */
-    OwnedBlock<DRIVER_INFO_3W>  pDriverInfo;
+    HANDLE hPrinter; /* borrowed; null or invalid: every question has no answer */
+    AskState driverState, printerState, xpiState, deviceState;
+    u32 cbDriverInfo, cbPrinterInfo; /* bytes of the two blocks that the spooler wrote */
+    OwnedBlock<DRIVER_INFO_3W> pDriverInfo;
     OwnedBlock<PRINTER_INFO_2W> pPrinterInfo;
-    XpiFile                     rXpiFile;
-    DeviceInfo                  rDeviceInfo;
+    XpiFile rXpiFile;
+    DeviceInfo rDeviceInfo;
 
     explicit PrinterCall(HANDLE hOf)
         : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), xpiState(NOT_ASKED),
@@ -45,7 +45,7 @@ using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
 
 /* DRIVER_INFO_3 and PRINTER_INFO_2 of the printer, the call's own; null when the spooler does not give them
    or memory fails (the state tells which). Text members are read with InfoText. */
-const DRIVER_INFO_3W*  GetDriverInfo(PrinterCall& call);
+const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call);
 const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 
 /* A text member of one of the two blocks: "" for null and for what does not lie in the block. The text ends

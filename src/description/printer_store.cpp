@@ -55,7 +55,8 @@ void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch
 u32 GetPrinterMemory(PrinterCall& call)
 {
     u32 ulMemory = 0;
-    return ReadPrinterBytes(call, TEXT("Memory"), &ulMemory, sizeof ulMemory) == sizeof ulMemory ? ulMemory : 0;
+    return ReadPrinterBytes(call, TEXT("Memory"), &ulMemory, sizeof ulMemory) == sizeof ulMemory ? ulMemory
+                                                                                                 : 0;
 }
 
 void SetPrinterMemory(PrinterCall& call, u32 ulMemory)
@@ -67,16 +68,17 @@ u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
 {
     DWORD dwType, cbValue = 0;
     LPWSTR wcValue = const_cast<LPWSTR>(TEXT("FontSubs"));
-    BYTE   bSize;
+    BYTE bSize;
     outBlock->reset();
     if (!IsOpen(call.hPrinter) ||
-        GetPrinterDataW(call.hPrinter, wcValue, &dwType, &bSize, 0, &cbValue) != ERROR_MORE_DATA || !cbValue ||
-        cbValue > VALUE_LIMIT) {
+        GetPrinterDataW(call.hPrinter, wcValue, &dwType, &bSize, 0, &cbValue) != ERROR_MORE_DATA ||
+        !cbValue || cbValue > VALUE_LIMIT) {
         return 0;
     }
     OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
-    DWORD          cbGot = 0;
-    if (!pBlock || GetPrinterDataW(call.hPrinter, wcValue, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
+    DWORD cbGot = 0;
+    if (!pBlock ||
+        GetPrinterDataW(call.hPrinter, wcValue, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
         return 0;
     }
     u32 cb = (cbGot < cbValue ? cbGot : cbValue) & ~1u;
@@ -109,7 +111,8 @@ int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 
 void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName)
 {
-    SetValue(call, TEXT("Settings"), REG_SZ, wcName, static_cast<u32>((WideLength(wcName) + 1) * static_cast<int>(sizeof(WCHAR))));
+    SetValue(call, TEXT("Settings"), REG_SZ, wcName,
+             static_cast<u32>((WideLength(wcName) + 1) * static_cast<int>(sizeof(WCHAR))));
 }
 
 int GetDriverName(PrinterCall& call, WCHAR* wcOut)
@@ -131,8 +134,9 @@ int GetUserFolder(PrinterCall& call, WCHAR* tcOut)
         return 0;
     }
     tcOut[nProfile] = 0;
-    const WCHAR* const aSteps[] = {TEXT("\\Application Data"), TEXT("\\Corvantis Optics"), TEXT("\\"), wcDriver};
-    int                anEnds[4];
+    const WCHAR* const aSteps[] = {TEXT("\\Application Data"), TEXT("\\Corvantis Optics"), TEXT("\\"),
+                                   wcDriver};
+    int anEnds[4];
     for (int i = 0; i < 4; i++) {
         if (!AppendWideWhole(tcOut, PATH_CHARS, aSteps[i])) {
             return 0;
@@ -142,7 +146,7 @@ int GetUserFolder(PrinterCall& call, WCHAR* tcOut)
     if (GetFileAttributesW(tcOut) == INVALID_FILE_ATTRIBUTES) {
         for (int nEnd : {anEnds[0], anEnds[1], anEnds[3]}) {
             WCHAR wcKept = tcOut[nEnd];
-            tcOut[nEnd]  = 0;
+            tcOut[nEnd] = 0;
             CreateDirectoryW(tcOut, nullptr);
             tcOut[nEnd] = wcKept;
         }

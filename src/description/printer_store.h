@@ -6,18 +6,18 @@
 #include "description/printer_call.h"
 
 /* Value "Memory": megabytes; 0 when it is not there or has not 4 bytes. */
-u32  GetPrinterMemory(PrinterCall& call);
+u32 GetPrinterMemory(PrinterCall& call);
 void SetPrinterMemory(PrinterCall& call, u32 ulMemory);
 
 /* Value "FontSubs": pairs of texts, closed by an empty one. Result: its size in bytes, an even number, with
    *outBlock a new block, the caller's, that has two NULs behind that size; 0 and null when the value is
    absent, empty or unreadable. */
-u32  GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock);
+u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock);
 void SetFontSubs(PrinterCall& call, const void* pBlock, u32 cb);
 
 /* Value "Settings": the plain name of the user's settings file. 1 when it could be read; a text that names
    another folder, or none, counts as unreadable. The writers of this header tell nothing of the outcome. */
-int  GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch);
+int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch);
 void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName);
 
 /* Name of the printer's driver, at most 259 characters; "" when it is not to be had. PATH_CHARS of room. */

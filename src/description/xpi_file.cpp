@@ -15,7 +15,7 @@ int ReadXpiBytes(XpiFile& file, u64 ullOffset, void* pOut, u32 cb, u32* pcbGot)
     *pcbGot = 0;
     LARGE_INTEGER offset;
     offset.QuadPart = static_cast<i64>(ullOffset);
-    DWORD cbRead    = 0;
+    DWORD cbRead = 0;
     if (!SetFilePointerEx(file.hFile.get(), offset, nullptr, FILE_BEGIN) ||
         !ReadFile(file.hFile.get(), pOut, cb, &cbRead, nullptr)) {
         return 0;
@@ -28,7 +28,7 @@ const XpiHeader* ReadXpiHeader(XpiFile& file)
 {
     if (!file.bHeaderRead) {
         u32 cbGot;
-        file.rHeader     = {};
+        file.rHeader = {};
         file.bHeaderRead = 1;
         ReadXpiBytes(file, 0, &file.rHeader, sizeof file.rHeader, &cbGot);
     }
@@ -43,12 +43,12 @@ int ReadCommand(XpiFile& file, u16 usId, char* cScratch, u32 nLimit, char* cOut,
     if (cbOut < 1) {
         return 0;
     }
-    cOut[0]                  = 0;
+    cOut[0] = 0;
     const XpiHeader* pHeader = ReadXpiHeader(file);
-    u16              usOffset = 0;
-    u32              cbGot;
-    if (!ReadXpiBytes(file, pHeader->dwCommandTableOffset + 2 * static_cast<u64>(usId), &usOffset, sizeof usOffset,
-                      &cbGot) ||
+    u16 usOffset = 0;
+    u32 cbGot;
+    if (!ReadXpiBytes(file, pHeader->dwCommandTableOffset + 2 * static_cast<u64>(usId), &usOffset,
+                      sizeof usOffset, &cbGot) ||
         cbGot < sizeof usOffset) {
         return 0;
     }
@@ -77,8 +77,8 @@ int ReadCommand(XpiFile& file, u16 usId, char* cScratch, u32 nLimit, char* cOut,
 int ReadFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows)
 {
     u32 cbGot;
-    return ReadXpiBytes(file, ReadXpiHeader(file)->dwFontTableOffset + 4 * static_cast<u64>(nFirst), aRows, 4 * nRows,
-                        &cbGot) &&
+    return ReadXpiBytes(file, ReadXpiHeader(file)->dwFontTableOffset + 4 * static_cast<u64>(nFirst), aRows,
+                        4 * nRows, &cbGot) &&
            cbGot == 4 * nRows;
 }
 
@@ -102,13 +102,13 @@ u32 ReadXpiFontChunk(XpiFile& file, const XpiModel* pModel, u8* pOut, i32 nFirst
         return 0;
     }
     u32 nFonts = static_cast<u32>(pModel->sResFontCount);
-    u32 nFont  = static_cast<u32>(nFirst) - 1;
+    u32 nFont = static_cast<u32>(nFirst) - 1;
     u32 aRows[65];
     u32 ulStart = 0, cbChunk = 0;
     for (u32 nHeld = 0, nAt = 0; nFont < nFonts; nFont++, nAt++) {
         if (nAt == nHeld) {
             nHeld = nFonts - nFont < 64 ? nFonts - nFont : 64;
-            nAt   = 0;
+            nAt = 0;
             if (!ReadFontRows(file, nFont, aRows, nHeld + 1)) {
                 return 0;
             }
@@ -122,8 +122,8 @@ u32 ReadXpiFontChunk(XpiFile& file, const XpiModel* pModel, u8* pOut, i32 nFirst
     }
     if (pOut && cbChunk) {
         u32 cbGot;
-        if (!ReadXpiBytes(file, static_cast<u64>(ReadXpiHeader(file)->dwFontDataOffset) + ulStart, pOut, cbChunk,
-                          &cbGot) ||
+        if (!ReadXpiBytes(file, static_cast<u64>(ReadXpiHeader(file)->dwFontDataOffset) + ulStart, pOut,
+                          cbChunk, &cbGot) ||
             cbGot < cbChunk) {
             return 0;
         }
@@ -136,7 +136,7 @@ u32 GetXpiFontDataSize(XpiFile& file, const XpiModel* pModel)
     if (!pModel || pModel->sResFontCount < 1) {
         return 0;
     }
-    u32           ulFirst, ulLast;
+    u32 ulFirst, ulLast;
     LARGE_INTEGER size;
     if (!ReadFontRows(file, 0, &ulFirst, 1) ||
         !ReadFontRows(file, static_cast<u32>(pModel->sResFontCount), &ulLast, 1) || ulLast < ulFirst ||
@@ -149,14 +149,14 @@ u32 GetXpiFontDataSize(XpiFile& file, const XpiModel* pModel)
 
 OwnedBlock<u8> ReadXpiBitmap(XpiFile& file, u16 usId, u32* pcbOut)
 {
-    constexpr u32    FILE_HEADER_BYTES = 14;
-    const XpiHeader* pHeader           = ReadXpiHeader(file);
-    u32              ulOffset, cbGot, cbFile;
-    u8               abHeader[FILE_HEADER_BYTES];
-    LARGE_INTEGER    size;
+    constexpr u32 FILE_HEADER_BYTES = 14;
+    const XpiHeader* pHeader = ReadXpiHeader(file);
+    u32 ulOffset, cbGot, cbFile;
+    u8 abHeader[FILE_HEADER_BYTES];
+    LARGE_INTEGER size;
     *pcbOut = 0;
-    if (!ReadXpiBytes(file, pHeader->dwBitmapTableOffset + 4 * static_cast<u64>(usId), &ulOffset, sizeof ulOffset,
-                      &cbGot) ||
+    if (!ReadXpiBytes(file, pHeader->dwBitmapTableOffset + 4 * static_cast<u64>(usId), &ulOffset,
+                      sizeof ulOffset, &cbGot) ||
         cbGot < sizeof ulOffset) {
         return nullptr;
     }
@@ -180,8 +180,8 @@ OwnedBlock<u8> ReadXpiBitmap(XpiFile& file, u16 usId, u32* pcbOut)
 u32 ReadXpiColorData(XpiFile& file, u8* pOut)
 {
     const XpiHeader* pHeader = ReadXpiHeader(file);
-    u32              cbData  = static_cast<u16>(pHeader->dwColorDataSize);
-    u32              cbGot;
+    u32 cbData = static_cast<u16>(pHeader->dwColorDataSize);
+    u32 cbGot;
     if (pOut && cbData) {
         std::memset(pOut, 0, cbData);
         if (!ReadXpiBytes(file, pHeader->dwColorDataOffset, pOut, cbData, &cbGot)) {

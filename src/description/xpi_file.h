@@ -35,14 +35,14 @@ static_assert(sizeof(XpiHeader) == 64 && offsetof(XpiHeader, dwColorDataSize) ==
 /* The file with its header, which is read when first asked for and kept as long as the file is open. */
 struct XpiFile {
     OwnedFile hFile;
-    int       bHeaderRead;
+    int bHeaderRead;
     XpiHeader rHeader;
 };
 
 /* Sizes that go with the readers. */
-constexpr int COMMAND_BYTES       = 1024;
+constexpr int COMMAND_BYTES = 1024;
 constexpr int SHORT_COMMAND_BYTES = 128;
-constexpr u32 FONT_CHUNK_BYTES    = 32767;
+constexpr u32 FONT_CHUNK_BYTES = 32767;
 
 /* Opens a file by its path for reading, shared for reading. 1 when it is open. */
 int OpenXpiPath(XpiFile& file, const WCHAR* tcPath);

@@ -12,7 +12,7 @@ constexpr u16 aSlots[] = {8,   24,  32,  40,  48,  96,  104, 124, 132, 140, 148,
 
 void FixSlots(XpiModel* pModel)
 {
-    u8* pBody      = reinterpret_cast<u8*>(pModel);
+    u8* pBody = reinterpret_cast<u8*>(pModel);
     u32 ulFileBody = ModelBodyBytes(pModel);
     for (u16 usSlot : aSlots) {
         u64 ullSlot;
@@ -20,8 +20,8 @@ void FixSlots(XpiModel* pModel)
         if (!ullSlot) {
             continue;
         }
-        u32       ulOffset = static_cast<u32>(ullSlot); /* only the low half counts */
-        const u8* pTarget  = pBody + (ulOffset < ulFileBody ? ulOffset : ModelTailOffset(pModel));
+        u32 ulOffset = static_cast<u32>(ullSlot); /* only the low half counts */
+        const u8* pTarget = pBody + (ulOffset < ulFileBody ? ulOffset : ModelTailOffset(pModel));
         std::memcpy(pBody + usSlot, &pTarget, sizeof pTarget);
     }
 }
@@ -36,7 +36,7 @@ struct FontPages {
 
 void PutFontPage(FontPages* pPages, u32 nFirstFont)
 {
-    u64 ullAt  = pPages->ullTable + 2 * static_cast<u64>(pPages->nPages++);
+    u64 ullAt = pPages->ullTable + 2 * static_cast<u64>(pPages->nPages++);
     u16 usFont = static_cast<u16>(nFirstFont);
     if (ullAt >= sizeof(XpiModel) && ullAt + sizeof usFont <= pPages->ulBody) {
         std::memcpy(pPages->pBody + ullAt, &usFont, sizeof usFont);
@@ -48,20 +48,20 @@ void PutFontPage(FontPages* pPages, u32 nFirstFont)
 int FillFontPages(XpiFile& file, XpiModel* pModel)
 {
     const XpiHeader* pHeader = ReadXpiHeader(file);
-    u8*              pBody   = reinterpret_cast<u8*>(pModel);
-    FontPages        pages   = {pBody, static_cast<u64>(reinterpret_cast<const u8*>(pModel->pFontPageTable) - pBody),
-                                ModelBodyBytes(pModel), 0};
-    u32              nFonts  = pModel->sResFontCount > 0 ? static_cast<u32>(pModel->sResFontCount) : 0;
-    u32              nChunkFirst = 1, cbChunk = 0;
-    u32              aRows[FONT_ROWS];
-    u32              ulFirst = 0; /* font whose row stands first in aRows */
+    u8* pBody = reinterpret_cast<u8*>(pModel);
+    FontPages pages = {pBody, static_cast<u64>(reinterpret_cast<const u8*>(pModel->pFontPageTable) - pBody),
+                       ModelBodyBytes(pModel), 0};
+    u32 nFonts = pModel->sResFontCount > 0 ? static_cast<u32>(pModel->sResFontCount) : 0;
+    u32 nChunkFirst = 1, cbChunk = 0;
+    u32 aRows[FONT_ROWS];
+    u32 ulFirst = 0; /* font whose row stands first in aRows */
     for (u32 nFont = 0; nFont < nFonts; nFont++) {
         if (nFont == ulFirst + FONT_ROWS - 1 || nFont == 0) {
             u32 nRows = nFonts + 1 - nFont < FONT_ROWS ? nFonts + 1 - nFont : FONT_ROWS;
             u32 cbGot;
             std::memset(aRows, 0, sizeof aRows);
-            if (!ReadXpiBytes(file, pHeader->dwFontTableOffset + 4 * static_cast<u64>(nFont), aRows, 4 * nRows,
-                              &cbGot)) {
+            if (!ReadXpiBytes(file, pHeader->dwFontTableOffset + 4 * static_cast<u64>(nFont), aRows,
+                              4 * nRows, &cbGot)) {
                 return 0;
             }
             ulFirst = nFont;
@@ -70,7 +70,7 @@ int FillFontPages(XpiFile& file, XpiModel* pModel)
         if (cbChunk + cbFont > FONT_CHUNK_BYTES) {
             PutFontPage(&pages, nChunkFirst);
             nChunkFirst = nFont + 1;
-            cbChunk     = 0;
+            cbChunk = 0;
         }
         cbChunk += cbFont;
     }
@@ -87,8 +87,8 @@ OwnedModel LoadXpiModel(XpiFile& file)
     }
     const XpiHeader* pHeader = ReadXpiHeader(file);
     /* The size is a difference of low halves, taken as 16 bits: a body is at most 65535 bytes. */
-    u32        cbBody = static_cast<u16>(pHeader->dwStringBaseOffset - pHeader->dwBodyOffset);
-    u32        cbGot;
+    u32 cbBody = static_cast<u16>(pHeader->dwStringBaseOffset - pHeader->dwBodyOffset);
+    u32 cbGot;
     OwnedModel pModel = NewModelBlock(cbBody);
     if (!pModel || (cbBody && !ReadXpiBytes(file, pHeader->dwBodyOffset, pModel.get(), cbBody, &cbGot))) {
         return nullptr;

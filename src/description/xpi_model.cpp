@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr u32 FIXED_BYTES  = sizeof(XpiModel);
-constexpr u32 TAIL_BYTES   = 128; /* holds two of the widest rows, so that a walk cannot step over it */
+constexpr u32 FIXED_BYTES = sizeof(XpiModel);
+constexpr u32 TAIL_BYTES = 128; /* holds two of the widest rows, so that a walk cannot step over it */
 constexpr u32 PREFIX_BYTES = 8;
 
 /* The prefix holds two sizes: that of the body in the file, and where the tail begins. */
@@ -22,7 +22,7 @@ u32 PrefixWord(const XpiModel* pModel, u32 nWord)
 OwnedModel NewModelBlock(u32 cbBody)
 {
     u32 cbToTail = cbBody > FIXED_BYTES ? cbBody : FIXED_BYTES;
-    u8* pBlock   = static_cast<u8*>(AllocateBlock(PREFIX_BYTES + cbToTail + TAIL_BYTES));
+    u8* pBlock = static_cast<u8*>(AllocateBlock(PREFIX_BYTES + cbToTail + TAIL_BYTES));
     if (!pBlock) {
         return nullptr;
     }
@@ -55,7 +55,7 @@ const void* RowAt(const XpiModel* pModel, const void* pTable, i32 nIndex, u32 cb
         return abZeroRow;
     }
     u64 ullBlock = reinterpret_cast<std::uintptr_t>(pModel);
-    u64 ullEnd   = ullBlock + ModelTailOffset(pModel) + TAIL_BYTES;
+    u64 ullEnd = ullBlock + ModelTailOffset(pModel) + TAIL_BYTES;
     u64 ullTable = reinterpret_cast<std::uintptr_t>(pTable);
     if (ullTable < ullBlock || ullTable > ullEnd) {
         return abZeroRow;

@@ -21,61 +21,61 @@ enum : u32 { OPTION_DUPLEX = 0x01, OPTION_DISK = 0x02, OPTION_STAPLER = 0x10 };
 
 #pragma pack(push, 1)
 struct XpiModel {
-    u16                    usReserved0;
-    u16                    usLanguage;
-    u16                    sLanguageLevel;
-    u16                    usReserved6;
-    const PaperRow*        pPaperTable; /* at 8 */
-    i16                    sMinCustomWidth, sMaxCustomWidth;   /* tenths of a millimetre; maximum 0: no custom */
-    i16                    sMinCustomLength, sMaxCustomLength; /* paper, or no limit where a size is checked */
-    const BinRow*          pInputBins;  /* at 24 */
-    const OutputBinRow*    pOutputBins;
-    const OptionRow*       pOptions; /* read by nothing here */
-    const MediaRow*        pMediaTypes;
-    u32                    ulStdInputs, ulStdOutputs, ulStdOptions; /* at 56: what every printer has */
-    u32                    ulOptInputs, ulOptOutputs, ulOptOptions; /* installed by default */
-    u32                    ulMoreInputs, ulMoreOutputs, ulMoreOptions;
-    i16                    sStdMemory;
-    u16                    sOptMemory;
-    const MemoryRow*       pMemoryTable;  /* at 96 */
-    const void*            pAboutStrings; /* u16 string ids, read with RowAt */
-    u32                    ulReserved112;
-    u16                    sDefaultBin, sDefaultOutputBin;
-    i16                    sDefaultResolution; /* row */
-    i16                    sDefaultFontSize;   /* points */
-    const char*            pDefaultFont;       /* at 124 */
-    const char*            pDefaultPropFont;
-    const void*            pFontPageTable; /* the loader writes here where each font chunk begins */
-    const char*            pFontSubs;      /* pairs of texts, closed by an empty one */
-    i16                    sResFontCount;
-    const ConstraintRow*   pConstraints; /* at 158 */
-    const MarginRow*       pMargins;
-    const ResolutionRow*   pResolutions;
-    u16                    sOutputBinCmdId, sCollateCmdId;
-    i16                    sDiskMemory;
-    const FeatureRow*      pPjlFeatures; /* at 188 */
+    u16 usReserved0;
+    u16 usLanguage;
+    u16 sLanguageLevel;
+    u16 usReserved6;
+    const PaperRow* pPaperTable;            /* at 8 */
+    i16 sMinCustomWidth, sMaxCustomWidth;   /* tenths of a millimetre; maximum 0: no custom */
+    i16 sMinCustomLength, sMaxCustomLength; /* paper, or no limit where a size is checked */
+    const BinRow* pInputBins;               /* at 24 */
+    const OutputBinRow* pOutputBins;
+    const OptionRow* pOptions; /* read by nothing here */
+    const MediaRow* pMediaTypes;
+    u32 ulStdInputs, ulStdOutputs, ulStdOptions; /* at 56: what every printer has */
+    u32 ulOptInputs, ulOptOutputs, ulOptOptions; /* installed by default */
+    u32 ulMoreInputs, ulMoreOutputs, ulMoreOptions;
+    i16 sStdMemory;
+    u16 sOptMemory;
+    const MemoryRow* pMemoryTable; /* at 96 */
+    const void* pAboutStrings;     /* u16 string ids, read with RowAt */
+    u32 ulReserved112;
+    u16 sDefaultBin, sDefaultOutputBin;
+    i16 sDefaultResolution;   /* row */
+    i16 sDefaultFontSize;     /* points */
+    const char* pDefaultFont; /* at 124 */
+    const char* pDefaultPropFont;
+    const void* pFontPageTable; /* the loader writes here where each font chunk begins */
+    const char* pFontSubs;      /* pairs of texts, closed by an empty one */
+    i16 sResFontCount;
+    const ConstraintRow* pConstraints; /* at 158 */
+    const MarginRow* pMargins;
+    const ResolutionRow* pResolutions;
+    u16 sOutputBinCmdId, sCollateCmdId;
+    i16 sDiskMemory;
+    const FeatureRow* pPjlFeatures; /* at 188 */
     const FeatureValueRow* pPjlValues;
-    u8                     bReserved204[12];
-    u32                    ulLanguageFeatures;
-    const ColorModeRow*    pColorModes; /* at 220 */
-    const ColorOptionRow*  pTextOptions;
-    const ColorOptionRow*  pImageOptions;
-    const ColorOptionRow*  pGraphicsOptions;
-    const ColorOptionRow*  pGeneralOptions;
-    const OptionValueRow*  pOptionValues;
-    const ColorPresetRow*  pColorPresets;
-    u32                    ulIntentMask; /* at 276 */
-    u16                    sDefaultColorMode, sWebLinkCmdId;
-    const ScreenRow*       pScreens;
-    u16                    sDefaultScreen;
-    u8                     bReserved294[4];
-    u32                    ulDefaultColorFormat;
-    u16                    usColorClass;
-    u16                    usReserved304;
-    u32                    ulDefaultIntent;
-    u16                    usPreviewLabel;
-    i16                    sDefaultMedia; /* row, counted from 1 */
-    u8                     bModelFlags;   /* 0x02 data-mode command in the job head, 0x08 text parameter block */
+    u8 bReserved204[12];
+    u32 ulLanguageFeatures;
+    const ColorModeRow* pColorModes; /* at 220 */
+    const ColorOptionRow* pTextOptions;
+    const ColorOptionRow* pImageOptions;
+    const ColorOptionRow* pGraphicsOptions;
+    const ColorOptionRow* pGeneralOptions;
+    const OptionValueRow* pOptionValues;
+    const ColorPresetRow* pColorPresets;
+    u32 ulIntentMask; /* at 276 */
+    u16 sDefaultColorMode, sWebLinkCmdId;
+    const ScreenRow* pScreens;
+    u16 sDefaultScreen;
+    u8 bReserved294[4];
+    u32 ulDefaultColorFormat;
+    u16 usColorClass;
+    u16 usReserved304;
+    u32 ulDefaultIntent;
+    u16 usPreviewLabel;
+    i16 sDefaultMedia; /* row, counted from 1 */
+    u8 bModelFlags;    /* 0x02 data-mode command in the job head, 0x08 text parameter block */
 };
 #pragma pack(pop)
 

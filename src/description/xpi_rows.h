@@ -11,14 +11,14 @@
 #pragma pack(push, 1)
 
 struct PaperRow {
-    i16  sNameId; /* 0 ends */
-    i16  sPaperCode;
-    i16  sWidth, sLength;
-    i16  sMetric;         /* not 0: a metric paper */
-    i16  sEnvelope;       /* not 0: an envelope */
-    i16  sPclCode;        /* negative: none */
-    i16  sCompanionPaper; /* the document is scaled to this paper; 0 or negative: none */
-    char cPaperName[32];  /* PCL6 name, at most 14 characters; empty when not needed */
+    i16 sNameId; /* 0 ends */
+    i16 sPaperCode;
+    i16 sWidth, sLength;
+    i16 sMetric;         /* not 0: a metric paper */
+    i16 sEnvelope;       /* not 0: an envelope */
+    i16 sPclCode;        /* negative: none */
+    i16 sCompanionPaper; /* the document is scaled to this paper; 0 or negative: none */
+    char cPaperName[32]; /* PCL6 name, at most 14 characters; empty when not needed */
 };
 
 struct BinRow {
@@ -40,11 +40,11 @@ struct OptionRow {
 };
 
 struct MediaRow {
-    u32  ulMask; /* 0 ends; also the bit that constraint rows name */
-    i16  sNameId;
-    u16  usCmdId;
+    u32 ulMask; /* 0 ends; also the bit that constraint rows name */
+    i16 sNameId;
+    u16 usCmdId;
     char cMediaName[32];
-    u32  ulMediaCode; /* dmMediaType */
+    u32 ulMediaCode; /* dmMediaType */
 };
 
 struct MemoryRow {
@@ -55,7 +55,7 @@ struct MemoryRow {
 struct ConstraintRow {
     u16 usUsed; /* 0 ends */
     u16 usReserved2;
-    u8  bPapers[32]; /* bit set of paper codes 0 to 255, high bit first; all zero: any paper */
+    u8 bPapers[32]; /* bit set of paper codes 0 to 255, high bit first; all zero: any paper */
     i16 sMinWidth, sMaxWidth, sMinLength, sMaxLength;
     u32 ulInputs, ulOutputs, ulMedia, ulOptions; /* 0: any */
     u16 sMessageId;
@@ -63,11 +63,11 @@ struct ConstraintRow {
 };
 
 struct MarginRow {
-    u16 usUsed;      /* 0 ends; the closing row is a full row, its margins are the model's default */
-    u8  bPapers[32]; /* as above; bit 0 marks a row for sizes 256 and up */
+    u16 usUsed;     /* 0 ends; the closing row is a full row, its margins are the model's default */
+    u8 bPapers[32]; /* as above; bit 0 marks a row for sizes 256 and up */
     i16 sMinWidth, sMaxWidth, sMinLength, sMaxLength; /* range of a row with bit 0 */
-    u16 usModes;     /* 1 portrait, 2 landscape */
-    i16 sResolution; /* dots per inch of the four margins */
+    u16 usModes;                                      /* 1 portrait, 2 landscape */
+    i16 sResolution;                                  /* dots per inch of the four margins */
     i16 sMarginX, sMarginY;
     i16 sMarginXRotated, sMarginYRotated; /* for a paper code given as a negative number */
 };
@@ -108,7 +108,7 @@ struct ColorOptionRow {
 };
 
 struct OptionValueRow {
-    u16 usNameId; /* 0 ends a list */
+    u16 usNameId;             /* 0 ends a list */
     u16 usOffset, usLength;   /* slice of the colour data; the header slice when usLength2 is not 0 */
     u16 usOffset2, usLength2; /* second slice; length 0: none */
 };

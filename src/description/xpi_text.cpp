@@ -10,7 +10,7 @@ namespace {
 
 /* Scratch that a short list needs is on the stack, else a block. */
 template <u32 nBytes> struct Scratch {
-    u8             abStack[nBytes];
+    u8 abStack[nBytes];
     OwnedBlock<u8> pBlock;
 
     u8* Get(u32 cb)
@@ -32,7 +32,7 @@ IdRange FindIdRange(const i16* aIds, i32 nCount)
     IdRange range = {0x7FFF, 0};
     for (i32 i = 0; i < nCount; i++) {
         if (aIds[i] >= 1) {
-            range.nLow  = aIds[i] < range.nLow ? aIds[i] : range.nLow;
+            range.nLow = aIds[i] < range.nLow ? aIds[i] : range.nLow;
             range.nHigh = aIds[i] > range.nHigh ? aIds[i] : range.nHigh;
         }
     }
@@ -54,7 +54,7 @@ void ReadLibraryString(HMODULE hLanguageDll, i32 nId, WCHAR* wcOut, int cch)
         return;
     }
     /* A null module would read the texts of the program that we are loaded into. */
-    wcOut[0]    = 0;
+    wcOut[0] = 0;
     int nLength = hLanguageDll ? LoadStringW(hLanguageDll, static_cast<UINT>(nId), wcOut, cch) : 0;
     wcOut[nLength <= 0 ? 0 : nLength < cch ? nLength : cch - 1] = 0;
 }
@@ -71,9 +71,9 @@ int NeedsLanguageDll(const i16* aIds, i32 nCount)
 
 void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut)
 {
-    wcOut[0]     = 0;
-    u32 nRoom    = static_cast<u32>(cchOut) - 1;
-    u32 nLength  = 0;
+    wcOut[0] = 0;
+    u32 nRoom = static_cast<u32>(cchOut) - 1;
+    u32 nLength = 0;
     while (nLength < cbText && nLength < nRoom && cText[nLength]) {
         nLength++;
     }
@@ -81,8 +81,8 @@ void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut
         /* Cut: drop what is left of a character of several bytes, which none of our code pages makes longer
            than four. What is wrong in the text's middle stays the system's to mark. */
         for (u32 nDrop = 0; nDrop < 4 && nDrop < nLength; nDrop++) {
-            int nOut = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, cText, static_cast<int>(nLength - nDrop),
-                                           wcOut, static_cast<int>(nRoom));
+            int nOut = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, cText,
+                                           static_cast<int>(nLength - nDrop), wcOut, static_cast<int>(nRoom));
             if (nOut > 0) {
                 wcOut[static_cast<u32>(nOut) < nRoom ? static_cast<u32>(nOut) : nRoom] = 0;
                 return;
@@ -92,19 +92,20 @@ void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut
     if (!nLength) {
         return;
     }
-    int nOut = MultiByteToWideChar(CP_ACP, 0, cText, static_cast<int>(nLength), wcOut, static_cast<int>(nRoom));
+    int nOut =
+        MultiByteToWideChar(CP_ACP, 0, cText, static_cast<int>(nLength), wcOut, static_cast<int>(nRoom));
     wcOut[nOut < 0 ? 0 : static_cast<u32>(nOut) < nRoom ? static_cast<u32>(nOut) : nRoom] = 0;
 }
 
-void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i16* aIds, i32 nCount, WCHAR* wcOut,
-                    int cchStride, int cch)
+void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i16* aIds, i32 nCount,
+                    WCHAR* wcOut, int cchStride, int cch)
 {
     if (cch < 1) {
         return;
     }
     for (i32 i = 0; i < nCount; i++) {
         WCHAR* wcRow = wcOut + static_cast<std::ptrdiff_t>(i) * cchStride;
-        wcRow[0]     = 0;
+        wcRow[0] = 0;
         if (aIds[i] < 1) {
             ReadLibraryString(hLanguageDll, -aIds[i], wcRow, cch);
         }
@@ -115,17 +116,17 @@ void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i
     }
 
     const XpiHeader* pHeader = ReadXpiHeader(file);
-    u16              usBase;
-    u32              cbGot;
-    if (!ReadXpiBytes(file, pHeader->dwStringBaseOffset + 2 * static_cast<u64>(usLanguage), &usBase, sizeof usBase,
-                      &cbGot) ||
+    u16 usBase;
+    u32 cbGot;
+    if (!ReadXpiBytes(file, pHeader->dwStringBaseOffset + 2 * static_cast<u64>(usLanguage), &usBase,
+                      sizeof usBase, &cbGot) ||
         cbGot < sizeof usBase) {
         return;
     }
     Scratch<256> rowScratch;
-    u32          cbRows = 2 * static_cast<u32>(range.nHigh - range.nLow + 1);
-    u8*          pRows  = rowScratch.Get(cbRows);
-    u64          ullRow = static_cast<u64>(usBase) + static_cast<u64>(range.nLow);
+    u32 cbRows = 2 * static_cast<u32>(range.nHigh - range.nLow + 1);
+    u8* pRows = rowScratch.Get(cbRows);
+    u64 ullRow = static_cast<u64>(usBase) + static_cast<u64>(range.nLow);
     if (!pRows || !ReadXpiBytes(file, pHeader->dwStringIdOffset + 2 * ullRow, pRows, cbRows, &cbGot)) {
         return;
     }
@@ -135,16 +136,16 @@ void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i
     for (i32 i = 0; i < nCount; i++) {
         if (aIds[i] >= 1 && aIds[i] - range.nLow < nRows) {
             u16 usOffset = OffsetAt(pRows, aIds[i] - range.nLow);
-            ulLow        = usOffset < ulLow ? usOffset : ulLow;
-            ulHigh       = usOffset > ulHigh ? usOffset : ulHigh;
+            ulLow = usOffset < ulLow ? usOffset : ulLow;
+            ulHigh = usOffset > ulHigh ? usOffset : ulHigh;
         }
     }
     if (ulHigh < ulLow) {
         return;
     }
     Scratch<2048> textScratch;
-    u32           cbText = ulHigh - ulLow + static_cast<u32>(cch);
-    char*         cTexts = reinterpret_cast<char*>(textScratch.Get(cbText));
+    u32 cbText = ulHigh - ulLow + static_cast<u32>(cch);
+    char* cTexts = reinterpret_cast<char*>(textScratch.Get(cbText));
     if (!cTexts ||
         !ReadXpiBytes(file, static_cast<u64>(pHeader->dwStringDataOffset) + ulLow, cTexts, cbText, &cbGot)) {
         return;
@@ -156,7 +157,7 @@ void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i
         u32 ulAt = OffsetAt(pRows, aIds[i] - range.nLow) - ulLow;
         if (ulAt < cbGot) {
             u32 cbLeft = cbGot - ulAt;
-            u32 cbOwn  = cbLeft < static_cast<u32>(cch) ? cbLeft : static_cast<u32>(cch);
+            u32 cbOwn = cbLeft < static_cast<u32>(cch) ? cbLeft : static_cast<u32>(cch);
             WidenText(cTexts + ulAt, cbOwn, 0, wcOut + static_cast<std::ptrdiff_t>(i) * cchStride, cch);
         }
     }

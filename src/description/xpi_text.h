@@ -13,8 +13,8 @@ void ReadXpiString(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, i32 nId,
 /* The texts of nCount ids, each into its row: the first at wcOut, each next one cchStride characters on, cch
    characters of a row used. The file's sections are read once for all, so a long list costs as much as a few
    reads; each text is what ReadXpiString gives. */
-void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i16* aIds, i32 nCount, WCHAR* wcOut,
-                    int cchStride, int cch);
+void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i16* aIds, i32 nCount,
+                    WCHAR* wcOut, int cchStride, int cch);
 
 /* A text of the language library by its positive number; "" when it has none, or the module is null. */
 void ReadLibraryString(HMODULE hLanguageDll, i32 nId, WCHAR* wcOut, int cch);

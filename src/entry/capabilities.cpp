@@ -14,11 +14,11 @@ namespace {
 
 constexpr DWORD FIELDS_ALWAYS = 0x0000E70F;
 constexpr DWORD FIELDS_DUPLEX = 0x00001000; /* DM_DUPLEX */
-constexpr DWORD FIELDS_COLOR  = 0x03800800; /* DM_COLOR, DM_ICMMETHOD, DM_ICMINTENT, DM_MEDIATYPE */
+constexpr DWORD FIELDS_COLOR = 0x03800800;  /* DM_COLOR, DM_ICMMETHOD, DM_ICMINTENT, DM_MEDIATYPE */
 
 /* Questions whose answer is the same for every printer. */
 struct ConstantAnswer {
-    WORD  wQuestion;
+    WORD wQuestion;
     DWORD dwAnswer;
 };
 constexpr ConstantAnswer aConstants[] = {
@@ -51,9 +51,9 @@ const ConstantAnswer* FindConstant(WORD wQuestion)
 /* Drivers whose printers make 33 pages a minute; all others are told with 26. */
 const WCHAR* const aFastDrivers[] = {TEXT("Halden T410A"), TEXT("Halden T420B"), TEXT("Halden T430A"),
                                      TEXT("Halden T440B"), TEXT("Ostra K100"),   TEXT("Ostra K200")};
-constexpr DWORD    FAST_RATE = 33, COMMON_RATE = 26;
+constexpr DWORD FAST_RATE = 33, COMMON_RATE = 26;
 
-constexpr DWORD aPagesPerSheet[]      = {1, 2, 4, 6, 8, 9, 16};
+constexpr DWORD aPagesPerSheet[] = {1, 2, 4, 6, 8, 9, 16};
 constexpr DWORD aPagesPerSheetImage[] = {1, 2, 4, 6, 8, 9, 12, 16, 25};
 
 DWORD InstalledOptions(CapabilityCall& ask)
@@ -104,7 +104,7 @@ void PutName(CapabilityCall& ask, const WCHAR* wcName, int cchRow)
 DWORD AnswerPersonality(CapabilityCall& ask)
 {
     const XpiModel* pModel = CapabilityModel(ask);
-    const WCHAR*    wcName = TEXT("Basalt");
+    const WCHAR* wcName = TEXT("Basalt");
     if (pModel) {
         switch (pModel->usLanguage) {
         case KIND_PCL6: wcName = TEXT("PCL6"); break;
@@ -142,9 +142,9 @@ DWORD AnswerPrinterMemory(CapabilityCall& ask)
 DWORD AnswerPagesPerSheet(CapabilityCall& ask)
 {
     const XpiModel* pModel = CapabilityModel(ask);
-    int             bImage = pModel && pModel->usLanguage == KIND_IMAGE;
-    const DWORD*    pRows  = bImage ? aPagesPerSheetImage : aPagesPerSheet;
-    DWORD           nRows  = bImage ? 9 : 7;
+    int bImage = pModel && pModel->usLanguage == KIND_IMAGE;
+    const DWORD* pRows = bImage ? aPagesPerSheetImage : aPagesPerSheet;
+    DWORD nRows = bImage ? 9 : 7;
     for (DWORD i = 0; i < nRows; i++) {
         PutRow(ask, i, pRows + i, sizeof *pRows);
     }
@@ -168,15 +168,14 @@ DWORD Answer(CapabilityCall& ask, WORD wQuestion)
     case DC_ENUMRESOLUTIONS: return ListResolutions(ask);
     case DC_TRUETYPE:
         pModel = CapabilityModel(ask);
-        return pModel && pModel->usLanguage != KIND_IMAGE ? 3 : 1; /* bitmaps and download, or bitmaps alone */
+        return pModel && pModel->usLanguage != KIND_IMAGE ? 3
+                                                          : 1; /* bitmaps and download, or bitmaps alone */
     case DC_PERSONALITY: return AnswerPersonality(ask);
     case DC_PRINTRATE:
     case DC_PRINTRATEPPM: return AnswerPrintRate(ask);
     case DC_PRINTERMEM: return AnswerPrinterMemory(ask);
     case DC_MEDIAREADY: PutName(ask, IsMetricLocale() ? TEXT("A4") : TEXT("Letter"), NAME_CHARS); return 1;
-    case DC_COLORDEVICE:
-        pModel = CapabilityModel(ask);
-        return pModel && pModel->usColorClass == CLASS_COLOR;
+    case DC_COLORDEVICE: pModel = CapabilityModel(ask); return pModel && pModel->usColorClass == CLASS_COLOR;
     case DC_NUP: return AnswerPagesPerSheet(ask);
     case DC_MEDIATYPENAMES: return ListMediaNames(ask);
     case DC_MEDIATYPES: return ListMediaCodes(ask);
@@ -194,20 +193,20 @@ int NeedsPrinter(WORD wQuestion)
 
 } // namespace
 
-extern "C" DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDevCap, LPVOID pvOutput,
-                                              PDEVMODEW)
+extern "C" DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDevCap,
+                                              LPVOID pvOutput, PDEVMODEW)
 {
     if (iDevCap < DC_FIELDS || iDevCap > DC_MEDIATYPES) {
         return 0;
     }
     OwnedPrinter hNamed;
     if (!IsOpen(hPrinter) && pDeviceName && NeedsPrinter(iDevCap)) {
-        hNamed   = OpenPrinterByName(pDeviceName);
+        hNamed = OpenPrinterByName(pDeviceName);
         hPrinter = hNamed.get();
     }
-    PrinterCall    call(hPrinter);
+    PrinterCall call(hPrinter);
     CapabilityCall ask = {call, nullptr, 0, static_cast<BYTE*>(pvOutput)};
-    DWORD          dwAnswer = Answer(ask, iDevCap);
+    DWORD dwAnswer = Answer(ask, iDevCap);
     if (iDevCap == DC_VERSION && pDeviceName && IsOpen(hPrinter)) {
         CopySpoolFolder(call, CapabilityModel(ask), pDeviceName);
     }

@@ -11,13 +11,14 @@
 
 namespace {
 
-constexpr u16 BIN_AUTOMATIC   = 1025; /* the only bin without a model */
-constexpr u16 FIRST_MEDIA_BIN = 2000; /* media listed behind the bins, so that one can be picked as a source */
+constexpr u16 BIN_AUTOMATIC = 1025; /* the only bin without a model */
+constexpr u16 FIRST_MEDIA_BIN =
+    2000; /* media listed behind the bins, so that one can be picked as a source */
 
 /* The saved papers and forms that follow the model's papers: none unless both custom maxima are set. */
 struct AddedPapers {
     OwnedBlock<PaperSizeRow> pSaved, pForms;
-    i32                      nSaved, nForms;
+    i32 nSaved, nForms;
 };
 
 void ReadAddedPapers(CapabilityCall& ask, const XpiModel* pModel, AddedPapers* pAdded)
@@ -86,7 +87,7 @@ const XpiModel* CapabilityModel(CapabilityCall& ask)
 {
     if (!ask.bModelAsked) {
         ask.bModelAsked = 1;
-        ask.pModel      = LoadPrinterModel(ask.call);
+        ask.pModel = LoadPrinterModel(ask.call);
     }
     return ask.pModel.get();
 }
@@ -107,7 +108,7 @@ DWORD ListPaperCodes(CapabilityCall& ask)
         return 1;
     }
     AddedPapers added;
-    DWORD       nRow = 0;
+    DWORD nRow = 0;
     ReadAddedPapers(ask, pModel, &added);
     for (i32 nPapers = CountPapers(pModel), i = 0; i < nPapers; i++) {
         i16 sCode = Row(pModel, pModel->pPaperTable, i)->sPaperCode;
@@ -131,16 +132,16 @@ DWORD ListPaperSizes(CapabilityCall& ask)
         return 1;
     }
     AddedPapers added;
-    DWORD       nRow = 0;
+    DWORD nRow = 0;
     ReadAddedPapers(ask, pModel, &added);
     for (i32 nPapers = CountPapers(pModel), i = 0; i < nPapers; i++) {
         const PaperRow* pRow = Row(pModel, pModel->pPaperTable, i);
-        POINT           size = {pRow->sWidth, pRow->sLength};
+        POINT size = {pRow->sWidth, pRow->sLength};
         PutRow(ask, nRow++, &size, sizeof size);
     }
     for (i32 i = 0; i < added.nSaved + added.nForms; i++) {
         const PaperSizeRow* pRow = AddedRow(added, i);
-        POINT               size = {static_cast<LONG>(pRow->ulWidth / 10), static_cast<LONG>(pRow->ulLength / 10)};
+        POINT size = {static_cast<LONG>(pRow->ulWidth / 10), static_cast<LONG>(pRow->ulLength / 10)};
         PutRow(ask, nRow++, &size, sizeof size);
     }
     return nRow;
@@ -152,17 +153,18 @@ DWORD ListPaperNames(CapabilityCall& ask)
     if (!pModel) {
         if (ask.pOut) {
             OwnedModule hLanguageDll = OpenLanguageDll(ask.call, nullptr);
-            WCHAR       wcName[NAME_CHARS] = {};
-            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? 121 : 129, wcName, NAME_CHARS);
+            WCHAR wcName[NAME_CHARS] = {};
+            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? 121 : 129, wcName,
+                              NAME_CHARS);
             PutRow(ask, 0, wcName, sizeof wcName);
         }
         return 1;
     }
     AddedPapers added;
     ReadAddedPapers(ask, pModel, &added);
-    i32   nPapers = CountPapers(pModel);
-    i32   nAdded  = added.nSaved + added.nForms;
-    DWORD nRows   = static_cast<DWORD>(nPapers + nAdded);
+    i32 nPapers = CountPapers(pModel);
+    i32 nAdded = added.nSaved + added.nForms;
+    DWORD nRows = static_cast<DWORD>(nPapers + nAdded);
     if (!ask.pOut || !nRows) {
         return nRows;
     }
@@ -188,7 +190,7 @@ DWORD ListBins(CapabilityCall& ask)
         return 1;
     }
     const DeviceInfo* pInstalled = GetDeviceInfo(ask.call, pModel);
-    DWORD             nRow       = 0;
+    DWORD nRow = 0;
     for (i32 i = 0;; i++) {
         const BinRow* pRow = Row(pModel, pModel->pInputBins, i);
         if (!pRow->ulMask) {
@@ -215,7 +217,7 @@ DWORD ListBinNames(CapabilityCall& ask)
         return 1;
     }
     const DeviceInfo* pInstalled = GetDeviceInfo(ask.call, pModel);
-    i32               nBinRows = 0, nBins = 0, nMedia = CountMediaBins(pModel);
+    i32 nBinRows = 0, nBins = 0, nMedia = CountMediaBins(pModel);
     for (u32 ulMask; (ulMask = Row(pModel, pModel->pInputBins, nBinRows)->ulMask) != 0; nBinRows++) {
         nBins += (ulMask & pInstalled->ulInputs) != 0;
     }
@@ -270,7 +272,7 @@ DWORD ListResolutions(CapabilityCall& ask)
 DWORD ListMediaNames(CapabilityCall& ask)
 {
     const XpiModel* pModel = CapabilityModel(ask);
-    i32             nMedia = pModel ? CountMedia(pModel) : 0;
+    i32 nMedia = pModel ? CountMedia(pModel) : 0;
     if (!ask.pOut || !nMedia) {
         return static_cast<DWORD>(nMedia);
     }
@@ -288,7 +290,7 @@ DWORD ListMediaNames(CapabilityCall& ask)
 DWORD ListMediaCodes(CapabilityCall& ask)
 {
     const XpiModel* pModel = CapabilityModel(ask);
-    i32             nMedia = pModel ? CountMedia(pModel) : 0;
+    i32 nMedia = pModel ? CountMedia(pModel) : 0;
     for (i32 i = 0; i < nMedia; i++) {
         u32 ulCode = Row(pModel, pModel->pMediaTypes, i)->ulMediaCode;
         PutRow(ask, static_cast<DWORD>(i), &ulCode, sizeof ulCode);

@@ -5,16 +5,16 @@
 #include "description/driver_files.h"
 
 /* Characters of the rows that the spooler's interface fixes. */
-constexpr int NAME_CHARS        = 64; /* papers, media */
-constexpr int BIN_CHARS         = 24;
+constexpr int NAME_CHARS = 64; /* papers, media */
+constexpr int BIN_CHARS = 24;
 constexpr int PERSONALITY_CHARS = 32;
 
 /* One call of DrvDeviceCapabilities. The model is loaded when a question first needs it. */
 struct CapabilityCall {
     PrinterCall& call;
-    OwnedModel   pModel;
-    int          bModelAsked;
-    BYTE*        pOut; /* null only counts */
+    OwnedModel pModel;
+    int bModelAsked;
+    BYTE* pOut; /* null only counts */
 };
 
 /* The printer's model, or null when there is none. */

@@ -7,9 +7,9 @@
 #include "platform/spooler.h"
 
 /* Bytes of the settings record: the public part that the system publishes, and the private part behind it. */
-constexpr DWORD PUBLIC_RECORD_BYTES  = 220;
+constexpr DWORD PUBLIC_RECORD_BYTES = 220;
 constexpr DWORD PRIVATE_RECORD_BYTES = 3868;
-constexpr DWORD RECORD_BYTES         = PUBLIC_RECORD_BYTES + PRIVATE_RECORD_BYTES;
+constexpr DWORD RECORD_BYTES = PUBLIC_RECORD_BYTES + PRIVATE_RECORD_BYTES;
 
 extern "C" {
 
@@ -32,17 +32,18 @@ LONG WINAPI DrvDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pszPrinterN
                                   PDEVMODEW pdmIn, DWORD fMode);
 
 /* The exports below answer failure for now; see CHANGES.md. */
-LONG  WINAPI DrvAdvancedDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pDeviceName, PDEVMODEW pdmOut,
-                                           PDEVMODEW pdmIn); /* gives 10 and does nothing */
-BOOL  WINAPI DevQueryPrintEx(void* pInfo);                   /* gives 1: nothing forbids a job */
-BOOL  WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, DWORD* pcbNeeded,
-                               DWORD fMode);
-BOOL  WINAPI DevQueryPrint(HANDLE hPrinter, PDEVMODEW pDevMode, DWORD* pResID);
-BOOL  WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
-LONG  WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
-int   WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void* pvIn, u32 cbOut, void* pvOut);
-BOOL  WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
-BOOL  WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo);
+LONG WINAPI DrvAdvancedDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pDeviceName, PDEVMODEW pdmOut,
+                                          PDEVMODEW pdmIn); /* gives 10 and does nothing */
+BOOL WINAPI DevQueryPrintEx(void* pInfo);                   /* gives 1: nothing forbids a job */
+BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, DWORD* pcbNeeded,
+                              DWORD fMode);
+BOOL WINAPI DevQueryPrint(HANDLE hPrinter, PDEVMODEW pDevMode, DWORD* pResID);
+BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
+LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
+int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void* pvIn, u32 cbOut,
+                            void* pvOut);
+BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
+BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo);
 DWORD WINAPI GuiStartJob(void* pJob, DWORD* pLength);
 DWORD WINAPI GuiStartSheet(void* pSheet, DWORD* pLength);
 DWORD WINAPI GuiEndJob(void* pJob, DWORD* pLength);

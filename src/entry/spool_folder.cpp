@@ -14,8 +14,8 @@ constexpr int KEY_CHARS = 512;
 int IsAboveVersion5()
 {
     DWORD dwVersion = GetVersion();
-    DWORD dwMajor   = dwVersion & 0xFF;
-    DWORD dwMinor   = dwVersion >> 8 & 0xFF;
+    DWORD dwMajor = dwVersion & 0xFF;
+    DWORD dwMinor = dwVersion >> 8 & 0xFF;
     return dwMajor > 5 || (dwMajor == 5 && dwMinor > 0);
 }
 
@@ -24,7 +24,7 @@ int IsAboveVersion5()
 void CopySpoolFolder(PrinterCall& call, const XpiModel* pModel, const WCHAR* wcPrinterName)
 {
     WCHAR wcName[KEY_CHARS], wcKey[KEY_CHARS], tcFolder[PATH_CHARS];
-    int   bEnded = 0;
+    int bEnded = 0;
     if (!pModel || pModel->usLanguage != KIND_IMAGE || !IsAboveVersion5() ||
         !CopyWideWhole(wcName, KEY_CHARS, BehindLast(wcPrinterName, '\\')) ||
         !ReadPrinterText(call, TEXT("DefaultSpoolDirectory"), tcFolder, PATH_CHARS, &bEnded) || !bEnded ||
@@ -35,8 +35,9 @@ void CopySpoolFolder(PrinterCall& call, const XpiModel* pModel, const WCHAR* wcP
         wcName[wcTail - wcName] = 0;
     }
     HKEY hKey;
-    if (!wcName[0] || !FormatWide(wcKey, KEY_CHARS, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\%s"),
-                                  static_cast<const WCHAR*>(wcName)) ||
+    if (!wcName[0] ||
+        !FormatWide(wcKey, KEY_CHARS, TEXT("SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\%s"),
+                    static_cast<const WCHAR*>(wcName)) ||
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, wcKey, 0, KEY_SET_VALUE, &hKey) != 0) {
         return;
     }

@@ -17,17 +17,17 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
     return -1;
 }
 
-LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut, PDEVMODEW pdmIn,
-                                  DWORD fMode)
+LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
+                                  PDEVMODEW pdmIn, DWORD fMode)
 {
     DOCUMENTPROPERTYHEADER header = {};
-    header.cbSize                 = sizeof header;
-    header.hPrinter               = hPrinter;
-    header.pszPrinterName         = pszPrinterName;
-    header.pdmIn                  = pdmIn;
-    header.pdmOut                 = pdmOut;
-    header.cbOut                  = PUBLIC_RECORD_BYTES;
-    header.fMode                  = fMode;
+    header.cbSize = sizeof header;
+    header.hPrinter = hPrinter;
+    header.pszPrinterName = pszPrinterName;
+    header.pdmIn = pdmIn;
+    header.pdmOut = pdmOut;
+    header.cbOut = PUBLIC_RECORD_BYTES;
+    header.fMode = fMode;
     return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
 }
 

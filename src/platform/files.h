@@ -9,26 +9,26 @@
 #include "platform/calls.h"
 
 using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
-using LPOVERLAPPED          = struct OVERLAPPED*;
+using LPOVERLAPPED = struct OVERLAPPED*;
 
-constexpr DWORD GENERIC_READ            = 0x80000000;
-constexpr DWORD GENERIC_WRITE           = 0x40000000;
-constexpr DWORD FILE_SHARE_READ         = 1;
-constexpr DWORD FILE_SHARE_WRITE        = 2;
-constexpr DWORD FILE_SHARE_DELETE       = 4;
-constexpr DWORD CREATE_NEW              = 1;
-constexpr DWORD CREATE_ALWAYS           = 2;
-constexpr DWORD OPEN_EXISTING           = 3;
-constexpr DWORD OPEN_ALWAYS             = 4;
-constexpr DWORD TRUNCATE_EXISTING       = 5;
-constexpr DWORD FILE_BEGIN              = 0;
-constexpr DWORD FILE_CURRENT            = 1;
-constexpr DWORD FILE_END                = 2;
-constexpr DWORD FILE_ATTRIBUTE_READONLY  = 0x01;
+constexpr DWORD GENERIC_READ = 0x80000000;
+constexpr DWORD GENERIC_WRITE = 0x40000000;
+constexpr DWORD FILE_SHARE_READ = 1;
+constexpr DWORD FILE_SHARE_WRITE = 2;
+constexpr DWORD FILE_SHARE_DELETE = 4;
+constexpr DWORD CREATE_NEW = 1;
+constexpr DWORD CREATE_ALWAYS = 2;
+constexpr DWORD OPEN_EXISTING = 3;
+constexpr DWORD OPEN_ALWAYS = 4;
+constexpr DWORD TRUNCATE_EXISTING = 5;
+constexpr DWORD FILE_BEGIN = 0;
+constexpr DWORD FILE_CURRENT = 1;
+constexpr DWORD FILE_END = 2;
+constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
 constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
-constexpr DWORD FILE_ATTRIBUTE_ARCHIVE   = 0x20;
-constexpr DWORD FILE_ATTRIBUTE_NORMAL    = 0x80;
-constexpr DWORD INVALID_FILE_ATTRIBUTES  = 0xFFFFFFFF;
+constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
 FILE_CALLS(DECLARE_CALL)
 

@@ -8,13 +8,13 @@
 
 #include "platform/calls.h"
 
-constexpr DWORD HEAP_ZERO_MEMORY         = 8;
-constexpr DWORD MAX_COMPUTERNAME_LENGTH  = 15;
+constexpr DWORD HEAP_ZERO_MEMORY = 8;
+constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
 /* Reasons of a library's entry point. */
-constexpr DWORD DLL_PROCESS_DETACH       = 0;
-constexpr DWORD DLL_PROCESS_ATTACH       = 1;
-constexpr DWORD DLL_THREAD_ATTACH        = 2;
-constexpr DWORD DLL_THREAD_DETACH        = 3;
+constexpr DWORD DLL_PROCESS_DETACH = 0;
+constexpr DWORD DLL_PROCESS_ATTACH = 1;
+constexpr DWORD DLL_THREAD_ATTACH = 2;
+constexpr DWORD DLL_THREAD_DETACH = 3;
 
 PROCESS_CALLS(DECLARE_CALL)
 

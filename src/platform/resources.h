@@ -8,7 +8,7 @@
 
 #include "platform/calls.h"
 
-constexpr DWORD LOAD_LIBRARY_AS_DATAFILE       = 0x02;
+constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x02;
 constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
 
 RESOURCE_CALLS(DECLARE_CALL)

@@ -14,44 +14,44 @@
 #include "platform/calls.h"
 
 struct DEVMODEW;
-using PDEVMODEW            = DEVMODEW*;
-using LPDEVMODEW           = DEVMODEW*;
+using PDEVMODEW = DEVMODEW*;
+using LPDEVMODEW = DEVMODEW*;
 using PSECURITY_DESCRIPTOR = void*;
-using LPHANDLE             = HANDLE*;
+using LPHANDLE = HANDLE*;
 
 struct PRINTER_DEFAULTSW {
-    LPWSTR     pDatatype;
+    LPWSTR pDatatype;
     LPDEVMODEW pDevMode;
-    DWORD      DesiredAccess;
+    DWORD DesiredAccess;
 };
 using LPPRINTER_DEFAULTSW = PRINTER_DEFAULTSW*;
 
 struct PRINTER_INFO_2W {
-    LPWSTR               pServerName;
-    LPWSTR               pPrinterName;
-    LPWSTR               pShareName;
-    LPWSTR               pPortName;
-    LPWSTR               pDriverName;
-    LPWSTR               pComment;
-    LPWSTR               pLocation;
-    LPDEVMODEW           pDevMode;
-    LPWSTR               pSepFile;
-    LPWSTR               pPrintProcessor;
-    LPWSTR               pDatatype;
-    LPWSTR               pParameters;
+    LPWSTR pServerName;
+    LPWSTR pPrinterName;
+    LPWSTR pShareName;
+    LPWSTR pPortName;
+    LPWSTR pDriverName;
+    LPWSTR pComment;
+    LPWSTR pLocation;
+    LPDEVMODEW pDevMode;
+    LPWSTR pSepFile;
+    LPWSTR pPrintProcessor;
+    LPWSTR pDatatype;
+    LPWSTR pParameters;
     PSECURITY_DESCRIPTOR pSecurityDescriptor;
-    DWORD                Attributes;
-    DWORD                Priority;
-    DWORD                DefaultPriority;
-    DWORD                StartTime;
-    DWORD                UntilTime;
-    DWORD                Status;
-    DWORD                cJobs;
-    DWORD                AveragePPM;
+    DWORD Attributes;
+    DWORD Priority;
+    DWORD DefaultPriority;
+    DWORD StartTime;
+    DWORD UntilTime;
+    DWORD Status;
+    DWORD cJobs;
+    DWORD AveragePPM;
 };
 
 struct DRIVER_INFO_3W {
-    DWORD  cVersion;
+    DWORD cVersion;
     LPWSTR pName;
     LPWSTR pEnvironment;
     LPWSTR pDriverPath;
@@ -64,13 +64,13 @@ struct DRIVER_INFO_3W {
 };
 
 struct FORM_INFO_1W {
-    DWORD  Flags;
+    DWORD Flags;
     LPWSTR pName;
-    SIZEL  Size; /* thousandths of a millimetre */
-    RECTL  ImageableArea;
+    SIZEL Size; /* thousandths of a millimetre */
+    RECTL ImageableArea;
 };
 
-constexpr DWORD FORM_USER    = 0;
+constexpr DWORD FORM_USER = 0;
 constexpr DWORD FORM_BUILTIN = 1;
 constexpr DWORD FORM_PRINTER = 2;
 
@@ -79,11 +79,41 @@ constexpr DWORD PRINTER_ACCESS_USE = 8;
 
 /* Questions of DrvDeviceCapabilities. */
 enum : DWORD {
-    DC_FIELDS = 1, DC_PAPERS, DC_PAPERSIZE, DC_MINEXTENT, DC_MAXEXTENT, DC_BINS, DC_DUPLEX, DC_SIZE, DC_EXTRA,
-    DC_VERSION, DC_DRIVER, DC_BINNAMES, DC_ENUMRESOLUTIONS, DC_FILEDEPENDENCIES, DC_TRUETYPE, DC_PAPERNAMES,
-    DC_ORIENTATION, DC_COPIES, DC_BINADJUST, DC_EMF_COMPLIANT, DC_DATATYPE_PRODUCED, DC_COLLATE,
-    DC_MANUFACTURER, DC_MODEL, DC_PERSONALITY, DC_PRINTRATE, DC_PRINTRATEUNIT, DC_PRINTERMEM, DC_MEDIAREADY,
-    DC_STAPLE, DC_PRINTRATEPPM, DC_COLORDEVICE, DC_NUP, DC_MEDIATYPENAMES, DC_MEDIATYPES
+    DC_FIELDS = 1,
+    DC_PAPERS,
+    DC_PAPERSIZE,
+    DC_MINEXTENT,
+    DC_MAXEXTENT,
+    DC_BINS,
+    DC_DUPLEX,
+    DC_SIZE,
+    DC_EXTRA,
+    DC_VERSION,
+    DC_DRIVER,
+    DC_BINNAMES,
+    DC_ENUMRESOLUTIONS,
+    DC_FILEDEPENDENCIES,
+    DC_TRUETYPE,
+    DC_PAPERNAMES,
+    DC_ORIENTATION,
+    DC_COPIES,
+    DC_BINADJUST,
+    DC_EMF_COMPLIANT,
+    DC_DATATYPE_PRODUCED,
+    DC_COLLATE,
+    DC_MANUFACTURER,
+    DC_MODEL,
+    DC_PERSONALITY,
+    DC_PRINTRATE,
+    DC_PRINTRATEUNIT,
+    DC_PRINTERMEM,
+    DC_MEDIAREADY,
+    DC_STAPLE,
+    DC_PRINTRATEPPM,
+    DC_COLORDEVICE,
+    DC_NUP,
+    DC_MEDIATYPENAMES,
+    DC_MEDIATYPES
 };
 
 SPOOLER_CALLS(DECLARE_CALL)
@@ -92,13 +122,13 @@ SPOOLER_CALLS(DECLARE_CALL)
 
 /* The published header of the document property calls, which the toolchain's headers lack. */
 struct DOCUMENTPROPERTYHEADER {
-    WORD      cbSize; /* 48 */
-    WORD      Reserved;
-    HANDLE    hPrinter;
-    LPWSTR    pszPrinterName;
+    WORD cbSize; /* 48 */
+    WORD Reserved;
+    HANDLE hPrinter;
+    LPWSTR pszPrinterName;
     PDEVMODEW pdmIn, pdmOut;
-    DWORD     cbOut; /* bytes of pdmOut, told back by the size call */
-    DWORD     fMode;
+    DWORD cbOut; /* bytes of pdmOut, told back by the size call */
+    DWORD fMode;
 };
 static_assert(sizeof(DOCUMENTPROPERTYHEADER) == 48);
 

@@ -6,10 +6,10 @@
 
 #ifndef _WIN32
 
-constexpr DWORD REG_NONE     = 0;
-constexpr DWORD REG_SZ       = 1;
-constexpr DWORD REG_BINARY   = 3;
-constexpr DWORD REG_DWORD    = 4;
+constexpr DWORD REG_NONE = 0;
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
 constexpr DWORD REG_MULTI_SZ = 7;
 
 #endif

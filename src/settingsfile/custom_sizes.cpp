@@ -27,10 +27,10 @@ int ReadRow(const WCHAR* tcPath, i32 nIndex, PaperSizeRow* pRow)
     if (!pRow->wcName[0]) {
         return 0;
     }
-    i32 lWidth     = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomWidth"), nIndex), -1, tcPath);
-    i32 lLength    = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomLength"), nIndex), -1, tcPath);
-    i32 lMetric    = ReadProfileInt(wcSection, IndexedKey(wcKey, TEXT("CustomMetric"), nIndex), -1, tcPath);
-    pRow->ulWidth  = static_cast<u32>(lWidth);
+    i32 lWidth = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomWidth"), nIndex), -1, tcPath);
+    i32 lLength = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomLength"), nIndex), -1, tcPath);
+    i32 lMetric = ReadProfileInt(wcSection, IndexedKey(wcKey, TEXT("CustomMetric"), nIndex), -1, tcPath);
+    pRow->ulWidth = static_cast<u32>(lWidth);
     pRow->ulLength = static_cast<u32>(lLength);
     pRow->ulMetric = static_cast<u32>(lMetric);
     return lWidth != -1 && lLength != -1 && lMetric != -1;
@@ -46,7 +46,8 @@ i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<Pape
     } else if (nRows > LIST_LIMIT) {
         nRows = LIST_LIMIT;
     }
-    outRows->reset(static_cast<PaperSizeRow*>(AllocateRows(static_cast<u64>(nRows) + 1, sizeof(PaperSizeRow))));
+    outRows->reset(
+        static_cast<PaperSizeRow*>(AllocateRows(static_cast<u64>(nRows) + 1, sizeof(PaperSizeRow))));
     PaperSizeRow* pRows = outRows->get();
     if (!pRows) {
         return 0;

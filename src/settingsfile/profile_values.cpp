@@ -36,7 +36,7 @@ u32 ParseHex(const WCHAR* wcText)
     u64 ullValue = 0;
     for (;; wcText++) {
         WCHAR wcDigit = *wcText;
-        u64   ullDigit;
+        u64 ullDigit;
         if (wcDigit >= '0' && wcDigit <= '9') {
             ullDigit = static_cast<u64>(wcDigit - '0');
         } else if ((wcDigit | 0x20) >= 'a' && (wcDigit | 0x20) <= 'f') {
@@ -51,11 +51,12 @@ u32 ParseHex(const WCHAR* wcText)
 
 i32 ReadProfileInt(const WCHAR* wcSection, const WCHAR* wcKey, i32 lDefault, const WCHAR* tcPath)
 {
-    return HasFolder(tcPath) ? static_cast<i32>(GetPrivateProfileIntW(wcSection, wcKey, lDefault, tcPath)) : lDefault;
+    return HasFolder(tcPath) ? static_cast<i32>(GetPrivateProfileIntW(wcSection, wcKey, lDefault, tcPath))
+                             : lDefault;
 }
 
-void ReadProfileText(const WCHAR* wcSection, const WCHAR* wcKey, const WCHAR* wcDefault, WCHAR* wcOut, int cch,
-                     const WCHAR* tcPath)
+void ReadProfileText(const WCHAR* wcSection, const WCHAR* wcKey, const WCHAR* wcDefault, WCHAR* wcOut,
+                     int cch, const WCHAR* tcPath)
 {
     if (cch < 1) {
         return;

@@ -17,8 +17,8 @@ i32 ReadProfileLong(const WCHAR* wcSection, const WCHAR* wcKey, i32 lDefault, co
 u32 ReadProfileHex(const WCHAR* wcSection, const WCHAR* wcKey, u32 ulDefault, const WCHAR* tcPath);
 
 /* text into cch characters, cut to fit and always ended by a NUL. wcDefault may lie in wcOut. */
-void ReadProfileText(const WCHAR* wcSection, const WCHAR* wcKey, const WCHAR* wcDefault, WCHAR* wcOut, int cch,
-                     const WCHAR* tcPath);
+void ReadProfileText(const WCHAR* wcSection, const WCHAR* wcKey, const WCHAR* wcDefault, WCHAR* wcOut,
+                     int cch, const WCHAR* tcPath);
 
 /* 1 when the path holds a folder. */
 int HasFolder(const WCHAR* tcPath);

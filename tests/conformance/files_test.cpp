@@ -12,7 +12,7 @@
 namespace {
 
 class Files : public BothBuilds {
-protected:
+  protected:
     void SetUp() override
     {
         BothBuilds::SetUp();
@@ -36,8 +36,8 @@ HANDLE Open(const WideString& tcPath, DWORD dwAccess = GENERIC_READ,
 DWORD OpenError(const WideString& tcPath, DWORD dwAccess = GENERIC_READ,
                 DWORD dwShare = FILE_SHARE_READ | FILE_SHARE_WRITE, DWORD dwDisposition = OPEN_EXISTING)
 {
-    HANDLE hFile   = Open(tcPath, dwAccess, dwShare, dwDisposition);
-    DWORD  dwError = GetLastError();
+    HANDLE hFile = Open(tcPath, dwAccess, dwShare, dwDisposition);
+    DWORD dwError = GetLastError();
     if (hFile == INVALID_HANDLE_VALUE) {
         EXPECT_NE(dwError, ERROR_SUCCESS);
         return dwError;
@@ -58,7 +58,7 @@ DWORD FolderError(const WideString& tcPath)
 
 std::string Read(HANDLE hFile, DWORD cbWanted)
 {
-    char  aBytes[64];
+    char aBytes[64];
     DWORD cbRead = 0xDEAD;
     std::memset(aBytes, '~', sizeof aBytes);
     if (!ReadFile(hFile, aBytes, cbWanted, &cbRead, nullptr)) {
@@ -73,7 +73,7 @@ std::string Read(HANDLE hFile, DWORD cbWanted)
 long long Seek(HANDLE hFile, long long lMove, DWORD dwMethod)
 {
     LARGE_INTEGER move, position;
-    move.QuadPart     = lMove;
+    move.QuadPart = lMove;
     position.QuadPart = -99;
     if (!SetFilePointerEx(hFile, move, &position, dwMethod)) {
         EXPECT_EQ(position.QuadPart, -99);
@@ -86,7 +86,7 @@ TEST_F(Files, NamesAreReadAsWindowsReadsThem)
 {
     static const struct {
         const char* cName;
-        DWORD       dwError;
+        DWORD dwError;
     } aCases[] = {
         {"a.txt", 0},
         {"A.TXT", 0},
@@ -192,8 +192,8 @@ TEST_F(Files, ReadOnlyFilesAreReadAndNotWritten)
     EXPECT_EQ(GetFileAttributesW(tcPath.c_str()) & FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(OpenError(tcPath), ERROR_SUCCESS);
     DWORD dwWriting = OpenError(tcPath, GENERIC_WRITE);
-    DWORD dwBoth    = OpenError(tcPath, GENERIC_READ | GENERIC_WRITE);
-    DWORD dwAlways  = OpenError(tcPath, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    DWORD dwBoth = OpenError(tcPath, GENERIC_READ | GENERIC_WRITE);
+    DWORD dwAlways = OpenError(tcPath, GENERIC_WRITE, 0, CREATE_ALWAYS);
     DWORD dwEmptied = OpenError(tcPath, GENERIC_READ, 0, CREATE_ALWAYS);
     ASSERT_TRUE(SetFileAttributesW(tcPath.c_str(), FILE_ATTRIBUTE_NORMAL));
     EXPECT_EQ(GetFileAttributesW(tcPath.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
@@ -217,19 +217,26 @@ TEST_F(Files, SharingIsCheckedBothWays)
     static const struct {
         DWORD dwAccess, dwShare;
     } aOpenings[] = {
-        {GENERIC_READ, 0},  {GENERIC_READ, 1},  {GENERIC_READ, 2},  {GENERIC_READ, 3},
-        {GENERIC_WRITE, 0}, {GENERIC_WRITE, 1}, {GENERIC_WRITE, 2}, {GENERIC_WRITE, 3},
-        {GENERIC_READ | GENERIC_WRITE, 0}, {GENERIC_READ | GENERIC_WRITE, 1},
-        {GENERIC_READ | GENERIC_WRITE, 2}, {GENERIC_READ | GENERIC_WRITE, 3},
+        {GENERIC_READ, 0},
+        {GENERIC_READ, 1},
+        {GENERIC_READ, 2},
+        {GENERIC_READ, 3},
+        {GENERIC_WRITE, 0},
+        {GENERIC_WRITE, 1},
+        {GENERIC_WRITE, 2},
+        {GENERIC_WRITE, 3},
+        {GENERIC_READ | GENERIC_WRITE, 0},
+        {GENERIC_READ | GENERIC_WRITE, 1},
+        {GENERIC_READ | GENERIC_WRITE, 2},
+        {GENERIC_READ | GENERIC_WRITE, 3},
     };
     static const char* const aExpected[] = {
-        "xxxxxxxxxxxx", "x.x.xxxxxxxx", "xxxxx.x.xxxx", "x.x.x.x.x.x.",
-        "xxxxxxxxxxxx", "xx..xxxxxxxx", "xxxxxx..xxxx", "xx..xx..xx..",
-        "xxxxxxxxxxxx", "xxx.xxxxxxxx", "xxxxxxx.xxxx", "xxx.xxx.xxx.",
+        "xxxxxxxxxxxx", "x.x.xxxxxxxx", "xxxxx.x.xxxx", "x.x.x.x.x.x.", "xxxxxxxxxxxx", "xx..xxxxxxxx",
+        "xxxxxx..xxxx", "xx..xx..xx..", "xxxxxxxxxxxx", "xxx.xxxxxxxx", "xxxxxxx.xxxx", "xxx.xxx.xxx.",
     };
     WideString tcPath = Path("a.txt");
     for (size_t i = 0; i < std::size(aOpenings); i++) {
-        HANDLE      hFile = Open(tcPath, aOpenings[i].dwAccess, aOpenings[i].dwShare);
+        HANDLE hFile = Open(tcPath, aOpenings[i].dwAccess, aOpenings[i].dwShare);
         std::string found;
         for (const auto& second : aOpenings) {
             DWORD dwError = OpenError(tcPath, second.dwAccess, second.dwShare);
@@ -301,7 +308,7 @@ TEST_F(Files, HandlesThatAreNoneAreRefused)
 TEST_F(Files, HostedPathsStayBelowTheRoot)
 {
     std::string root = HostPath(u"C:\\").string();
-    root             = root.substr(0, root.rfind('/'));
+    root = root.substr(0, root.rfind('/'));
     static const char16_t* const aPaths[] = {u"C:\\..\\..\\..\\etc\\passwd",
                                              u"C:\\x\\..\\..\\..\\etc\\passwd",
                                              u"\\\\..\\..\\etc\\passwd",
@@ -344,7 +351,7 @@ TEST_F(Files, HostedPathsEndWhereThoseOfWindowsDo)
 TEST_F(Files, HostedFaultsAndLies)
 {
     for (CallId call : {CALL_ReadFile, CALL_SetFilePointerEx, CALL_GetFileSizeEx, CALL_CloseHandle}) {
-        HANDLE        hFile = Open(Path("a.txt"));
+        HANDLE hFile = Open(Path("a.txt"));
         LARGE_INTEGER size;
         FailCall(call, 1);
         EXPECT_EQ(Read(hFile, 2) == "01", call != CALL_ReadFile);
@@ -356,7 +363,7 @@ TEST_F(Files, HostedFaultsAndLies)
     }
     HANDLE hClosed = Open(Path("a.txt"));
     CloseHandle(hClosed);
-    HANDLE        hFile = Open(Path("a.txt"));
+    HANDLE hFile = Open(Path("a.txt"));
     LARGE_INTEGER size;
     EXPECT_FALSE(CloseHandle(hClosed)) << "a handle that was closed has become another's";
     TellLies(LIE_SHORT);

@@ -16,7 +16,7 @@ namespace {
 constexpr WCHAR UNTOUCHED = 0xABCD;
 
 class ProfileFiles : public BothBuilds {
-protected:
+  protected:
     void SetUp() override
     {
         BothBuilds::SetUp();
@@ -32,7 +32,7 @@ protected:
     }
 
     WideString tcFolder;
-    int        nFile = 0;
+    int nFile = 0;
 };
 
 const WCHAR* OrNull(const WideString& wcText)
@@ -47,10 +47,10 @@ std::string Read(const WideString& tcPath, const std::string& section, const std
 {
     WCHAR wcOut[256];
     std::fill(std::begin(wcOut), std::end(wcOut), UNTOUCHED);
-    bool       bList   = section == "(null)" || key == "(null)";
+    bool bList = section == "(null)" || key == "(null)";
     WideString wcSection = Wide(section), wcKey = Wide(key), wcStandBy = Wide(standBy);
-    DWORD      cchText   = GetPrivateProfileStringW(OrNull(wcSection), OrNull(wcKey), OrNull(wcStandBy),
-                                                    wcOut, cchOut, tcPath.c_str());
+    DWORD cchText = GetPrivateProfileStringW(OrNull(wcSection), OrNull(wcKey), OrNull(wcStandBy), wcOut,
+                                             cchOut, tcPath.c_str());
     EXPECT_LT(cchText, cchOut ? cchOut : 1);
     EXPECT_TRUE(cchOut == 0 || wcOut[cchText] == 0);
     EXPECT_TRUE(!bList || cchText == 0 || wcOut[cchText - 1] == 0 || wcOut[cchText + 1] == 0);
@@ -188,7 +188,7 @@ TEST_F(ProfileFiles, TextsAreCutToTheBuffer)
     }
     EXPECT_EQ(GetPrivateProfileStringW(TEXT("s"), TEXT("k"), TEXT(""), nullptr, 20, tcPath.c_str()), 0u);
 
-    std::string        value(70000, 'v');
+    std::string value(70000, 'v');
     std::vector<WCHAR> aLarge(80000, UNTOUCHED);
     tcPath = Put("[s]\r\nk=" + value + "\r\nl=2\r\n");
     DWORD cchOut = static_cast<DWORD>(aLarge.size());
@@ -214,7 +214,8 @@ TEST_F(ProfileFiles, ListsOfKeysAndSections)
     /* From the first size at which list and closing NUL do not leave one character free, two less than the
        size are said, and two NULs end what was copied. */
     tcPath = Put("[ab]\r\n[cd]\r\n[ef]\r\n[keys]\r\nkl=1\r\nmn=2\r\nop=3\r\n");
-    static const char* const aLists[] = {"", "", "", "k", "kl", "kl|", "kl|m", "kl|mn", "kl|mn|", "kl|mn|o",
+    static const char* const aLists[] = {"",         "",          "",         "k",      "kl",
+                                         "kl|",      "kl|m",      "kl|mn",    "kl|mn|", "kl|mn|o",
                                          "kl|mn|op", "kl|mn|op|", "kl|mn|op|"};
     for (DWORD cchOut = 0; cchOut < std::size(aLists); cchOut++) {
         EXPECT_EQ(Read(tcPath, "keys", "(null)", "", cchOut), aLists[cchOut]) << cchOut;
@@ -227,21 +228,42 @@ TEST_F(ProfileFiles, NumbersAreReadToTheirLastDigit)
 {
     static const struct {
         const char* cValue;
-        INT         nNumber;
+        INT nNumber;
     } aCases[] = {
-        {"12", 12},           {"12abc", 12},     {"-1", -1},          {" \t 5 ", 5},
-        {"+7", 7},            {"-0", 0},         {"--3", 0},          {"- 4", 0},
-        {"abc", 0},           {"007", 7},        {"1.5", 1},          {"1e3", 1},
-        {"\"12\"", 12},       {"\" 12\"", 12},   {"'8'", 8},          {"12 34", 12},
-        {"4294967295", -1},   {"4294967296", 0}, {"2147483648", INT(0x80000000)}, {"99999999999", 1215752191},
-        {"-2147483648", INT(0x80000000)},        {"-99999999999", -1215752191},
-        {"0x10", 16},         {"0X10", 0},       {"0xfG", 15},        {"-0x10", -16},
-        {"0b11", 3},          {"0o17", 15},      {"0x", 0},
+        {"12", 12},
+        {"12abc", 12},
+        {"-1", -1},
+        {" \t 5 ", 5},
+        {"+7", 7},
+        {"-0", 0},
+        {"--3", 0},
+        {"- 4", 0},
+        {"abc", 0},
+        {"007", 7},
+        {"1.5", 1},
+        {"1e3", 1},
+        {"\"12\"", 12},
+        {"\" 12\"", 12},
+        {"'8'", 8},
+        {"12 34", 12},
+        {"4294967295", -1},
+        {"4294967296", 0},
+        {"2147483648", INT(0x80000000)},
+        {"99999999999", 1215752191},
+        {"-2147483648", INT(0x80000000)},
+        {"-99999999999", -1215752191},
+        {"0x10", 16},
+        {"0X10", 0},
+        {"0xfG", 15},
+        {"-0x10", -16},
+        {"0b11", 3},
+        {"0o17", 15},
+        {"0x", 0},
         {"", 77}, /* a key without a value is none for numbers */
     };
     for (const auto& one : aCases) {
-        WideString tcPath  = Put(std::string("[s]\r\nk=") + one.cValue + "\r\n");
-        UINT       uNumber = GetPrivateProfileIntW(TEXT("S"), TEXT("K"), 77, tcPath.c_str());
+        WideString tcPath = Put(std::string("[s]\r\nk=") + one.cValue + "\r\n");
+        UINT uNumber = GetPrivateProfileIntW(TEXT("S"), TEXT("K"), 77, tcPath.c_str());
         EXPECT_EQ(static_cast<INT>(uNumber), one.nNumber) << one.cValue;
     }
     WideString tcPath = Put("[s]\r\nk=" + std::string(40000, '1') + "\r\nl=4\r\n");
@@ -350,7 +372,7 @@ TEST_F(ProfileFiles, WritingWhereNothingCanBeWritten)
     EXPECT_EQ(GetFileAttributesW(tcNone.c_str()), INVALID_FILE_ATTRIBUTES) << "deleting made a file";
 
     WideString tcHeld = Put("[a]\r\nx=1\r\n");
-    HANDLE     hFile  = CreateFileW(tcHeld.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE hFile = CreateFileW(tcHeld.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(Read(tcHeld, "a", "x"), "none") << "held by another alone";
     EXPECT_FALSE(WritePrivateProfileStringW(TEXT("a"), TEXT("x"), TEXT("2"), tcHeld.c_str()));
     EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
@@ -363,8 +385,8 @@ TEST_F(ProfileFiles, ReadOnlyFilesAreReadAndNotWritten)
     WideString tcReadOnly = Put("[a]\r\nx=1\r\n");
     SetFileAttributesW(tcReadOnly.c_str(), FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(Read(tcReadOnly, "a", "x"), "1");
-    BOOL  bWritten = WritePrivateProfileStringW(TEXT("a"), TEXT("x"), TEXT("2"), tcReadOnly.c_str());
-    DWORD dwError  = GetLastError();
+    BOOL bWritten = WritePrivateProfileStringW(TEXT("a"), TEXT("x"), TEXT("2"), tcReadOnly.c_str());
+    DWORD dwError = GetLastError();
     SetFileAttributesW(tcReadOnly.c_str(), FILE_ATTRIBUTE_NORMAL);
 #ifdef _WIN32
     /* Wine leaves the attribute to the host's permissions, which do not bind the super-user. */

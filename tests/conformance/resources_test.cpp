@@ -13,35 +13,35 @@
 
 namespace {
 
-constexpr DWORD AS_DATA  = LOAD_LIBRARY_AS_DATAFILE;
+constexpr DWORD AS_DATA = LOAD_LIBRARY_AS_DATAFILE;
 constexpr DWORD AS_IMAGE = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
 
 constexpr WCHAR FILLER = 0x2588; /* in no text of the libraries */
 
 struct Answer {
-    int        cch;
+    int cch;
     WideString wcText; /* up to the NUL, or the whole buffer */
-    bool       bEnded, bBehindUntouched;
+    bool bEnded, bBehindUntouched;
 };
 
 /* LoadStringW into a buffer of cchRoom characters that lies in a larger one full of FILLER. */
 Answer AskString(HMODULE hModule, UINT uId, int cchRoom = 128)
 {
     WideString wcBuffer(200, FILLER);
-    const int  cch   = LoadStringW(hModule, uId, wcBuffer.data(), cchRoom);
+    const int cch = LoadStringW(hModule, uId, wcBuffer.data(), cchRoom);
     const auto pRoom = wcBuffer.begin() + cchRoom;
-    const auto pNul  = std::find(wcBuffer.begin(), pRoom, WCHAR{0});
+    const auto pNul = std::find(wcBuffer.begin(), pRoom, WCHAR{0});
     const auto pBehind = pNul == pRoom ? pRoom : pNul + 1;
     return {cch, WideString(wcBuffer.begin(), pNul), pNul != pRoom,
             std::all_of(pBehind, wcBuffer.end(), [](WCHAR wcChar) { return wcChar == FILLER; })};
 }
 
 class Resources : public BothBuilds {
-protected:
+  protected:
     void SetUp() override
     {
         BothBuilds::SetUp();
-        tcAll     = BuiltFile("TXT.DLL");
+        tcAll = BuiltFile("TXT.DLL");
         tcEnglish = BuiltFile("ENUS.DLL");
     }
 
@@ -64,7 +64,7 @@ protected:
         return hModule;
     }
 
-    WideString           tcAll, tcEnglish;
+    WideString tcAll, tcEnglish;
     std::vector<HMODULE> aOpen;
 };
 
@@ -100,7 +100,7 @@ TEST_F(Resources, LoadAsDataOrAsImage)
 
 TEST_F(Resources, UserReadsHisLanguageAndElseEnglish)
 {
-    const HMODULE hAll     = Open(tcAll);
+    const HMODULE hAll = Open(tcAll);
     const HMODULE hEnglish = Open(tcEnglish);
     for (const LANGID usUser : Users()) {
         SCOPED_TRACE(usUser);
@@ -117,7 +117,7 @@ TEST_F(Resources, TextIsCutToTheRoomAndEnded)
 {
     const HMODULE hModule = Open(tcEnglish); /* 1002 is "Layout" */
     const struct {
-        int        cchRoom, cch;
+        int cchRoom, cch;
         WideString wcText;
     } aRows[] = {{128, 6, TEXT("Layout")}, {7, 6, TEXT("Layout")}, {6, 5, TEXT("Layou")}, {2, 1, TEXT("L")}};
     for (const auto& row : aRows) {
@@ -138,7 +138,7 @@ TEST_F(Resources, TextIsCutToTheRoomAndEnded)
 TEST_F(Resources, NoRoomGivesTheTextsAddress)
 {
     const WCHAR* pText = nullptr;
-    const int    cch   = LoadStringW(Open(tcEnglish), 1003, reinterpret_cast<LPWSTR>(&pText), 0);
+    const int cch = LoadStringW(Open(tcEnglish), 1003, reinterpret_cast<LPWSTR>(&pText), 0);
     ASSERT_EQ(cch, 5);
     EXPECT_EQ(WideString(pText, 5), TEXT("Paper"));
 }
@@ -179,8 +179,8 @@ TEST_F(Resources, NullModuleIsTheHostProgram)
 
 TEST_F(Resources, FilesThatAreNoLibraryAreRefused)
 {
-    const WideString                 tcFolder = TestFolder();
-    const std::vector<unsigned char> whole    = ReadTestFile(tcAll);
+    const WideString tcFolder = TestFolder();
+    const std::vector<unsigned char> whole = ReadTestFile(tcAll);
     ASSERT_GT(whole.size(), 4096u);
     const auto start = [&whole](size_t cb) {
         return std::vector<unsigned char>(whole.data(), whole.data() + cb);
@@ -191,7 +191,7 @@ TEST_F(Resources, FilesThatAreNoLibraryAreRefused)
     PutTestFile(tcFolder + TEXT("\\HEAD.DLL"), start(64));
     const struct {
         const WCHAR* tcName;
-        DWORD        dwFlags, dwError;
+        DWORD dwFlags, dwError;
     } aRows[] = {
         {TEXT("\\NONE.DLL"), AS_DATA | AS_IMAGE, ERROR_FILE_NOT_FOUND},
         {TEXT("\\NONE.DLL"), AS_DATA, ERROR_FILE_NOT_FOUND},
@@ -213,7 +213,7 @@ TEST_F(Resources, FilesThatAreNoLibraryAreRefused)
 
 TEST_F(Resources, EachLoadIsFreedOnce)
 {
-    const HMODULE hFirst  = LoadLibraryExW(tcAll.c_str(), nullptr, AS_DATA | AS_IMAGE);
+    const HMODULE hFirst = LoadLibraryExW(tcAll.c_str(), nullptr, AS_DATA | AS_IMAGE);
     const HMODULE hSecond = Open(tcAll);
     ASSERT_TRUE(hFirst);
     EXPECT_TRUE(FreeLibrary(hFirst));

@@ -16,7 +16,8 @@ WideString Upper(WideString wcText)
 WideString Convert(const std::string& text, DWORD dwFlags, int cch)
 {
     WideString wcOut(static_cast<size_t>(cch), TEXT('#'));
-    int        nOut = MultiByteToWideChar(CP_ACP, dwFlags, text.data(), static_cast<int>(text.size()), wcOut.data(), cch);
+    int nOut =
+        MultiByteToWideChar(CP_ACP, dwFlags, text.data(), static_cast<int>(text.size()), wcOut.data(), cch);
     return nOut > 0 ? wcOut.substr(0, static_cast<size_t>(nOut)) : WideString(TEXT("(failed)"));
 }
 
@@ -25,16 +26,23 @@ WideString Convert(const std::string& text, DWORD dwFlags, int cch)
 TEST_F(TextConformance, CapitalsOfPathsInAllScriptsThatAPrinterMeets)
 {
     EXPECT_EQ(Upper(TEXT("c:\\Drv\\qa-1_{}~.xpi")), TEXT("C:\\DRV\\QA-1_{}~.XPI"));
-    EXPECT_EQ(Upper(TEXT("\u00E4\u00F6\u00FC\u00DF\u00F7\u00FF\u00E9")), TEXT("\u00C4\u00D6\u00DC\u00DF\u00F7\u0178\u00C9"));
-    EXPECT_EQ(Upper(TEXT("\u0101\u0142\u0148\u0161\u017E\u0151\u0133")), TEXT("\u0100\u0141\u0147\u0160\u017D\u0150\u0132"));
-    EXPECT_EQ(Upper(TEXT("\u03B1\u03C9\u03AC\u03CC\u03CE\u03C3")), TEXT("\u0391\u03A9\u0386\u038C\u038F\u03A3"));
+    EXPECT_EQ(Upper(TEXT("\u00E4\u00F6\u00FC\u00DF\u00F7\u00FF\u00E9")),
+              TEXT("\u00C4\u00D6\u00DC\u00DF\u00F7\u0178\u00C9"));
+    EXPECT_EQ(Upper(TEXT("\u0101\u0142\u0148\u0161\u017E\u0151\u0133")),
+              TEXT("\u0100\u0141\u0147\u0160\u017D\u0150\u0132"));
+    EXPECT_EQ(Upper(TEXT("\u03B1\u03C9\u03AC\u03CC\u03CE\u03C3")),
+              TEXT("\u0391\u03A9\u0386\u038C\u038F\u03A3"));
     EXPECT_EQ(Upper(TEXT("\u0430\u044F\u0451\u0457\u0491")), TEXT("\u0410\u042F\u0401\u0407\u0490"));
-    EXPECT_EQ(Upper(TEXT("\u3042\u4E2D\uFF11\U0001F600")), TEXT("\u3042\u4E2D\uFF11\U0001F600")); /* no case */
+    EXPECT_EQ(Upper(TEXT("\u3042\u4E2D\uFF11\U0001F600")),
+              TEXT("\u3042\u4E2D\uFF11\U0001F600")); /* no case */
 }
 
 TEST_F(TextConformance, AnsiTextBecomesWide)
 {
-    EXPECT_EQ(Convert("Gr\xF6\xDF" "e \x80", 0, 16), TEXT("Gr\u00F6\u00DFe \u20AC"));
+    EXPECT_EQ(Convert("Gr\xF6\xDF"
+                      "e \x80",
+                      0, 16),
+              TEXT("Gr\u00F6\u00DFe \u20AC"));
     EXPECT_EQ(Convert("abc", 0, 3), TEXT("abc")); /* no NUL is added */
     EXPECT_EQ(Convert("abcd", 0, 3), TEXT("(failed)"));
     EXPECT_EQ(Convert("abc", MB_ERR_INVALID_CHARS, 8), TEXT("abc"));

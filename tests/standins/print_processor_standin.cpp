@@ -7,7 +7,7 @@
 extern "C" __declspec(dllexport) BOOL WINAPI
     EnumPrintProcessorDatatypesW(LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD pcbNeeded, LPDWORD pcReturned)
 {
-    *pcbNeeded  = 0;
+    *pcbNeeded = 0;
     *pcReturned = 0;
     return TRUE;
 }

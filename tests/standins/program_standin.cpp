@@ -7,14 +7,14 @@
 
 int main()
 {
-    WCHAR       tcPath[MAX_PATH + 16];
+    WCHAR tcPath[MAX_PATH + 16];
     const DWORD cch = GetModuleFileNameW(nullptr, tcPath, MAX_PATH);
     if (cch == 0 || cch >= MAX_PATH) {
         return 1;
     }
     lstrcpyW(tcPath + cch, L".started");
 
-    char      cText[4096];
+    char cText[4096];
     const int nText =
         WideCharToMultiByte(CP_UTF8, 0, GetCommandLineW(), -1, cText, sizeof cText, nullptr, nullptr);
     if (nText == 0) {
@@ -25,8 +25,8 @@ int main()
     if (hFile == INVALID_HANDLE_VALUE) {
         return 1;
     }
-    DWORD      dwWritten = 0;
-    const BOOL bWritten  = WriteFile(hFile, cText, static_cast<DWORD>(nText - 1), &dwWritten, nullptr);
+    DWORD dwWritten = 0;
+    const BOOL bWritten = WriteFile(hFile, cText, static_cast<DWORD>(nText - 1), &dwWritten, nullptr);
     CloseHandle(hFile);
     return bWritten && dwWritten == static_cast<DWORD>(nText - 1) ? 0 : 1;
 }

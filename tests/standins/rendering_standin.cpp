@@ -11,9 +11,7 @@ extern "C" __declspec(dllexport) BOOL WINAPI DrvEnableDriver(ULONG, ULONG, void*
     return FALSE;
 }
 
-extern "C" __declspec(dllexport) void WINAPI DrvDisableDriver(void)
-{
-}
+extern "C" __declspec(dllexport) void WINAPI DrvDisableDriver(void) {}
 
 /* Which of the files this copy stands for: narrow text, static. */
 extern "C" __declspec(dllexport) const char* WINAPI StandInName(void)

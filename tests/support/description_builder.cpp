@@ -51,7 +51,10 @@ Bytes DescriptionBuilder::Build() const
     Poke(&file, AT_STRING_BASE, static_cast<u32>(file.size()));
     for (u16 usLanguage = 0; usLanguage < nLanguages; usLanguage++) {
         auto own = bases.find(usLanguage);
-        Poke(&file, file.size(), own != bases.end() ? own->second : bases.count(9) ? bases[9] : static_cast<u16>(0));
+        Poke(&file, file.size(),
+             own != bases.end() ? own->second
+             : bases.count(9)   ? bases[9]
+                                : static_cast<u16>(0));
     }
     Poke(&file, AT_STRING_ID, static_cast<u32>(file.size()));
     AppendOffsets<u16>(&file, texts, false);

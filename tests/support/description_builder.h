@@ -31,13 +31,14 @@ template <class Number> Number Peek(const Bytes& bytes, size_t nAt)
 }
 
 struct DescriptionBuilder {
-    Bytes                                   body = Bytes(sizeof(XpiModel));
-    std::map<u16, std::vector<std::string>> strings; /* by primary language; id 1 first; missing languages: 9 */
-    std::vector<Bytes>                      commands = {{0}}; /* id 0 first; as they stand, the NUL included */
-    std::vector<Bytes>                      fonts;
-    std::vector<Bytes>                      bitmaps;
-    Bytes                                   colorData;
-    u16                                     nLanguages = 64; /* rows of the string base table */
+    Bytes body = Bytes(sizeof(XpiModel));
+    std::map<u16, std::vector<std::string>>
+        strings;                         /* by primary language; id 1 first; missing languages: 9 */
+    std::vector<Bytes> commands = {{0}}; /* id 0 first; as they stand, the NUL included */
+    std::vector<Bytes> fonts;
+    std::vector<Bytes> bitmaps;
+    Bytes colorData;
+    u16 nLanguages = 64; /* rows of the string base table */
 
     /* A field of the body. */
     template <class Number> DescriptionBuilder& Set(size_t nAt, Number number)
@@ -79,9 +80,18 @@ struct DescriptionBuilder {
 
 /* Offsets of the header's fields. */
 enum HeaderField : size_t {
-    AT_BODY = 8, AT_STRING_BASE = 12, AT_STRING_ID = 16, AT_STRING_DATA = 20, AT_COMMAND_TABLE = 24,
-    AT_COMMAND_DATA = 28, AT_FONT_TABLE = 32, AT_FONT_DATA = 36, AT_BITMAP_TABLE = 40, AT_BITMAP_DATA = 44,
-    AT_COLOR_DATA = 48, AT_COLOR_SIZE = 52
+    AT_BODY = 8,
+    AT_STRING_BASE = 12,
+    AT_STRING_ID = 16,
+    AT_STRING_DATA = 20,
+    AT_COMMAND_TABLE = 24,
+    AT_COMMAND_DATA = 28,
+    AT_FONT_TABLE = 32,
+    AT_FONT_DATA = 36,
+    AT_BITMAP_TABLE = 40,
+    AT_BITMAP_DATA = 44,
+    AT_COLOR_DATA = 48,
+    AT_COLOR_SIZE = 52
 };
 
 /* A row with the listed papers' bits set, for the bit sets of constraints and margins. */

@@ -25,13 +25,14 @@ void MachineTest::Open(const WideText& wcName)
 HANDLE MachineTest::AddTestPrinter(const Bytes& description, const std::string& ini)
 {
     PrinterSetup setup;
-    setup.wcName       = u"Test";
+    setup.wcName = u"Test";
     setup.wcDriverName = u"Test Driver";
     setup.tcDriverPath = u"C:\\drv\\qrnd.dll";
     setup.tcConfigFile = u"C:\\drv\\tqui.dll";
-    setup.tcDataFile   = u"C:\\drv\\qa.fdf";
-    setup.tcHelpFile   = u"C:\\drv\\qa.chm";
-    setup.atcDependentFiles = {u"C:\\drv\\qa.xpi", u"C:\\drv\\qa.ini", u"C:\\drv\\txt.dll", u"C:\\drv\\enus.dll"};
+    setup.tcDataFile = u"C:\\drv\\qa.fdf";
+    setup.tcHelpFile = u"C:\\drv\\qa.chm";
+    setup.atcDependentFiles = {u"C:\\drv\\qa.xpi", u"C:\\drv\\qa.ini", u"C:\\drv\\txt.dll",
+                               u"C:\\drv\\enus.dll"};
     PutFile(u"C:\\drv\\qa.xpi", description);
     if (!ini.empty()) {
         PutFile(u"C:\\drv\\qa.ini", std::string_view(ini));
@@ -51,8 +52,8 @@ HANDLE MachineTest::AddSample(const std::string& nameOrSection)
 
 std::vector<i64> MachineTest::Numbers(const CapabilityAnswer& answer)
 {
-    size_t           cbRow = RowBytes(answer.wQuestion);
-    size_t           cb    = cbRow == 8 ? 4 : cbRow; /* pairs of LONG come one number after the other */
+    size_t cbRow = RowBytes(answer.wQuestion);
+    size_t cb = cbRow == 8 ? 4 : cbRow; /* pairs of LONG come one number after the other */
     std::vector<i64> numbers;
     for (size_t nAt = 0; nAt + cb <= answer.rows.size(); nAt += cb) {
         numbers.push_back(cb == 2 ? Peek<i16>(answer.rows, nAt) : Peek<i32>(answer.rows, nAt));
@@ -62,11 +63,11 @@ std::vector<i64> MachineTest::Numbers(const CapabilityAnswer& answer)
 
 std::vector<std::string> MachineTest::Texts(const CapabilityAnswer& answer)
 {
-    size_t                   cbRow = RowBytes(answer.wQuestion);
+    size_t cbRow = RowBytes(answer.wQuestion);
     std::vector<std::string> texts;
     for (size_t nRow = 0; (nRow + 1) * cbRow <= answer.rows.size(); nRow++) {
         WideText wcText;
-        size_t   nAt = 0;
+        size_t nAt = 0;
         while (nAt < cbRow && Peek<u16>(answer.rows, nRow * cbRow + nAt)) {
             wcText += static_cast<WCHAR>(Peek<u16>(answer.rows, nRow * cbRow + nAt));
             nAt += sizeof(WCHAR);
@@ -83,16 +84,18 @@ const std::vector<InfModel>& SampleModels()
     return models;
 }
 
-Bytes CompileSample(const std::string& stem, const std::vector<std::pair<std::string, std::string>>& overrides)
+Bytes CompileSample(const std::string& stem,
+                    const std::vector<std::pair<std::string, std::string>>& overrides)
 {
     std::string path = TQUI_SOURCE_DIR "/package/models/" + stem + ".toml";
-    Bytes       text = ReadDiskFile(path);
+    Bytes text = ReadDiskFile(path);
 
     std::vector<XpiOverride> changes;
     for (const auto& [key, value] : overrides) {
         changes.push_back({key, value});
     }
-    XpiCompiled compiled = CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path, changes);
+    XpiCompiled compiled =
+        CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path, changes);
     for (const XpiError& error : compiled.errors) {
         ADD_FAILURE() << FormatXpiError(path, error);
     }

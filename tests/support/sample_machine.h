@@ -13,7 +13,7 @@
 
 /* A machine of its own for each test, with nothing held after it. */
 class MachineTest : public BothBuilds {
-protected:
+  protected:
     /* The printer "Test" with driver files below C:\drv: QA.XPI with these bytes, QA.INI with this text (none
        when empty), and the language libraries of the samples. Its handle is open until the test ends. */
     HANDLE AddTestPrinter(const Bytes& description, const std::string& ini = "");
@@ -22,7 +22,7 @@ protected:
     HANDLE AddSample(const std::string& nameOrSection);
 
     /* Row-by-row answers: numbers of a list, texts of a list. */
-    static std::vector<i64>         Numbers(const CapabilityAnswer& answer);
+    static std::vector<i64> Numbers(const CapabilityAnswer& answer);
     static std::vector<std::string> Texts(const CapabilityAnswer& answer);
 
     CapabilityAnswer Ask(WORD wQuestion) { return AskCapability(hPrinter, wcPrinter, wQuestion); }
@@ -30,10 +30,10 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    HANDLE   hPrinter = nullptr;
+    HANDLE hPrinter = nullptr;
     WideText wcPrinter;
 
-private:
+  private:
     void Open(const WideText& wcName);
 
     std::optional<OpenSample> opened;
@@ -43,6 +43,7 @@ private:
 const std::vector<InfModel>& SampleModels();
 
 /* The text of a sample's description compiled with some of its fields changed. Fails the test on an error. */
-Bytes CompileSample(const std::string& stem, const std::vector<std::pair<std::string, std::string>>& overrides = {});
+Bytes CompileSample(const std::string& stem,
+                    const std::vector<std::pair<std::string, std::string>>& overrides = {});
 
 #endif

@@ -22,12 +22,12 @@ size_t CapabilityRowSize(int nQuestion)
 
 static std::string RowBytes(const CapabilityCall& call, int nQuestion, int nRows)
 {
-    constexpr size_t        cbGuard = 256;
-    constexpr unsigned char bGuard  = 0xCD;
+    constexpr size_t cbGuard = 256;
+    constexpr unsigned char bGuard = 0xCD;
     if (nRows <= 0) {
         return "-";
     }
-    const size_t               cbRows = CapabilityRowSize(nQuestion) * static_cast<size_t>(nRows);
+    const size_t cbRows = CapabilityRowSize(nQuestion) * static_cast<size_t>(nRows);
     std::vector<unsigned char> block(cbRows + cbGuard);
     std::fill(block.begin() + static_cast<std::ptrdiff_t>(cbRows), block.end(), bGuard);
     const int nFilled = call(nQuestion, block.data());

@@ -51,7 +51,7 @@ CapabilityCall ByApplication(const InstalledPrinter& printer)
 
 std::vector<std::string> ReadLines(const fs::path& path)
 {
-    std::ifstream            file(path);
+    std::ifstream file(path);
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) {
@@ -85,7 +85,7 @@ void ExpectSameLines(const std::vector<std::string>& found, const std::vector<st
 
 template <typename Value> std::vector<Value> Rows(const CapabilityCall& call, int nQuestion)
 {
-    const int          nRows = call(nQuestion, nullptr);
+    const int nRows = call(nQuestion, nullptr);
     std::vector<Value> rows(nRows > 0 ? static_cast<size_t>(nRows) : 0);
     EXPECT_EQ(call(nQuestion, rows.data()), nRows);
     return rows;
@@ -99,7 +99,7 @@ BOOL AddUserForm(HANDLE hPrinter, const WCHAR* wcName, LONG lWidth, LONG lLength
 
 class EveryModel : public ::testing::TestWithParam<std::string> {};
 
-}
+} // namespace
 
 /* The library as it ships, without the supplement: everything that does not need the missing calls. */
 TEST(ShippedPackage, InstallsAndAnswers)
@@ -114,8 +114,8 @@ TEST(ShippedPackage, InstallsAndAnswers)
 
 TEST_P(EveryModel, LiesInTheSpoolerAsTheInfSays)
 {
-    const InfModel&          model   = FindInfModel(Models(), GetParam());
-    const InstalledPrinter   printer = Install(GetParam());
+    const InfModel& model = FindInfModel(Models(), GetParam());
+    const InstalledPrinter printer = Install(GetParam());
     std::vector<std::string> found;
     for (const fs::path& tcFile : printer.Files()) {
         EXPECT_TRUE(fs::exists(tcFile)) << tcFile;
@@ -129,7 +129,7 @@ TEST_P(EveryModel, LiesInTheSpoolerAsTheInfSays)
 
 TEST_P(EveryModel, AnswersAsTheHostedBuild)
 {
-    const InfModel&        model   = FindInfModel(Models(), GetParam());
+    const InfModel& model = FindInfModel(Models(), GetParam());
     const InstalledPrinter printer = Install(GetParam());
     EXPECT_EQ(DocumentPropertiesW(nullptr, printer.Handle(), const_cast<LPWSTR>(printer.Name()), nullptr,
                                   nullptr, 0),
@@ -159,19 +159,19 @@ INSTANTIATE_TEST_SUITE_P(Package, EveryModel, ::testing::ValuesIn([] {
 TEST(UserForms, ArePapersBehindTheModels)
 {
     const InstalledPrinter printer = Install("Halden T410A");
-    const InstalledPrinter other   = Install("Quill P5");
-    const auto             before  = Rows<WORD>(ByHandle(printer), DC_PAPERS);
-    const auto             without = Rows<WORD>(ByHandle(other), DC_PAPERS);
+    const InstalledPrinter other = Install("Quill P5");
+    const auto before = Rows<WORD>(ByHandle(printer), DC_PAPERS);
+    const auto without = Rows<WORD>(ByHandle(other), DC_PAPERS);
 
     ASSERT_TRUE(AddUserForm(printer.Handle(), L"Zoning map", 150000, 400000));
     ASSERT_TRUE(AddUserForm(printer.Handle(), L"Bookmark", 100996, 200004));
     const auto papers = Rows<WORD>(ByHandle(printer), DC_PAPERS);
-    const auto sizes  = Rows<POINT>(ByHandle(printer), DC_PAPERSIZE);
+    const auto sizes = Rows<POINT>(ByHandle(printer), DC_PAPERSIZE);
     struct Name {
         WCHAR wcText[64];
     };
-    const auto names    = Rows<Name>(ByHandle(printer), DC_PAPERNAMES);
-    const auto seen     = Rows<WORD>(ByApplication(printer), DC_PAPERS);
+    const auto names = Rows<Name>(ByHandle(printer), DC_PAPERNAMES);
+    const auto seen = Rows<WORD>(ByApplication(printer), DC_PAPERS);
     const auto stillNot = Rows<WORD>(ByHandle(other), DC_PAPERS);
     EXPECT_TRUE(DeleteFormW(printer.Handle(), const_cast<LPWSTR>(L"Zoning map")));
     EXPECT_TRUE(DeleteFormW(printer.Handle(), const_cast<LPWSTR>(L"Bookmark")));
@@ -196,8 +196,8 @@ TEST(UserForms, ArePapersBehindTheModels)
 /* What the supplement has to do itself: the library's tests stand on it. */
 TEST(Supplement, KeepsFormsValuesAndProcessors)
 {
-    const InstalledPrinter printer  = Install("Ostra K100");
-    const HANDLE           hPrinter = printer.Handle();
+    const InstalledPrinter printer = Install("Ostra K100");
+    const HANDLE hPrinter = printer.Handle();
 
     EXPECT_FALSE(AddUserForm(hPrinter, L"A4", 100000, 100000)) << "a form of the system's has that name";
     ASSERT_TRUE(AddUserForm(hPrinter, L"Ticket", 80000, 150000));
@@ -237,7 +237,7 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
     const auto processors = [] {
         DWORD cb = 0, nRows = 0;
         EnumPrintProcessorsW(nullptr, nullptr, 1, nullptr, 0, &cb, &nRows);
-        std::vector<BYTE>         rows(cb);
+        std::vector<BYTE> rows(cb);
         std::vector<std::wstring> processorNames;
         EXPECT_TRUE(EnumPrintProcessorsW(nullptr, nullptr, 1, rows.data(), cb, &cb, &nRows));
         for (DWORD n = 0; n < nRows; n++) {
@@ -257,7 +257,7 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
     const auto query = reinterpret_cast<BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*)>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"TQUISPOO.DRV"), "DevQueryPrint")));
     ASSERT_TRUE(query);
-    DWORD    dwMessage = 99;
+    DWORD dwMessage = 99;
     DEVMODEW record{};
     EXPECT_TRUE(query(hPrinter, &record, &dwMessage));
     EXPECT_EQ(dwMessage, 0u);
@@ -267,7 +267,7 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
 TEST(Canary, DISABLED_IsRed)
 {
     std::vector<std::string> wanted(nCapabilityQuestions, "1 0 -");
-    const auto               found = wanted;
-    wanted[20]                     = "1 1 -";
+    const auto found = wanted;
+    wanted[20] = "1 1 -";
     ExpectSameLines(found, wanted);
 }

@@ -17,7 +17,7 @@ std::wstring Wide(const std::string& text)
     return {text.begin(), text.end()};
 }
 
-}
+} // namespace
 
 fs::path PathFromEnvironment(const char* cVariable)
 {
@@ -56,7 +56,7 @@ void InstalledPrinter::Install(const InfModel& model, const fs::path& tcPackage,
     fs::create_directories(tcFolder);
     for (const std::string& file : AllInfFiles(model)) {
         const fs::path tcFrom = file == model.configFile ? tcLibrary : tcPackage / file;
-        const fs::path tcTo   = fs::path(tcFolder) / file;
+        const fs::path tcTo = fs::path(tcFolder) / file;
         if (!CopyFileW(tcFrom.c_str(), tcTo.c_str(), FALSE)) {
             Fail("copying " + tcFrom.string());
         }
@@ -67,29 +67,29 @@ void InstalledPrinter::Install(const InfModel& model, const fs::path& tcPackage,
     for (const std::string& file : model.dependentFiles) {
         wcDependent += Wide(file) + L'\0';
     }
-    std::wstring   wcDriverFile = Wide(model.driverFile), wcConfigFile = Wide(model.configFile);
-    std::wstring   wcDataFile = Wide(model.dataFile), wcHelpFile = Wide(model.helpFile);
+    std::wstring wcDriverFile = Wide(model.driverFile), wcConfigFile = Wide(model.configFile);
+    std::wstring wcDataFile = Wide(model.dataFile), wcHelpFile = Wide(model.helpFile);
     DRIVER_INFO_3W driver{};
-    driver.cVersion        = 3;
-    driver.pName           = m_wcDriver.data();
-    driver.pDriverPath     = wcDriverFile.data();
-    driver.pConfigFile     = wcConfigFile.data();
-    driver.pDataFile       = wcDataFile.data();
-    driver.pHelpFile       = wcHelpFile.data();
+    driver.cVersion = 3;
+    driver.pName = m_wcDriver.data();
+    driver.pDriverPath = wcDriverFile.data();
+    driver.pConfigFile = wcConfigFile.data();
+    driver.pDataFile = wcDataFile.data();
+    driver.pHelpFile = wcHelpFile.data();
     driver.pDependentFiles = wcDependent.data();
     if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&driver), APD_COPY_ALL_FILES)) {
         Fail("AddPrinterDriverExW");
     }
     m_bDriver = true;
 
-    WCHAR           wcPort[] = L"FILE:", wcProcessor[] = L"winprint", wcDatatype[] = L"RAW";
+    WCHAR wcPort[] = L"FILE:", wcProcessor[] = L"winprint", wcDatatype[] = L"RAW";
     PRINTER_INFO_2W printer{};
-    printer.pPrinterName    = m_wcName.data();
-    printer.pDriverName     = m_wcDriver.data();
-    printer.pPortName       = wcPort;
+    printer.pPrinterName = m_wcName.data();
+    printer.pDriverName = m_wcDriver.data();
+    printer.pPortName = wcPort;
     printer.pPrintProcessor = wcProcessor;
-    printer.pDatatype       = wcDatatype;
-    const HANDLE hAdded     = AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&printer));
+    printer.pDatatype = wcDatatype;
+    const HANDLE hAdded = AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&printer));
     if (!hAdded) {
         Fail("AddPrinterW");
     }

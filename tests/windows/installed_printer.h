@@ -18,15 +18,15 @@ std::filesystem::path PathFromEnvironment(const char* cVariable);
 /* Copies a model's files to the spooler's driver folder, adds the driver and a printer "NAME (test)" on
    FILE:. Throws std::runtime_error with the call and its error code; what was done until then is undone. */
 class InstalledPrinter {
-public:
+  public:
     /* tcLibrary: the file to install as the model's ConfigFile, the shipped one or a test copy. */
     InstalledPrinter(const InfModel& model, const std::filesystem::path& tcPackage,
                      const std::filesystem::path& tcLibrary);
     ~InstalledPrinter();
-    InstalledPrinter(const InstalledPrinter&)            = delete;
+    InstalledPrinter(const InstalledPrinter&) = delete;
     InstalledPrinter& operator=(const InstalledPrinter&) = delete;
 
-    HANDLE       Handle() const { return m_hPrinter; } /* open with all access */
+    HANDLE Handle() const { return m_hPrinter; } /* open with all access */
     const WCHAR* Name() const { return m_wcName.c_str(); }
 
     /* Full paths as the spooler lists them: driver, config, data, help, dependent files. */
@@ -38,16 +38,16 @@ public:
         return reinterpret_cast<Routine>(reinterpret_cast<void*>(GetProcAddress(m_hLibrary, cName)));
     }
 
-private:
+  private:
     void Install(const InfModel& model, const std::filesystem::path& tcPackage,
                  const std::filesystem::path& tcLibrary);
     void Remove();
 
-    std::wstring                       m_wcName, m_wcDriver;
+    std::wstring m_wcName, m_wcDriver;
     std::vector<std::filesystem::path> m_copied;
-    bool                               m_bDriver  = false;
-    HANDLE                             m_hPrinter = nullptr;
-    HMODULE                            m_hLibrary = nullptr;
+    bool m_bDriver = false;
+    HANDLE m_hPrinter = nullptr;
+    HMODULE m_hLibrary = nullptr;
 };
 
 #endif

@@ -13,7 +13,7 @@ namespace {
 
 std::string PackageInf()
 {
-    std::ifstream     file(fs::path(TQUI_SOURCE_DIR) / "package/tqui.inf", std::ios::binary);
+    std::ifstream file(fs::path(TQUI_SOURCE_DIR) / "package/tqui.inf", std::ios::binary);
     std::stringstream text;
     text << file.rdbuf();
     return text.str();
@@ -35,7 +35,7 @@ std::string Refusal(const std::string& text)
 /* The package's INF with one piece replaced, which must be there. */
 std::string Changed(const std::string& piece, const std::string& by)
 {
-    std::string  text  = PackageInf();
+    std::string text = PackageInf();
     const size_t place = text.find(piece);
     if (place == std::string::npos) {
         throw std::logic_error("not in the INF: " + piece);
@@ -49,7 +49,7 @@ int LineOf(const std::string& text, const std::string& piece)
                    text.begin(), text.begin() + static_cast<std::ptrdiff_t>(text.find(piece)), '\n'));
 }
 
-}
+} // namespace
 
 TEST(Package, EveryFileIsFoundByItsOwnNameAlone)
 {
@@ -59,7 +59,7 @@ TEST(Package, EveryFileIsFoundByItsOwnNameAlone)
         EXPECT_EQ(FindAmbiguousNames(model), std::vector<std::string>());
         EXPECT_EQ(model.configFile, "TQUI.dll");
         const fs::path tcModels = fs::path(TQUI_SOURCE_DIR) / "package/models";
-        const auto     has      = [&model](const std::string& name) {
+        const auto has = [&model](const std::string& name) {
             return std::ranges::count(model.dependentFiles, name) == 1;
         };
         EXPECT_TRUE(has(model.section + ".XPI")) << model.name;
@@ -109,7 +109,7 @@ TEST(InfReader, RefusesWithTheLine)
         {"66000", "11", "66000"},
     };
     for (const auto& row : cases) {
-        const std::string text    = Changed(row.cPiece, row.cBy);
+        const std::string text = Changed(row.cPiece, row.cBy);
         const std::string refusal = Refusal(text);
         EXPECT_NE(refusal, "") << "taken: " << row.cBy;
         EXPECT_NE(refusal.find(row.cSays), std::string::npos) << refusal;

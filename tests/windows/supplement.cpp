@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr WCHAR wcPrintKey[]       = L"SYSTEM\\CurrentControlSet\\Control\\Print\\";
-constexpr WCHAR wcFormsKey[]       = L"SYSTEM\\CurrentControlSet\\Control\\Print\\Forms";
+constexpr WCHAR wcPrintKey[] = L"SYSTEM\\CurrentControlSet\\Control\\Print\\";
+constexpr WCHAR wcFormsKey[] = L"SYSTEM\\CurrentControlSet\\Control\\Print\\Forms";
 constexpr WCHAR wcOwnEnvironment[] = L"Windows x64";
 
 constexpr DWORD ERROR_NO_SUCH_FORM = ERROR_INVALID_FORM_NAME;
@@ -30,7 +30,7 @@ struct StoredForm {
 
 struct NamedForm {
     std::wstring wcName;
-    StoredForm   form;
+    StoredForm form;
 };
 
 /* The system's own routine of a name, past this DLL. */
@@ -64,7 +64,7 @@ std::wstring PrinterName(HANDLE hPrinter)
 std::vector<NamedForm> ReadForms()
 {
     std::vector<NamedForm> forms;
-    HKEY                   hForms = nullptr;
+    HKEY hForms = nullptr;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, wcFormsKey, 0, KEY_READ, &hForms) != ERROR_SUCCESS) {
         return forms;
     }
@@ -75,7 +75,7 @@ std::vector<NamedForm> ReadForms()
             break;
         }
         NamedForm form{wcName, {}};
-        DWORD     cbForm = sizeof form.form;
+        DWORD cbForm = sizeof form.form;
         if (RegGetValueW(hForms, wcName, L"Form", RRF_RT_REG_BINARY, nullptr, &form.form, &cbForm) ==
                 ERROR_SUCCESS &&
             cbForm == sizeof form.form) {
@@ -94,8 +94,8 @@ std::vector<NamedForm> ReadForms()
 DWORD ReadSystemForms(HANDLE hPrinter, std::vector<BYTE>* pBlock, DWORD* pnForms)
 {
     const auto enumForms = Original<decltype(&EnumFormsW)>("EnumFormsW");
-    DWORD      cbNeeded  = 0;
-    *pnForms             = 0;
+    DWORD cbNeeded = 0;
+    *pnForms = 0;
     if (enumForms(hPrinter, 1, nullptr, 0, &cbNeeded, pnForms)) {
         return ERROR_SUCCESS;
     }
@@ -114,7 +114,7 @@ std::wstring ProcessorKey(const WCHAR* wcEnvironment, const WCHAR* wcProcessor)
            wcProcessor;
 }
 
-}
+} // namespace
 
 extern "C" {
 
@@ -125,8 +125,8 @@ DWORD WINAPI Supply_DeletePrinterDataW(HANDLE hPrinter, LPWSTR wcValue)
         return ERROR_INVALID_HANDLE;
     }
     const std::wstring wcKey = std::wstring(wcPrintKey) + L"Printers\\" + wcPrinter + L"\\PrinterDriverData";
-    HKEY               hKey  = nullptr;
-    LSTATUS            lDone = RegOpenKeyExW(HKEY_LOCAL_MACHINE, wcKey.c_str(), 0, KEY_SET_VALUE, &hKey);
+    HKEY hKey = nullptr;
+    LSTATUS lDone = RegOpenKeyExW(HKEY_LOCAL_MACHINE, wcKey.c_str(), 0, KEY_SET_VALUE, &hKey);
     if (lDone == ERROR_SUCCESS) {
         lDone = RegDeleteValueW(hKey, wcValue);
         RegCloseKey(hKey);
@@ -145,7 +145,7 @@ BOOL WINAPI Supply_AddFormW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pForm)
         return Answer(ERROR_INVALID_PARAMETER);
     }
     std::vector<BYTE> block;
-    DWORD             nSystem = 0;
+    DWORD nSystem = 0;
     if (const DWORD dwError = ReadSystemForms(hPrinter, &block, &nSystem)) {
         return Answer(dwError);
     }
@@ -187,9 +187,9 @@ BOOL WINAPI Supply_EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD
                                                              pnReturned);
     }
     std::vector<BYTE> block;
-    DWORD             nSystem = 0;
-    *pcbNeeded                = 0;
-    *pnReturned               = 0;
+    DWORD nSystem = 0;
+    *pcbNeeded = 0;
+    *pnReturned = 0;
     if (const DWORD dwError = ReadSystemForms(hPrinter, &block, &nSystem)) {
         return Answer(dwError);
     }
@@ -207,7 +207,7 @@ BOOL WINAPI Supply_EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD
         cbNames += (wcslen(row.pName) + 1) * sizeof(WCHAR);
     }
     const size_t cbRows = rows.size() * sizeof(FORM_INFO_1W);
-    *pcbNeeded          = static_cast<DWORD>(cbRows + cbNames);
+    *pcbNeeded = static_cast<DWORD>(cbRows + cbNames);
     if (cbOut < cbRows + cbNames || !pOut) {
         return Answer(ERROR_INSUFFICIENT_BUFFER);
     }

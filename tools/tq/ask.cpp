@@ -12,11 +12,11 @@
 namespace {
 
 constexpr size_t GUARD_BYTES = 64;
-constexpr u8     GUARD_BYTE  = 0xA5;
+constexpr u8 GUARD_BYTE = 0xA5;
 
 struct Question {
     const char* cName;
-    size_t      cbRow; /* 0: a number */
+    size_t cbRow; /* 0: a number */
 };
 constexpr Question aQuestions[] = {
     {"", 0},
@@ -59,13 +59,13 @@ constexpr Question aQuestions[] = {
 static_assert(std::size(aQuestions) == LAST_QUESTION + 1);
 
 struct Field {
-    DWORD       dwBit;
+    DWORD dwBit;
     const char* cName;
 };
-constexpr Field aFields[] = {{0x1, "orientation"},    {0x2, "paper size"},      {0x4, "length"},
-                             {0x8, "width"},          {0x100, "copies"},        {0x200, "source"},
-                             {0x400, "quality"},      {0x800, "colour"},        {0x1000, "duplex"},
-                             {0x2000, "y resolution"}, {0x4000, "TrueType"},    {0x8000, "collate"},
+constexpr Field aFields[] = {{0x1, "orientation"},     {0x2, "paper size"},       {0x4, "length"},
+                             {0x8, "width"},           {0x100, "copies"},         {0x200, "source"},
+                             {0x400, "quality"},       {0x800, "colour"},         {0x1000, "duplex"},
+                             {0x2000, "y resolution"}, {0x4000, "TrueType"},      {0x8000, "collate"},
                              {0x800000, "ICM method"}, {0x1000000, "ICM intent"}, {0x2000000, "media type"}};
 
 template <class Number> Number Take(const Bytes& rows, size_t nAt)
@@ -99,12 +99,16 @@ std::string Millimetres(i32 lTenths)
 std::string Explain(const CapabilityAnswer& answer, size_t nRow)
 {
     size_t cbRow = RowBytes(answer.wQuestion);
-    size_t nAt   = nRow * cbRow;
+    size_t nAt = nRow * cbRow;
     switch (answer.wQuestion) {
     case DC_PAPERS:
     case DC_BINS: return std::to_string(Take<i16>(answer.rows, nAt));
-    case DC_PAPERSIZE: return Millimetres(Take<i32>(answer.rows, nAt)) + " x " + Millimetres(Take<i32>(answer.rows, nAt + 4)) + " mm";
-    case DC_ENUMRESOLUTIONS: return std::to_string(Take<i32>(answer.rows, nAt)) + " x " + std::to_string(Take<i32>(answer.rows, nAt + 4));
+    case DC_PAPERSIZE:
+        return Millimetres(Take<i32>(answer.rows, nAt)) + " x " +
+               Millimetres(Take<i32>(answer.rows, nAt + 4)) + " mm";
+    case DC_ENUMRESOLUTIONS:
+        return std::to_string(Take<i32>(answer.rows, nAt)) + " x " +
+               std::to_string(Take<i32>(answer.rows, nAt + 4));
     case DC_NUP:
     case DC_MEDIATYPES: return std::to_string(Take<u32>(answer.rows, nAt));
     default: return "\"" + RowText(answer.rows, nAt, cbRow) + "\"";
@@ -113,7 +117,7 @@ std::string Explain(const CapabilityAnswer& answer, size_t nRow)
 
 std::string ExplainNumber(const CapabilityAnswer& answer)
 {
-    char   cText[64];
+    char cText[64];
     DWORD dwResult = answer.dwResult;
     switch (answer.wQuestion) {
     case DC_FIELDS: {
@@ -128,7 +132,8 @@ std::string ExplainNumber(const CapabilityAnswer& answer)
     }
     case DC_MINEXTENT:
     case DC_MAXEXTENT:
-        return Millimetres(static_cast<i16>(dwResult & 0xFFFF)) + " x " + Millimetres(static_cast<i16>(dwResult >> 16)) + " mm";
+        return Millimetres(static_cast<i16>(dwResult & 0xFFFF)) + " x " +
+               Millimetres(static_cast<i16>(dwResult >> 16)) + " mm";
     case DC_DUPLEX:
     case DC_STAPLE:
     case DC_COLORDEVICE:
@@ -157,26 +162,29 @@ size_t RowBytes(WORD wQuestion)
 
 CapabilityAnswer AskCapability(HANDLE hPrinter, const WideText& wcPrinter, WORD wQuestion)
 {
-    WideText         wcName = wcPrinter;
-    LPWSTR           pName  = wcName.empty() ? nullptr : wcName.data();
-    CapabilityAnswer answer = {wQuestion, DrvDeviceCapabilities(hPrinter, pName, wQuestion, nullptr, nullptr), {}};
-    size_t           cbRow  = RowBytes(wQuestion);
+    WideText wcName = wcPrinter;
+    LPWSTR pName = wcName.empty() ? nullptr : wcName.data();
+    CapabilityAnswer answer = {
+        wQuestion, DrvDeviceCapabilities(hPrinter, pName, wQuestion, nullptr, nullptr), {}};
+    size_t cbRow = RowBytes(wQuestion);
     if (!cbRow || !answer.dwResult) {
         return answer;
     }
     size_t cb = cbRow * answer.dwResult;
-    Bytes  buffer(cb + 2 * GUARD_BYTES, GUARD_BYTE);
+    Bytes buffer(cb + 2 * GUARD_BYTES, GUARD_BYTE);
     std::fill(buffer.begin() + GUARD_BYTES, buffer.end() - GUARD_BYTES, static_cast<u8>(0));
     DWORD dwFilled = DrvDeviceCapabilities(hPrinter, pName, wQuestion, buffer.data() + GUARD_BYTES, nullptr);
-    bool  bWhole   = std::all_of(buffer.begin(), buffer.begin() + GUARD_BYTES, [](u8 b) { return b == GUARD_BYTE; }) &&
-                  std::all_of(buffer.end() - GUARD_BYTES, buffer.end(), [](u8 b) { return b == GUARD_BYTE; });
+    bool bWhole =
+        std::all_of(buffer.begin(), buffer.begin() + GUARD_BYTES, [](u8 b) { return b == GUARD_BYTE; }) &&
+        std::all_of(buffer.end() - GUARD_BYTES, buffer.end(), [](u8 b) { return b == GUARD_BYTE; });
     if (!bWhole) {
         std::fprintf(stderr, "%s wrote outside its %zu bytes\n", QuestionName(wQuestion), cb);
         std::abort();
     }
     answer.dwResult = dwFilled;
-    answer.rows     = Bytes(buffer.begin() + GUARD_BYTES,
-                            buffer.begin() + static_cast<std::ptrdiff_t>(GUARD_BYTES + std::min(cb, cbRow * dwFilled)));
+    answer.rows =
+        Bytes(buffer.begin() + GUARD_BYTES,
+              buffer.begin() + static_cast<std::ptrdiff_t>(GUARD_BYTES + std::min(cb, cbRow * dwFilled)));
     return answer;
 }
 
@@ -194,7 +202,7 @@ std::string RawLine(const CapabilityAnswer& answer)
 std::string ReadableLines(const std::vector<CapabilityAnswer>& answers)
 {
     constexpr size_t INDENT = 27, WIDTH = 110;
-    std::string      text;
+    std::string text;
     for (const CapabilityAnswer& answer : answers) {
         char cHead[64];
         std::snprintf(cHead, sizeof cHead, " %2d  %-22s", answer.wQuestion, QuestionName(answer.wQuestion));

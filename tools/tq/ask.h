@@ -10,7 +10,7 @@
 constexpr WORD FIRST_QUESTION = DC_FIELDS, LAST_QUESTION = DC_MEDIATYPES;
 
 struct CapabilityAnswer {
-    WORD  wQuestion;
+    WORD wQuestion;
     DWORD dwResult;
     Bytes rows; /* what was filled: dwResult rows of the question's width; empty for plain numbers */
 };

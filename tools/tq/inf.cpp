@@ -12,16 +12,16 @@ namespace {
 /* "key = value" (key empty for a line that is a list entry) with the line it stands on. */
 struct InfLine {
     std::string key, value;
-    int         nLine;
+    int nLine;
 };
 using InfSection = std::vector<InfLine>;
 
 struct InfFile {
-    std::string                        name;
-    std::map<std::string, InfSection>  sections;     /* by name in capitals */
-    std::map<std::string, int>         sectionLines; /* the same */
-    std::map<std::string, std::string> strings;      /* by key in capitals */
-    std::set<std::string>              used;         /* sections that somebody asked for */
+    std::string name;
+    std::map<std::string, InfSection> sections; /* by name in capitals */
+    std::map<std::string, int> sectionLines;    /* the same */
+    std::map<std::string, std::string> strings; /* by key in capitals */
+    std::set<std::string> used;                 /* sections that somebody asked for */
 
     [[noreturn]] void Fail(int nLine, const std::string& sentence) const
     {
@@ -83,8 +83,8 @@ std::string Resolve(const InfFile& inf, const std::string& text, int nLine)
 std::vector<std::string> Split(const InfFile& inf, const InfLine& line)
 {
     std::vector<std::string> parts;
-    std::string              part;
-    bool                     bQuoted = false;
+    std::string part;
+    bool bQuoted = false;
     for (const char c : line.value + ",") {
         bQuoted = bQuoted != (c == '"');
         if (c == ',' && !bQuoted) {
@@ -123,7 +123,7 @@ InfFile ReadLines(const std::filesystem::path& path)
             if (line.back() != ']' || section.empty() || inf.sections.contains(section)) {
                 inf.Fail(nLine, "not a section, or one that was there before: " + line);
             }
-            pSection                  = &inf.sections[section];
+            pSection = &inf.sections[section];
             inf.sectionLines[section] = nLine;
         } else if (!pSection) {
             inf.Fail(nLine, "a line before the first section");
@@ -203,7 +203,7 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
 {
     const auto keys =
         Keys(inf, section, nLine, {"DRIVERFILE", "CONFIGFILE", "DATAFILE", "HELPFILE", "COPYFILES"});
-    InfModel                         model{name,
+    InfModel model{name,
                    section,
                    Single(inf, keys.at("DRIVERFILE")),
                    Single(inf, keys.at("CONFIGFILE")),
@@ -212,7 +212,7 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
                    {}};
     const std::array<std::string, 4> four = {model.driverFile, model.configFile, model.dataFile,
                                              model.helpFile};
-    std::set<std::string>            copied;
+    std::set<std::string> copied;
     for (const std::string& list : Split(inf, keys.at("COPYFILES"))) {
         for (const InfLine& line : Section(inf, list, keys.at("COPYFILES").nLine)) {
             const std::string file = line.key.empty() ? Single(inf, line) : "";
@@ -260,7 +260,7 @@ void CheckSourceFiles(InfFile& inf, const std::vector<InfModel>& models)
     }
 }
 
-}
+} // namespace
 
 std::vector<InfModel> ReadInf(const std::filesystem::path& path)
 {
@@ -274,15 +274,15 @@ std::vector<InfModel> ReadInf(const std::filesystem::path& path)
     CheckHead(inf);
 
     std::vector<InfModel> models;
-    const InfSection&     makers = Section(inf, "Manufacturer", 0);
+    const InfSection& makers = Section(inf, "Manufacturer", 0);
     for (const InfLine& maker : makers) {
         const auto list = Split(inf, maker);
         if (list.size() != 2 || Upper(list[1]) != "NTAMD64") {
             inf.Fail(maker.nLine, "the models' section and NTamd64 are expected");
         }
         for (const InfLine& line : Section(inf, list[0] + "." + list[1], maker.nLine)) {
-            const std::string name  = Resolve(inf, line.key, line.nLine);
-            const auto        words = Split(inf, line);
+            const std::string name = Resolve(inf, line.key, line.nLine);
+            const auto words = Split(inf, line);
             if (name.empty() || words.size() != 2) {
                 inf.Fail(line.nLine, "a model is \"name\" = section, hardware id");
             }
@@ -333,7 +333,7 @@ std::vector<std::string> FindAmbiguousNames(const InfModel& model)
     std::vector<std::string> findings;
     for (const std::string& piece : SearchedNames()) {
         std::string found;
-        int         nFound = 0;
+        int nFound = 0;
         for (const std::string& file : AllInfFiles(model)) {
             if (Upper(file).find(piece) != std::string::npos) {
                 found += " " + file;

@@ -12,9 +12,9 @@
 
 /* One printer. File names without folder, spelled as in the INF. */
 struct InfModel {
-    std::string              name;    /* driver name, as the user sees it */
-    std::string              section; /* install section: the stem of its own files */
-    std::string              driverFile, configFile, dataFile, helpFile;
+    std::string name;    /* driver name, as the user sees it */
+    std::string section; /* install section: the stem of its own files */
+    std::string driverFile, configFile, dataFile, helpFile;
     std::vector<std::string> dependentFiles; /* in the order of CopyFiles, without the four */
 };
 

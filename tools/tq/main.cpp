@@ -16,8 +16,8 @@ struct CapsOptions {
     std::string what;
     std::string package = TQUI_SAMPLES;
     std::string language = "0409";
-    bool        bMetric = false;
-    bool        bRaw    = false;
+    bool bMetric = false;
+    bool bRaw = false;
 };
 
 int RunCaps(const CapsOptions& options)
@@ -27,11 +27,12 @@ int RunCaps(const CapsOptions& options)
     SetUserLanguage(static_cast<u16>(std::stoul(options.language, nullptr, 16)));
     SetLocaleValue(u"iMeasure", options.bMetric ? u"0" : u"1");
     PrinterSetup setup;
-    fs::path     path(options.what);
+    fs::path path(options.what);
     if (fs::is_regular_file(path)) {
         setup = InstallDescription(Widen(path.stem().string()), ReadDiskFile(path), options.package);
     } else {
-        setup = InstallSample(FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.what), options.package);
+        setup = InstallSample(FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.what),
+                              options.package);
     }
     std::vector<CapabilityAnswer> answers;
     {
@@ -55,16 +56,26 @@ int RunCaps(const CapsOptions& options)
 
 int main(int argc, char** argv)
 {
-    CLI::App    app("Shows what the printer driver interface makes of a printer description.", "tq");
+    CLI::App app("Shows what the printer driver interface makes of a printer description.", "tq");
     CapsOptions caps;
     std::string lintFile;
     app.require_subcommand(1);
 
     CLI::App* pCaps = app.add_subcommand("caps", "All 35 capability answers of a printer");
-    pCaps->add_option("printer", caps.what, "A description file (.XPI), or a sample's name or section of the INF")->required();
-    pCaps->add_option("--package", caps.package, "Folder with tqui.inf, descriptions and language libraries")->check(CLI::ExistingDirectory);
-    pCaps->add_option("--language", caps.language, "Language id of the user, four hex digits (0407 German, 0409 English)")
-        ->check([](const std::string& text) { return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos ? std::string() : "not four hex digits: " + text; });
+    pCaps
+        ->add_option("printer", caps.what,
+                     "A description file (.XPI), or a sample's name or section of the INF")
+        ->required();
+    pCaps->add_option("--package", caps.package, "Folder with tqui.inf, descriptions and language libraries")
+        ->check(CLI::ExistingDirectory);
+    pCaps
+        ->add_option("--language", caps.language,
+                     "Language id of the user, four hex digits (0407 German, 0409 English)")
+        ->check([](const std::string& text) {
+            return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos
+                       ? std::string()
+                       : "not four hex digits: " + text;
+        });
     pCaps->add_flag("--metric", caps.bMetric, "The user's locale is metric");
     pCaps->add_flag("--raw", caps.bRaw, "One line a question: number, result, rows in hex");
 

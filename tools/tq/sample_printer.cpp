@@ -33,12 +33,12 @@ Bytes ReadDiskFile(const std::filesystem::path& path)
 PrinterSetup InstallSample(const InfModel& model, const std::filesystem::path& folder)
 {
     PrinterSetup setup;
-    setup.wcName       = Widen(model.name);
+    setup.wcName = Widen(model.name);
     setup.wcDriverName = setup.wcName;
     setup.tcDriverPath = DriverFile(model.driverFile, folder);
     setup.tcConfigFile = DriverFile(model.configFile, folder);
-    setup.tcDataFile   = DriverFile(model.dataFile, folder);
-    setup.tcHelpFile   = model.helpFile.empty() ? WideText() : DriverFile(model.helpFile, folder);
+    setup.tcDataFile = DriverFile(model.dataFile, folder);
+    setup.tcHelpFile = model.helpFile.empty() ? WideText() : DriverFile(model.helpFile, folder);
     for (const std::string& file : model.dependentFiles) {
         setup.atcDependentFiles.push_back(DriverFile(file, folder));
     }
@@ -46,15 +46,16 @@ PrinterSetup InstallSample(const InfModel& model, const std::filesystem::path& f
     return setup;
 }
 
-PrinterSetup InstallDescription(const WideText& wcName, const Bytes& description, const std::filesystem::path& folder)
+PrinterSetup InstallDescription(const WideText& wcName, const Bytes& description,
+                                const std::filesystem::path& folder)
 {
     PrinterSetup setup;
-    setup.wcName       = wcName;
+    setup.wcName = wcName;
     setup.wcDriverName = wcName;
     setup.tcDriverPath = wcDriverFolder + WideText(u"DRIVER.DLL");
     setup.tcConfigFile = wcDriverFolder + WideText(u"TQUI.DLL");
-    setup.tcDataFile   = wcDriverFolder + WideText(u"FONTS.FDF");
-    WideText tcXpi     = wcDriverFolder + WideText(u"MODEL.XPI");
+    setup.tcDataFile = wcDriverFolder + WideText(u"FONTS.FDF");
+    WideText tcXpi = wcDriverFolder + WideText(u"MODEL.XPI");
     PutFile(tcXpi, description);
     setup.atcDependentFiles.push_back(tcXpi);
     for (const char* cLibrary : {"TXT.DLL", "ENUS.DLL"}) {
@@ -68,9 +69,9 @@ PrinterSetup InstallDescription(const WideText& wcName, const Bytes& description
 
 OpenSample::OpenSample(const WideText& wcName) : hPrinter(nullptr)
 {
-    WideText          wcCopy   = wcName;
+    WideText wcCopy = wcName;
     PRINTER_DEFAULTSW defaults = {};
-    defaults.DesiredAccess     = PRINTER_ACCESS_USE;
+    defaults.DesiredAccess = PRINTER_ACCESS_USE;
     if (!OpenPrinterW(wcCopy.data(), &hPrinter, &defaults)) {
         throw std::runtime_error("no printer \"" + Narrow(wcName) + "\" on this machine");
     }

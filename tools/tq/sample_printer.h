@@ -16,7 +16,8 @@ PrinterSetup InstallSample(const InfModel& model, const std::filesystem::path& f
 
 /* A printer of this name whose driver has one dependent file, the description with these bytes, and the two
    language libraries that the folder holds, if any. */
-PrinterSetup InstallDescription(const WideText& wcName, const Bytes& description, const std::filesystem::path& folder);
+PrinterSetup InstallDescription(const WideText& wcName, const Bytes& description,
+                                const std::filesystem::path& folder);
 
 /* Bytes of a file of this disk. Throws std::runtime_error when it cannot be read. */
 Bytes ReadDiskFile(const std::filesystem::path& path);
@@ -26,7 +27,7 @@ struct OpenSample {
     HANDLE hPrinter;
     explicit OpenSample(const WideText& wcName);
     ~OpenSample();
-    OpenSample(const OpenSample&)            = delete;
+    OpenSample(const OpenSample&) = delete;
     OpenSample& operator=(const OpenSample&) = delete;
 };
 

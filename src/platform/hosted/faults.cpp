@@ -11,14 +11,14 @@ constexpr const char* aCallNames[] = {
 #undef CALL_TEXT
 };
 
-int       anCounts[CALL_COUNT];
-CallId    faultCall  = ANY_CALL;
-int       nFaultIn   = 0; /* calls left until the fault; 0: none set */
-FaultMode faultMode  = FAIL_ONCE;
-int       bFailing   = 0; /* FAIL_FROM_THERE has begun */
-int       nFailed    = 0;
-LieKind   lieKind    = LIE_NONE;
-CallId    lieCall    = ANY_CALL;
+int anCounts[CALL_COUNT];
+CallId faultCall = ANY_CALL;
+int nFaultIn = 0; /* calls left until the fault; 0: none set */
+FaultMode faultMode = FAIL_ONCE;
+int bFailing = 0; /* FAIL_FROM_THERE has begun */
+int nFailed = 0;
+LieKind lieKind = LIE_NONE;
+CallId lieCall = ANY_CALL;
 
 } // namespace
 
@@ -42,10 +42,10 @@ int CallCount(CallId call)
 void FailCall(CallId call, int nTh, FaultMode mode)
 {
     faultCall = call;
-    nFaultIn  = nTh;
+    nFaultIn = nTh;
     faultMode = mode;
-    bFailing  = 0;
-    nFailed   = 0;
+    bFailing = 0;
+    nFailed = 0;
 }
 
 int StopFaults()

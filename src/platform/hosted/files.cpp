@@ -15,35 +15,35 @@
 namespace {
 
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
-constexpr DWORD ERROR_NOACCESS             = 998;
+constexpr DWORD ERROR_NOACCESS = 998;
 
-constexpr DWORD GENERIC_ALL     = 0x10000000;
-constexpr DWORD FILE_READ_DATA  = 1;
+constexpr DWORD GENERIC_ALL = 0x10000000;
+constexpr DWORD FILE_READ_DATA = 1;
 constexpr DWORD FILE_WRITE_DATA = 2;
 
-constexpr size_t PATH_LIMIT   = 259; /* characters of a path without its NUL */
+constexpr size_t PATH_LIMIT = 259;   /* characters of a path without its NUL */
 constexpr size_t FOLDER_LIMIT = 247; /* a folder leaves room for a file name of 8.3 in it */
-constexpr i64    HUGE_SIZE    = i64{1} << 40;
+constexpr i64 HUGE_SIZE = i64{1} << 40;
 
 struct ResolvedPath {
-    DWORD       dwError     = 0; /* why the path cannot be one */
-    bool        bNeedFolder = false; /* ends in a separator */
+    DWORD dwError = 0;        /* why the path cannot be one */
+    bool bNeedFolder = false; /* ends in a separator */
     std::string host;
 };
 
 struct OpenFile {
-    int   nDescriptor = -1; /* -1: the slot is free */
-    u32   ulSerial    = 0;  /* of the handle, so that a closed one never lives again */
-    u64   ulDevice    = 0;
-    u64   ulNode      = 0;
-    DWORD dwAccess    = 0; /* FILE_READ_DATA, FILE_WRITE_DATA */
-    DWORD dwShare     = 0;
-    i64   lPosition   = 0;
+    int nDescriptor = -1; /* -1: the slot is free */
+    u32 ulSerial = 0;     /* of the handle, so that a closed one never lives again */
+    u64 ulDevice = 0;
+    u64 ulNode = 0;
+    DWORD dwAccess = 0; /* FILE_READ_DATA, FILE_WRITE_DATA */
+    DWORD dwShare = 0;
+    i64 lPosition = 0;
 };
 
 struct Files {
     std::vector<OpenFile> open;
-    u32                   ulLastSerial = 0;
+    u32 ulLastSerial = 0;
 };
 
 Files& files()
@@ -83,9 +83,9 @@ bool IsUsableName(std::u16string_view wcName)
 /* Takes the next name and the separators behind it off the path. */
 std::u16string_view TakeName(std::u16string_view* pRest, bool* pbLast)
 {
-    size_t              nEnd   = std::min(pRest->find_first_of(u"\\/"), pRest->size());
+    size_t nEnd = std::min(pRest->find_first_of(u"\\/"), pRest->size());
     std::u16string_view wcName = pRest->substr(0, nEnd);
-    *pbLast                    = nEnd == pRest->size();
+    *pbLast = nEnd == pRest->size();
     pRest->remove_prefix(std::min(pRest->find_first_not_of(u"\\/", nEnd), pRest->size()));
     return wcName;
 }
@@ -95,9 +95,9 @@ std::u16string_view TakeName(std::u16string_view* pRest, bool* pbLast)
 DWORD ResolveNames(std::u16string_view wcRest, std::vector<std::u16string_view>* pNames, bool* pbNeedFolder)
 {
     while (!wcRest.empty()) {
-        bool                bLast;
+        bool bLast;
         std::u16string_view wcName = TakeName(&wcRest, &bLast);
-        *pbNeedFolder              = !bLast;
+        *pbNeedFolder = !bLast;
         if (wcName.empty() || wcName == u".") {
             continue;
         }
@@ -143,7 +143,7 @@ DWORD ResolveStart(std::u16string_view* pRest, WideText* pStart)
     }
     pStart->assign(u"/unc");
     for (int i = 0; i < 2; i++) {
-        bool                bLast;
+        bool bLast;
         std::u16string_view wcName = TakeName(pRest, &bLast);
         if (wcName.find_first_not_of(u". ") == std::u16string_view::npos || !IsUsableName(wcName)) {
             return ERROR_PATH_NOT_FOUND;
@@ -160,7 +160,7 @@ ResolvedPath Resolve(std::u16string_view wcPath)
         resolved.dwError = ERROR_PATH_NOT_FOUND;
         return resolved;
     }
-    WideText                         wcHost;
+    WideText wcHost;
     std::vector<std::u16string_view> names;
     resolved.dwError = ResolveStart(&wcPath, &wcHost);
     if (!resolved.dwError) {
@@ -189,8 +189,8 @@ HANDLE HandleOf(size_t nSlot, u32 ulSerial)
 
 OpenFile* FindFile(HANDLE hFile)
 {
-    u64    ulHandle = reinterpret_cast<u64>(hFile);
-    size_t nSlot    = (ulHandle & 0xFFFFFF) >> 2;
+    u64 ulHandle = reinterpret_cast<u64>(hFile);
+    size_t nSlot = (ulHandle & 0xFFFFFF) >> 2;
     if (nSlot >= files().open.size()) {
         return nullptr;
     }
@@ -215,15 +215,15 @@ bool Excludes(DWORD dwShare, DWORD dwData)
 
 HANDLE KeepFile(const OpenFile& opened)
 {
-    std::vector<OpenFile>& open  = files().open;
-    size_t                 nSlot = 0;
+    std::vector<OpenFile>& open = files().open;
+    size_t nSlot = 0;
     while (nSlot < open.size() && open[nSlot].nDescriptor >= 0) {
         nSlot++;
     }
     if (nSlot == open.size()) {
         open.emplace_back();
     }
-    open[nSlot]          = opened;
+    open[nSlot] = opened;
     open[nSlot].ulSerial = ++files().ulLastSerial;
     liveCounts.nFiles++;
     return HandleOf(nSlot, open[nSlot].ulSerial);
@@ -233,8 +233,8 @@ HANDLE KeepFile(const OpenFile& opened)
 int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWORD dwAttributes, bool* pbMade)
 {
     bool bMakes = dwDisposition != OPEN_EXISTING && dwDisposition != TRUNCATE_EXISTING;
-    int  nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC;
-    *pbMade     = false;
+    int nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC;
+    *pbMade = false;
     if (dwDisposition != CREATE_NEW) {
         int nDescriptor = open(path.host.c_str(), nFlags);
         if (nDescriptor >= 0 || errno != ENOENT || !bMakes) {
@@ -248,9 +248,9 @@ int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWOR
         Refuse(ERROR_INVALID_NAME);
         return -1;
     }
-    mode_t nMode       = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0666;
-    int    nDescriptor = open(path.host.c_str(), nFlags | O_CREAT | O_EXCL, nMode);
-    *pbMade            = true;
+    mode_t nMode = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0666;
+    int nDescriptor = open(path.host.c_str(), nFlags | O_CREAT | O_EXCL, nMode);
+    *pbMade = true;
     if (nDescriptor < 0) {
         Refuse(errno == ENOENT ? ERROR_PATH_NOT_FOUND : HostPathError(path.host, errno));
     }
@@ -306,7 +306,7 @@ DWORD HostPathError(const std::string& host, int nError)
 
 bool ReadHostBytes(const std::string& host, Bytes* pBytes)
 {
-    u8         aChunk[16384];
+    u8 aChunk[16384];
     std::FILE* pFile = std::fopen(host.c_str(), "rb");
     pBytes->clear();
     for (size_t cb = 1; pFile && cb > 0;) {
@@ -323,14 +323,14 @@ bool ReadHostBytes(const std::string& host, Bytes* pBytes)
 DWORD WriteHostBytes(const std::string& host, std::string_view bytes)
 {
     /* Cut behind the writing, not before: ext4 sends a file to the disk at once that was emptied first. */
-    int  nDescriptor = open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    bool bWritten    = nDescriptor >= 0;
+    int nDescriptor = open(host.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    bool bWritten = nDescriptor >= 0;
     for (size_t cbDone = 0; bWritten && cbDone < bytes.size();) {
         ssize_t cb = write(nDescriptor, bytes.data() + cbDone, bytes.size() - cbDone);
-        bWritten   = cb > 0 || (cb < 0 && errno == EINTR);
+        bWritten = cb > 0 || (cb < 0 && errno == EINTR);
         cbDone += cb > 0 ? static_cast<size_t>(cb) : 0;
     }
-    bWritten      = bWritten && ftruncate(nDescriptor, static_cast<off_t>(bytes.size())) == 0;
+    bWritten = bWritten && ftruncate(nDescriptor, static_cast<off_t>(bytes.size())) == 0;
     DWORD dwError = bWritten ? 0 : HostPathError(host, errno);
     if (nDescriptor >= 0) {
         close(nDescriptor);
@@ -354,16 +354,16 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
                           DWORD dwDisposition, DWORD dwAttributes, HANDLE)
 {
     FAILS(CreateFileW);
-    ResolvedPath path     = Resolve(tcPath);
-    bool         bEmpties = dwDisposition == CREATE_ALWAYS || dwDisposition == TRUNCATE_EXISTING;
-    DWORD        dwData   = DataAccess(dwAccess);
+    ResolvedPath path = Resolve(tcPath);
+    bool bEmpties = dwDisposition == CREATE_ALWAYS || dwDisposition == TRUNCATE_EXISTING;
+    DWORD dwData = DataAccess(dwAccess);
     bool bBadCall = dwDisposition < CREATE_NEW || dwDisposition > TRUNCATE_EXISTING ||
                     (dwDisposition == TRUNCATE_EXISTING && !(dwData & FILE_WRITE_DATA));
     if (path.dwError || bBadCall) {
         Refuse(path.dwError ? path.dwError : ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    bool     bMade;
+    bool bMade;
     OpenFile opened;
     opened.nDescriptor =
         OpenOnHost(path, dwDisposition, bEmpties || dwData & FILE_WRITE_DATA, dwAttributes, &bMade);
@@ -371,7 +371,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
         return INVALID_HANDLE_VALUE;
     }
     struct stat there;
-    DWORD       dwError = fstat(opened.nDescriptor, &there) == 0 ? 0 : ERROR_GEN_FAILURE;
+    DWORD dwError = fstat(opened.nDescriptor, &there) == 0 ? 0 : ERROR_GEN_FAILURE;
     if (!dwError && !bMade) {
         /* Emptying a file is writing it, whatever access was asked for. */
         dwError = OpeningError(there, path, dwData | (bEmpties ? FILE_WRITE_DATA : 0), dwShare);
@@ -385,10 +385,10 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
         return INVALID_HANDLE_VALUE;
     }
     opened.ulDevice = there.st_dev;
-    opened.ulNode   = there.st_ino;
+    opened.ulNode = there.st_ino;
     opened.dwAccess = dwData;
-    opened.dwShare  = dwShare;
-    bool bAlways    = dwDisposition == CREATE_ALWAYS || dwDisposition == OPEN_ALWAYS;
+    opened.dwShare = dwShare;
+    bool bAlways = dwDisposition == CREATE_ALWAYS || dwDisposition == OPEN_ALWAYS;
     SetHostedError(bAlways && !bMade ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return KeepFile(opened);
 }
@@ -399,7 +399,7 @@ BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBytes, DWORD cbWanted, LPDWORD pcbRea
     if (!pcbRead || pOverlapped) {
         return Refuse(ERROR_INVALID_PARAMETER);
     }
-    *pcbRead        = 0;
+    *pcbRead = 0;
     OpenFile* pFile = FindFile(hFile);
     if (!pFile) {
         return Refuse(ERROR_INVALID_HANDLE);
@@ -434,7 +434,7 @@ BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBytes, DWORD cbWanted, LPDWORD pcbRea
 BOOL WINAPI SetFilePointerEx(HANDLE hFile, LARGE_INTEGER lMove, PLARGE_INTEGER plPosition, DWORD dwMethod)
 {
     FAILS(SetFilePointerEx);
-    OpenFile*   pFile = FindFile(hFile);
+    OpenFile* pFile = FindFile(hFile);
     struct stat there = {};
     if (!pFile) {
         return Refuse(ERROR_INVALID_HANDLE);
@@ -457,7 +457,7 @@ BOOL WINAPI SetFilePointerEx(HANDLE hFile, LARGE_INTEGER lMove, PLARGE_INTEGER p
 BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
 {
     FAILS(GetFileSizeEx);
-    OpenFile*   pFile = FindFile(hFile);
+    OpenFile* pFile = FindFile(hFile);
     struct stat there;
     if (!pFile) {
         return Refuse(ERROR_INVALID_HANDLE);
@@ -518,7 +518,7 @@ BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)
     if (path.dwError || mkdir(path.host.c_str(), 0777) == 0) {
         return path.dwError ? Refuse(path.dwError) : 1;
     }
-    return Refuse(errno == EEXIST ? ERROR_ALREADY_EXISTS
+    return Refuse(errno == EEXIST   ? ERROR_ALREADY_EXISTS
                   : errno == ENOENT ? ERROR_PATH_NOT_FOUND
                                     : HostPathError(path.host, errno));
 }
@@ -547,7 +547,7 @@ bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes)
 void PutFile(std::u16string_view tcPath, std::string_view text)
 {
     std::filesystem::path host = HostPath(tcPath);
-    std::error_code       ignored; /* the writing tells */
+    std::error_code ignored; /* the writing tells */
     std::filesystem::create_directories(host.parent_path(), ignored);
     if (host.empty() || WriteHostBytes(host.native(), text)) {
         std::fprintf(stderr, "PutFile: \"%s\" cannot be written\n", Narrow(tcPath).c_str());

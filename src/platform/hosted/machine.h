@@ -15,7 +15,7 @@
 #include "platform/calls.h"
 #include "platform/spooler.h"
 
-using Bytes    = std::vector<u8>;
+using Bytes = std::vector<u8>;
 using WideText = std::u16string;
 
 /* Starts an empty machine: no printer, no key, no file, US English user on a metric-free locale (iMeasure
@@ -25,37 +25,42 @@ void StartMachine();
 void StopMachine();
 
 /* ---- who and where ---- */
-void SetUserLanguage(u16 usLangId);                                        /* GetUserDefaultLangID */
-void SetLocaleValue(std::u16string_view wcKey, std::u16string_view wcText); /* section "intl"; empty removes */
-void SetComputerName(std::u16string_view wcName);                          /* empty: GetComputerNameW fails */
+void SetUserLanguage(u16 usLangId); /* GetUserDefaultLangID */
+void SetLocaleValue(std::u16string_view wcKey,
+                    std::u16string_view wcText);  /* section "intl"; empty removes */
+void SetComputerName(std::u16string_view wcName); /* empty: GetComputerNameW fails */
 void SetEnvironmentValue(std::u16string_view wcName, std::u16string_view wcText); /* empty removes */
 void SetSystemVersion(int nMajor, int nMinor);
 void SetCodePage(UINT uCodePage); /* 1252, 932 (a small part: half-width, hiragana) or 65001 */
 
 /* ---- files ---- */
-std::filesystem::path HostPath(std::u16string_view tcPath); /* where a Windows path lies on this disk */
-void                  PutFile(std::u16string_view tcPath, const Bytes& bytes); /* makes missing folders */
-void                  PutFile(std::u16string_view tcPath, std::string_view text);
-Bytes                 GetFile(std::u16string_view tcPath); /* empty when there is none */
-bool                  HasFile(std::u16string_view tcPath);
-void                  SetReadOnly(std::u16string_view tcPath, bool bReadOnly);
+std::filesystem::path HostPath(std::u16string_view tcPath);   /* where a Windows path lies on this disk */
+void PutFile(std::u16string_view tcPath, const Bytes& bytes); /* makes missing folders */
+void PutFile(std::u16string_view tcPath, std::string_view text);
+Bytes GetFile(std::u16string_view tcPath); /* empty when there is none */
+bool HasFile(std::u16string_view tcPath);
+void SetReadOnly(std::u16string_view tcPath, bool bReadOnly);
 
 /* ---- printers ---- */
 struct PrinterSetup {
-    WideText              wcName;       /* printer */
-    WideText              wcDriverName; /* driver, as the print rate and the user's folder see it */
-    WideText              tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
+    WideText wcName;       /* printer */
+    WideText wcDriverName; /* driver, as the print rate and the user's folder see it */
+    WideText tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
     std::vector<WideText> atcDependentFiles;
-    WideText              wcComment, wcLocation;
+    WideText wcComment, wcLocation;
 };
 void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
-void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
+void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType,
+                     const Bytes& bytes);
 void SetPrinterText(std::u16string_view wcPrinter, std::u16string_view wcValue, std::u16string_view wcText);
 void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue);
-bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
-void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 lLength); /* thousandths of a mm */
+bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType,
+                     Bytes* pBytes);
+void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth,
+                    i32 lLength); /* thousandths of a mm */
 void DropMachineForms();
-void DenyPrinterAccess(DWORD dwAccess, DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
+void DenyPrinterAccess(DWORD dwAccess,
+                       DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
 /* What OpenPrinterW was asked, as "name|access". */
 const std::vector<std::string>& OpenedPrinters();
 
@@ -72,8 +77,8 @@ enum CallId : int {
         CALL_COUNT
 };
 const char* CallName(CallId call);
-int         CallCount(CallId call); /* since ResetCallCounts; ANY_CALL counts all */
-void        ResetCallCounts();
+int CallCount(CallId call); /* since ResetCallCounts; ANY_CALL counts all */
+void ResetCallCounts();
 
 /* ---- faults: the n-th call from now fails as its row in calls.h says ---- */
 enum FaultMode { FAIL_ONCE, FAIL_FROM_THERE };
@@ -95,10 +100,10 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int  nBlocks, nFiles, nPrinters, nKeys, nModules;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();
-size_t     PeakBlockBytes(); /* most bytes held in blocks at once since ResetCallCounts */
+size_t PeakBlockBytes(); /* most bytes held in blocks at once since ResetCallCounts */
 
 #endif

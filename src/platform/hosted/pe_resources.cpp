@@ -8,12 +8,12 @@ namespace {
 
 using File = std::span<const u8>;
 
-constexpr u16 DOS_SIGNATURE  = 0x5A4D;
-constexpr u32 PE_SIGNATURE   = 0x00004550;
-constexpr u16 OPTIONAL_PE32  = 0x010B;
-constexpr u16 OPTIONAL_PE64  = 0x020B;
-constexpr u16 ENGLISH_US     = 0x0409;
-constexpr u32 HIGH_BIT       = 0x80000000;
+constexpr u16 DOS_SIGNATURE = 0x5A4D;
+constexpr u32 PE_SIGNATURE = 0x00004550;
+constexpr u16 OPTIONAL_PE32 = 0x010B;
+constexpr u16 OPTIONAL_PE64 = 0x020B;
+constexpr u16 ENGLISH_US = 0x0409;
+constexpr u32 HIGH_BIT = 0x80000000;
 constexpr u64 SECTION_HEADER = 40;
 constexpr u32 RESOURCE_TABLE = 2; /* its row among the data directories */
 
@@ -50,10 +50,10 @@ std::optional<PeHeaders> ReadHeaders(File file)
         return {};
     }
     PeHeaders headers{};
-    headers.usSections     = U16At(file, ulFileHeader + 2);
+    headers.usSections = U16At(file, ulFileHeader + 2);
     headers.usOptionalSize = U16At(file, ulFileHeader + 16);
-    headers.ulOptional     = ulFileHeader + 20;
-    headers.ulSections     = headers.ulOptional + headers.usOptionalSize;
+    headers.ulOptional = ulFileHeader + 20;
+    headers.ulSections = headers.ulOptional + headers.usOptionalSize;
     if (!Holds(file, headers.ulSections, headers.usSections * SECTION_HEADER)) {
         return {};
     }
@@ -65,10 +65,10 @@ std::optional<PeHeaders> ReadHeaders(File file)
 std::optional<PePiece> PieceAtAddress(File file, const PeHeaders& headers, u32 ulAddress)
 {
     for (u64 n = 0; n < headers.usSections; n++) {
-        const u64 ulHeader  = headers.ulSections + n * SECTION_HEADER;
-        const u64 ulStart   = U32At(file, ulHeader + 12);
-        const u64 cbStored  = U32At(file, ulHeader + 16);
-        const u64 ulInFile  = U32At(file, ulHeader + 20);
+        const u64 ulHeader = headers.ulSections + n * SECTION_HEADER;
+        const u64 ulStart = U32At(file, ulHeader + 12);
+        const u64 cbStored = U32At(file, ulHeader + 16);
+        const u64 ulInFile = U32At(file, ulHeader + 20);
         if (ulAddress < ulStart || ulAddress - ulStart >= cbStored) {
             continue;
         }
@@ -84,7 +84,7 @@ std::optional<PePiece> PieceAtAddress(File file, const PeHeaders& headers, u32 u
 
 /* The resource tree: headers for addresses, and the bytes from the first directory to the section's end. */
 struct ResourceTree {
-    File      file, bytes;
+    File file, bytes;
     PeHeaders headers;
 };
 
@@ -118,8 +118,8 @@ std::optional<ResourceTree> OpenTree(File file)
 
 /* One entry of a directory, with its offset field split. */
 struct Entry {
-    u32  ulName;     /* number, or HIGH_BIT and the offset of a name */
-    u32  ulBelow;    /* offset of a directory or of a data entry */
+    u32 ulName;  /* number, or HIGH_BIT and the offset of a name */
+    u32 ulBelow; /* offset of a directory or of a data entry */
     bool bDirectory;
 };
 
@@ -137,7 +137,7 @@ u32 EntryCount(File bytes, u32 ulDirectory)
 Entry EntryAt(File bytes, u32 ulDirectory, u32 nEntry)
 {
     const u64 ulOffset = ulDirectory + u64{16} + u64{nEntry} * 8;
-    const u32 ulBelow  = U32At(bytes, ulOffset + 4);
+    const u32 ulBelow = U32At(bytes, ulOffset + 4);
     return {U32At(bytes, ulOffset), ulBelow & ~HIGH_BIT, (ulBelow & HIGH_BIT) != 0};
 }
 
@@ -147,7 +147,7 @@ std::optional<PeName> NameOf(File bytes, const Entry& entry)
         return PeName(static_cast<u16>(entry.ulName));
     }
     const u64 ulOffset = entry.ulName & ~HIGH_BIT;
-    const u16 cch      = U16At(bytes, ulOffset);
+    const u16 cch = U16At(bytes, ulOffset);
     if (cch == 0 || !Holds(bytes, ulOffset + 2, u64{cch} * 2)) {
         return {};
     }
@@ -189,9 +189,9 @@ std::optional<PePiece> DataOf(const ResourceTree& tree, const Entry& entry)
     if (entry.bDirectory || !Holds(tree.bytes, entry.ulBelow, 16)) {
         return {};
     }
-    const u32                    ulAddress = U32At(tree.bytes, entry.ulBelow);
-    const u32                    cbSize    = U32At(tree.bytes, entry.ulBelow + u64{4});
-    const std::optional<PePiece> piece     = PieceAtAddress(tree.file, tree.headers, ulAddress);
+    const u32 ulAddress = U32At(tree.bytes, entry.ulBelow);
+    const u32 cbSize = U32At(tree.bytes, entry.ulBelow + u64{4});
+    const std::optional<PePiece> piece = PieceAtAddress(tree.file, tree.headers, ulAddress);
     if (!piece || cbSize > piece->cbSize) {
         return {};
     }
@@ -274,13 +274,13 @@ int FindPeResource(File file, const PeName& type, const PeName& name, std::span<
 
 int FindPeString(File file, u16 usId, std::span<const u16> aLanguages, PeText* pText)
 {
-    PePiece   block{};
+    PePiece block{};
     const u16 usBlock = static_cast<u16>(usId / 16 + 1);
     if (!FindPeResource(file, PeName(PE_STRING), PeName(usBlock), aLanguages, &block)) {
         return 0;
     }
-    const File bytes    = file.subspan(block.nOffset, block.cbSize);
-    u64        ulOffset = 0;
+    const File bytes = file.subspan(block.nOffset, block.cbSize);
+    u64 ulOffset = 0;
     for (int n = 0; n < usId % 16; n++) {
         ulOffset += u64{2} + u64{U16At(bytes, ulOffset)} * 2;
     }
@@ -294,7 +294,7 @@ int FindPeString(File file, u16 usId, std::span<const u16> aLanguages, PeText* p
 
 std::vector<PeResource> ListPeResources(File file, int nLimit)
 {
-    std::vector<PeResource>           list;
+    std::vector<PeResource> list;
     const std::optional<ResourceTree> tree = OpenTree(file);
     if (!tree) {
         return list;

@@ -24,7 +24,7 @@ constexpr u16 PE_STRING = 6; /* block n holds the strings from 16 * (n - 1) up *
    number. */
 struct PeName {
     std::u16string wcName;
-    u16            usId = 0;
+    u16 usId = 0;
 
     PeName(u16 usNumber) : usId(usNumber) {}
     PeName(std::u16string_view wcText) : wcName(wcText) {}
@@ -40,12 +40,12 @@ struct PePiece {
 /* Wide text of a string block; its 2 * cch bytes lie inside the file's, at any alignment. */
 struct PeText {
     size_t nOffset;
-    u16    cch;
+    u16 cch;
 };
 
 struct PeResource {
-    PeName  type, name;
-    u16     usLanguage;
+    PeName type, name;
+    u16 usLanguage;
     PePiece data;
 };
 

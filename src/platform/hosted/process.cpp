@@ -13,14 +13,14 @@ std::filesystem::path machineRoot;
 namespace {
 
 struct Process {
-    DWORD                         dwError = 0;
-    u16                           usLangId = 0x0409;
-    WideText                      wcComputer = u"WORKPC";
-    int                           nMajor = 10, nMinor = 0;
-    std::map<WideText, WideText>  environment; /* names in capitals */
-    std::map<WideText, WideText>  locale;      /* keys in small letters */
+    DWORD dwError = 0;
+    u16 usLangId = 0x0409;
+    WideText wcComputer = u"WORKPC";
+    int nMajor = 10, nMinor = 0;
+    std::map<WideText, WideText> environment; /* names in capitals */
+    std::map<WideText, WideText> locale;      /* keys in small letters */
     std::unordered_map<void*, size_t> blocks;
-    size_t                        cbHeld = 0, cbPeak = 0;
+    size_t cbHeld = 0, cbPeak = 0;
 };
 
 Process& process()
@@ -84,7 +84,7 @@ void ResetProcess()
     for (const auto& block : process().blocks) {
         std::free(block.first);
     }
-    process()   = Process();
+    process() = Process();
     liveCounts.nBlocks = 0;
 }
 
@@ -166,7 +166,8 @@ LPVOID WINAPI HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cbSize)
         return nullptr;
     }
     /* Blocks that were not asked for zeroed hold what a used heap holds. */
-    void* pBlock = dwFlags & HEAP_ZERO_MEMORY ? std::calloc(1, cbSize ? cbSize : 1) : std::malloc(cbSize ? cbSize : 1);
+    void* pBlock =
+        dwFlags & HEAP_ZERO_MEMORY ? std::calloc(1, cbSize ? cbSize : 1) : std::malloc(cbSize ? cbSize : 1);
     if (!pBlock) {
         return nullptr;
     }
@@ -182,8 +183,8 @@ LPVOID WINAPI HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cbSize)
 
 BOOL WINAPI HeapFree(HANDLE hHeap, DWORD, LPVOID pBlock)
 {
-    int  bFails = CallFails(CALL_HeapFree);
-    auto found  = process().blocks.find(pBlock);
+    int bFails = CallFails(CALL_HeapFree);
+    auto found = process().blocks.find(pBlock);
     if (hHeap != &process() || found == process().blocks.end()) {
         std::abort(); /* a block that is not ours, or freed twice: never the caller's right */
     }

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr size_t KEPT_LIMIT = 8;
-constexpr DWORD  INT_CHARS  = 30; /* room for a number's text, NUL included; the rest is not looked at */
+constexpr DWORD INT_CHARS = 30; /* room for a number's text, NUL included; the rest is not looked at */
 
 /* A change within one tick of the file system's clock leaves no trace in the times, so a file is trusted by
    its times only when they were this old already. */
@@ -23,11 +23,11 @@ enum Encoding { ANSI, UTF16_LE, UTF16_BE, UTF8 };
 struct Line {
     WideText wcKey; /* of a comment or a line without "=": the whole line */
     WideText wcValue;
-    bool     bValue;
+    bool bValue;
 };
 
 struct Section {
-    WideText          wcName;
+    WideText wcName;
     std::vector<Line> lines;
     /* Names are found by their capitals; the first of equal ones counts. */
     std::unordered_map<WideText, size_t> keys;
@@ -35,23 +35,23 @@ struct Section {
 
 /* Section 0 has no name: the lines in front of the first section. */
 struct Profile {
-    Encoding                             encoding = ANSI;
-    std::vector<Section>                 sections;
+    Encoding encoding = ANSI;
+    std::vector<Section> sections;
     std::unordered_map<WideText, size_t> names;
 };
 
 struct KeptProfile {
     struct stat stamp;
-    bool        bSettled;
-    WideText    wcCodePage; /* what told the code page */
-    Bytes       bytes;
-    Profile     profile;
+    bool bSettled;
+    WideText wcCodePage; /* what told the code page */
+    Bytes bytes;
+    Profile profile;
 };
 
 struct Profiles {
     std::unordered_map<std::string, KeptProfile> kept; /* by host path */
-    WideText                                     tcLastPath;
-    std::string                                  lastHost;
+    WideText tcLastPath;
+    std::string lastHost;
 };
 
 Profiles& profiles()
@@ -101,7 +101,7 @@ Encoding EncodingOf(std::string_view bytes)
     return bytes.substr(0, 3) == "\xEF\xBB\xBF" ? UTF8
            : bytes.substr(0, 2) == "\xFF\xFE"   ? UTF16_LE
            : bytes.substr(0, 2) == "\xFE\xFF"   ? UTF16_BE
-                                               : ANSI;
+                                                : ANSI;
 }
 
 WideText Decode(const Bytes& bytes, Encoding* pEncoding)
@@ -133,7 +133,7 @@ void AddLine(Section* pSection, std::u16string_view wcLine)
     if (nEquals == std::u16string_view::npos) {
         pSection->lines.push_back({WideText(wcLine), {}, false});
     } else {
-        std::u16string_view wcKey   = Trim(wcLine.substr(0, nEquals));
+        std::u16string_view wcKey = Trim(wcLine.substr(0, nEquals));
         std::u16string_view wcValue = Trim(wcLine.substr(nEquals + 1));
         pSection->lines.push_back({WideText(wcKey), WideText(wcValue), true});
     }
@@ -144,12 +144,12 @@ void AddLine(Section* pSection, std::u16string_view wcLine)
 
 void Parse(const Bytes& bytes, Profile* pProfile)
 {
-    WideText            wcText = Decode(bytes, &pProfile->encoding);
+    WideText wcText = Decode(bytes, &pProfile->encoding);
     std::u16string_view wcRest = wcText;
     pProfile->names.try_emplace(WideText(), 0);
     StartSection(pProfile, {});
     while (!wcRest.empty()) {
-        size_t              nEnd   = std::min(wcRest.find_first_of(u"\r\n"), wcRest.size());
+        size_t nEnd = std::min(wcRest.find_first_of(u"\r\n"), wcRest.size());
         std::u16string_view wcLine = Trim(CutAtNul(wcRest.substr(0, nEnd)));
         wcRest.remove_prefix(std::min(nEnd + 1, wcRest.size()));
         if (wcLine.empty()) {
@@ -183,8 +183,8 @@ const std::string& ProfileOnHost(LPCWSTR tcFile)
     if (tcPath != profiles().tcLastPath || profiles().lastHost.empty()) {
         WideText tcFull(tcPath.find_first_of(u"\\/:") == tcPath.npos ? u"C:\\Windows\\" : u"");
         tcFull.append(tcPath);
-        bool bFolder          = tcFull.back() == u'\\' || tcFull.back() == u'/';
-        profiles().lastHost   = bFolder ? std::string() : HostPath(tcFull).native();
+        bool bFolder = tcFull.back() == u'\\' || tcFull.back() == u'/';
+        profiles().lastHost = bFolder ? std::string() : HostPath(tcFull).native();
         profiles().tcLastPath = tcPath;
     }
     return profiles().lastHost;
@@ -201,7 +201,7 @@ bool IsSettled(const struct stat& stamp)
 {
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
-    i64 lSeconds     = now.tv_sec - stamp.st_ctim.tv_sec;
+    i64 lSeconds = now.tv_sec - stamp.st_ctim.tv_sec;
     i64 lNanoseconds = now.tv_nsec - stamp.st_ctim.tv_nsec;
     return lSeconds > 1 || lSeconds * 1'000'000'000 + lNanoseconds > SETTLED_NANOSECONDS;
 }
@@ -224,13 +224,13 @@ DWORD LoadProfile(const std::string& host, DWORD dwAccess, Profile** ppProfile)
     if (HostSharingError(there.st_dev, there.st_ino, dwAccess, FILE_SHARE_READ | FILE_SHARE_WRITE)) {
         return ERROR_SHARING_VIOLATION;
     }
-    auto&    kept  = profiles().kept;
-    auto     found = kept.find(host);
+    auto& kept = profiles().kept;
+    auto found = kept.find(host);
     WideText wcCodePage = FromCodePage("\x82\xA0\xC3", 3);
-    bool     bSameText  = found != kept.end() && found->second.wcCodePage == wcCodePage;
+    bool bSameText = found != kept.end() && found->second.wcCodePage == wcCodePage;
     if (!bSameText || !found->second.bSettled || !IsSameStamp(found->second.stamp, there)) {
         Bytes bytes;
-        bool  bSettled = IsSettled(there);
+        bool bSettled = IsSettled(there);
         if (!ReadHostBytes(host, &bytes)) {
             return ERROR_ACCESS_DENIED;
         }
@@ -238,12 +238,12 @@ DWORD LoadProfile(const std::string& host, DWORD dwAccess, Profile** ppProfile)
             if (found == kept.end() && kept.size() >= KEPT_LIMIT) {
                 kept.clear();
             }
-            found                    = kept.insert_or_assign(host, KeptProfile()).first;
+            found = kept.insert_or_assign(host, KeptProfile()).first;
             found->second.wcCodePage = wcCodePage;
             Parse(bytes, &found->second.profile);
             found->second.bytes = std::move(bytes);
         }
-        found->second.stamp    = there;
+        found->second.stamp = there;
         found->second.bSettled = bSettled;
     }
     *ppProfile = &found->second.profile;
@@ -355,8 +355,8 @@ DWORD LieAboutText(CallId call, LPWSTR wcOut, DWORD cchOut, DWORD cchText)
 DWORD ReadLocale(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, LPWSTR wcOut, DWORD cchOut)
 {
     WideText wcValue;
-    bool     bIntl  = wcSection && wcKey && Fold(wcSection) == u"INTL";
-    bool     bFound = bIntl && GetLocaleValue(Trim(wcKey), &wcValue);
+    bool bIntl = wcSection && wcKey && Fold(wcSection) == u"INTL";
+    bool bFound = bIntl && GetLocaleValue(Trim(wcKey), &wcValue);
     return CopyValue(bFound ? wcValue : DefaultText(wcDefault), wcOut, cchOut);
 }
 
@@ -396,7 +396,7 @@ DWORD SaveProfile(const std::string& host, const Profile& profile)
 bool Change(Profile* pProfile, LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcValue)
 {
     Section* pSection = FindSection(pProfile, wcSection);
-    Line*    pLine    = pSection && wcKey ? FindLine(pSection, wcKey) : nullptr;
+    Line* pLine = pSection && wcKey ? FindLine(pSection, wcKey) : nullptr;
     if (!wcKey) {
         if (pSection == pProfile->sections.data()) {
             pSection->lines.clear();
@@ -413,9 +413,9 @@ bool Change(Profile* pProfile, LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcValue
     }
     std::u16string_view wcNew = TrimStart(wcValue);
     if (pLine) {
-        bool bSame      = pLine->bValue && pLine->wcValue == wcNew;
-        pLine->bValue   = true;
-        pLine->wcValue  = wcNew;
+        bool bSame = pLine->bValue && pLine->wcValue == wcNew;
+        pLine->bValue = true;
+        pLine->wcValue = wcNew;
         return !bSame;
     }
     if (!pSection) {
@@ -441,10 +441,10 @@ DWORD WINAPI GetPrivateProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR 
         return 0;
     }
     Profile* pProfile;
-    DWORD    dwError = LoadProfile(ProfileOnHost(tcFile), GENERIC_READ, &pProfile);
+    DWORD dwError = LoadProfile(ProfileOnHost(tcFile), GENERIC_READ, &pProfile);
     SetHostedError(dwError);
     /* A missing file counts as an empty one; from what cannot be opened the default comes as it is. */
-    bool  bNoFile = dwError && dwError != ERROR_FILE_NOT_FOUND;
+    bool bNoFile = dwError && dwError != ERROR_FILE_NOT_FOUND;
     DWORD cchText = bNoFile && wcSection && wcKey
                         ? CopyText(DefaultText(wcDefault), wcOut, cchOut)
                         : ReadText(pProfile, wcSection, wcKey, wcDefault, wcOut, cchOut);
@@ -454,11 +454,11 @@ DWORD WINAPI GetPrivateProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR 
 UINT WINAPI GetPrivateProfileIntW(LPCWSTR wcSection, LPCWSTR wcKey, INT nDefault, LPCWSTR tcFile)
 {
     FAILS(GetPrivateProfileIntW);
-    WCHAR    wcNumber[INT_CHARS];
+    WCHAR wcNumber[INT_CHARS];
     Profile* pProfile;
     SetHostedError(LoadProfile(ProfileOnHost(tcFile), GENERIC_READ, &pProfile));
     return ReadText(pProfile, wcSection, wcKey, u"", wcNumber, INT_CHARS) ? ParseInt(wcNumber)
-                                                                         : static_cast<UINT>(nDefault);
+                                                                          : static_cast<UINT>(nDefault);
 }
 
 BOOL WINAPI WritePrivateProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcValue, LPCWSTR tcFile)
@@ -470,9 +470,9 @@ BOOL WINAPI WritePrivateProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR
         return wcKey || wcValue ? Refuse(ERROR_FILE_NOT_FOUND) : 0;
     }
     std::string host = ProfileOnHost(tcFile);
-    Profile     made;
-    Profile*    pProfile;
-    DWORD       dwError = LoadProfile(host, GENERIC_READ | GENERIC_WRITE, &pProfile);
+    Profile made;
+    Profile* pProfile;
+    DWORD dwError = LoadProfile(host, GENERIC_READ | GENERIC_WRITE, &pProfile);
     if (dwError == ERROR_FILE_NOT_FOUND) {
         Parse(Bytes(), &made);
         pProfile = &made;

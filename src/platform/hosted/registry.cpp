@@ -17,8 +17,8 @@ struct Value {
 using Key = std::map<WideText, Value>; /* values by name in one form */
 
 struct Registry {
-    std::map<WideText, Key>             keys; /* paths in one form, without a backslash at the end */
-    std::map<HKEY, WideText>            open;
+    std::map<WideText, Key> keys; /* paths in one form, without a backslash at the end */
+    std::map<HKEY, WideText> open;
     std::vector<std::unique_ptr<char>> handles;
 };
 
@@ -54,7 +54,7 @@ bool RootOf(HKEY hKey, WideText* pPath)
 
 void ResetRegistry()
 {
-    registry()       = Registry();
+    registry() = Registry();
     liveCounts.nKeys = 0;
 }
 
@@ -74,7 +74,7 @@ bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD*
         return false;
     }
     *pdwType = value->second.dwType;
-    *pBytes  = value->second.bytes;
+    *pBytes = value->second.bytes;
     return true;
 }
 
@@ -96,13 +96,14 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY hParent, LPCWSTR wcPath, DWORD, REGSAM, PHKEY 
         return static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
     }
     registry().handles.push_back(std::make_unique<char>());
-    *phKey                   = reinterpret_cast<HKEY>(registry().handles.back().get());
+    *phKey = reinterpret_cast<HKEY>(registry().handles.back().get());
     registry().open[*phKey] = wcForm;
     liveCounts.nKeys++;
     return 0;
 }
 
-LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR wcValue, DWORD, DWORD dwType, const BYTE* pBytes, DWORD cbBytes)
+LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR wcValue, DWORD, DWORD dwType, const BYTE* pBytes,
+                              DWORD cbBytes)
 {
     FAILS(RegSetValueExW);
     WideText wcPath;
@@ -119,7 +120,8 @@ LSTATUS WINAPI RegCloseKey(HKEY hKey)
     if (!registry().open.erase(hKey)) {
         return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
     }
-    std::erase_if(registry().handles, [hKey](const auto& handle) { return reinterpret_cast<HKEY>(handle.get()) == hKey; });
+    std::erase_if(registry().handles,
+                  [hKey](const auto& handle) { return reinterpret_cast<HKEY>(handle.get()) == hKey; });
     liveCounts.nKeys--;
     return bFails ? static_cast<LSTATUS>(ERROR_GEN_FAILURE) : 0;
 }

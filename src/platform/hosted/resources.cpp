@@ -13,7 +13,7 @@
 namespace {
 
 std::map<HMODULE, Bytes> loadedModules;
-std::uintptr_t           nLastModule = 0;
+std::uintptr_t nLastModule = 0;
 
 /* With drive or server: nothing is searched for. */
 bool IsFullPath(std::u16string_view tcPath)
@@ -85,7 +85,7 @@ int WINAPI LoadStringW(HINSTANCE hModule, UINT uId, LPWSTR wcOut, int cchRoom)
     FAILS(LoadStringW);
     /* The host program, which a null module means, has no strings. */
     const auto module = loadedModules.find(hModule);
-    PeText     text{};
+    PeText text{};
     if (!wcOut || cchRoom < 0 || module == loadedModules.end() ||
         !FindPeString(module->second, static_cast<u16>(uId), LanguageOrder(HostedUserLanguage()), &text)) {
         return Refuse(ERROR_RESOURCE_NAME_NOT_FOUND); /* the buffer stays as it was */

@@ -15,14 +15,14 @@ struct PrinterValue {
 };
 
 struct Printer {
-    PrinterSetup                     setup;
+    PrinterSetup setup;
     std::map<WideText, PrinterValue> values; /* by name in one form */
 };
 
 struct Form {
     WideText wcName;
-    DWORD    dwFlags;
-    SIZEL    size;
+    DWORD dwFlags;
+    SIZEL size;
 };
 
 struct OpenPrinterHandle {
@@ -30,11 +30,11 @@ struct OpenPrinterHandle {
 };
 
 struct Spooler {
-    std::map<WideText, Printer>                     printers; /* by name in one form */
-    std::vector<Form>                               forms;
+    std::map<WideText, Printer> printers; /* by name in one form */
+    std::vector<Form> forms;
     std::vector<std::unique_ptr<OpenPrinterHandle>> handles;
-    std::vector<std::string>                        opened;
-    std::map<DWORD, DWORD>                          denied;
+    std::vector<std::string> opened;
+    std::map<DWORD, DWORD> denied;
 };
 
 Spooler& spooler()
@@ -57,7 +57,7 @@ Printer* FindPrinter(HANDLE hPrinter)
 /* Lays a fixed part and the texts behind it into a caller's buffer. With LIE_GROWS each asking needs more
    than the one before. */
 class Layout {
-public:
+  public:
     Layout(CallId id, size_t cbFixed, LPBYTE pOut, DWORD cbOut)
         : call(id), pBuffer(pOut), cbBuffer(cbOut), cbUsed(cbFixed)
     {
@@ -95,12 +95,12 @@ public:
     bool Fits() const { return cbUsed <= cbBuffer; }
     DWORD Needed() const { return Lies(call, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(cbUsed); }
 
-private:
+  private:
     LPWSTR PutRaw(const WCHAR* wcText, size_t cch)
     {
-        size_t cbAt  = (cbUsed + 1) & ~static_cast<size_t>(1);
-        int    bOpen = Lies(call, LIE_UNTERMINATED);
-        cbUsed       = cbAt + (cch + 1) * sizeof(WCHAR);
+        size_t cbAt = (cbUsed + 1) & ~static_cast<size_t>(1);
+        int bOpen = Lies(call, LIE_UNTERMINATED);
+        cbUsed = cbAt + (cch + 1) * sizeof(WCHAR);
         if (cbUsed > cbBuffer) {
             return nullptr;
         }
@@ -126,17 +126,18 @@ Bytes TextBytes(std::u16string_view wcText)
 
 void ResetSpooler()
 {
-    spooler()            = Spooler();
+    spooler() = Spooler();
     liveCounts.nPrinters = 0;
 }
 
 void AddPrinter(const PrinterSetup& setup)
 {
     Printer& printer = spooler().printers[LowerText(setup.wcName)];
-    printer          = {setup, {}};
+    printer = {setup, {}};
 }
 
-void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes)
+void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType,
+                     const Bytes& bytes)
 {
     spooler().printers[LowerText(wcPrinter)].values[LowerText(wcValue)] = {dwType, bytes};
 }
@@ -151,15 +152,16 @@ void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue
     spooler().printers[LowerText(wcPrinter)].values.erase(LowerText(wcValue));
 }
 
-bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes)
+bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType,
+                     Bytes* pBytes)
 {
     auto& values = spooler().printers[LowerText(wcPrinter)].values;
-    auto  found  = values.find(LowerText(wcValue));
+    auto found = values.find(LowerText(wcValue));
     if (found == values.end()) {
         return false;
     }
     *pdwType = found->second.dwType;
-    *pBytes  = found->second.bytes;
+    *pBytes = found->second.bytes;
     return true;
 }
 
@@ -191,7 +193,7 @@ BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW 
 {
     FAILS(OpenPrinterW);
     DWORD dwAccess = pDefaults ? pDefaults->DesiredAccess : PRINTER_ACCESS_USE;
-    char  cAccess[16];
+    char cAccess[16];
     std::snprintf(cAccess, sizeof cAccess, "|%X", dwAccess);
     spooler().opened.push_back(Narrow(wcName ? wcName : u"(server)") + cAccess);
     if (auto denied = spooler().denied.find(dwAccess); denied != spooler().denied.end()) {
@@ -201,7 +203,7 @@ BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW 
     std::u16string_view wcAsked(wcName ? wcName : u"");
     if (wcAsked.starts_with(u"\\\\")) {
         size_t nSlash = wcAsked.find(u'\\', 2);
-        wcAsked       = nSlash == std::u16string_view::npos ? u"" : wcAsked.substr(nSlash + 1);
+        wcAsked = nSlash == std::u16string_view::npos ? u"" : wcAsked.substr(nSlash + 1);
     }
     if (!spooler().printers.count(LowerText(wcAsked))) {
         return Refuse(ERROR_INVALID_PRINTER_NAME);
@@ -215,7 +217,8 @@ BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW 
 BOOL WINAPI ClosePrinter(HANDLE hPrinter)
 {
     int bFails = CallFails(CALL_ClosePrinter);
-    if (!std::erase_if(spooler().handles, [hPrinter](const auto& handle) { return handle.get() == hPrinter; })) {
+    if (!std::erase_if(spooler().handles,
+                       [hPrinter](const auto& handle) { return handle.get() == hPrinter; })) {
         return Refuse(ERROR_INVALID_HANDLE);
     }
     liveCounts.nPrinters--;
@@ -229,16 +232,16 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut
     if (!pPrinter || dwLevel != 2) {
         return Refuse(ERROR_INVALID_HANDLE);
     }
-    Layout          layout(CALL_GetPrinterW, sizeof(PRINTER_INFO_2W), pOut, cbOut);
+    Layout layout(CALL_GetPrinterW, sizeof(PRINTER_INFO_2W), pOut, cbOut);
     PRINTER_INFO_2W info = {};
-    info.pPrinterName    = layout.Put(pPrinter->setup.wcName);
-    info.pDriverName     = layout.Put(pPrinter->setup.wcDriverName);
-    info.pPortName       = layout.Put(u"LPT1:");
-    info.pComment        = layout.Put(pPrinter->setup.wcComment);
-    info.pLocation       = layout.Put(pPrinter->setup.wcLocation);
+    info.pPrinterName = layout.Put(pPrinter->setup.wcName);
+    info.pDriverName = layout.Put(pPrinter->setup.wcDriverName);
+    info.pPortName = layout.Put(u"LPT1:");
+    info.pComment = layout.Put(pPrinter->setup.wcComment);
+    info.pLocation = layout.Put(pPrinter->setup.wcLocation);
     info.pPrintProcessor = layout.Put(u"winprint");
-    info.pDatatype       = layout.Put(u"RAW");
-    *pcbNeeded           = layout.Needed();
+    info.pDatatype = layout.Put(u"RAW");
+    *pcbNeeded = layout.Needed();
     if (!layout.Fits() || Lies(CALL_GetPrinterW, LIE_HUGE)) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
@@ -246,7 +249,8 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut
     return 1;
 }
 
-BOOL WINAPI GetPrinterDriverW(HANDLE hPrinter, LPWSTR, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded)
+BOOL WINAPI GetPrinterDriverW(HANDLE hPrinter, LPWSTR, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
+                              LPDWORD pcbNeeded)
 {
     FAILS(GetPrinterDriverW);
     Printer* pPrinter = FindPrinter(hPrinter);
@@ -254,18 +258,18 @@ BOOL WINAPI GetPrinterDriverW(HANDLE hPrinter, LPWSTR, DWORD dwLevel, LPBYTE pOu
         return Refuse(ERROR_INVALID_HANDLE);
     }
     const PrinterSetup& setup = pPrinter->setup;
-    Layout              layout(CALL_GetPrinterDriverW, sizeof(DRIVER_INFO_3W), pOut, cbOut);
-    DRIVER_INFO_3W      info = {};
-    info.cVersion            = 3;
-    info.pName               = layout.Put(setup.wcDriverName);
-    info.pEnvironment        = layout.Put(u"Windows x64");
-    info.pDriverPath         = layout.Put(setup.tcDriverPath);
-    info.pDataFile           = layout.Put(setup.tcDataFile);
-    info.pConfigFile         = layout.Put(setup.tcConfigFile);
-    info.pHelpFile           = setup.tcHelpFile.empty() ? nullptr : layout.Put(setup.tcHelpFile);
-    info.pDependentFiles     = layout.PutMany(setup.atcDependentFiles);
-    info.pDefaultDataType    = layout.Put(u"RAW");
-    *pcbNeeded               = layout.Needed();
+    Layout layout(CALL_GetPrinterDriverW, sizeof(DRIVER_INFO_3W), pOut, cbOut);
+    DRIVER_INFO_3W info = {};
+    info.cVersion = 3;
+    info.pName = layout.Put(setup.wcDriverName);
+    info.pEnvironment = layout.Put(u"Windows x64");
+    info.pDriverPath = layout.Put(setup.tcDriverPath);
+    info.pDataFile = layout.Put(setup.tcDataFile);
+    info.pConfigFile = layout.Put(setup.tcConfigFile);
+    info.pHelpFile = setup.tcHelpFile.empty() ? nullptr : layout.Put(setup.tcHelpFile);
+    info.pDependentFiles = layout.PutMany(setup.atcDependentFiles);
+    info.pDefaultDataType = layout.Put(u"RAW");
+    *pcbNeeded = layout.Needed();
     if (!layout.Fits() || Lies(CALL_GetPrinterDriverW, LIE_HUGE)) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
@@ -286,7 +290,7 @@ DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, LPDWORD pdwType, L
         return ERROR_FILE_NOT_FOUND;
     }
     const Bytes& bytes = found->second.bytes;
-    DWORD        cb    = static_cast<DWORD>(bytes.size());
+    DWORD cb = static_cast<DWORD>(bytes.size());
     if (pdwType) {
         *pdwType = found->second.dwType;
     }
@@ -326,7 +330,8 @@ DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, DWORD dwType, LPBY
     return ERROR_SUCCESS;
 }
 
-BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded, LPDWORD pnForms)
+BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded,
+                       LPDWORD pnForms)
 {
     FAILS(EnumFormsW);
     *pnForms = 0;
@@ -334,13 +339,13 @@ BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
         return Refuse(ERROR_INVALID_HANDLE);
     }
     const std::vector<Form>& forms = spooler().forms;
-    Layout                   layout(CALL_EnumFormsW, forms.size() * sizeof(FORM_INFO_1W), pOut, cbOut);
+    Layout layout(CALL_EnumFormsW, forms.size() * sizeof(FORM_INFO_1W), pOut, cbOut);
     std::vector<FORM_INFO_1W> rows;
     for (const Form& form : forms) {
-        FORM_INFO_1W row  = {};
-        row.Flags         = form.dwFlags;
-        row.pName         = layout.Put(form.wcName);
-        row.Size          = form.size;
+        FORM_INFO_1W row = {};
+        row.Flags = form.dwFlags;
+        row.pName = layout.Put(form.wcName);
+        row.Size = form.size;
         row.ImageableArea = {0, 0, form.size.cx, form.size.cy};
         rows.push_back(row);
     }

@@ -20,7 +20,10 @@ int Lies(CallId call, LieKind kind);
 
 /* The value that the call gives on failure. */
 #define FAILED_RESULT(result, name, params, failed) \
-    inline result Failed_##name() { return static_cast<result>(failed); }
+    inline result Failed_##name() \
+    { \
+        return static_cast<result>(failed); \
+    }
 ALL_CALLS(FAILED_RESULT)
 #undef FAILED_RESULT
 
@@ -36,23 +39,23 @@ u16 HostedUserLanguage();
 /* The folder below which the machine's files lie. */
 extern std::filesystem::path machineRoot;
 
-void  SetHostedError(DWORD dwError);
+void SetHostedError(DWORD dwError);
 /* Sets the error and gives 0: for "return Refuse(ERROR_...)". */
-BOOL  Refuse(DWORD dwError);
+BOOL Refuse(DWORD dwError);
 
 /* Capital of one 16-bit character, by the same table as CharUpperBuffW. */
-WCHAR    UpperChar(WCHAR wcChar);
+WCHAR UpperChar(WCHAR wcChar);
 /* One form for all spellings of a name: capitals, but A to Z small. */
 WideText LowerText(std::u16string_view wcText);
-bool     SameName(std::u16string_view wcOne, std::u16string_view wcOther); /* case ignored */
-std::string Narrow(std::u16string_view wcText);                            /* UTF-8, for paths and messages */
-WideText    Widen(std::string_view text);                                  /* from UTF-8 */
-WideText    FromCodePage(const char* cText, size_t cb);                    /* from the machine's code page */
+bool SameName(std::u16string_view wcOne, std::u16string_view wcOther); /* case ignored */
+std::string Narrow(std::u16string_view wcText);                        /* UTF-8, for paths and messages */
+WideText Widen(std::string_view text);                                 /* from UTF-8 */
+WideText FromCodePage(const char* cText, size_t cb);                   /* from the machine's code page */
 std::string ToCodePage(std::u16string_view wcText);
 
 /* Bookkeeping of what is held; each kind of object counts itself up and down. */
 extern LiveCounts liveCounts;
-void              ResetPeak(); /* the most bytes held begins anew at what is held now */
+void ResetPeak(); /* the most bytes held begins anew at what is held now */
 
 /* Closes what a kind of object left behind at StopMachine; each stand-in has one. */
 void ResetProcess();

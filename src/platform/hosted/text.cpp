@@ -7,10 +7,10 @@ namespace {
 UINT uMachineCodePage = 1252;
 
 /* 0x80 to 0x9F of code page 1252; the five free bytes map to themselves. */
-constexpr WCHAR awcUpperControls[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr WCHAR awcUpperControls[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                        0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                        0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 bool IsLead932(u8 bByte)
 {
@@ -22,7 +22,10 @@ size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
 {
     u8 bFirst = pBytes[0];
     if (uMachineCodePage == 65001 && bFirst >= 0x80) {
-        int nMore = bFirst >= 0xC2 && bFirst < 0xE0 ? 1 : bFirst >= 0xE0 && bFirst < 0xF0 ? 2 : bFirst >= 0xF0 && bFirst < 0xF5 ? 3 : 0;
+        int nMore = bFirst >= 0xC2 && bFirst < 0xE0   ? 1
+                    : bFirst >= 0xE0 && bFirst < 0xF0 ? 2
+                    : bFirst >= 0xF0 && bFirst < 0xF5 ? 3
+                                                      : 0;
         u32 ulCode = nMore == 1 ? bFirst & 0x1Fu : nMore == 2 ? bFirst & 0x0Fu : bFirst & 0x07u;
         for (int i = 1; i <= nMore; i++) {
             if (static_cast<size_t>(i) >= cb || (pBytes[i] & 0xC0) != 0x80) {
@@ -31,9 +34,10 @@ size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
             }
             ulCode = ulCode << 6 | (pBytes[i] & 0x3F);
         }
-        bool bShort = (nMore == 2 && ulCode < 0x800) || (nMore == 3 && (ulCode < 0x10000 || ulCode > 0x10FFFF));
-        *pbBad      = nMore == 0 || bShort || (ulCode >= 0xD800 && ulCode < 0xE000);
-        *pulCode    = *pbBad ? 0xFFFD : ulCode;
+        bool bShort =
+            (nMore == 2 && ulCode < 0x800) || (nMore == 3 && (ulCode < 0x10000 || ulCode > 0x10FFFF));
+        *pbBad = nMore == 0 || bShort || (ulCode >= 0xD800 && ulCode < 0xE000);
+        *pulCode = *pbBad ? 0xFFFD : ulCode;
         return *pbBad ? 1 : static_cast<size_t>(nMore) + 1;
     }
     *pbBad = false;
@@ -46,11 +50,12 @@ size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
             *pulCode = 0x3041u + pBytes[1] - 0x9Fu;
             return 2;
         }
-        *pbBad   = true;
+        *pbBad = true;
         *pulCode = 0x30FB;
         return IsLead932(bFirst) && cb > 1 && pBytes[1] ? 2 : 1;
     }
-    *pulCode = uMachineCodePage == 1252 && bFirst >= 0x80 && bFirst < 0xA0 ? awcUpperControls[bFirst - 0x80] : bFirst;
+    *pulCode = uMachineCodePage == 1252 && bFirst >= 0x80 && bFirst < 0xA0 ? awcUpperControls[bFirst - 0x80]
+                                                                           : bFirst;
     return 1;
 }
 
@@ -100,7 +105,8 @@ void SetCodePage(UINT uCodePage)
     uMachineCodePage = uCodePage;
 }
 
-int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int cbText, LPWSTR wcOut, int cchOut)
+int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int cbText, LPWSTR wcOut,
+                               int cchOut)
 {
     FAILS(MultiByteToWideChar);
     if (uCodePage != CP_ACP || !cText || cbText == 0 || cbText < -1 || cchOut < 0) {
@@ -108,9 +114,9 @@ int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int 
     }
     size_t cb = cbText < 0 ? std::char_traits<char>::length(cText) + 1 : static_cast<size_t>(cbText);
     const u8* pBytes = reinterpret_cast<const u8*>(cText);
-    int       nOut   = 0;
+    int nOut = 0;
     for (size_t nAt = 0; nAt < cb;) {
-        u32  ulCode;
+        u32 ulCode;
         bool bBad;
         nAt += TakeCharacter(pBytes + nAt, cb - nAt, &ulCode, &bBad);
         if (bBad && dwFlags & MB_ERR_INVALID_CHARS) {
@@ -122,7 +128,7 @@ int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int 
                 return Refuse(ERROR_INSUFFICIENT_BUFFER);
             }
             if (nUnits == 2) {
-                wcOut[nOut]     = static_cast<WCHAR>(0xD7C0 + (ulCode >> 10));
+                wcOut[nOut] = static_cast<WCHAR>(0xD7C0 + (ulCode >> 10));
                 wcOut[nOut + 1] = static_cast<WCHAR>(0xDC00 + (ulCode & 0x3FF));
             } else {
                 wcOut[nOut] = static_cast<WCHAR>(ulCode);
@@ -150,8 +156,12 @@ WCHAR UpperChar(WCHAR wcChar)
     if (c == 0xFF) {
         return u'\u0178';
     }
-    bool bOddIsSmall  = (c >= 0x100 && c <= 0x137 && c != 0x131 && c != 0x130) || (c >= 0x14A && c <= 0x177) || (c >= 0x460 && c <= 0x481) || (c >= 0x48A && c <= 0x4BF) || (c >= 0x4D0 && c <= 0x52F) || (c >= 0x1E00 && c <= 0x1E95) || (c >= 0x1EA0 && c <= 0x1EFF);
-    bool bEvenIsSmall = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E) || (c >= 0x4C1 && c <= 0x4CE);
+    bool bOddIsSmall = (c >= 0x100 && c <= 0x137 && c != 0x131 && c != 0x130) || (c >= 0x14A && c <= 0x177) ||
+                       (c >= 0x460 && c <= 0x481) || (c >= 0x48A && c <= 0x4BF) ||
+                       (c >= 0x4D0 && c <= 0x52F) || (c >= 0x1E00 && c <= 0x1E95) ||
+                       (c >= 0x1EA0 && c <= 0x1EFF);
+    bool bEvenIsSmall =
+        (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E) || (c >= 0x4C1 && c <= 0x4CE);
     if ((bOddIsSmall && c % 2 == 1) || (bEvenIsSmall && c % 2 == 0)) {
         return static_cast<WCHAR>(c - 1);
     }
@@ -169,9 +179,12 @@ WCHAR UpperChar(WCHAR wcChar)
     }
     switch (c) {
     case 0x3AC: return 0x386;
-    case 0x3AD: case 0x3AE: case 0x3AF: return static_cast<WCHAR>(c - 37);
+    case 0x3AD:
+    case 0x3AE:
+    case 0x3AF: return static_cast<WCHAR>(c - 37);
     case 0x3CC: return 0x38C;
-    case 0x3CD: case 0x3CE: return static_cast<WCHAR>(c - 63);
+    case 0x3CD:
+    case 0x3CE: return static_cast<WCHAR>(c - 63);
     case 0x4CF: return 0x4C0;
     default: return wcChar;
     }
@@ -191,7 +204,8 @@ WideText LowerText(std::u16string_view wcText)
     WideText wcLower(wcText);
     for (char16_t& character : wcLower) {
         character = UpperChar(character);
-        character = character >= u'A' && character <= u'Z' ? static_cast<char16_t>(character + 32) : character;
+        character =
+            character >= u'A' && character <= u'Z' ? static_cast<char16_t>(character + 32) : character;
     }
     return wcLower;
 }
@@ -220,9 +234,9 @@ std::string Narrow(std::u16string_view wcText)
 
 WideText Widen(std::string_view text)
 {
-    UINT uKept       = uMachineCodePage;
+    UINT uKept = uMachineCodePage;
     uMachineCodePage = 65001;
-    WideText wcText  = FromCodePage(text.data(), text.size());
+    WideText wcText = FromCodePage(text.data(), text.size());
     uMachineCodePage = uKept;
     return wcText;
 }
@@ -231,7 +245,7 @@ WideText FromCodePage(const char* cText, size_t cb)
 {
     WideText wcText;
     for (size_t nAt = 0; nAt < cb;) {
-        u32  ulCode;
+        u32 ulCode;
         bool bBad;
         nAt += TakeCharacter(reinterpret_cast<const u8*>(cText) + nAt, cb - nAt, &ulCode, &bBad);
         PutCode(&wcText, ulCode);

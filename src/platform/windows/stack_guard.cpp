@@ -6,7 +6,7 @@
 extern "C" {
 
 extern const u64 __stack_chk_guard;
-const u64        __stack_chk_guard = 0xFF0D0A00A53CC35A;
+const u64 __stack_chk_guard = 0xFF0D0A00A53CC35A;
 
 /* Ends the process at once, as the system's own guard does: what is on the stack can no longer be trusted. */
 [[noreturn]] void __stack_chk_fail(void);
