@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
         if (resource.type == PeName(PE_STRING)) {
             for (u16 n = 0; n < 16; n++) {
                 const u16 usId = static_cast<u16>((resource.name.usId - 1) * 16 + n);
-                PeText    text{};
+                PeText text{};
                 if (FindPeString(file, usId, LanguageOrder(resource.usLanguage), &text)) {
                     Inside(file, text.nOffset, u64{text.cch} * 2);
                 }

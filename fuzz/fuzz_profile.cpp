@@ -9,8 +9,8 @@
 namespace {
 
 constexpr char16_t FUZZ_FILE[] = u"C:\\fuzz\\f.ini";
-constexpr DWORD    LIST_CHARS  = 300;
-constexpr int      NAME_LIMIT  = 8; /* names of a list that are read and written */
+constexpr DWORD LIST_CHARS = 300;
+constexpr int NAME_LIMIT = 8; /* names of a list that are read and written */
 
 void Require(bool bTrue)
 {
@@ -31,7 +31,7 @@ WideText Read(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, DWORD cchOut)
 std::vector<WideText> ReadList(LPCWSTR wcSection, DWORD cchOut)
 {
     std::vector<WideText> names;
-    WideText              wcList = Read(wcSection, nullptr, u"", cchOut);
+    WideText wcList = Read(wcSection, nullptr, u"", cchOut);
     for (size_t nAt = 0; nAt < wcList.size() && names.size() < NAME_LIMIT;) {
         size_t nEnd = std::min(wcList.find(u'\0', nAt), wcList.size());
         names.push_back(wcList.substr(nAt, nEnd - nAt));

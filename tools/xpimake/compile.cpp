@@ -1,6 +1,6 @@
 /* The compiler: parsed text to the body of a description file, driven by the layout table. */
-#include "compiler.h"
 #include "ansi_text.h"
+#include "compiler.h"
 
 #include <algorithm>
 

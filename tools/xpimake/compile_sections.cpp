@@ -1,6 +1,6 @@
 /* The sections behind the body: texts, commands, fonts, bitmaps, colour data. */
-#include "compiler.h"
 #include "ansi_text.h"
+#include "compiler.h"
 
 #include <algorithm>
 

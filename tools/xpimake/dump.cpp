@@ -1,6 +1,6 @@
 /* The dump: a file back to the canonical text that compiles to the same bytes. */
-#include "xpi_format.h"
 #include "ansi_text.h"
+#include "xpi_format.h"
 #include "xpi_view.h"
 
 #include <algorithm>
@@ -20,10 +20,7 @@ struct Dumper {
     std::size_t names = 0;  /* texts of the first language */
     std::size_t commands = 0;
 
-    bool Room()
-    {
-        return text.size() + spent < budget;
-    }
+    bool Room() { return text.size() + spent < budget; }
     std::string Number(i64 value, const Field& field);
     std::string Value(u64 rowOffset, const Field& field);
     std::string Row(u64 rowOffset, const Table& table, bool closing);
