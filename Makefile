@@ -17,11 +17,11 @@ help:
 	@echo 'make clean     removes build/'
 
 hosted:
-	@scripts/setup hosted windows bench
-	@scripts/build hosted-release
+	@scripts/setup hosted windows
+	@scripts/build hosted-release tq xpimake samples
 
 asan:
-	@scripts/setup hosted windows bench
+	@scripts/setup hosted windows
 	@scripts/build hosted-asan
 
 windows:
@@ -38,7 +38,9 @@ test: package asan
 	@scripts/setup wine
 	@scripts/run-tests
 
-bench: hosted
+bench:
+	@scripts/setup hosted windows bench
+	@scripts/build hosted-release
 	@build/hosted/bench/ratios
 
 fuzz:
@@ -46,8 +48,8 @@ fuzz:
 	@scripts/build fuzz
 	@scripts/fuzz $(SECONDS)
 
-check: hosted windows
-	@scripts/setup check fuzz
+check: asan windows
+	@scripts/setup check
 	@scripts/check
 
 coverage:

@@ -8,6 +8,8 @@ namespace {
 constexpr u32 FIXED_BYTES = sizeof(XpiModel);
 constexpr u32 TAIL_BYTES = 128; /* holds two of the widest rows, so that a walk cannot step over it */
 constexpr u32 PREFIX_BYTES = 8;
+constexpr u32 WIDEST_ROW   = 64;
+constexpr u32 START_BYTES  = FIXED_BYTES + WIDEST_ROW; /* of the body, kept as they are in the file */
 
 /* The prefix holds two sizes: that of the body in the file, and where the tail begins. */
 u32 PrefixWord(const XpiModel* pModel, u32 nWord)
@@ -50,7 +52,7 @@ void ModelDeleter::operator()(const XpiModel* pModel) const
 
 const void* RowAt(const XpiModel* pModel, const void* pTable, i32 nIndex, u32 cbRow)
 {
-    static constexpr u8 abZeroRow[64] = {};
+    static constexpr u8 abZeroRow[WIDEST_ROW] = {};
     if (!pModel || !pTable || nIndex < 0) {
         return abZeroRow;
     }
@@ -64,12 +66,13 @@ const void* RowAt(const XpiModel* pModel, const void* pTable, i32 nIndex, u32 cb
     if (ullRow + cbRow > ullEnd) {
         return abZeroRow;
     }
-    return reinterpret_cast<const u8*>(pModel) + (ullRow - ullBlock);
+    u64 ullOffset = ullRow - ullBlock;
+    return (ullOffset < FIXED_BYTES ? FileStart(pModel) : reinterpret_cast<const u8*>(pModel)) + ullOffset;
 }
 
 const char* BodyText(const XpiModel* pModel, const char* pText)
 {
-    /* One byte inside the block is enough: the tail ends with zeros. */
+    /* One byte inside the block is enough: tail and kept start end with zeros. */
     return static_cast<const char*>(RowAt(pModel, pText, 0, 1));
 }
 

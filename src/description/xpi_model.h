@@ -1,9 +1,10 @@
 /* The loaded body of a description file, and the one way to its rows.
 
-   The block behind a model is [size, 8 bytes][body][zero tail]. The slots of the body are 8 bytes wide, in
-   the file an offset from the start of the body, in memory a pointer into the block: so all tables lie in it
-   and one free releases everything. A slot that leads beyond the body points at the tail, which reads as an
-   empty table or an empty text. */
+   The block behind a model is [sizes, 8 bytes][body][zero tail][start of the body as in the file]. The slots
+   of the body are 8 bytes wide, in the file an offset from the start of the body, in memory a pointer into
+   the block: so all tables lie in it and one free releases everything. A slot that leads beyond the body
+   points at the tail, which reads as an empty table or an empty text. Rows that lie over the slots themselves
+   read what the file has there, never a pointer. */
 #ifndef TQUI_DESCRIPTION_XPI_MODEL_H
 #define TQUI_DESCRIPTION_XPI_MODEL_H
 

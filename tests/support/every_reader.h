@@ -11,18 +11,18 @@
 #include "description/paper.h"
 #include "description/xpi_text.h"
 
-inline std::string ReadEveryString(PrinterCall& call, XpiFile& file, const XpiModel* pModel, HMODULE hLanguageDll)
+inline std::string ReadEveryString(XpiFile& file, const XpiModel* pModel, HMODULE hLanguageDll)
 {
     std::string      fault;
     constexpr int    CCH   = 24;
-    constexpr i32    COUNT = 20;
+    constexpr i32    COUNT = 14;
     i16              aIds[COUNT] = {1, 2, 3, 0, -1, -121, -32768, 32767, 255, 40};
     auto             wcBulk = std::make_unique<WCHAR[]>(COUNT * CCH);
     auto             wcOne  = std::make_unique<WCHAR[]>(CCH);
     for (i32 i = 10; i < COUNT; i++) {
         aIds[i] = Row(pModel, pModel ? pModel->pPaperTable : nullptr, i - 10)->sNameId;
     }
-    for (u16 usLanguage : {u16{0}, u16{7}, u16{9}, u16{0x3FF}, u16{0xFFFF}}) {
+    for (u16 usLanguage : {u16{7}, u16{9}, u16{0xFFFF}}) {
         ReadXpiStrings(file, usLanguage, hLanguageDll, aIds, COUNT, wcBulk.get(), CCH, CCH);
         for (i32 i = 0; i < COUNT; i++) {
             ReadXpiString(file, usLanguage, hLanguageDll, aIds[i], wcOne.get(), CCH);
@@ -33,7 +33,6 @@ inline std::string ReadEveryString(PrinterCall& call, XpiFile& file, const XpiMo
         }
     }
     ReadXpiString(file, 9, hLanguageDll, 1, wcOne.get(), 1);
-    static_cast<void>(call);
     return fault;
 }
 
@@ -93,7 +92,7 @@ inline std::string ReadEverything(HANDLE hPrinter)
     OwnedModel      pOwned = LoadPrinterModel(call);
     const XpiModel* pModel = pOwned.get();
     OwnedModule     hLanguageDll = OpenLanguageDll(call, nullptr);
-    std::string     fault = ReadEveryString(call, *pFile, pModel, hLanguageDll.get());
+    std::string     fault = ReadEveryString(*pFile, pModel, hLanguageDll.get());
     fault += ReadEveryCommand(*pFile) + ReadEveryBlob(*pFile, pModel);
     for (i32 i : {-1, 0, 1, 1000, 0x7FFF, 0x7FFFFFFF}) {
         const FeatureValueRow* pRow = PjlValueRow(pModel, i);
@@ -112,15 +111,12 @@ inline std::string ReadEverything(HANDLE hPrinter)
     GetXpiHalftoneBytes(pModel);
     GetPaperExtents(pModel);
     GetDeviceInfo(call, pModel);
-    for (i16 sCode : {i16{-32768}, i16{-300}, i16{-9}, i16{-1}, i16{0}, i16{1}, i16{9}, i16{118}, i16{119}, i16{256}, i16{447},
-                      i16{448}, i16{449}, i16{32767}}) {
+    for (i16 sCode : {i16{-32768}, i16{-9}, i16{0}, i16{1}, i16{118}, i16{119}, i16{256}, i16{448}, i16{32767}}) {
         i16 sWidth, sLength;
         GetPaperSize(call, pModel, sCode, &sWidth, &sLength);
         GetCompanionPaper(pModel, sCode);
-        for (i32 lDpi : {0, 600, 25400, 0x7FFFFFFF}) {
-            GetPrintableMargins(call, pModel, sCode, 1, lDpi);
-            GetPrintableMargins(call, pModel, sCode, 2, lDpi);
-        }
+        GetPrintableMargins(call, pModel, sCode, 1, sCode % 2 ? 600 : 0x7FFFFFFF);
+        GetPrintableMargins(call, pModel, sCode, 2, sCode % 2 ? 25400 : 0);
     }
     return fault;
 }
