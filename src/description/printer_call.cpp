@@ -8,6 +8,7 @@
 namespace {
 
 constexpr u32 FIRST_BYTES = 4096;
+constexpr u32 FIRST_PRINTER_BYTES = 8192;     /* a stored record takes half of it */
 constexpr u32 ANSWER_LIMIT = 8 * 1024 * 1024; /* no honest answer of a spooler comes near */
 constexpr u32 CLOSING_BYTES = 16;             /* zeros behind an answer, so that its last text has an end */
 constexpr int NAME_CHARS = 129;               /* a printer's name that is opened: 128 characters and NUL */
@@ -78,8 +79,9 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call)
 {
     if (call.printerState == NOT_ASKED) {
         DWORD nRows;
-        call.pPrinterInfo.reset(static_cast<PRINTER_INFO_2W*>(AskSpooler(
-            call.hPrinter, AskPrinter, FIRST_BYTES, &call.cbPrinterInfo, &nRows, &call.printerState)));
+        call.pPrinterInfo.reset(
+            static_cast<PRINTER_INFO_2W*>(AskSpooler(call.hPrinter, AskPrinter, FIRST_PRINTER_BYTES,
+                                                     &call.cbPrinterInfo, &nRows, &call.printerState)));
     }
     return call.pPrinterInfo.get();
 }
@@ -92,6 +94,15 @@ const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember)
 const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember)
 {
     return AnswerText(call.pPrinterInfo.get(), call.cbPrinterInfo, wcMember);
+}
+
+const void* PrinterBytes(const PrinterCall& call, const void* pMember, u32 cb)
+{
+    u64 ullBlock = reinterpret_cast<std::uintptr_t>(call.pPrinterInfo.get());
+    u64 ullMember = reinterpret_cast<std::uintptr_t>(pMember);
+    int bInside = ullBlock && ullMember >= ullBlock && cb <= call.cbPrinterInfo &&
+                  ullMember - ullBlock <= call.cbPrinterInfo - cb;
+    return bInside ? pMember : nullptr;
 }
 
 int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int cch, int* pbEnded)

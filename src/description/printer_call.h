@@ -53,7 +53,11 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember);
 const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember);
 
-/* The same for any answer of the spooler of cb bytes that AskSpooler gave. */
+/* A member of PRINTER_INFO_2 that leads to cb bytes: null for null, and for what does not lie in the block with
+   all of them. It may lie at any address. */
+const void* PrinterBytes(const PrinterCall& call, const void* pMember, u32 cb);
+
+/* A text member of any answer of cb bytes that AskSpooler gave. */
 const WCHAR* AnswerText(const void* pBlock, u32 cb, const WCHAR* wcMember);
 
 /* A growing answer of the spooler (size call and real call in one), zero-filled beyond what it wrote. Only

@@ -93,6 +93,7 @@ OwnedModel LoadXpiModel(XpiFile& file)
     if (!pModel || (cbBody && !ReadXpiBytes(file, pHeader->dwBodyOffset, pModel.get(), cbBody, &cbGot))) {
         return nullptr;
     }
+    KeepModelStart(pModel.get());
     FixSlots(pModel.get());
     if (pModel->pFontPageTable && !FillFontPages(file, pModel.get())) {
         return nullptr;

@@ -8,8 +8,8 @@ namespace {
 constexpr u32 FIXED_BYTES = sizeof(XpiModel);
 constexpr u32 TAIL_BYTES = 128; /* holds two of the widest rows, so that a walk cannot step over it */
 constexpr u32 PREFIX_BYTES = 8;
-constexpr u32 WIDEST_ROW   = 64;
-constexpr u32 START_BYTES  = FIXED_BYTES + WIDEST_ROW; /* of the body, kept as they are in the file */
+constexpr u32 WIDEST_ROW = 64;
+constexpr u32 START_BYTES = FIXED_BYTES + WIDEST_ROW; /* of the body, kept as in the file */
 
 /* The prefix holds two sizes: that of the body in the file, and where the tail begins. */
 u32 PrefixWord(const XpiModel* pModel, u32 nWord)
@@ -19,12 +19,17 @@ u32 PrefixWord(const XpiModel* pModel, u32 nWord)
     return ulSize;
 }
 
+u8* KeptStart(const XpiModel* pModel)
+{
+    return const_cast<u8*>(reinterpret_cast<const u8*>(pModel)) + ModelTailOffset(pModel) + TAIL_BYTES;
+}
+
 } // namespace
 
 OwnedModel NewModelBlock(u32 cbBody)
 {
     u32 cbToTail = cbBody > FIXED_BYTES ? cbBody : FIXED_BYTES;
-    u8* pBlock = static_cast<u8*>(AllocateBlock(PREFIX_BYTES + cbToTail + TAIL_BYTES));
+    u8* pBlock = static_cast<u8*>(AllocateBlock(PREFIX_BYTES + cbToTail + TAIL_BYTES + START_BYTES + 1));
     if (!pBlock) {
         return nullptr;
     }
@@ -41,6 +46,11 @@ u32 ModelBodyBytes(const XpiModel* pModel)
 u32 ModelTailOffset(const XpiModel* pModel)
 {
     return PrefixWord(pModel, 1);
+}
+
+void KeepModelStart(XpiModel* pModel)
+{
+    std::memcpy(KeptStart(pModel), pModel, START_BYTES); /* a block has at least the fixed part and the tail */
 }
 
 void ModelDeleter::operator()(const XpiModel* pModel) const
@@ -67,12 +77,12 @@ const void* RowAt(const XpiModel* pModel, const void* pTable, i32 nIndex, u32 cb
         return abZeroRow;
     }
     u64 ullOffset = ullRow - ullBlock;
-    return (ullOffset < FIXED_BYTES ? FileStart(pModel) : reinterpret_cast<const u8*>(pModel)) + ullOffset;
+    return (ullOffset < FIXED_BYTES ? KeptStart(pModel) : reinterpret_cast<const u8*>(pModel)) + ullOffset;
 }
 
 const char* BodyText(const XpiModel* pModel, const char* pText)
 {
-    /* One byte inside the block is enough: tail and kept start end with zeros. */
+    /* One byte inside the block is enough: the tail and the kept start end with zeros. */
     return static_cast<const char*>(RowAt(pModel, pText, 0, 1));
 }
 

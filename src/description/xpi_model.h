@@ -1,10 +1,9 @@
 /* The loaded body of a description file, and the one way to its rows.
 
-   The block behind a model is [sizes, 8 bytes][body][zero tail][start of the body as in the file]. The slots
-   of the body are 8 bytes wide, in the file an offset from the start of the body, in memory a pointer into
-   the block: so all tables lie in it and one free releases everything. A slot that leads beyond the body
-   points at the tail, which reads as an empty table or an empty text. Rows that lie over the slots themselves
-   read what the file has there, never a pointer. */
+   The block behind a model is [sizes, 8 bytes][body][zero tail][start of the body as in the file]. A slot is
+   8 bytes wide, in the file an offset into the body, in memory a pointer into the block: so all tables lie in
+   it and one free releases everything. A slot that leads beyond the body points at the tail, which reads as an
+   empty table or text. A row that lies over the slots reads what the file has there, never a pointer. */
 #ifndef TQUI_DESCRIPTION_XPI_MODEL_H
 #define TQUI_DESCRIPTION_XPI_MODEL_H
 
@@ -114,11 +113,12 @@ struct ModelDeleter {
 };
 using OwnedModel = std::unique_ptr<XpiModel, ModelDeleter>;
 
-/* A zeroed block for a body of cbBody bytes; null when memory fails. The loader fills it. */
+/* A zeroed block for a body of cbBody bytes; null when memory fails. The loader fills it and has its start
+   kept before slots become pointers: those differ from load to load, and a list may not. */
 OwnedModel NewModelBlock(u32 cbBody);
+void KeepModelStart(XpiModel* pModel);
 
-/* Bytes of the body in the file, and where the zero tail begins: the same unless the body is shorter than its
-   fixed part. */
+/* Bytes of the body in the file, and where the tail begins: the same unless the fixed part is longer. */
 u32 ModelBodyBytes(const XpiModel* pModel);
 u32 ModelTailOffset(const XpiModel* pModel);
 

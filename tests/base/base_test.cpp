@@ -14,8 +14,8 @@ namespace {
 /* Formats into a buffer of cch characters that stands between marks; the text and whether it was whole. */
 struct Formatted {
     std::string text;
-    int         bWhole;
-    bool        operator==(const Formatted&) const = default;
+    int bWhole;
+    bool operator==(const Formatted&) const = default;
 };
 std::ostream& operator<<(std::ostream& out, const Formatted& formatted)
 {
@@ -25,7 +25,7 @@ std::ostream& operator<<(std::ostream& out, const Formatted& formatted)
 template <class... Arguments> Formatted WideOf(int cch, const WCHAR* wcFormat, Arguments... arguments)
 {
     WideString wcRoom(static_cast<size_t>(cch) + 2, u'~');
-    int        bWhole = FormatWide(wcRoom.data() + 1, cch, wcFormat, arguments...);
+    int bWhole = FormatWide(wcRoom.data() + 1, cch, wcFormat, arguments...);
     EXPECT_EQ(wcRoom.front(), u'~');
     EXPECT_EQ(wcRoom.back(), u'~');
     size_t nEnd = wcRoom.find(u'\0', 1);
@@ -36,7 +36,7 @@ template <class... Arguments> Formatted WideOf(int cch, const WCHAR* wcFormat, A
 template <class... Arguments> Formatted NarrowOf(int cch, const char* cFormat, Arguments... arguments)
 {
     std::string room(static_cast<size_t>(cch) + 2, '~');
-    int         bWhole = FormatNarrow(room.data() + 1, cch, cFormat, arguments...);
+    int bWhole = FormatNarrow(room.data() + 1, cch, cFormat, arguments...);
     EXPECT_EQ(room.front(), '~');
     EXPECT_EQ(room.back(), '~');
     size_t nEnd = room.find('\0', 1);
@@ -49,8 +49,10 @@ template <class... Arguments> Formatted NarrowOf(int cch, const char* cFormat, A
 TEST(Format, WritesNumbersAndTextsOfBothWidths)
 {
     EXPECT_EQ(WideOf(32, u"%s%d-%d", u"BlockPage", 3, 10), (Formatted{"BlockPage3-10", 1}));
-    EXPECT_EQ(NarrowOf(64, "@PJL SET %s=%s\r\n", "OUTBIN", "UPPER"), (Formatted{"@PJL SET OUTBIN=UPPER\r\n", 1}));
-    EXPECT_EQ(WideOf(32, u"%08lX|%x|%04u|%3d|%02d", 0x80100u, 0xabcu, 7u, 5, -3), (Formatted{"00080100|abc|0007|  5|-3", 1}));
+    EXPECT_EQ(NarrowOf(64, "@PJL SET %s=%s\r\n", "OUTBIN", "UPPER"),
+              (Formatted{"@PJL SET OUTBIN=UPPER\r\n", 1}));
+    EXPECT_EQ(WideOf(32, u"%08lX|%x|%04u|%3d|%02d", 0x80100u, 0xabcu, 7u, 5, -3),
+              (Formatted{"00080100|abc|0007|  5|-3", 1}));
     EXPECT_EQ(NarrowOf(32, "%06d|%6d|%1d", -42, -42, 123), (Formatted{"-00042|   -42|123", 1}));
     EXPECT_EQ(NarrowOf(32, "100%% of %s", "it"), (Formatted{"100% of it", 1}));
     EXPECT_EQ(WideOf(16, u"[%s]", static_cast<const WCHAR*>(nullptr)), (Formatted{"[]", 1}));
@@ -61,7 +63,8 @@ TEST(Format, WritesNumbersAndTextsOfBothWidths)
 TEST(Format, NumbersAre32BitsWideAtTheirLimits)
 {
     EXPECT_EQ(NarrowOf(64, "%d %d", INT_MAX, INT_MIN), (Formatted{"2147483647 -2147483648", 1}));
-    EXPECT_EQ(NarrowOf(64, "%u %u %lu", UINT_MAX, -1, 0xFFFFFFFFul), (Formatted{"4294967295 4294967295 4294967295", 1}));
+    EXPECT_EQ(NarrowOf(64, "%u %u %lu", UINT_MAX, -1, 0xFFFFFFFFul),
+              (Formatted{"4294967295 4294967295 4294967295", 1}));
     EXPECT_EQ(NarrowOf(64, "%d %X", 0xFFFFFFFFu, -1), (Formatted{"-1 FFFFFFFF", 1}));
     EXPECT_EQ(NarrowOf(64, "%020d", INT_MIN), (Formatted{"-0000000002147483648", 1}));
     EXPECT_EQ(NarrowOf(64, "%d%x%u", 0, 0, 0u), (Formatted{"000", 1}));
@@ -70,12 +73,14 @@ TEST(Format, NumbersAre32BitsWideAtTheirLimits)
 TEST(Format, WhatItCannotServeIsCopiedAsItStands)
 {
     /* Formats come from the language library too, so a wrong one must not read a number as a pointer. */
-    for (const char* cFormat : {"%s", "%c", "%f", "%p", "%n", "%ls", "%5s", "%-5d", "%+d", "%.2d", "%*d", "%lld", "%hd",
-                                "%i", "%", "50% off", "%021d", "%99999999999d", "%0", "%l"}) {
+    for (const char* cFormat :
+         {"%s",  "%c",   "%f",  "%p", "%n", "%ls",     "%5s",   "%-5d",          "%+d", "%.2d",
+          "%*d", "%lld", "%hd", "%i", "%",  "50% off", "%021d", "%99999999999d", "%0",  "%l"}) {
         EXPECT_EQ(NarrowOf(64, cFormat, 7), (Formatted{cFormat, 1})) << cFormat;
     }
     EXPECT_EQ(NarrowOf(64, "%d", "text"), (Formatted{"%d", 1}));
-    EXPECT_EQ(NarrowOf(64, "%d of %d", 1), (Formatted{"%d of %d", 1})) << "none is replaced when one is missing";
+    EXPECT_EQ(NarrowOf(64, "%d of %d", 1), (Formatted{"%d of %d", 1}))
+        << "none is replaced when one is missing";
     EXPECT_EQ(WideOf(64, u"%s wants %d", 1, u"x"), (Formatted{"%s wants %d", 1}));
     EXPECT_EQ(WideOf(5, u"%s%q", u"abc"), (Formatted{"%s%q", 1}));
     EXPECT_EQ(WideOf(4, u"%s%q", u"abc"), (Formatted{"%s%", 0}));
@@ -101,9 +106,9 @@ TEST(Wide, CopiesCutOrGiveUp)
 {
     struct Case {
         const WCHAR* wcText;
-        int          cch;
-        const char*  cCut; /* what CopyWide leaves */
-        int          bWhole;
+        int cch;
+        const char* cCut; /* what CopyWide leaves */
+        int bWhole;
     };
     constexpr Case aCases[] = {
         {u"abc", 4, "abc", 1},
@@ -111,9 +116,9 @@ TEST(Wide, CopiesCutOrGiveUp)
         {u"abc", 1, "", 0},
         {u"", 1, "", 1},
         {nullptr, 4, "", 1},
-        {u"a\xD83D\xDE00", 3, "a", 0},               /* a pair is not torn */
+        {u"a\xD83D\xDE00", 3, "a", 0}, /* a pair is not torn */
         {u"a\xD83D\xDE00", 4, "a\\uD83D\\uDE00", 1},
-        {u"a\xD83D", 3, "a\\uD83D", 1},              /* a half that was there already is not ours to mend */
+        {u"a\xD83D", 3, "a\\uD83D", 1}, /* a half that was there already is not ours to mend */
     };
     for (const Case& row : aCases) {
         std::array<WCHAR, 8> wcRoom;
@@ -126,7 +131,8 @@ TEST(Wide, CopiesCutOrGiveUp)
         EXPECT_EQ(Ascii(wcRoom.data()), row.bWhole ? row.cCut : "");
     }
     WCHAR wcMark = u'~';
-    EXPECT_EQ(CopyWide(&wcMark, 0, u"a") + CopyWideWhole(&wcMark, -1, u"a") + AppendWideWhole(&wcMark, 0, u"a"), 0);
+    EXPECT_EQ(
+        CopyWide(&wcMark, 0, u"a") + CopyWideWhole(&wcMark, -1, u"a") + AppendWideWhole(&wcMark, 0, u"a"), 0);
     EXPECT_EQ(wcMark, u'~');
 }
 
@@ -154,7 +160,8 @@ TEST(Wide, ComparesAndSearches)
     EXPECT_EQ(SameWide(u"", u""), 1);
 
     const WCHAR* wcText = u"aab.XPI";
-    EXPECT_EQ(FindWide(wcText, u"ab"), wcText + 1) << "a search that restarts behind a half match misses this";
+    EXPECT_EQ(FindWide(wcText, u"ab"), wcText + 1)
+        << "a search that restarts behind a half match misses this";
     EXPECT_EQ(FindWide(wcText, u".XPI"), wcText + 3);
     EXPECT_EQ(FindWide(wcText, u".XPIX"), nullptr);
     EXPECT_EQ(FindWide(wcText, u""), wcText);
@@ -193,9 +200,10 @@ TEST(Arithmetic, BitSetsHaveTheHighBitFirst)
 {
     struct Case {
         int nCode, nByte;
-        u8  bMask;
+        u8 bMask;
     };
-    for (Case row : {Case{0, 0, 0x80}, Case{7, 0, 0x01}, Case{9, 1, 0x40}, Case{118, 14, 0x02}, Case{255, 31, 0x01}}) {
+    for (Case row :
+         {Case{0, 0, 0x80}, Case{7, 0, 0x01}, Case{9, 1, 0x40}, Case{118, 14, 0x02}, Case{255, 31, 0x01}}) {
         u8 aBits[32] = {};
         aBits[row.nByte] = row.bMask;
         for (int nCode = -9; nCode < 300; nCode++) {
@@ -218,8 +226,9 @@ TEST_F(Blocks, AreZeroedAndBounded)
     EXPECT_EQ(AllocateBlock(0), nullptr);
     EXPECT_EQ(AllocateBlock(0x10000001), nullptr);
     EXPECT_EQ(AllocateBlock(~u64{0}), nullptr);
-    EXPECT_EQ(AllocateRows(0x100000000, 0x100000001), nullptr); /* the product's low 64 bits are 0x100000000 */
-    EXPECT_EQ(AllocateRows(u64{1} << 61, 8), nullptr);          /* and here they are 0 */
+    EXPECT_EQ(AllocateRows(0x100000000, 0x100000001),
+              nullptr);                                /* the product's low 64 bits are 0x100000000 */
+    EXPECT_EQ(AllocateRows(u64{1} << 61, 8), nullptr); /* and here they are 0 */
     EXPECT_EQ(AllocateRows(5, 0), nullptr);
     EXPECT_EQ(AllocateRows(0, 5), nullptr);
     EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
@@ -236,7 +245,8 @@ TEST_F(Blocks, TwoValuesSayThatNothingIsOpen)
     EXPECT_EQ(IsOpen(nullptr), 0);
     EXPECT_EQ(IsOpen(INVALID_HANDLE_VALUE), 0);
     PutFile(u"C:\\a.bin", "x");
-    OwnedFile hFile(CreateFileW(u"C:\\a.bin", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    OwnedFile hFile(
+        CreateFileW(u"C:\\a.bin", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_EQ(IsOpen(hFile.get()), 1);
     EXPECT_EQ(CountLive().nFiles, 1);
     hFile.reset(INVALID_HANDLE_VALUE);

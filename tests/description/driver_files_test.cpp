@@ -6,7 +6,7 @@
 namespace {
 
 class DriverFilesTest : public MachineTest {
-protected:
+  protected:
     void SetUp() override
     {
         MachineTest::SetUp();
@@ -18,8 +18,8 @@ protected:
     {
         AddPrinterAgain();
         PrinterCall call(hPrinter);
-        WideText    tcPath(PATH_CHARS + 1, u'~');
-        int         bFound = FindDriverFile(call, wcValue, wcDefault, tcPath.data());
+        WideText tcPath(PATH_CHARS + 1, u'~');
+        int bFound = FindDriverFile(call, wcValue, wcDefault, tcPath.data());
         EXPECT_EQ(tcPath.back(), u'~');
         size_t nEnd = tcPath.find(u'\0');
         EXPECT_NE(nEnd, WideText::npos);
@@ -31,8 +31,8 @@ protected:
     {
         AddPrinterAgain();
         PrinterCall call(hPrinter);
-        WCHAR       tcPath[PATH_CHARS];
-        int         bFound = GetRenderCorePath(call, tcPath);
+        WCHAR tcPath[PATH_CHARS];
+        int bFound = GetRenderCorePath(call, tcPath);
         EXPECT_EQ(bFound, tcPath[0] != 0);
         return Narrow(tcPath);
     }
@@ -48,9 +48,9 @@ protected:
 
     std::string OpenByName(const WCHAR* wcName, bool* pbOpen)
     {
-        size_t       nBefore  = OpenedPrinters().size();
-        OwnedPrinter hByName  = OpenPrinterByName(wcName);
-        *pbOpen               = IsOpen(hByName.get());
+        size_t nBefore = OpenedPrinters().size();
+        OwnedPrinter hByName = OpenPrinterByName(wcName);
+        *pbOpen = IsOpen(hByName.get());
         std::string tries;
         for (size_t i = nBefore; i < OpenedPrinters().size(); i++) {
             tries += (tries.empty() ? "" : " ") + OpenedPrinters()[i];
@@ -58,7 +58,7 @@ protected:
         return tries;
     }
 
-    PrinterSetup                                setup;
+    PrinterSetup setup;
     std::vector<std::pair<WideText, WideText>> values;
 };
 
@@ -71,10 +71,10 @@ WideText PathOf(size_t cch, const WideText& tcEnd)
 
 TEST_F(DriverFilesTest, SearchOrderAndMatchingByAPieceAnywhere)
 {
-    setup.tcDriverPath      = u"c:\\drv\\hit.driver";
-    setup.tcConfigFile      = u"c:\\drv\\Hit.config";
-    setup.tcHelpFile        = u"c:\\drv\\hit.help";
-    setup.tcDataFile        = u"c:\\drv\\hit.data";
+    setup.tcDriverPath = u"c:\\drv\\hit.driver";
+    setup.tcConfigFile = u"c:\\drv\\Hit.config";
+    setup.tcHelpFile = u"c:\\drv\\hit.help";
+    setup.tcDataFile = u"c:\\drv\\hit.data";
     setup.atcDependentFiles = {u"c:\\drv\\other", u"c:\\drv\\hit.first", u"c:\\drv\\hit.second"};
     EXPECT_EQ(Find(u"", u"hit"), "C:\\DRV\\HIT.FIRST");
     EXPECT_EQ(Find(u"", u"HIT.S"), "C:\\DRV\\HIT.SECOND");
@@ -116,12 +116,12 @@ TEST_F(DriverFilesTest, AValueReplacesTheDefaultForGoodUnlessEmpty)
 
     /* At most 128 characters of it are looked for. */
     setup.atcDependentFiles = {u"c:\\" + WideText(128, u'n') + u".dll"};
-    values                  = {{u"XPI", WideText(200, u'n')}};
+    values = {{u"XPI", WideText(200, u'n')}};
     EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\" + std::string(128, 'N') + ".DLL");
     setup.atcDependentFiles = {u"c:\\" + WideText(127, u'n') + u".dll"};
     EXPECT_EQ(Find(u"XPI", u".XPI"), "");
     setup.atcDependentFiles = {u"c:\\drv\\a.xpi"};
-    values                  = {{u"XPI", WideText(300, u'n')}}; /* more than there is room for: not there */
+    values = {{u"XPI", WideText(300, u'n')}}; /* more than there is room for: not there */
     EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
 }
 
@@ -130,8 +130,8 @@ TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
     setup.atcDependentFiles = {u"c:\\drv\\a.xpi", u"c:\\drv\\b.xpi"};
     struct Case {
         const char* cWhat;
-        DWORD       dwType;
-        Bytes       bytes;
+        DWORD dwType;
+        Bytes bytes;
         const char* cFound;
     };
     const Case aCases[] = {
@@ -148,7 +148,7 @@ TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
         AddPrinter(setup);
         SetPrinterValue(u"Test", u"XPI", row.dwType, row.bytes);
         PrinterCall call(hPrinter);
-        WCHAR       tcPath[PATH_CHARS];
+        WCHAR tcPath[PATH_CHARS];
         FindDriverFile(call, u"XPI", u".XPI", tcPath);
         EXPECT_EQ(Narrow(tcPath), row.cFound) << row.cWhat;
     }
@@ -160,8 +160,8 @@ TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
     }
     SetPrinterValue(u"Test", u"XPI", REG_SZ, full);
     PrinterCall call(hPrinter);
-    WCHAR       tcText[PATH_CHARS];
-    int         bEnded = 1;
+    WCHAR tcText[PATH_CHARS];
+    int bEnded = 1;
     EXPECT_EQ(ReadPrinterText(call, u"XPI", tcText, PATH_CHARS, &bEnded), 1);
     EXPECT_EQ(bEnded, 0);
     EXPECT_EQ(WideText(tcText), WideText(259, u'n'));
@@ -192,7 +192,7 @@ TEST_F(DriverFilesTest, LongAnswersOfTheSpoolerAreAskedForTwice)
 
     setup.wcComment = WideText(5000, u'c');
     AddPrinterAgain();
-    PrinterCall            call(hPrinter);
+    PrinterCall call(hPrinter);
     const PRINTER_INFO_2W* pInfo = GetPrinterInfo(call);
     ASSERT_TRUE(pInfo);
     EXPECT_EQ(WideText(PrinterText(call, pInfo->pComment)).size(), 5000u);
@@ -204,7 +204,7 @@ TEST_F(DriverFilesTest, StrangeAnswersOfTheSpooler)
 {
     for (LieKind lie : {LIE_NULL_MEMBERS, LIE_HUGE, LIE_GROWS}) {
         PrinterCall call(hPrinter);
-        WCHAR       tcPath[PATH_CHARS];
+        WCHAR tcPath[PATH_CHARS];
         TellLies(lie, CALL_GetPrinterDriverW);
         if (lie == LIE_GROWS) {
             setup.atcDependentFiles.assign(60, WideText(60, u'x')); /* so that the first room is too small */
@@ -224,7 +224,7 @@ TEST_F(DriverFilesTest, StrangeAnswersOfTheSpooler)
 
     for (HANDLE hNone : {HANDLE(nullptr), INVALID_HANDLE_VALUE}) {
         PrinterCall none(hNone);
-        WCHAR       tcPath[PATH_CHARS];
+        WCHAR tcPath[PATH_CHARS];
         ResetCallCounts();
         EXPECT_EQ(FindDriverFile(none, u"XPI", u".XPI", tcPath), 0);
         EXPECT_FALSE(OpenXpiFile(none));
@@ -266,9 +266,9 @@ TEST_F(DriverFilesTest, TheDescriptionIsOpenedOnceACall)
 
 TEST_F(DriverFilesTest, RenderCore)
 {
-    setup.tcDriverPath      = u"c:\\drv\\qrnd.dll";
+    setup.tcDriverPath = u"c:\\drv\\qrnd.dll";
     setup.atcDependentFiles = {u"c:\\drv\\nt.dll", u"c:\\drv\\xps.dll", u"c:\\drv\\cre.dll"};
-    values                  = {{u"NTCoreName", u"nt.dll"}, {u"XPSCoreName", u"xps.dll"}};
+    values = {{u"NTCoreName", u"nt.dll"}, {u"XPSCoreName", u"xps.dll"}};
     EXPECT_EQ(RenderCore(), "C:\\DRV\\NT.DLL");
     values[0].second = u"gone.dll";
     EXPECT_EQ(RenderCore(), "C:\\DRV\\XPS.DLL");
@@ -318,11 +318,11 @@ TEST_F(DriverFilesTest, FontFile)
 TEST_F(DriverFilesTest, PrintersOpenedByName)
 {
     struct Case {
-        WideText    wcName;
+        WideText wcName;
         std::string tries;
-        bool        bOpen;
+        bool bOpen;
     };
-    WideText   wcLong(200, u'n');
+    WideText wcLong(200, u'n');
     const Case aCases[] = {
         {u"Test", "Test|F000C", true},
         {u"\\\\WORKPC\\Test,LocalOnly", "\\\\WORKPC\\Test|F000C", true},

@@ -6,7 +6,7 @@
 namespace {
 
 class LanguageTest : public MachineTest {
-protected:
+  protected:
     void SetUp() override
     {
         MachineTest::SetUp();
@@ -34,8 +34,8 @@ protected:
                (hModule ? Narrow(wcText) : "none");
     }
 
-    PrinterSetup   setup;
-    WideText       wcOverride;
+    PrinterSetup setup;
+    WideText wcOverride;
     LanguageChoice choice;
 };
 
@@ -52,7 +52,8 @@ TEST_F(LanguageTest, TheUsersLibraryThenTheEnglishOne)
     EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 Printer default");
     EXPECT_EQ(Opened({BROKEN, ENUS}, 0x0407), "9/1 Printer default") << "found, but it does not load";
     EXPECT_EQ(Opened({u"C:\\gone\\txt.dll", ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(Opened({BROKEN, TXT, ENUS}, 0x0407), "9/1 Printer default") << "the first match is the only one tried";
+    EXPECT_EQ(Opened({BROKEN, TXT, ENUS}, 0x0407), "9/1 Printer default")
+        << "the first match is the only one tried";
     EXPECT_EQ(Opened({BROKEN}, 0x0407), "9/1 none");
     EXPECT_EQ(Opened({}, 0x0407), "9/1 none");
     EXPECT_EQ(Opened({u"txt.dll", u"enus.dll"}, 0x0407), "9/1 none") << "a bare name would be searched for";
@@ -65,7 +66,8 @@ TEST_F(LanguageTest, TheEnglishOneCanBeNamedByAValue)
     EXPECT_EQ(Opened({ENUS, u"C:\\drv\\alt.dll"}, 0x0407), "9/1 Vorgabe des Druckers");
     wcOverride = u"GONE.DLL";
     EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers") << "not asked for when it is not needed";
+    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers")
+        << "not asked for when it is not needed";
 }
 
 TEST_F(LanguageTest, WhatASheetKeeps)
@@ -111,25 +113,29 @@ TEST_F(LanguageTest, LibrariesAreLoadedAsData)
 TEST_F(LanguageTest, CodesOfTheLanguages)
 {
     struct Case {
-        u16         usPrimary, usSub;
+        u16 usPrimary, usSub;
         const char* cCode;
     };
     constexpr Case aCases[] = {
-        {0, 0, "NEUT"},   {0, 1, "NEUT"},   {0, 2, "NEUT"},  {0, 3, ""},      {1, 1, "SAUD"},   {1, 14, "UAE"},
-        {1, 15, "BAHR"},  {1, 16, "QATA"},  {1, 17, ""},     {2, 1, "BULG"},  {2, 2, ""},       {3, 1, "CATA"},
-        {4, 1, "CTRA"},   {4, 2, "CSIM"},   {4, 3, "CHON"},  {4, 4, "CSIN"},  {5, 1, "CZEC"},   {6, 1, "DANI"},
-        {7, 1, "GERM"},   {7, 2, "GSWI"},   {7, 5, "GLIE"},  {8, 1, "GREE"},  {9, 1, "ENUS"},   {9, 2, "ENUK"},
-        {9, 11, "ENTR"},  {9, 12, ""},      {9, 0, ""},      {10, 1, "SCAS"}, {10, 6, "SPAN"},  {10, 20, "SPUE"},
-        {10, 21, ""},     {11, 1, "FINN"},  {12, 5, "FLUX"}, {13, 1, "HEBR"}, {14, 1, "HUNG"},  {15, 1, "ICEL"},
-        {16, 2, "ISWI"},  {17, 1, "JAPA"},  {18, 2, "KJOH"}, {19, 2, "DBEL"}, {20, 2, "NYNO"},  {21, 1, "POLI"},
-        {22, 1, "BRAZ"},  {22, 2, "PORT"},  {23, 1, "ROMA"}, {24, 1, "RUSS"}, {25, 1, "CROA"},  {26, 1, "SERB"},
-        {26, 3, "SCYR"},  {27, 1, "SLOK"},  {28, 1, "ALBA"}, {29, 2, "SFIN"}, {30, 1, "THAI"},  {31, 1, "TURK"},
-        {32, 1, "INDO"},  {33, 1, "UKRA"},  {34, 1, "BELA"}, {35, 1, "SLON"}, {36, 1, "ESTO"},  {37, 1, "LATV"},
-        {38, 1, "LITH"},  {39, 1, "FARS"},  {40, 1, "VIET"}, {41, 1, "BASQ"}, {42, 1, "AFRI"},  {43, 1, "FAER"},
-        {43, 2, ""},      {44, 1, ""},      {0x3FF, 1, ""},  {0xFFFF, 0xFFFF, ""}, {7, 63, ""}, {1, 0, ""},
+        {0, 0, "NEUT"},  {0, 1, "NEUT"},  {0, 2, "NEUT"},  {0, 3, ""},      {1, 1, "SAUD"},
+        {1, 14, "UAE"},  {1, 15, "BAHR"}, {1, 16, "QATA"}, {1, 17, ""},     {2, 1, "BULG"},
+        {2, 2, ""},      {3, 1, "CATA"},  {4, 1, "CTRA"},  {4, 2, "CSIM"},  {4, 3, "CHON"},
+        {4, 4, "CSIN"},  {5, 1, "CZEC"},  {6, 1, "DANI"},  {7, 1, "GERM"},  {7, 2, "GSWI"},
+        {7, 5, "GLIE"},  {8, 1, "GREE"},  {9, 1, "ENUS"},  {9, 2, "ENUK"},  {9, 11, "ENTR"},
+        {9, 12, ""},     {9, 0, ""},      {10, 1, "SCAS"}, {10, 6, "SPAN"}, {10, 20, "SPUE"},
+        {10, 21, ""},    {11, 1, "FINN"}, {12, 5, "FLUX"}, {13, 1, "HEBR"}, {14, 1, "HUNG"},
+        {15, 1, "ICEL"}, {16, 2, "ISWI"}, {17, 1, "JAPA"}, {18, 2, "KJOH"}, {19, 2, "DBEL"},
+        {20, 2, "NYNO"}, {21, 1, "POLI"}, {22, 1, "BRAZ"}, {22, 2, "PORT"}, {23, 1, "ROMA"},
+        {24, 1, "RUSS"}, {25, 1, "CROA"}, {26, 1, "SERB"}, {26, 3, "SCYR"}, {27, 1, "SLOK"},
+        {28, 1, "ALBA"}, {29, 2, "SFIN"}, {30, 1, "THAI"}, {31, 1, "TURK"}, {32, 1, "INDO"},
+        {33, 1, "UKRA"}, {34, 1, "BELA"}, {35, 1, "SLON"}, {36, 1, "ESTO"}, {37, 1, "LATV"},
+        {38, 1, "LITH"}, {39, 1, "FARS"}, {40, 1, "VIET"}, {41, 1, "BASQ"}, {42, 1, "AFRI"},
+        {43, 1, "FAER"}, {43, 2, ""},     {44, 1, ""},     {0x3FF, 1, ""},  {0xFFFF, 0xFFFF, ""},
+        {7, 63, ""},     {1, 0, ""},
     };
     for (const Case& row : aCases) {
-        EXPECT_EQ(Ascii(GetLanguageCode(row.usPrimary, row.usSub).wcText), row.cCode) << row.usPrimary << "/" << row.usSub;
+        EXPECT_EQ(Ascii(GetLanguageCode(row.usPrimary, row.usSub).wcText), row.cCode)
+            << row.usPrimary << "/" << row.usSub;
     }
     SetUserLanguage(0xFC07);
     EXPECT_EQ(GetUserLanguage(), 7);

@@ -5,14 +5,16 @@
 
 namespace {
 
-constexpr PaperRow A4_ROW = {1, 9, 2111, 2999, 7, 0, 0, 0, {}}; /* not the built-in numbers, to tell them apart */
+constexpr PaperRow A4_ROW = {1, 9, 2111, 2999, 7,
+                             0, 0, 0,    {}}; /* not the built-in numbers, to tell them apart */
 
-const char* const SAVED_TWO = "[CustomSizes]\r\nNumCustomSizes=2\r\n"
-                              "CustomName0=Sheet\r\nCustomWidth0=20009\r\nCustomLength0=30000\r\nCustomMetric0=1\r\n"
-                              "CustomName1=Strip\r\nCustomWidth1=9999\r\nCustomLength1=70000\r\nCustomMetric1=0\r\n";
+const char* const SAVED_TWO =
+    "[CustomSizes]\r\nNumCustomSizes=2\r\n"
+    "CustomName0=Sheet\r\nCustomWidth0=20009\r\nCustomLength0=30000\r\nCustomMetric0=1\r\n"
+    "CustomName1=Strip\r\nCustomWidth1=9999\r\nCustomLength1=70000\r\nCustomMetric1=0\r\n";
 
 struct Size {
-    i32  lMetric, lWidth, lLength;
+    i32 lMetric, lWidth, lLength;
     bool operator==(const Size&) const = default;
 };
 std::ostream& operator<<(std::ostream& out, const Size& size)
@@ -25,7 +27,7 @@ constexpr Size A4_BUILT_IN = {1, 2100, 2970}, LETTER_BUILT_IN = {0, 2159, 2794};
 using Pair = std::pair<i32, i32>;
 
 class PaperTest : public MachineTest {
-protected:
+  protected:
     void SetUp() override
     {
         MachineTest::SetUp();
@@ -49,23 +51,24 @@ protected:
     Size SizeOf(i16 sCode, bool bModel = true)
     {
         PrinterCall call(hPrinter);
-        i16         sWidth = -77, sLength = -77;
-        i32         lMetric = GetPaperSize(call, bModel ? pModel.get() : nullptr, sCode, &sWidth, &sLength);
+        i16 sWidth = -77, sLength = -77;
+        i32 lMetric = GetPaperSize(call, bModel ? pModel.get() : nullptr, sCode, &sWidth, &sLength);
         return {lMetric, sWidth, sLength};
     }
 
     Pair MarginsOf(i16 sCode, u16 usOrientation, i32 lDpi, bool bModel = true)
     {
         PrinterCall call(hPrinter);
-        Margins     margins = GetPrintableMargins(call, bModel ? pModel.get() : nullptr, sCode, usOrientation, lDpi);
+        Margins margins =
+            GetPrintableMargins(call, bModel ? pModel.get() : nullptr, sCode, usOrientation, lDpi);
         return {margins.lX, margins.lY};
     }
 
     std::vector<PaperSizeRow> Forms()
     {
-        PrinterCall              call(hPrinter);
+        PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pRows;
-        i32                      nRows = GetSpoolerForms(call, &pRows);
+        i32 nRows = GetSpoolerForms(call, &pRows);
         EXPECT_EQ(pRows != nullptr, nRows > 0);
         return {pRows.get(), pRows.get() + nRows};
     }
@@ -75,7 +78,7 @@ protected:
     {
         PutFile(u"C:\\s.ini", "[CustomSizes]\r\n" + section);
         OwnedBlock<PaperSizeRow> pRows;
-        i32                      nRows = ReadCustomSizes(u"C:\\s.ini", pOf, &pRows);
+        i32 nRows = ReadCustomSizes(u"C:\\s.ini", pOf, &pRows);
         EXPECT_TRUE(pRows);
         return {pRows.get(), pRows.get() + nRows + 1};
     }
@@ -85,18 +88,18 @@ protected:
 
 MarginRow Margin(u16 usModes, i16 sDpi, std::array<i16, 4> margins, std::array<i16, 4> range = {})
 {
-    MarginRow row       = {};
-    row.usUsed          = 1;
-    row.usModes         = usModes;
-    row.sResolution     = sDpi;
-    row.sMarginX        = margins[0];
-    row.sMarginY        = margins[1];
+    MarginRow row = {};
+    row.usUsed = 1;
+    row.usModes = usModes;
+    row.sResolution = sDpi;
+    row.sMarginX = margins[0];
+    row.sMarginY = margins[1];
     row.sMarginXRotated = margins[2];
     row.sMarginYRotated = margins[3];
-    row.sMinWidth       = range[0];
-    row.sMaxWidth       = range[1];
-    row.sMinLength      = range[2];
-    row.sMaxLength      = range[3];
+    row.sMinWidth = range[0];
+    row.sMaxWidth = range[1];
+    row.sMinLength = range[2];
+    row.sMaxLength = range[3];
     return row;
 }
 
@@ -110,11 +113,12 @@ DescriptionBuilder WithMargins()
 {
     DescriptionBuilder builder;
     builder.Table<PaperRow>(8, {A4_ROW, {}});
-    builder.Table<MarginRow>(166, {WithPapers(Margin(1, 600, {100, 100, 200, 50}), {9}),
-                                   WithPapers(Margin(2, 600, {120, 60, 60, 120}), {9}),
-                                   WithPapers(Margin(3, 600, {1, 2, 3, 4}, {3000, 2000, 0, 32767}), {0}), /* meets no size */
-                                   WithPapers(Margin(3, 300, {25, 30, 35, 40}, {762, 2000, 1270, 3000}), {0}),
-                                   WithPapers(Margin(1, 0, {9, 9, 9, 9}), {30}), Closing(Margin(0, 600, {150, 160, 170, 180}))});
+    builder.Table<MarginRow>(
+        166, {WithPapers(Margin(1, 600, {100, 100, 200, 50}), {9}),
+              WithPapers(Margin(2, 600, {120, 60, 60, 120}), {9}),
+              WithPapers(Margin(3, 600, {1, 2, 3, 4}, {3000, 2000, 0, 32767}), {0}), /* meets no size */
+              WithPapers(Margin(3, 300, {25, 30, 35, 40}, {762, 2000, 1270, 3000}), {0}),
+              WithPapers(Margin(1, 0, {9, 9, 9, 9}), {30}), Closing(Margin(0, 600, {150, 160, 170, 180}))});
     return builder;
 }
 
@@ -124,9 +128,10 @@ TEST_F(PaperTest, TheLocaleChoosesTheDefaultPaper)
 {
     struct Case {
         const WCHAR* wcMeasure;
-        int          bMetric;
+        int bMetric;
     };
-    for (Case row : {Case{u"0", 1}, Case{u"1", 0}, Case{u"2", 1}, Case{u"-1", 1}, Case{u"x", 1}, Case{u"", 0}}) {
+    for (Case row :
+         {Case{u"0", 1}, Case{u"1", 0}, Case{u"2", 1}, Case{u"-1", 1}, Case{u"x", 1}, Case{u"", 0}}) {
         SetLocaleValue(u"iMeasure", row.wcMeasure); /* "" takes the value away: that counts as 1 */
         EXPECT_EQ(IsMetricLocale(), row.bMetric);
         EXPECT_EQ(GetDefaultPaper(), row.bMetric ? 9 : 1);
@@ -176,7 +181,8 @@ TEST_F(PaperTest, SavedPapersThenFormsFollowTheTable)
     AddMachineForm(u"Card", FORM_USER, 100000, 150000);
     AddMachineForm(u"Banner", FORM_PRINTER, 210000, 1188000);
     AddMachineForm(u"Card", FORM_USER, 215904, 215905);
-    Describe(builder, SAVED_TWO); /* both custom maxima are 0: they decide what is listed, not what is resolved */
+    Describe(builder,
+             SAVED_TWO); /* both custom maxima are 0: they decide what is listed, not what is resolved */
     EXPECT_EQ(SizeOf(448), (Size{1, 2000, 3000})) << "20009 hundredths are 2000 tenths";
     EXPECT_EQ(SizeOf(449), (Size{0, 999, 7000}));
     EXPECT_EQ(SizeOf(450), (Size{1, 1000, 1500}));
@@ -224,7 +230,8 @@ TEST_F(PaperTest, FormsOfTheUser)
     EXPECT_EQ(Forms()[0].ulMetric, 0u);
 
     for (int i = 0; i < 300; i++) { /* more than one room of the first asking holds */
-        AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i, 500);
+        AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i,
+                       500);
     }
     ResetCallCounts();
     EXPECT_EQ(Forms().size(), 305u);
@@ -298,18 +305,20 @@ TEST_F(PaperTest, RangesServeSavedSizesAndCodeZero)
                std::to_string(10 * nWidth) + "\r\nCustomLength0=" + std::to_string(10 * nLength) + "\r\n";
     };
     struct Case {
-        int  nWidth, nLength;
+        int nWidth, nLength;
         bool bFits;
     };
-    for (Case row : {Case{2000, 3000, true}, Case{762, 1270, true}, Case{2001, 3000, false}, Case{2000, 3001, false},
-                     Case{761, 1270, false}, Case{762, 1269, false}}) {
+    for (Case row : {Case{2000, 3000, true}, Case{762, 1270, true}, Case{2001, 3000, false},
+                     Case{2000, 3001, false}, Case{761, 1270, false}, Case{762, 1269, false}}) {
         Describe(WithMargins(), Ini(row.nWidth, row.nLength));
-        EXPECT_EQ(MarginsOf(448, 1, 600), row.bFits ? Pair(50, 60) : Pair(150, 160)) << row.nWidth << " x " << row.nLength;
+        EXPECT_EQ(MarginsOf(448, 1, 600), row.bFits ? Pair(50, 60) : Pair(150, 160))
+            << row.nWidth << " x " << row.nLength;
         EXPECT_EQ(MarginsOf(448, 2, 600), row.bFits ? Pair(50, 60) : Pair(150, 160));
         EXPECT_EQ(MarginsOf(-448, 1, 600), row.bFits ? Pair(70, 80) : Pair(170, 180));
         EXPECT_EQ(MarginsOf(448, 4, 600), Pair(150, 160));
     }
-    EXPECT_EQ(MarginsOf(449, 1, 600), Pair(150, 160)) << "no such paper: the default's 2100 x 2970 meets no range";
+    EXPECT_EQ(MarginsOf(449, 1, 600), Pair(150, 160))
+        << "no such paper: the default's 2100 x 2970 meets no range";
     /* Code 0 finds the first row with bit 0, whose range is not looked at, and counts as rotated. */
     EXPECT_EQ(MarginsOf(0, 1, 600), Pair(3, 4));
 }
@@ -332,12 +341,14 @@ TEST_F(PaperTest, CompanionsAndExtents)
         builderOf.Set(16, sMinW).Set(18, sMaxW).Set(20, sMinL).Set(22, sMaxL);
         Describe(builderOf);
         PaperExtents extents = GetPaperExtents(pModel.get());
-        return std::array<i32, 4>{extents.lMinWidth, extents.lMinLength, extents.lMaxWidth, extents.lMaxLength};
+        return std::array<i32, 4>{extents.lMinWidth, extents.lMinLength, extents.lMaxWidth,
+                                  extents.lMaxLength};
     };
     EXPECT_EQ(Extents(762, 3112, 1270, 12000, builder), (std::array<i32, 4>{762, 1270, 3112, 12000}));
     EXPECT_EQ(Extents(1200, 2000, 2500, 3000, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}));
     for (auto [sMaxW, sMaxL] : {std::pair<i16, i16>{0, 0}, {3112, 0}, {0, 12000}, {-1, 12000}}) {
-        EXPECT_EQ(Extents(10, sMaxW, 20, sMaxL, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200})) << sMaxW;
+        EXPECT_EQ(Extents(10, sMaxW, 20, sMaxL, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}))
+            << sMaxW;
     }
     EXPECT_EQ(Extents(10, 0, 20, 0, {}), (std::array<i32, 4>{0x7FFFFFFF, 0x7FFFFFFF, 0, 0}));
     EXPECT_EQ(Extents(10, 30, 20, 40, {}), (std::array<i32, 4>{10, 20, 30, 40}));
@@ -345,8 +356,10 @@ TEST_F(PaperTest, CompanionsAndExtents)
 
 TEST_F(PaperTest, SavedPapersAreAllOrNothing)
 {
-    const std::string good = "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=+15000\r\nCustomMetric0=1\r\n"
-                             "CustomName1=" + std::string(80, 'b') + "\r\nCustomWidth1=1x\r\nCustomLength1=\r\nCustomMetric1=12abc\r\n";
+    const std::string good =
+        "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=+15000\r\nCustomMetric0=1\r\n"
+        "CustomName1=" +
+        std::string(80, 'b') + "\r\nCustomWidth1=1x\r\nCustomLength1=\r\nCustomMetric1=12abc\r\n";
     std::vector<PaperSizeRow> rows = Saved("NumCustomSizes=2\r\n" + good);
     ASSERT_EQ(rows.size(), 3u);
     EXPECT_EQ(rows[0].ulLength, 15000u);
@@ -361,20 +374,31 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
         broken.replace(broken.find(cKey), 6, "Bottom");
         rows = Saved("NumCustomSizes=2\r\n" + broken);
         ASSERT_EQ(rows.size(), 1u) << cKey;
-        EXPECT_EQ(rows[0].wcName[0] + rows[0].ulWidth + rows[0].ulMetric, 0u) << "nothing of a dropped row shows";
+        EXPECT_EQ(rows[0].wcName[0] + rows[0].ulWidth + rows[0].ulMetric, 0u)
+            << "nothing of a dropped row shows";
     }
-    for (const char* cCount : {"", "NumCustomSizes=0\r\n", "NumCustomSizes=-1\r\n", "NumCustomSizes=-2147483648\r\n",
-                               "NumCustomSizes=x\r\n", "NumCustomSizes=3\r\n", "NumCustomSizes=2147483647\r\n"}) {
+    for (const char* cCount :
+         {"", "NumCustomSizes=0\r\n", "NumCustomSizes=-1\r\n", "NumCustomSizes=-2147483648\r\n",
+          "NumCustomSizes=x\r\n", "NumCustomSizes=3\r\n", "NumCustomSizes=2147483647\r\n"}) {
         EXPECT_EQ(Saved(cCount + good).size(), 1u) << cCount;
     }
-    EXPECT_EQ(Saved("NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-1\r\nCustomLength0=5\r\nCustomMetric0=1\r\n").size(), 1u);
-    EXPECT_EQ(Saved("NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-2\r\nCustomLength0=5\r\nCustomMetric0=1\r\n").size(), 2u);
+    EXPECT_EQ(
+        Saved(
+            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-1\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
+            .size(),
+        1u);
+    EXPECT_EQ(
+        Saved(
+            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-2\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
+            .size(),
+        2u);
 
     /* The longest list that is read, and one row more. */
     std::string all = "NumCustomSizes=4097\r\n";
     for (int i = 0; i < 4097; i++) {
         std::string n = std::to_string(i);
-        all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n + "=1\r\nCustomMetric" + n + "=1\r\n";
+        all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n +
+               "=1\r\nCustomMetric" + n + "=1\r\n";
     }
     rows = Saved(all);
     ASSERT_EQ(rows.size(), 4097u);
@@ -382,7 +406,8 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
 
     OwnedBlock<PaperSizeRow> pRows;
     ResetCallCounts();
-    EXPECT_EQ(ReadCustomSizes(u"s.ini", nullptr, &pRows), 0) << "a bare name is a file of the system's folder";
+    EXPECT_EQ(ReadCustomSizes(u"s.ini", nullptr, &pRows), 0)
+        << "a bare name is a file of the system's folder";
     EXPECT_EQ(ReadCustomSizes(u"", nullptr, &pRows), 0);
     EXPECT_EQ(CallCount(CALL_GetPrivateProfileIntW), 0);
     FailCall(CALL_HeapAlloc, 1);
@@ -397,8 +422,9 @@ TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
         i16 sMin;
         u32 ulMetric, ulInch;
     };
-    for (Case row : {Case{762, 7600, 7620}, Case{148, 1500, 2540}, Case{144, 1400, 2540}, Case{145, 1500, 2540},
-                     Case{126, 1300, 0}, Case{0, 0, 0}, Case{32767, 327700, 327660}, Case{-20, static_cast<u32>(-100), 0}}) {
+    for (Case row : {Case{762, 7600, 7620}, Case{148, 1500, 2540}, Case{144, 1400, 2540},
+                     Case{145, 1500, 2540}, Case{126, 1300, 0}, Case{0, 0, 0}, Case{32767, 327700, 327660},
+                     Case{-20, static_cast<u32>(-100), 0}}) {
         for (bool bMetric : {true, false}) {
             SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
             DescriptionBuilder builder;
@@ -417,5 +443,6 @@ TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
     Describe(builder.Set<i16>(16, 762).Set<i16>(20, 1270));
     std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
     EXPECT_EQ(Saved("NumCustomSizes=1\r\n" + good, pModel.get())[1].ulLength, 12700u);
-    EXPECT_EQ(Saved("NumCustomSizes=2\r\n" + good, pModel.get())[0].ulLength, 12700u) << "behind no row: at the start";
+    EXPECT_EQ(Saved("NumCustomSizes=2\r\n" + good, pModel.get())[0].ulLength, 12700u)
+        << "behind no row: at the start";
 }

@@ -18,13 +18,14 @@ DescriptionBuilder FourWords()
 {
     DescriptionBuilder builder;
     builder.Set<u32>(56, 1).Set<u32>(60, 2).Set<u32>(64, 4).Set<u32>(68, 2).Set<u32>(72, 1).Set<u32>(76, 3);
-    builder.Set<u32>(80, 0xF0).Set<u32>(84, 0xF0).Set<u32>(88, 0xF0); /* what can be bought is not installed */
+    builder.Set<u32>(80, 0xF0).Set<u32>(84, 0xF0).Set<u32>(88,
+                                                           0xF0); /* what can be bought is not installed */
     builder.Set<i16>(92, 64).Set<u16>(94, 32);
     return builder;
 }
 
 class PrinterStoreTest : public MachineTest {
-protected:
+  protected:
     void SetUp() override
     {
         MachineTest::SetUp();
@@ -34,7 +35,7 @@ protected:
     Words Installed(bool bModel = true)
     {
         PrinterCall call(hPrinter);
-        OwnedModel  pModel = bModel ? LoadPrinterModel(call) : OwnedModel();
+        OwnedModel pModel = bModel ? LoadPrinterModel(call) : OwnedModel();
         EXPECT_EQ(pModel != nullptr, bModel);
         return WordsOf(*GetDeviceInfo(call, pModel.get()));
     }
@@ -49,7 +50,7 @@ protected:
     void NameDriver(const WideText& wcDriver)
     {
         PrinterSetup setup;
-        setup.wcName       = u"Test";
+        setup.wcName = u"Test";
         setup.wcDriverName = wcDriver;
         AddPrinter(setup);
     }
@@ -57,9 +58,9 @@ protected:
     std::string UserFolder()
     {
         PrinterCall call(hPrinter);
-        WCHAR       tcFolder[PATH_CHARS + 1] = {};
-        tcFolder[PATH_CHARS]                 = u'~';
-        int bNamed                           = GetUserFolder(call, tcFolder);
+        WCHAR tcFolder[PATH_CHARS + 1] = {};
+        tcFolder[PATH_CHARS] = u'~';
+        int bNamed = GetUserFolder(call, tcFolder);
         EXPECT_EQ(tcFolder[PATH_CHARS], u'~');
         EXPECT_EQ(bNamed, tcFolder[0] != 0);
         return Narrow(tcFolder);
@@ -69,8 +70,8 @@ protected:
     {
         SetPrinterText(u"Test", u"Settings", wcSettings);
         PrinterCall call(hPrinter);
-        WCHAR       tcPath[PATH_CHARS];
-        int         bNamed = GetUserSettingsPath(call, tcPath);
+        WCHAR tcPath[PATH_CHARS];
+        int bNamed = GetUserSettingsPath(call, tcPath);
         EXPECT_EQ(bNamed, tcPath[0] != 0);
         return Narrow(tcPath);
     }
@@ -84,8 +85,9 @@ TEST_F(PrinterStoreTest, TheStoredSetCountsAtExactlySixteenBytes)
 {
     PutFile(u"C:\\drv\\qa.ini", "[DeviceInfo]\r\nOptions=11\r\n");
     const Bytes stored = {1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0x80, 4, 0, 0, 0, 5};
-    for (size_t cb : {0, 4, 8, 15, 17}) {
-        SetPrinterValue(u"Test", u"DeviceInfo", REG_BINARY, Bytes(stored.begin(), stored.begin() + static_cast<i64>(cb)));
+    for (size_t cb : std::initializer_list<size_t>{0, 4, 8, 15, 17}) {
+        SetPrinterValue(u"Test", u"DeviceInfo", REG_BINARY,
+                        Bytes(stored.begin(), stored.begin() + static_cast<i64>(cb)));
         EXPECT_EQ(Installed(), (Words{3, 3, 0x11, 96})) << cb;
     }
     for (DWORD dwType : {REG_BINARY, REG_SZ, REG_DWORD}) { /* the size decides, not the type */
@@ -98,7 +100,7 @@ TEST_F(PrinterStoreTest, TheStoredSetCountsAtExactlySixteenBytes)
     TellLies(LIE_NONE);
 
     PrinterCall call(hPrinter);
-    DeviceInfo  changed = {9, 8, 7, 6};
+    DeviceInfo changed = {9, 8, 7, 6};
     SetDeviceInfo(call, &changed);
     EXPECT_EQ(Installed(), (Words{9, 8, 7, 6}));
     DWORD dwType = 0;
@@ -121,14 +123,16 @@ TEST_F(PrinterStoreTest, TheSettingsFileOfTheDriverOverridesTheModelKeyByKey)
     EXPECT_EQ(WithIni("Sources=A\r\n"), (Words{10, 3, 7, 96}));
     EXPECT_EQ(WithIni("destinations = 1F\r\nTotalMemory=010\r\n"), (Words{3, 31, 7, 10}));
     EXPECT_EQ(WithIni("Options=\"ff\"\r\nTotalMemory=128MB\r\n"), (Words{3, 3, 255, 128}));
-    EXPECT_EQ(WithIni("Sources=0x11\r\nOptions=\r\n"), (Words{0, 3, 0, 96})) << "no prefix; an empty value is a number";
-    EXPECT_EQ(WithIni("Options=123456789A\r\nTotalMemory=99999999999\r\n"), (Words{3, 3, 0xFFFFFFFF, 0x7FFFFFFF}));
+    EXPECT_EQ(WithIni("Sources=0x11\r\nOptions=\r\n"), (Words{0, 3, 0, 96}))
+        << "no prefix; an empty value is a number";
+    EXPECT_EQ(WithIni("Options=123456789A\r\nTotalMemory=99999999999\r\n"),
+              (Words{3, 3, 0xFFFFFFFF, 0x7FFFFFFF}));
     EXPECT_EQ(WithIni("TotalMemory=-1\r\n"), (Words{3, 3, 7, 0xFFFFFFFF}));
     EXPECT_EQ(WithIni("TotalMemory= +7\r\n"), (Words{3, 3, 7, 7}));
 
     PrinterCall call(hPrinter);
-    OwnedModel  pModel = LoadPrinterModel(call);
-    DeviceInfo  info   = {1, 1, 1, 1};
+    OwnedModel pModel = LoadPrinterModel(call);
+    DeviceInfo info = {1, 1, 1, 1};
     BuildDeviceInfo(call, pModel.get(), &info, 0);
     EXPECT_EQ(WordsOf(info), (Words{3, 3, 7, 96})) << "the model alone";
     BuildDeviceInfo(call, nullptr, &info, 0);
@@ -150,7 +154,7 @@ TEST_F(PrinterStoreTest, Memory)
     EXPECT_EQ(Memory(), 98u);
     SetPrinterValue(u"Test", u"Memory", REG_BINARY, {1, 2, 3, 4});
     EXPECT_EQ(Memory(), 0x04030201u);
-    for (size_t cb : {0, 1, 2, 3, 5, 8}) {
+    for (size_t cb : std::initializer_list<size_t>{0, 1, 2, 3, 5, 8}) {
         SetPrinterValue(u"Test", u"Memory", REG_DWORD, Bytes(cb, 1));
         EXPECT_EQ(Memory(), 0u) << cb;
     }
@@ -163,7 +167,7 @@ TEST_F(PrinterStoreTest, Memory)
 
 TEST_F(PrinterStoreTest, FontPairs)
 {
-    PrinterCall    call(hPrinter);
+    PrinterCall call(hPrinter);
     OwnedBlock<u8> pPairs(static_cast<u8*>(AllocateBlock(4)));
     EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
     EXPECT_FALSE(pPairs) << "what was in the block's place is let go";
@@ -178,13 +182,13 @@ TEST_F(PrinterStoreTest, FontPairs)
     EXPECT_EQ(std::memcmp(pPairs.get(), awcPairs, sizeof awcPairs), 0);
 
     /* Shapes that an honest writer does not leave: two NULs stand behind every one of them. */
-    for (size_t cb : {2, 3, 5, 6, 7, 1000, 4097}) {
+    for (size_t cb : std::initializer_list<size_t>{2, 3, 5, 6, 7, 1000, 4097}) {
         SetPrinterValue(u"Test", u"FontSubs", REG_MULTI_SZ, Bytes(cb, 'x'));
         u32 cbGot = GetFontSubs(call, &pPairs);
         EXPECT_EQ(cbGot, cb & ~size_t{1}) << cb;
         EXPECT_EQ(Bytes(pPairs.get() + cbGot - 1, pPairs.get() + cbGot + 4), (Bytes{'x', 0, 0, 0, 0})) << cb;
     }
-    for (size_t cb : {0, 1}) {
+    for (size_t cb : std::initializer_list<size_t>{0, 1}) {
         SetPrinterValue(u"Test", u"FontSubs", REG_MULTI_SZ, Bytes(cb, 'x'));
         EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
         EXPECT_FALSE(pPairs);
@@ -211,7 +215,8 @@ TEST_F(PrinterStoreTest, TheSettingsNameIsAPlainFileName)
 {
     EXPECT_EQ(SettingsPath(u"00001234.EXT"), FOLDER + "Test Driver\\00001234.EXT");
     EXPECT_EQ(SettingsPath(u"a.b"), FOLDER + "Test Driver\\a.b");
-    for (const WCHAR* wcBad : {u"", u"..", u".", u" . ", u"..\\x", u"a/b", u"C:x", u"x:stream", u"\\x", u"C:\\x"}) {
+    for (const WCHAR* wcBad :
+         {u"", u"..", u".", u" . ", u"..\\x", u"a/b", u"C:x", u"x:stream", u"\\x", u"C:\\x"}) {
         EXPECT_EQ(SettingsPath(wcBad), "") << Narrow(wcBad);
     }
     /* 259 characters are the longest path: 69 of them are the folder and its backslash. */
@@ -293,13 +298,14 @@ TEST_F(PrinterStoreTest, NoUsersFolderWithoutAProfileOrADriverName)
 TEST_F(PrinterStoreTest, ProfileAndScreenNamesLieInTheUsersFile)
 {
     PrinterCall call(hPrinter);
-    WCHAR       wcName[16] = u"~";
+    WCHAR wcName[16] = u"~";
     PutFile(u"C:\\drv\\qa.ini", "[Basalt]\r\nProfile=driver.icc\r\n");
     GetProfileName(call, wcName, 16);
     EXPECT_EQ(WideText(wcName), u"") << "the driver's own file is not asked";
     ASSERT_NE(SettingsPath(u"mine.ini"), "");
-    PutFile(Widen(SettingsPath(u"mine.ini")),
-            "[PrinterSettings]\r\nProfile=2\r\n[Basalt]\r\nProfile= \"Coated 12.icc\" \r\nScreen=fine.scr\r\n");
+    PutFile(
+        Widen(SettingsPath(u"mine.ini")),
+        "[PrinterSettings]\r\nProfile=2\r\n[Basalt]\r\nProfile= \"Coated 12.icc\" \r\nScreen=fine.scr\r\n");
     GetProfileName(call, wcName, 16);
     EXPECT_EQ(WideText(wcName), u"Coated 12.icc");
     GetScreenName(call, wcName, 16);
@@ -310,13 +316,14 @@ TEST_F(PrinterStoreTest, ProfileAndScreenNamesLieInTheUsersFile)
 
 TEST_F(PrinterStoreTest, SavedPapersComeFromTheUsersFileWhenThereIsOne)
 {
-    const std::string two = "[CustomSizes]\r\nNumCustomSizes=2\r\n"
-                            "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=15000\r\nCustomMetric0=1\r\n"
-                            "CustomName1=B\r\nCustomWidth1=20009\r\nCustomLength1=30000\r\nCustomMetric1=0\r\n";
+    const std::string two =
+        "[CustomSizes]\r\nNumCustomSizes=2\r\n"
+        "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=15000\r\nCustomMetric0=1\r\n"
+        "CustomName1=B\r\nCustomWidth1=20009\r\nCustomLength1=30000\r\nCustomMetric1=0\r\n";
     auto Saved = [this](std::string* pNames = nullptr) {
-        PrinterCall              call(hPrinter);
+        PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pRows;
-        i32                      nRows = GetSavedPapers(call, nullptr, &pRows);
+        i32 nRows = GetSavedPapers(call, nullptr, &pRows);
         for (i32 i = 0; pNames && i < nRows; i++) {
             *pNames += Narrow(pRows.get()[i].wcName) + " ";
         }

@@ -8,7 +8,7 @@
 namespace {
 
 class TextsTest : public MachineTest {
-protected:
+  protected:
     void TearDown() override
     {
         hLibrary.reset();
@@ -41,14 +41,14 @@ protected:
         return wcRoom.substr(1, nEnd - 1);
     }
 
-    XpiFile     file = {};
+    XpiFile file = {};
     OwnedModule hLibrary;
 };
 
 /* Header and the three sections of the texts, each at a place of its own. */
 struct TextSections {
     std::vector<u16> bases, offsets;
-    Bytes            texts;
+    Bytes texts;
 
     Bytes Build() const
     {
@@ -70,12 +70,15 @@ struct TextSections {
 /* What the format says of a text, for a code page whose characters are single bytes and keep their number. */
 WideText PlainReading(const Bytes& bytes, u16 usLanguage, i32 nId, int cch)
 {
-    auto Word = [&bytes](u64 ullAt) -> i64 { return ullAt + 2 > bytes.size() ? -1 : Peek<u16>(bytes, ullAt); };
-    i64  lBase = Word(Peek<u32>(bytes, AT_STRING_BASE) + 2 * u64{usLanguage});
-    i64  lText = lBase < 0 ? -1 : Word(Peek<u32>(bytes, AT_STRING_ID) + 2 * static_cast<u64>(lBase + nId));
+    auto Word = [&bytes](u64 ullAt) -> i64 {
+        return ullAt + 2 > bytes.size() ? -1 : Peek<u16>(bytes, ullAt);
+    };
+    i64 lBase = Word(Peek<u32>(bytes, AT_STRING_BASE) + 2 * u64{usLanguage});
+    i64 lText = lBase < 0 ? -1 : Word(Peek<u32>(bytes, AT_STRING_ID) + 2 * static_cast<u64>(lBase + nId));
     WideText wcText;
     for (u64 ullAt = Peek<u32>(bytes, AT_STRING_DATA) + static_cast<u64>(lText);
-         lText >= 0 && ullAt < bytes.size() && bytes[ullAt] && wcText.size() + 1 < static_cast<size_t>(cch); ullAt++) {
+         lText >= 0 && ullAt < bytes.size() && bytes[ullAt] && wcText.size() + 1 < static_cast<size_t>(cch);
+         ullAt++) {
         wcText += static_cast<WCHAR>(bytes[ullAt]);
     }
     return wcText;
@@ -117,7 +120,8 @@ TEST_F(TextsTest, LanguagesHaveListsOfTheirOwn)
 {
     DescriptionBuilder builder;
     builder.strings[9] = {"Auto", "Tray"};
-    builder.strings[7] = {"Automatisch", "F\xE4" "cher \x80"};
+    builder.strings[7] = {"Automatisch", "F\xE4"
+                                         "cher \x80"};
     Open(builder.Build());
     EXPECT_EQ(Read(1, 9), u"Auto");
     EXPECT_EQ(Read(1, 7), u"Automatisch");
@@ -154,7 +158,7 @@ TEST_F(TextsTest, WithoutALibraryTheHostProgramIsNotAsked)
     ResetCallCounts();
     EXPECT_EQ(Read(-121), u"");
     EXPECT_EQ(Read(0), u"");
-    i16   aIds[3]    = {-121, 0, -1};
+    i16 aIds[3] = {-121, 0, -1};
     WCHAR wcRows[12] = u"~~~~~~~~~~~";
     ReadXpiStrings(file, 9, nullptr, aIds, 3, wcRows, 4, 4);
     EXPECT_EQ(wcRows[0] + wcRows[4] + wcRows[8], 0);
@@ -189,13 +193,13 @@ TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
 {
     struct Case {
         const char* cWhat;
-        UINT        uCodePage;
+        UINT uCodePage;
         std::string text;
-        int         cch;
-        WideText    wcText;
+        int cch;
+        WideText wcText;
     };
     const std::string A = "\x82\xA0", EURO = "\xE2\x82\xAC", E_ACUTE = "\xC3\xA9", SMILE = "\xF0\x9F\x98\x80";
-    const Case        aCases[] = {
+    const Case aCases[] = {
         {"63 of 63", 1252, std::string(63, 'a'), 64, Repeat(u'a', 63)},
         {"64 of 64", 1252, std::string(64, 'a'), 64, Repeat(u'a', 63)},
         {"23 of a bin's 24", 1252, std::string(40, '\xE9'), 24, Repeat(u'\u00E9', 23)},
@@ -211,14 +215,20 @@ TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
         {"UTF-8, two of three bytes", 65001, "x" + Repeat(EURO, 30), 64, u"x" + Repeat(u'\u20AC', 20)},
         {"UTF-8, one of three bytes", 65001, "xx" + Repeat(EURO, 30), 64, u"xx" + Repeat(u'\u20AC', 20)},
         {"UTF-8, one of two bytes", 65001, Repeat(E_ACUTE, 40), 64, Repeat(u'\u00E9', 31)},
-        {"UTF-8, three of four bytes", 65001, Repeat(SMILE, 20), 64, [] {
+        {"UTF-8, three of four bytes", 65001, Repeat(SMILE, 20), 64,
+         [] {
              WideText wcText;
              for (int i = 0; i < 15; i++) {
                  wcText += u"\xD83D\xDE00";
              }
              return wcText;
          }()},
-        {"UTF-8, wrong in the middle", 65001, "a\xFF" "b", 64, u"a\uFFFD" u"b"},
+        {"UTF-8, wrong in the middle", 65001,
+         "a\xFF"
+         "b",
+         64,
+         u"a\uFFFD"
+         u"b"},
     };
     for (const Case& row : aCases) {
         SetCodePage(row.uCodePage);
@@ -234,7 +244,7 @@ TEST_F(TextsTest, TheEndOfTheFileEndsAText)
     TextSections sections;
     sections.bases.assign(10, 0);
     sections.offsets = {0, 0, 4, 7, 8, 0xFFFF};
-    sections.texts   = {'a', 'b', 'c', 0, 'x', 'y', 0, 'z'};
+    sections.texts = {'a', 'b', 'c', 0, 'x', 'y', 0, 'z'};
     Open(sections.Build());
     EXPECT_EQ(Read(1, 9, 128), u"abc");
     EXPECT_EQ(Read(2, 9, 128), u"xy") << "three bytes in front of the end";
@@ -247,9 +257,9 @@ TEST_F(TextsTest, TheEndOfTheFileEndsAText)
 TEST_F(TextsTest, IdsAndLanguagesBeyondTheirTables)
 {
     TextSections sections;
-    sections.bases   = {0, 0xFFFF};
+    sections.bases = {0, 0xFFFF};
     sections.offsets = {0, 0};
-    sections.texts   = {'a', 0};
+    sections.texts = {'a', 0};
     Open(sections.Build());
     EXPECT_EQ(Read(1, 0), u"a");
     EXPECT_EQ(Read(32767, 0), u"");
@@ -276,8 +286,8 @@ TEST_F(TextsTest, AListReadsWhatSingleReadsGive)
 {
     OpenLibrary();
     std::mt19937 random(20240115);
-    auto         Below = [&random](u32 ulLimit) { return static_cast<u32>(random() % ulLimit); };
-    int          nTexts = 0;
+    auto Below = [&random](u32 ulLimit) { return static_cast<u32>(random() % ulLimit); };
+    int nTexts = 0;
     for (int nTrial = 0; nTrial < 300; nTrial++) {
         TextSections sections;
         for (u32 i = 0, n = Below(12); i < n; i++) {
@@ -289,7 +299,9 @@ TEST_F(TextsTest, AListReadsWhatSingleReadsGive)
         }
         for (u32 i = 0; i < cbTexts; i++) {
             u32 ulByte = Below(200); /* no control codes, and only bytes that keep their number in 1252 */
-            sections.texts.push_back(static_cast<u8>(ulByte < 20 ? 0 : ulByte < 110 ? 0x20 + ulByte - 20 : 0xA0 + ulByte - 110));
+            sections.texts.push_back(static_cast<u8>(ulByte < 20    ? 0
+                                                     : ulByte < 110 ? 0x20 + ulByte - 20
+                                                                    : 0xA0 + ulByte - 110));
         }
         Bytes bytes = sections.Build();
         if (Below(3) == 0) {
@@ -299,24 +311,27 @@ TEST_F(TextsTest, AListReadsWhatSingleReadsGive)
 
         std::vector<i16> ids;
         for (u32 i = 0, n = Below(60); i < n; i++) {
-            ids.push_back(Below(8) ? static_cast<i16>(1 + Below(40)) : static_cast<i16>(-121 * static_cast<int>(Below(2))));
+            ids.push_back(Below(8) ? static_cast<i16>(1 + Below(40))
+                                   : static_cast<i16>(-121 * static_cast<int>(Below(2))));
         }
-        u16      usLanguage = static_cast<u16>(Below(14));
-        int      cch = 2 + static_cast<int>(Below(70)), cchStride = cch + static_cast<int>(Below(5));
-        i32      nIds = static_cast<i32>(ids.size());
+        u16 usLanguage = static_cast<u16>(Below(14));
+        int cch = 2 + static_cast<int>(Below(70)), cchStride = cch + static_cast<int>(Below(5));
+        i32 nIds = static_cast<i32>(ids.size());
         WideText wcRows(ids.size() * static_cast<size_t>(cchStride) + 1, u'~');
         ReadXpiStrings(file, usLanguage, hLibrary.get(), ids.data(), nIds, wcRows.data(), cchStride, cch);
         ASSERT_EQ(wcRows.back(), u'~');
         for (size_t i = 0; i < ids.size(); i++) {
             WideText wcRow(wcRows, i * static_cast<size_t>(cchStride), static_cast<size_t>(cchStride));
-            ASSERT_EQ(wcRow.find(u'~', static_cast<size_t>(cch)), cch < cchStride ? static_cast<size_t>(cch) : WideText::npos)
+            ASSERT_EQ(wcRow.find(u'~', static_cast<size_t>(cch)),
+                      cch < cchStride ? static_cast<size_t>(cch) : WideText::npos)
                 << "written behind the row's characters";
             size_t nEnd = wcRow.find(u'\0');
             ASSERT_LT(nEnd, static_cast<size_t>(cch));
             wcRow.resize(nEnd);
             ASSERT_EQ(wcRow, Read(ids[i], usLanguage, cch)) << "trial " << nTrial << " id " << ids[i];
             if (ids[i] > 0) {
-                ASSERT_EQ(wcRow, PlainReading(bytes, usLanguage, ids[i], cch)) << "trial " << nTrial << " id " << ids[i];
+                ASSERT_EQ(wcRow, PlainReading(bytes, usLanguage, ids[i], cch))
+                    << "trial " << nTrial << " id " << ids[i];
                 nTexts += !wcRow.empty();
             }
         }
@@ -327,7 +342,7 @@ TEST_F(TextsTest, AListReadsWhatSingleReadsGive)
 TEST_F(TextsTest, AListCostsFewReadsAndAFailedOneLeavesEmptyRows)
 {
     DescriptionBuilder builder;
-    std::vector<i16>   ids;
+    std::vector<i16> ids;
     for (int i = 0; i < 40; i++) {
         ids.push_back(builder.Text("Paper of a somewhat longer name, number " + std::to_string(i)));
     }

@@ -10,27 +10,27 @@
 
 namespace {
 
-using Texts   = std::vector<std::string>;
-using Numbers = std::vector<i64>;
+using TextList = std::vector<std::string>;
+using NumberList = std::vector<i64>;
 
 /* The answers of one printer on a metric locale, as its description says them. */
 struct PrinterAnswers {
     const char* cPrinter;
-    DWORD       dwFields;
-    Numbers     papers, sizes;
-    Texts       paperNames;
-    Numbers     extents; /* smallest width and length, largest width and length */
-    Numbers     bins;
-    Texts       binNames;
-    Numbers     resolutions;
-    DWORD       dwDuplex, dwStaple, dwTrueType, dwRate, dwColor;
-    Texts       personality;
-    Numbers     pagesPerSheet;
-    Texts       mediaNames;
-    Numbers     media;
+    DWORD dwFields;
+    NumberList papers, sizes;
+    TextList paperNames;
+    NumberList extents; /* smallest width and length, largest width and length */
+    NumberList bins;
+    TextList binNames;
+    NumberList resolutions;
+    DWORD dwDuplex, dwStaple, dwTrueType, dwRate, dwColor;
+    TextList personality;
+    NumberList pagesPerSheet;
+    TextList mediaNames;
+    NumberList media;
 };
 
-const Numbers SEVEN = {1, 2, 4, 6, 8, 9, 16}, NINE = {1, 2, 4, 6, 8, 9, 12, 16, 25};
+const NumberList SEVEN = {1, 2, 4, 6, 8, 9, 16}, NINE = {1, 2, 4, 6, 8, 9, 12, 16, 25};
 
 const std::vector<PrinterAnswers>& Oracle()
 {
@@ -38,15 +38,20 @@ const std::vector<PrinterAnswers>& Oracle()
         {"Halden T410A",
          0x0380FF0F,
          {1, 5, 9, 8, 3, 11, 7, 20, 27, 118, 256, 257, 300, 447},
-         {2159, 2794, 2159, 3556, 2100, 2970, 2970, 4200, 2794, 4318, 1480, 2100, 1842, 2667, 1048, 2413, 1100, 2200,
-          1016, 1524, 2100, 2970, 2100, 11880, 3000, 2000, 1500, 2100},
+         {2159, 2794, 2159, 3556, 2100, 2970, 2970, 4200, 2794, 4318,  1480, 2100, 1842, 2667,
+          1048, 2413, 1100, 2200, 1016, 1524, 2100, 2970, 2100, 11880, 3000, 2000, 1500, 2100},
          {"Letter", "Legal", "A4", "A3", "Tabloid", "A5", "Executive", "Envelope No. 10", "Envelope DL",
-          "Index Card 4 x 6", "User-Defined", "Banner 210 x 1188 mm", "Wide Sheet 300 x 200 mm", "Label Sheet"},
+          "Index Card 4 x 6", "User-Defined", "Banner 210 x 1188 mm", "Wide Sheet 300 x 200 mm",
+          "Label Sheet"},
          {762, 1270, 3112, 12000},
          {1025, 261, 2000, 2001, 2002, 2003},
          {" Auto", " Tray 1", "Plain", "Transparency", "Heavy", "Printer default"},
          {300, 300, 600, 600, 1200, 600, 600, 300},
-         1, 0, 3, 33, 1,
+         1,
+         0,
+         3,
+         33,
+         1,
          {"PCL6"},
          SEVEN,
          {"Plain", "Transparency", "Heavy", "Printer default"},
@@ -60,7 +65,11 @@ const std::vector<PrinterAnswers>& Oracle()
          {1025, 261},
          {"Auto", "Tray"},
          {300, 300, 600, 600, 1200, 1200, 150, 150},
-         0, 0, 3, 26, 0,
+         0,
+         0,
+         3,
+         26,
+         0,
          {"PCL5e"},
          SEVEN,
          {},
@@ -74,7 +83,11 @@ const std::vector<PrinterAnswers>& Oracle()
          {261, 262},
          {"Cassette", "Feeder"},
          {300, 300},
-         0, 0, 3, 26, 1,
+         0,
+         0,
+         3,
+         26,
+         1,
          {"PostScript"},
          SEVEN,
          {},
@@ -83,12 +96,19 @@ const std::vector<PrinterAnswers>& Oracle()
          0x0380FF0F,
          {1, 9, 8, 258, 448, 449},
          {2159, 2794, 2100, 2970, 2970, 4200, 3050, 4570, 2200, 3200, 1270, 1778},
-         {"Letter", "A4", "A3", "Proof Film", "Pr\xC3\xBC" "fbogen", "Card 5 x 7 in"},
+         {"Letter", "A4", "A3", "Proof Film",
+          "Pr\xC3\xBC"
+          "fbogen",
+          "Card 5 x 7 in"},
          {500, 500, 3300, 13000},
          {1025, 261},
          {"Auto", ""},
          {600, 600, 300, 300},
-         1, 0, 1, 33, 1,
+         1,
+         0,
+         1,
+         33,
+         1,
          {"Image"},
          NINE,
          {"Paper", "Glossy", "Film"},
@@ -102,7 +122,11 @@ const std::vector<PrinterAnswers>& Oracle()
          {1025, 261},
          {"Auto", "Printer default"},
          {600, 600, 300, 300},
-         0, 0, 1, 26, 0,
+         0,
+         0,
+         1,
+         26,
+         0,
          {"Image"},
          NINE,
          {"Plain"},
@@ -116,7 +140,11 @@ const std::vector<PrinterAnswers>& Oracle()
          {1025, 261, 2000, 2001, 2002},
          {" Auto", " Tray", "Plain", "Thick", "Printer default"},
          {300, 300, 600, 600},
-         1, 1, 3, 33, 0,
+         1,
+         1,
+         3,
+         33,
+         0,
          {""}, /* counted, but nothing is written */
          SEVEN,
          {"Plain", "Thick", "Printer default"},
@@ -126,14 +154,23 @@ const std::vector<PrinterAnswers>& Oracle()
 }
 
 /* Answers that every printer gives, with a description or without. */
-const std::map<WORD, DWORD> aSame = {{DC_SIZE, 220},      {DC_EXTRA, 3868},         {DC_VERSION, 1025},
-                                     {DC_DRIVER, 2611},   {DC_FILEDEPENDENCIES, 0}, {DC_ORIENTATION, 90},
-                                     {DC_COPIES, 99},     {DC_BINADJUST, 0},        {DC_EMF_COMPLIANT, 0},
-                                     {DC_DATATYPE_PRODUCED, 0}, {DC_COLLATE, 1},    {DC_MANUFACTURER, 0},
-                                     {DC_MODEL, 0},       {DC_PRINTRATEUNIT, 1}};
+const std::map<WORD, DWORD> aSame = {{DC_SIZE, 220},
+                                     {DC_EXTRA, 3868},
+                                     {DC_VERSION, 1025},
+                                     {DC_DRIVER, 2611},
+                                     {DC_FILEDEPENDENCIES, 0},
+                                     {DC_ORIENTATION, 90},
+                                     {DC_COPIES, 99},
+                                     {DC_BINADJUST, 0},
+                                     {DC_EMF_COMPLIANT, 0},
+                                     {DC_DATATYPE_PRODUCED, 0},
+                                     {DC_COLLATE, 1},
+                                     {DC_MANUFACTURER, 0},
+                                     {DC_MODEL, 0},
+                                     {DC_PRINTRATEUNIT, 1}};
 
 class CapabilitiesTest : public MachineTest {
-protected:
+  protected:
     void SetUp() override
     {
         MachineTest::SetUp();
@@ -142,7 +179,8 @@ protected:
 
     DWORD Count(WORD wQuestion)
     {
-        return DrvDeviceCapabilities(hPrinter, wcPrinter.empty() ? nullptr : wcPrinter.data(), wQuestion, nullptr, nullptr);
+        return DrvDeviceCapabilities(hPrinter, wcPrinter.empty() ? nullptr : wcPrinter.data(), wQuestion,
+                                     nullptr, nullptr);
     }
 
     void ExpectNumber(WORD wQuestion, DWORD dwExpected)
@@ -151,17 +189,17 @@ protected:
         checked.insert(wQuestion);
     }
 
-    void ExpectRows(WORD wQuestion, const Numbers& expected)
+    void ExpectRows(WORD wQuestion, const NumberList& expected)
     {
         CapabilityAnswer answer = Ask(wQuestion);
-        size_t           nRows  = RowBytes(wQuestion) == 8 ? expected.size() / 2 : expected.size();
+        size_t nRows = RowBytes(wQuestion) == 8 ? expected.size() / 2 : expected.size();
         EXPECT_EQ(answer.dwResult, nRows) << QuestionName(wQuestion);
         EXPECT_EQ(Count(wQuestion), nRows) << QuestionName(wQuestion) << " counted";
         EXPECT_EQ(Numbers(answer), expected) << QuestionName(wQuestion);
         checked.insert(wQuestion);
     }
 
-    void ExpectTexts(WORD wQuestion, const Texts& expected)
+    void ExpectTexts(WORD wQuestion, const TextList& expected)
     {
         CapabilityAnswer answer = Ask(wQuestion);
         EXPECT_EQ(answer.dwResult, expected.size()) << QuestionName(wQuestion);
@@ -213,13 +251,14 @@ protected:
     }
 
     /* A sample with its description changed. */
-    void AddChanged(const std::string& stem, const std::vector<std::pair<std::string, std::string>>& overrides)
+    void AddChanged(const std::string& stem,
+                    const std::vector<std::pair<std::string, std::string>>& overrides)
     {
         AddSample(stem);
         PutFile(wcDriverFolder + Widen(stem) + u".XPI", CompileSample(stem, overrides));
     }
 
-    bool           bMetric = true;
+    bool bMetric = true;
     std::set<WORD> checked;
 };
 
@@ -267,7 +306,8 @@ TEST_F(CapabilitiesTest, WithoutADescription)
         AddSample("T410A");
         std::filesystem::remove(HostPath(wcDriverFolder + WideText(u"T410A.XPI")));
         ExpectStandBy(0, 33, true);
-        SetPrinterValue(wcPrinter, u"DeviceInfo", REG_BINARY, {0, 0, 0, 0, 0, 0, 0, 0, 0x11, 0, 0, 0, 0, 0, 0, 0});
+        SetPrinterValue(wcPrinter, u"DeviceInfo", REG_BINARY,
+                        {0, 0, 0, 0, 0, 0, 0, 0, 0x11, 0, 0, 0, 0, 0, 0, 0});
         ExpectStandBy(0x11, 33, true);
         DropPrinterValue(wcPrinter, u"DeviceInfo");
         PutFile(wcDriverFolder + WideText(u"T410A.INI"), "[DeviceInfo]\r\nOptions=10\r\n");
@@ -289,13 +329,13 @@ TEST_F(CapabilitiesTest, WithoutADescription)
 TEST_F(CapabilitiesTest, ANullHandleOpensThePrinterOfTheName)
 {
     AddSample("K100");
-    HANDLE                        hOpened = hPrinter;
+    HANDLE hOpened = hPrinter;
     std::vector<CapabilityAnswer> answers;
     for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
-        hPrinter                  = hOpened;
+        hPrinter = hOpened;
         CapabilityAnswer byHandle = Ask(wQuestion);
-        hPrinter                  = nullptr;
-        CapabilityAnswer byName   = Ask(wQuestion);
+        hPrinter = nullptr;
+        CapabilityAnswer byName = Ask(wQuestion);
         EXPECT_EQ(byName.dwResult, byHandle.dwResult) << QuestionName(wQuestion);
         EXPECT_EQ(byName.rows, byHandle.rows) << QuestionName(wQuestion);
         EXPECT_EQ(CountLive().nPrinters, 1) << QuestionName(wQuestion) << " left it open";
@@ -312,7 +352,8 @@ TEST_F(CapabilitiesTest, QuestionsThatAreNone)
     ResetCallCounts();
     for (WORD wQuestion : std::initializer_list<WORD>{0, 36, 37, 0x8001, 0xFFFF}) {
         Bytes buffer(256, 0xEE);
-        EXPECT_EQ(DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data(), nullptr), 0u) << wQuestion;
+        EXPECT_EQ(DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data(), nullptr), 0u)
+            << wQuestion;
         EXPECT_EQ(buffer, Bytes(256, 0xEE)) << wQuestion;
     }
     EXPECT_EQ(CallCount(ANY_CALL), 0);
@@ -323,12 +364,14 @@ TEST_F(CapabilitiesTest, NumbersLeaveTheBufferAlone)
     for (const char* cSample : {"T410A", "T440B"}) {
         AddSample(cSample);
         for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
-            bool bUnwritten = RowBytes(wQuestion) == 0 || (wQuestion == DC_PERSONALITY && cSample[2] == '4' && cSample[3] == '0');
+            bool bUnwritten = RowBytes(wQuestion) == 0 ||
+                              (wQuestion == DC_PERSONALITY && cSample[2] == '4' && cSample[3] == '0');
             if (!bUnwritten) {
                 continue;
             }
             Bytes buffer(4096, 0xEE);
-            DWORD dwFilled = DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data(), nullptr);
+            DWORD dwFilled =
+                DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data(), nullptr);
             EXPECT_EQ(dwFilled, Count(wQuestion)) << QuestionName(wQuestion);
             EXPECT_EQ(buffer, Bytes(4096, 0xEE)) << cSample << " " << QuestionName(wQuestion);
         }
@@ -338,16 +381,19 @@ TEST_F(CapabilitiesTest, NumbersLeaveTheBufferAlone)
 TEST_F(CapabilitiesTest, NamesFillTheirRowsWithZerosBehind)
 {
     AddSample("T410A");
-    for (WORD wQuestion : std::initializer_list<WORD>{DC_PAPERNAMES, DC_BINNAMES, DC_MEDIATYPENAMES, DC_PERSONALITY, DC_MEDIAREADY}) {
-        size_t             cch = RowBytes(wQuestion) / sizeof(WCHAR), nRows = Count(wQuestion);
+    for (WORD wQuestion : std::initializer_list<WORD>{DC_PAPERNAMES, DC_BINNAMES, DC_MEDIATYPENAMES,
+                                                      DC_PERSONALITY, DC_MEDIAREADY}) {
+        size_t cch = RowBytes(wQuestion) / sizeof(WCHAR), nRows = Count(wQuestion);
         std::vector<WCHAR> rows(cch * nRows + 8, 0xEEEE);
         EXPECT_EQ(DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, rows.data(), nullptr), nRows);
-        EXPECT_TRUE(std::all_of(rows.begin() + static_cast<i64>(cch * nRows), rows.end(), [](WCHAR wc) { return wc == 0xEEEE; }));
+        EXPECT_TRUE(std::all_of(rows.begin() + static_cast<i64>(cch * nRows), rows.end(),
+                                [](WCHAR wc) { return wc == 0xEEEE; }));
         for (size_t nRow = 0; nRow < nRows; nRow++) {
             WideText wcRow(rows.data() + nRow * cch, cch);
-            size_t   nEnd = wcRow.find(u'\0');
+            size_t nEnd = wcRow.find(u'\0');
             ASSERT_NE(nEnd, WideText::npos);
-            EXPECT_EQ(wcRow.find_first_not_of(u'\0', nEnd), WideText::npos) << QuestionName(wQuestion) << " row " << nRow;
+            EXPECT_EQ(wcRow.find_first_not_of(u'\0', nEnd), WideText::npos)
+                << QuestionName(wQuestion) << " row " << nRow;
         }
     }
 }
@@ -355,12 +401,15 @@ TEST_F(CapabilitiesTest, NamesFillTheirRowsWithZerosBehind)
 TEST_F(CapabilitiesTest, TheSettingsOfADocumentAndTheBuffersAddressDoNotMatter)
 {
     AddSample("T410A");
-    Bytes     nothing(4, 0xEE);
+    Bytes nothing(4, 0xEE);
     PDEVMODEW pNotARecord = reinterpret_cast<PDEVMODEW>(nothing.data());
-    for (WORD wQuestion : std::initializer_list<WORD>{DC_PAPERS, DC_PAPERSIZE, DC_ENUMRESOLUTIONS, DC_BINS, DC_NUP, DC_MEDIATYPES}) {
+    for (WORD wQuestion : std::initializer_list<WORD>{DC_PAPERS, DC_PAPERSIZE, DC_ENUMRESOLUTIONS, DC_BINS,
+                                                      DC_NUP, DC_MEDIATYPES}) {
         CapabilityAnswer answer = Ask(wQuestion);
-        Bytes            buffer(answer.rows.size() + 3, 0xEE);
-        EXPECT_EQ(DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data() + 1, pNotARecord), answer.dwResult);
+        Bytes buffer(answer.rows.size() + 3, 0xEE);
+        EXPECT_EQ(
+            DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, buffer.data() + 1, pNotARecord),
+            answer.dwResult);
         EXPECT_EQ(Bytes(buffer.begin() + 1, buffer.end() - 2), answer.rows) << QuestionName(wQuestion);
         EXPECT_EQ(buffer.front() + buffer.back(), 2 * 0xEE);
     }
@@ -371,14 +420,14 @@ TEST_F(CapabilitiesTest, ColourClasses)
     struct Case {
         const char* cSample;
         const char* cClass;
-        DWORD       dwFields, dwColor;
+        DWORD dwFields, dwColor;
         const char* cPersonality;
     };
     constexpr Case aCases[] = {
-        {"T410A", "0", 0x0380FF0F, 1, "PCL6"}, {"T410A", "42", 0x0380FF0F, 0, "PCL6"},
-        {"T410A", "1", 0xF70F, 0, "PCL6"},     {"QP5", "0", 0x0380EF0F, 1, "PCL5c"},
-        {"QP5", "42", 0x0380EF0F, 0, "PCL5c"}, {"QP5", "41", 0xE70F, 0, "PCL5e"},
-        {"QPS", "1", 0xE70F, 0, "PostScript"}, {"IX300", "42", 0x0380EF0F, 0, "Image"},
+        {"T410A", "0", 0x0380FF0F, 1, "PCL6"},  {"T410A", "42", 0x0380FF0F, 0, "PCL6"},
+        {"T410A", "1", 0xF70F, 0, "PCL6"},      {"QP5", "0", 0x0380EF0F, 1, "PCL5c"},
+        {"QP5", "42", 0x0380EF0F, 0, "PCL5c"},  {"QP5", "41", 0xE70F, 0, "PCL5e"},
+        {"QPS", "1", 0xE70F, 0, "PostScript"},  {"IX300", "42", 0x0380EF0F, 0, "Image"},
         {"IX300", "0", 0x0380EF0F, 1, "Image"},
     };
     for (const Case& row : aCases) {
@@ -399,9 +448,10 @@ TEST_F(CapabilitiesTest, KindsDecideOnMediaBinsFontsAndPages)
         Poke(&description, Peek<u32>(description, AT_BODY) + 2, usKind);
         AddSample("T410A");
         PutFile(wcDriverFolder + WideText(u"T410A.XPI"), description);
-        ExpectRows(DC_BINS, bImage ? Numbers{1025, 261} : Numbers{1025, 261, 2000, 2001, 2002, 2003});
-        ExpectTexts(DC_BINNAMES, bImage ? Texts{"Auto", "Tray 1"}
-                                        : Texts{" Auto", " Tray 1", "Plain", "Transparency", "Heavy", "Printer default"});
+        ExpectRows(DC_BINS, bImage ? NumberList{1025, 261} : NumberList{1025, 261, 2000, 2001, 2002, 2003});
+        ExpectTexts(DC_BINNAMES, bImage ? TextList{"Auto", "Tray 1"}
+                                        : TextList{" Auto", " Tray 1", "Plain", "Transparency", "Heavy",
+                                                   "Printer default"});
         ExpectRows(DC_MEDIATYPES, {1, 2, 256, 300});
         ExpectNumber(DC_TRUETYPE, bImage ? 1 : 3);
         ExpectRows(DC_NUP, bImage ? NINE : SEVEN);
@@ -416,14 +466,15 @@ TEST_F(CapabilitiesTest, KindsDecideOnMediaBinsFontsAndPages)
 TEST_F(CapabilitiesTest, InstalledOptionsAndBins)
 {
     struct Case {
-        u32     ulInputs, ulOptions;
-        Numbers bins;
-        DWORD   dwFields, dwDuplex, dwStaple;
+        u32 ulInputs, ulOptions;
+        NumberList bins;
+        DWORD dwFields, dwDuplex, dwStaple;
     };
-    for (const Case& row : {Case{0x3, 0x00, {1025, 261, 2000, 2001, 2002, 2003}, 0x0380EF0F, 0, 0},
-                            Case{0x4, 0x01, {262, 2000, 2001, 2002, 2003}, 0x0380FF0F, 1, 0},
-                            Case{0x0, 0x10, {2000, 2001, 2002, 2003}, 0x0380EF0F, 0, 1},
-                            Case{0xFFFFFFFF, 0xFFFFFFFF, {1025, 261, 262, 300, 2000, 2001, 2002, 2003}, 0x0380FF0F, 1, 1}}) {
+    for (const Case& row :
+         {Case{0x3, 0x00, {1025, 261, 2000, 2001, 2002, 2003}, 0x0380EF0F, 0, 0},
+          Case{0x4, 0x01, {262, 2000, 2001, 2002, 2003}, 0x0380FF0F, 1, 0},
+          Case{0x0, 0x10, {2000, 2001, 2002, 2003}, 0x0380EF0F, 0, 1},
+          Case{0xFFFFFFFF, 0xFFFFFFFF, {1025, 261, 262, 300, 2000, 2001, 2002, 2003}, 0x0380FF0F, 1, 1}}) {
         AddSample("T410A");
         Bytes set(16);
         Poke(&set, 0, row.ulInputs);
@@ -458,12 +509,17 @@ TEST_F(CapabilitiesTest, SavedPapersAndFormsNeedBothCustomMaxima)
     AddMachineForm(WideText(80, u'f'), FORM_USER, 655369995, 4);
     AddSample("K100");
     ExpectRows(DC_PAPERS, {1, 9, 8, 258, 448, 449, 450, 451});
-    ExpectRows(DC_PAPERSIZE, {2159, 2794, 2100, 2970, 2970, 4200, 3050, 4570, 2200, 3200, 1270, 1778, 1000, 1500, 6553700, 0});
-    ExpectTexts(DC_PAPERNAMES, {"Letter", "A4", "A3", "Proof Film", "Pr\xC3\xBC" "fbogen", "Card 5 x 7 in", "Card",
-                                std::string(63, 'f')});
+    ExpectRows(DC_PAPERSIZE, {2159, 2794, 2100, 2970, 2970, 4200, 3050, 4570, 2200, 3200, 1270, 1778, 1000,
+                              1500, 6553700, 0});
+    ExpectTexts(DC_PAPERNAMES, {"Letter", "A4", "A3", "Proof Film",
+                                "Pr\xC3\xBC"
+                                "fbogen",
+                                "Card 5 x 7 in", "Card", std::string(63, 'f')});
     ExpectNumber(DC_MINEXTENT, 500 | 500 << 16);
     ExpectNumber(DC_MAXEXTENT, 3300 | 13000 << 16);
-    for (auto [cKey, cValue] : {std::pair{"model.max_custom_width", "0"}, {"model.max_custom_length", "0"}, {"model.max_custom_width", "-1"}}) {
+    for (auto [cKey, cValue] : {std::pair{"model.max_custom_width", "0"},
+                                {"model.max_custom_length", "0"},
+                                {"model.max_custom_width", "-1"}}) {
         SCOPED_TRACE(cKey);
         AddChanged("K100", {{cKey, cValue}});
         ExpectRows(DC_PAPERS, {1, 9, 8, 258});
@@ -473,8 +529,9 @@ TEST_F(CapabilitiesTest, SavedPapersAndFormsNeedBothCustomMaxima)
     }
     /* A row that is broken takes the others with it, and the forms take their codes. */
     AddSample("K100");
-    PutFile(wcDriverFolder + WideText(u"K100.INI"),
-            "[CustomSizes]\r\nNumCustomSizes=2\r\nCustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n");
+    PutFile(
+        wcDriverFolder + WideText(u"K100.INI"),
+        "[CustomSizes]\r\nNumCustomSizes=2\r\nCustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n");
     ExpectRows(DC_PAPERS, {1, 9, 8, 258, 448, 449});
     EXPECT_EQ(Texts(Ask(DC_PAPERNAMES))[4], "Card");
 
@@ -489,7 +546,10 @@ TEST_F(CapabilitiesTest, SavedPapersAndFormsNeedBothCustomMaxima)
 TEST_F(CapabilitiesTest, ExtentsTakeEachSideByItself)
 {
     DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}}, {1, 9, 2100, 2970, 1, 0, 0, 0, {}}, {1, 20, 1048, 2413, 0, 0, 0, 0, {}}, {}});
+    builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
+                                {1, 9, 2100, 2970, 1, 0, 0, 0, {}},
+                                {1, 20, 1048, 2413, 0, 0, 0, 0, {}},
+                                {}});
     AddTestPrinter(builder.Build());
     ExpectNumber(DC_MINEXTENT, 0x096D0418);
     ExpectNumber(DC_MAXEXTENT, 0x0B9A086F);
@@ -501,7 +561,7 @@ TEST_F(CapabilitiesTest, ExtentsTakeEachSideByItself)
 TEST_F(CapabilitiesTest, LongNamesAreCutToTheirRows)
 {
     DescriptionBuilder builder;
-    i16                sLong = builder.Text("0123456789012345678901234567890123456789012345678901234567890123456789");
+    i16 sLong = builder.Text("0123456789012345678901234567890123456789012345678901234567890123456789");
     builder.Table<PaperRow>(8, {{sLong, 9, 2100, 2970, 1, 0, 0, 0, {}}, {}});
     builder.Table<BinRow>(24, {{1, 1025, sLong}, {}});
     builder.Set<u32>(56, 1);
@@ -532,13 +592,14 @@ TEST_F(CapabilitiesTest, PrintRateGoesByTheExactNameOfTheDriver)
 {
     struct Case {
         const WCHAR* wcDriver;
-        DWORD        dwRate;
+        DWORD dwRate;
     };
-    for (Case row : {Case{u"Halden T410A", 33}, Case{u"Halden T420B", 33}, Case{u"Halden T430A", 33}, Case{u"Halden T440B", 33},
-                     Case{u"Ostra K100", 33}, Case{u"Ostra K200", 33}, Case{u"halden T410A", 26}, Case{u"Halden T410A ", 26},
-                     Case{u"Halden T410", 26}, Case{u"Halden T410AB", 26}, Case{u"Halden T440A", 26}, Case{u"", 26}}) {
+    for (Case row : {Case{u"Halden T410A", 33}, Case{u"Halden T420B", 33}, Case{u"Halden T430A", 33},
+                     Case{u"Halden T440B", 33}, Case{u"Ostra K100", 33}, Case{u"Ostra K200", 33},
+                     Case{u"halden T410A", 26}, Case{u"Halden T410A ", 26}, Case{u"Halden T410", 26},
+                     Case{u"Halden T410AB", 26}, Case{u"Halden T440A", 26}, Case{u"", 26}}) {
         PrinterSetup setup;
-        setup.wcName       = u"Test";
+        setup.wcName = u"Test";
         setup.wcDriverName = row.wcDriver;
         AddTestPrinter(Bytes());
         AddPrinter(setup);
@@ -563,7 +624,8 @@ TEST_F(CapabilitiesTest, TheUsersLanguageChoosesTheTextsOfTheDescription)
 {
     SetUserLanguage(0x0C07); /* German of Austria */
     AddSample("T410A");
-    ExpectTexts(DC_BINNAMES, {" Automatisch", " Fach 1", "Normalpapier", "Folie", "Schweres Papier", "Vorgabe des Druckers"});
+    ExpectTexts(DC_BINNAMES, {" Automatisch", " Fach 1", "Normalpapier", "Folie", "Schweres Papier",
+                              "Vorgabe des Druckers"});
     EXPECT_EQ(Texts(Ask(DC_PAPERNAMES))[7], "Umschlag Nr. 10");
     EXPECT_EQ(Texts(Ask(DC_PAPERNAMES))[0], "Letter") << "a text that the language lacks comes in English";
     AddSample("T440B"); /* has the English library alone: its own texts stay in the user's language */
@@ -580,7 +642,7 @@ TEST_F(CapabilitiesTest, TheUsersLanguageChoosesTheTextsOfTheDescription)
 namespace {
 
 class SpoolFolderTest : public CapabilitiesTest {
-protected:
+  protected:
     static constexpr const WCHAR* wcKeys = u"HKLM\\SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\";
 
     void Add(const std::string& sample, const std::vector<std::u16string_view>& keys)
@@ -596,7 +658,8 @@ protected:
     /* Asks under a name; the folder that then stands in a key, "" for none. */
     std::string Copied(HANDLE hOf, WideText wcName, const WideText& wcKey, bool bName = true)
     {
-        EXPECT_EQ(DrvDeviceCapabilities(hOf, bName ? wcName.data() : nullptr, DC_VERSION, nullptr, nullptr), 1025u);
+        EXPECT_EQ(DrvDeviceCapabilities(hOf, bName ? wcName.data() : nullptr, DC_VERSION, nullptr, nullptr),
+                  1025u);
         DWORD dwType = 0;
         Bytes bytes;
         if (!GetKeyValue(wcKeys + wcKey, u"SpoolDirectory", &dwType, &bytes)) {
@@ -622,9 +685,12 @@ TEST_F(SpoolFolderTest, IsWrittenForTheFirstImageKindAloneUnderThePlainName)
         Add(cSample, {u"Halden T410A", u"Quill P5", u"Quill PS", u"Halden T440B"});
         EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "") << cSample;
     }
-    WideText   wcLong(120, u'n');
-    const std::pair<WideText, WideText> aNames[] = {
-        {u"P,LocalOnly", u"P"}, {u"\\\\SERVER\\P", u"P"}, {u"\\\\SERVER\\P,Local", u"P"}, {u"P,local", u"P,local"}, {wcLong, wcLong}};
+    WideText wcLong(120, u'n');
+    const std::pair<WideText, WideText> aNames[] = {{u"P,LocalOnly", u"P"},
+                                                    {u"\\\\SERVER\\P", u"P"},
+                                                    {u"\\\\SERVER\\P,Local", u"P"},
+                                                    {u"P,local", u"P,local"},
+                                                    {wcLong, wcLong}};
     for (const auto& [wcName, wcKey] : aNames) {
         Add("K100", {wcKey});
         EXPECT_EQ(Copied(hPrinter, wcName, wcKey), "D:\\Spool") << Narrow(wcName);
@@ -634,14 +700,16 @@ TEST_F(SpoolFolderTest, IsWrittenForTheFirstImageKindAloneUnderThePlainName)
 TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
 {
     struct Version {
-        int  nMajor, nMinor;
+        int nMajor, nMinor;
         bool bCopied;
     };
-    for (Version row : {Version{5, 0, false}, Version{4, 0, false}, Version{4, 90, false}, Version{5, 1, true}, Version{5, 2, true},
-                        Version{6, 0, true}, Version{10, 0, true}}) {
+    for (Version row :
+         {Version{5, 0, false}, Version{4, 0, false}, Version{4, 90, false}, Version{5, 1, true},
+          Version{5, 2, true}, Version{6, 0, true}, Version{10, 0, true}}) {
         Add("K100", {u"Ostra K100"});
         SetSystemVersion(row.nMajor, row.nMinor);
-        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), row.bCopied ? "D:\\Spool" : "") << row.nMajor << "." << row.nMinor;
+        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), row.bCopied ? "D:\\Spool" : "")
+            << row.nMajor << "." << row.nMinor;
     }
     Add("K100", {u"Ostra K100"});
     EXPECT_EQ(Copied(hPrinter, u"", wcPrinter, false), "") << "without a name";
@@ -656,11 +724,12 @@ TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
 
     struct Value {
         const char* cWhat;
-        DWORD       dwType;
-        Bytes       bytes;
+        DWORD dwType;
+        Bytes bytes;
     };
-    for (const Value& row : {Value{"no NUL", REG_SZ, {'D', 0, ':', 0}}, Value{"empty", REG_SZ, {0, 0}}, Value{"no bytes", REG_SZ, {}},
-                             Value{"a number", REG_DWORD, {'D', 0, 0, 0}}, Value{"longer than a path", REG_SZ, Bytes(700, 'x')}}) {
+    for (const Value& row : {Value{"no NUL", REG_SZ, {'D', 0, ':', 0}}, Value{"empty", REG_SZ, {0, 0}},
+                             Value{"no bytes", REG_SZ, {}}, Value{"a number", REG_DWORD, {'D', 0, 0, 0}},
+                             Value{"longer than a path", REG_SZ, Bytes(700, 'x')}}) {
         Add("K100", {u"Ostra K100"});
         SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", row.dwType, row.bytes);
         EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "") << row.cWhat;
@@ -669,7 +738,8 @@ TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
     DropPrinterValue(wcPrinter, u"DefaultSpoolDirectory");
     EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "");
     Add("K100", {u"Ostra K100"});
-    SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", REG_SZ, {'D', 0, 0, 0, 'q', 0, 'q', 0}); /* more behind its NUL */
+    SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", REG_SZ,
+                    {'D', 0, 0, 0, 'q', 0, 'q', 0}); /* more behind its NUL */
     EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "D");
 
     /* The caller's string stays as it is. */

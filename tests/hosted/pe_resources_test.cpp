@@ -319,7 +319,7 @@ TEST(PeResources, NamesNumbersAndLanguagesInBothFormats)
 {
     const std::vector<TinyResource> list = {{u"DATA", u"ONE", 0, {1}},
                                             {u"DATA", u"TWO", 0, {2, 2}},
-                                            {PE_BITMAP, 7, GERMAN, {3}},
+                                            {PE_BITMAP, 7, 0x0407, {3}},
                                             {PE_BITMAP, 7, ENGLISH, {4}},
                                             {PE_BITMAP, 9, 0x000A, {5}}};
     for (const bool bWide : {false, true}) {
@@ -338,7 +338,7 @@ TEST(PeResources, NamesNumbersAndLanguagesInBothFormats)
         const u16 usNameOffset = static_cast<u16>(pe.bytes[RSRC + 16] | pe.bytes[RSRC + 17] << 8);
         EXPECT_EQ(found(usNameOffset, u"ONE", ENGLISH), 0); /* where a name lies is no number */
         EXPECT_EQ(found(u"DAT", u"ONE", ENGLISH), 0);
-        EXPECT_EQ(found(PE_BITMAP, 7, GERMAN), 3);
+        EXPECT_EQ(found(PE_BITMAP, 7, 0x0407), 3);
         EXPECT_EQ(found(PE_BITMAP, 7, 0x0C07), 4); /* another German: English */
         EXPECT_EQ(found(PE_BITMAP, 9, GERMAN), 5); /* neither: the first there is */
         EXPECT_EQ(found(PE_BITMAP, 9, 0x2C0A), 5);

@@ -8,31 +8,32 @@
 
 namespace {
 
-constexpr size_t ROOM      = 256; /* rows; no list of the machines below comes near */
-constexpr int    RUN_LIMIT = 2000;
+constexpr size_t ROOM = 256; /* rows; no list of the machines below comes near */
+constexpr int RUN_LIMIT = 2000;
 
 /* What a machine may lack; what a failing call hides is one of these. */
 enum Lacking : unsigned {
-    NO_XPI       = 1,
-    EMPTY_XPI    = 2,
-    NO_INI       = 4,
+    NO_XPI = 1,
+    EMPTY_XPI = 2,
+    NO_INI = 4,
     NO_LIBRARIES = 8,
-    METRIC       = 16,
-    NO_OPTIONS   = 32, /* a stored installed set of zeros */
-    NO_FORMS     = 64,
-    NO_SETTINGS  = 128, /* no settings file of the user */
+    METRIC = 16,
+    NO_OPTIONS = 32, /* a stored installed set of zeros */
+    NO_FORMS = 64,
+    NO_SETTINGS = 128, /* no settings file of the user */
     NO_MEMORY_VALUE = 256,
-    LACKING_END     = 512
+    LACKING_END = 512
 };
 
-const std::string cSavedPapers = "[CustomSizes]\nNumCustomSizes=2\nCustomName0=Card\nCustomWidth0=20009\n"
-                                 "CustomLength0=30000\nCustomMetric0=1\nCustomName1=Strip\nCustomWidth1=9000\n"
-                                 "CustomLength1=50000\nCustomMetric1=0\n";
+const std::string cSavedPapers =
+    "[CustomSizes]\nNumCustomSizes=2\nCustomName0=Card\nCustomWidth0=20009\n"
+    "CustomLength0=30000\nCustomMetric0=1\nCustomName1=Strip\nCustomWidth1=9000\n"
+    "CustomLength1=50000\nCustomMetric1=0\n";
 
 struct Expected {
     std::set<DWORD> results;
     std::set<Bytes> rows;
-    DWORD           dwMost = 0;
+    DWORD dwMost = 0;
 };
 
 bool IsZero(const Bytes& row)
@@ -43,18 +44,19 @@ bool IsZero(const Bytes& row)
 } // namespace
 
 class CapabilityFaults : public MachineTest {
-protected:
+  protected:
     /* Two samples with all that an answer can draw on, the second asked by its name alone, and a printer
        without a description. */
     void UseRichSample()
     {
         AddSample("T410A");
-        tcXpi    = wcDriverFolder + WideText(u"T410A.XPI");
-        tcIni    = wcDriverFolder + WideText(u"T410A.INI");
-        ini      = "[DeviceInfo]\nOptions=11\nSources=3\nTotalMemory=96\n" + cSavedPapers;
-        userFile = "[CustomSizes]\nNumCustomSizes=1\nCustomName0=Mine\nCustomWidth0=21000\nCustomLength0=31000\n"
-                   "CustomMetric0=1\n";
-        xpi      = GetFile(tcXpi);
+        tcXpi = wcDriverFolder + WideText(u"T410A.XPI");
+        tcIni = wcDriverFolder + WideText(u"T410A.INI");
+        ini = "[DeviceInfo]\nOptions=11\nSources=3\nTotalMemory=96\n" + cSavedPapers;
+        userFile =
+            "[CustomSizes]\nNumCustomSizes=1\nCustomName0=Mine\nCustomWidth0=21000\nCustomLength0=31000\n"
+            "CustomMetric0=1\n";
+        xpi = GetFile(tcXpi);
         Ready(hPrinter, wcPrinter);
     }
 
@@ -63,8 +65,8 @@ protected:
         AddSample("K100");
         tcXpi = wcDriverFolder + WideText(u"K100.XPI");
         tcIni = wcDriverFolder + WideText(u"K100.INI");
-        ini   = "[DeviceInfo]\nOptions=00000009\n" + cSavedPapers;
-        xpi   = GetFile(tcXpi);
+        ini = "[DeviceInfo]\nOptions=00000009\n" + cSavedPapers;
+        xpi = GetFile(tcXpi);
         SetPrinterText(wcPrinter, u"DefaultSpoolDirectory", u"D:\\Spool");
         AddKey(wcKey);
         Ready(nullptr, u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly");
@@ -75,7 +77,7 @@ protected:
         AddTestPrinter({}, "[DeviceInfo]\nOptions=11\n");
         std::filesystem::remove(HostPath(u"C:\\drv\\qa.xpi"));
         tcIni = u"C:\\drv\\qa.ini";
-        ini   = "[DeviceInfo]\nOptions=11\n";
+        ini = "[DeviceInfo]\nOptions=11\n";
         Ready(hPrinter, wcPrinter);
     }
 
@@ -108,7 +110,10 @@ protected:
         }
     }
 
-    GuardedAnswer AskRoomy(WORD wQuestion) { return AskGuarded(ByHandle(hAsked, wcAsked, wQuestion), wQuestion, ROOM); }
+    GuardedAnswer AskRoomy(WORD wQuestion)
+    {
+        return AskGuarded(ByHandle(hAsked, wcAsked, wQuestion), wQuestion, ROOM);
+    }
 
     /* What the question answers on this machine with up to three of the things missing. */
     Expected Collect(WORD wQuestion)
@@ -123,7 +128,7 @@ protected:
             EXPECT_EQ(answer.fault, "") << QuestionName(wQuestion) << " lacking " << fLacking;
             expected.results.insert(answer.dwFilled);
             expected.dwMost = std::max(expected.dwMost, answer.dwFilled);
-            size_t cbRow    = RowBytes(wQuestion);
+            size_t cbRow = RowBytes(wQuestion);
             for (size_t nAt = 0; nAt < answer.rows.size(); nAt += cbRow) {
                 auto row = answer.rows.begin() + static_cast<std::ptrdiff_t>(nAt);
                 expected.rows.insert(Bytes(row, row + static_cast<std::ptrdiff_t>(cbRow)));
@@ -146,7 +151,8 @@ protected:
         if (wQuestion == DC_PAPERSIZE) {
             return std::any_of(expected.rows.begin(), expected.rows.end(), [&](const Bytes& honest) {
                 i32 lWidth = Peek<i32>(row, 0), lLength = Peek<i32>(row, 4);
-                return (!lWidth && lLength == Peek<i32>(honest, 4)) || (!lLength && lWidth == Peek<i32>(honest, 0));
+                return (!lWidth && lLength == Peek<i32>(honest, 4)) ||
+                       (!lLength && lWidth == Peek<i32>(honest, 0));
             });
         }
         return wQuestion == DC_BINNAMES && row[0] == ' ' && IsZero({row.begin() + 1, row.end()});
@@ -161,7 +167,8 @@ protected:
         }
         std::string fault = answer.fault;
         if (answer.dwCounted > expected.dwMost || answer.dwFilled > expected.dwMost) {
-            fault += "told " + std::to_string(answer.dwFilled) + " rows of " + std::to_string(expected.dwMost) + "; ";
+            fault += "told " + std::to_string(answer.dwFilled) + " rows of " +
+                     std::to_string(expected.dwMost) + "; ";
         }
         for (size_t nAt = 0; nAt < answer.rows.size(); nAt += cbRow) {
             auto row = answer.rows.begin() + static_cast<std::ptrdiff_t>(nAt);
@@ -177,8 +184,8 @@ protected:
     {
         int nFaults = 0;
         for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
-            Expected      expected = Collect(wQuestion);
-            GuardedAnswer honest   = AskRoomy(wQuestion);
+            Expected expected = Collect(wQuestion);
+            GuardedAnswer honest = AskRoomy(wQuestion);
             GuardedAnswer last;
             for (CallId call : {ANY_CALL, CALL_HeapAlloc}) {
                 for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
@@ -210,8 +217,8 @@ protected:
                         nOthers += answer != honest;
                         return answer.fault;
                     });
-                    EXPECT_EQ(fault, "") << QuestionName(wQuestion) << ", " << CallName(static_cast<CallId>(nCall))
-                                         << ", lie " << nKind;
+                    EXPECT_EQ(fault, "") << QuestionName(wQuestion) << ", "
+                                         << CallName(static_cast<CallId>(nCall)) << ", lie " << nKind;
                 }
             }
         }
@@ -219,18 +226,19 @@ protected:
     }
 
     const WideText wcKey = u"HKLM\\SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\Ostra K100";
-    WideText       tcXpi, tcIni, wcAsked;
-    std::string    ini, userFile;
-    Bytes          xpi;
-    HANDLE         hAsked = nullptr;
+    WideText tcXpi, tcIni, wcAsked;
+    std::string ini, userFile;
+    Bytes xpi;
+    HANDLE hAsked = nullptr;
 
-private:
+  private:
     void Ready(HANDLE hHandle, const WideText& wcName)
     {
-        hAsked  = hHandle;
+        hAsked = hHandle;
         wcAsked = wcName;
-        for (const WideText& tcPath : {wcDriverFolder + WideText(u"TXT.DLL"), wcDriverFolder + WideText(u"ENUS.DLL"),
-                                       WideText(u"C:\\drv\\txt.dll"), WideText(u"C:\\drv\\enus.dll")}) {
+        for (const WideText& tcPath :
+             {wcDriverFolder + WideText(u"TXT.DLL"), wcDriverFolder + WideText(u"ENUS.DLL"),
+              WideText(u"C:\\drv\\txt.dll"), WideText(u"C:\\drv\\enus.dll")}) {
             if (HasFile(tcPath)) {
                 libraries.emplace_back(tcPath, GetFile(tcPath));
             }
@@ -312,28 +320,49 @@ Value Text(const std::u16string& wcText, DWORD dwType = REG_SZ, bool bEnded = tr
 }
 
 struct BadValues {
-    const char16_t*    wcValue;
-    Value              good; /* changes an answer, so that the comparison below can fail */
-    std::vector<Value> bad;  /* change none */
+    const char16_t* wcValue;
+    Value good;             /* changes an answer, so that the comparison below can fail */
+    std::vector<Value> bad; /* change none */
 };
 
 const std::vector<BadValues> aBadValues = {
     {u"XPI",
      Text(u"NONE.XPI"),
-     {{REG_SZ, {}}, Text(u""), Text(u"NONE.XPI", REG_BINARY), Text(u"NONE.XPI", REG_MULTI_SZ), {REG_DWORD, {1, 0, 0, 0}},
+     {{REG_SZ, {}},
+      Text(u""),
+      Text(u"NONE.XPI", REG_BINARY),
+      Text(u"NONE.XPI", REG_MULTI_SZ),
+      {REG_DWORD, {1, 0, 0, 0}},
       Text(std::u16string(260, u'N'))}},
     {u"DeviceInfo",
      {REG_BINARY, Bytes(16)},
-     {{REG_BINARY, {}}, {REG_BINARY, Bytes(4)}, {REG_BINARY, Bytes(15)}, {REG_BINARY, Bytes(17)}, {REG_BINARY, Bytes(32)}}},
+     {{REG_BINARY, {}},
+      {REG_BINARY, Bytes(4)},
+      {REG_BINARY, Bytes(15)},
+      {REG_BINARY, Bytes(17)},
+      {REG_BINARY, Bytes(32)}}},
     {u"Settings",
      Text(u"other.ini"),
-     {{REG_SZ, {}}, Text(u""), Text(u"other.ini", REG_BINARY), Text(u"other.ini", REG_MULTI_SZ), Text(u".."), Text(u". ."),
-      Text(u"..\\halden t410a\\other.ini"), Text(u"../halden t410a/other.ini"), Text(u"C:other.ini"),
+     {{REG_SZ, {}},
+      Text(u""),
+      Text(u"other.ini", REG_BINARY),
+      Text(u"other.ini", REG_MULTI_SZ),
+      Text(u".."),
+      Text(u". ."),
+      Text(u"..\\halden t410a\\other.ini"),
+      Text(u"../halden t410a/other.ini"),
+      Text(u"C:other.ini"),
       Text(std::u16string(260, u'N'))}},
-    {u"Memory", {REG_DWORD, {98, 0, 0, 0}}, {{REG_DWORD, {}}, {REG_DWORD, {98}}, {REG_DWORD, {98, 0, 0}}, {REG_BINARY, {98, 0, 0, 0, 0}}}},
+    {u"Memory",
+     {REG_DWORD, {98, 0, 0, 0}},
+     {{REG_DWORD, {}}, {REG_DWORD, {98}}, {REG_DWORD, {98, 0, 0}}, {REG_BINARY, {98, 0, 0, 0, 0}}}},
     {u"DefaultSpoolDirectory",
      Text(u"D:\\Spool"),
-     {{REG_SZ, {}}, Text(u""), Text(u"D:\\Spool", REG_BINARY), Text(u"D:\\Spool", REG_SZ, false), Text(std::u16string(260, u'D'))}},
+     {{REG_SZ, {}},
+      Text(u""),
+      Text(u"D:\\Spool", REG_BINARY),
+      Text(u"D:\\Spool", REG_SZ, false),
+      Text(std::u16string(260, u'D'))}},
 };
 
 } // namespace
@@ -345,7 +374,7 @@ static std::vector<GuardedAnswer> AskAll(HANDLE hPrinter, const WideText& wcPrin
     for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
         answers.push_back(AskGuarded(ByHandle(hPrinter, wcPrinter, wQuestion), wQuestion));
     }
-    DWORD         dwType;
+    DWORD dwType;
     GuardedAnswer copied;
     GetKeyValue(wcKey, u"SpoolDirectory", &dwType, &copied.rows);
     answers.push_back(copied);
@@ -355,8 +384,9 @@ static std::vector<GuardedAnswer> AskAll(HANDLE hPrinter, const WideText& wcPrin
 TEST_F(CapabilityFaults, PrinterValuesOfAWrongTypeOrSizeCountAsAbsent)
 {
     for (const BadValues& values : aBadValues) {
-        bool bImage = std::u16string_view(values.wcValue) == u"DefaultSpoolDirectory"; /* read for no other model */
-        auto ask    = [&](const Value* pValue) {
+        bool bImage =
+            std::u16string_view(values.wcValue) == u"DefaultSpoolDirectory"; /* read for no other model */
+        auto ask = [&](const Value* pValue) {
             TearDown();
             SetUp();
             AddSample(bImage ? "K100" : "T410A");
@@ -385,20 +415,38 @@ TEST_F(CapabilityFaults, PrinterValuesOfAWrongTypeOrSizeCountAsAbsent)
 /* ---- the harness itself ---- */
 
 class SweepCanary : public MachineTest {
-protected:
+  protected:
     /* The verdict on an asker that fills one row of 64 characters. */
     static std::string FaultOf(const std::function<DWORD(u8* pOut)>& fill)
     {
-        return AskGuarded([&](void* pOut) { return pOut ? fill(static_cast<u8*>(pOut)) : 1; }, DC_PAPERNAMES, 2).fault;
+        return AskGuarded([&](void* pOut) { return pOut ? fill(static_cast<u8*>(pOut)) : 1; }, DC_PAPERNAMES,
+                          2)
+            .fault;
     }
 };
 
 TEST_F(SweepCanary, SeesWhatAnAskerDoesWrong)
 {
-    EXPECT_EQ(FaultOf([](u8* pOut) { std::memset(pOut, 0, 128); return 1; }), "");
-    EXPECT_NE(FaultOf([](u8* pOut) { std::memset(pOut, 0, 129); return 1; }), "");
-    EXPECT_NE(FaultOf([](u8* pOut) { pOut[-1] = 0; return 1; }), "");
-    EXPECT_NE(FaultOf([](u8* pOut) { std::memset(pOut, 'x', 128); return 1; }), "");
+    EXPECT_EQ(FaultOf([](u8* pOut) {
+                  std::memset(pOut, 0, 128);
+                  return 1;
+              }),
+              "");
+    EXPECT_NE(FaultOf([](u8* pOut) {
+                  std::memset(pOut, 0, 129);
+                  return 1;
+              }),
+              "");
+    EXPECT_NE(FaultOf([](u8* pOut) {
+                  pOut[-1] = 0;
+                  return 1;
+              }),
+              "");
+    EXPECT_NE(FaultOf([](u8* pOut) {
+                  std::memset(pOut, 'x', 128);
+                  return 1;
+              }),
+              "");
     EXPECT_NE(FaultOf([](u8*) { return 3; }), "");
     EXPECT_NE(FaultOf([](u8*) {
                   for (clock_t begun = clock(); clock() - begun < CLOCKS_PER_SEC * 3 / 10;) {
@@ -417,7 +465,7 @@ TEST_F(SweepCanary, SeesWhatABodyDoesWrong)
 {
     std::vector<void*> kept;
     auto allocate = [] { return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, 8); };
-    auto release  = [](void* pBlock) { return pBlock ? HeapFree(GetProcessHeap(), 0, pBlock) : 0; };
+    auto release = [](void* pBlock) { return pBlock ? HeapFree(GetProcessHeap(), 0, pBlock) : 0; };
 
     FaultSweep clean = SweepFaults(CALL_HeapAlloc, FAIL_ONCE, RUN_LIMIT, [&] {
         release(allocate());

@@ -14,8 +14,8 @@
 #include "tools/tq/ask.h"
 
 /* What one entry call may take, of this thread's own time and of the process heap. */
-constexpr i64    CALL_MICROSECONDS = 250 * 1000;
-constexpr size_t CALL_BLOCK_BYTES  = size_t{16} << 20;
+constexpr i64 CALL_MICROSECONDS = 250 * 1000;
+constexpr size_t CALL_BLOCK_BYTES = size_t{16} << 20;
 
 /* One capability question as its asker sees it: a null buffer only counts. */
 using Asker = std::function<DWORD(void* pOut)>;
@@ -29,9 +29,9 @@ inline Asker ByHandle(HANDLE hPrinter, const WideText& wcPrinter, WORD wQuestion
 }
 
 struct GuardedAnswer {
-    DWORD       dwCounted = 0, dwFilled = 0; /* without and with a buffer */
-    bool        bUntouched = false;          /* nothing was written */
-    Bytes       rows;                        /* the rows that were told */
+    DWORD dwCounted = 0, dwFilled = 0; /* without and with a buffer */
+    bool bUntouched = false;           /* nothing was written */
+    Bytes rows;                        /* the rows that were told */
     std::string fault;
     bool operator==(const GuardedAnswer&) const = default;
 };
@@ -58,26 +58,26 @@ inline std::string WithinBounds(const std::function<void()>& call)
 inline GuardedAnswer AskGuarded(const Asker& ask, WORD wQuestion, size_t nRoom = 0)
 {
     constexpr size_t GUARD_BYTES = 256;
-    constexpr u8     GUARD_BYTE  = 0xA5;
-    GuardedAnswer    answer;
-    size_t           cbRow = RowBytes(wQuestion);
-    answer.fault           = WithinBounds([&] { answer.dwCounted = ask(nullptr); });
-    size_t nRows           = cbRow ? (nRoom ? nRoom : answer.dwCounted) : 0;
+    constexpr u8 GUARD_BYTE = 0xA5;
+    GuardedAnswer answer;
+    size_t cbRow = RowBytes(wQuestion);
+    answer.fault = WithinBounds([&] { answer.dwCounted = ask(nullptr); });
+    size_t nRows = cbRow ? (nRoom ? nRoom : answer.dwCounted) : 0;
     if (nRows > 0x10000) {
         answer.fault += "counted " + std::to_string(nRows) + " rows; ";
         return answer;
     }
     Bytes buffer(nRows * cbRow + 2 * GUARD_BYTES, GUARD_BYTE);
-    u8*   pRows = buffer.data() + GUARD_BYTES;
+    u8* pRows = buffer.data() + GUARD_BYTES;
     answer.fault += WithinBounds([&] { answer.dwFilled = ask(pRows); });
     if (cbRow && answer.dwFilled > nRows) {
         answer.fault += "told more rows than there was room for; ";
     }
-    size_t cbTold      = cbRow ? std::min<size_t>(answer.dwFilled, nRows) * cbRow : 0;
-    auto   isUntouched = [&](size_t nFrom, size_t nTo) {
+    size_t cbTold = cbRow ? std::min<size_t>(answer.dwFilled, nRows) * cbRow : 0;
+    auto isUntouched = [&](size_t nFrom, size_t nTo) {
         return std::all_of(buffer.begin() + static_cast<std::ptrdiff_t>(nFrom),
-                             buffer.begin() + static_cast<std::ptrdiff_t>(nTo),
-                             [](u8 bByte) { return bByte == GUARD_BYTE; });
+                           buffer.begin() + static_cast<std::ptrdiff_t>(nTo),
+                           [](u8 bByte) { return bByte == GUARD_BYTE; });
     };
     if (!isUntouched(0, GUARD_BYTES) || !isUntouched(GUARD_BYTES + cbTold, buffer.size())) {
         answer.fault += "wrote outside the rows that it told; ";
@@ -100,32 +100,34 @@ inline GuardedAnswer AskGuarded(const Asker& ask, WORD wQuestion, size_t nRoom =
    before and behind it. */
 inline std::string HoldsNothing(const std::function<std::string()>& body)
 {
-    LiveCounts  before = CountLive();
-    std::string fault  = body();
-    LiveCounts  after  = CountLive();
-    return after == before ? fault
-                           : fault + "held behind it: blocks " + std::to_string(after.nBlocks - before.nBlocks) +
-                                 ", files " + std::to_string(after.nFiles - before.nFiles) + ", printers " +
-                                 std::to_string(after.nPrinters - before.nPrinters) + ", keys " +
-                                 std::to_string(after.nKeys - before.nKeys) + ", modules " +
-                                 std::to_string(after.nModules - before.nModules) + "; ";
+    LiveCounts before = CountLive();
+    std::string fault = body();
+    LiveCounts after = CountLive();
+    return after == before
+               ? fault
+               : fault + "held behind it: blocks " + std::to_string(after.nBlocks - before.nBlocks) +
+                     ", files " + std::to_string(after.nFiles - before.nFiles) + ", printers " +
+                     std::to_string(after.nPrinters - before.nPrinters) + ", keys " +
+                     std::to_string(after.nKeys - before.nKeys) + ", modules " +
+                     std::to_string(after.nModules - before.nModules) + "; ";
 }
 
 struct FaultSweep {
-    int         nFaults = 0; /* calls that were made to fail, over all runs */
+    int nFaults = 0; /* calls that were made to fail, over all runs */
     std::string fault;
 };
 
 /* Fails the n-th call for n = 1, 2, 3 ... until a run meets no fault, at most nLimit runs. */
-inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit, const std::function<std::string()>& body)
+inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit,
+                              const std::function<std::string()>& body)
 {
     FaultSweep sweep;
     for (int n = 1; n <= nLimit; n++) {
-        int         nHit  = 0;
+        int nHit = 0;
         std::string fault = HoldsNothing([&] {
             FailCall(call, n, mode);
             std::string own = body();
-            nHit            = StopFaults();
+            nHit = StopFaults();
             return own;
         });
         sweep.nFaults += nHit;
