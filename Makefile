@@ -4,7 +4,7 @@ SHELL := /bin/bash
 SECONDS ?= 60
 JOBS := $(shell nproc)
 
-.PHONY: help demo test package show bench fuzz check coverage format clean hosted asan windows
+.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan windows
 
 help:
 	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
@@ -13,6 +13,7 @@ help:
 	@echo 'make bench     speed, as ratios to a floor measured in the same run'
 	@echo 'make fuzz      fuzzing, SECONDS=60 each target'
 	@echo 'make check     format, tidy, cppcheck, and the gates of the architecture'
+	@echo 'make mutate    switches every rule of the record checks off in turn: a test must fail each time'
 	@echo 'make coverage  lines that the hosted tests execute'
 	@echo 'make clean     removes build/'
 
@@ -41,7 +42,7 @@ test: package asan
 bench:
 	@scripts/setup hosted windows bench
 	@scripts/build hosted-release
-	@build/hosted/bench/ratios
+	@build/hosted/bench/ratios && build/hosted/bench/record_ratios
 
 fuzz:
 	@scripts/setup hosted windows fuzz
@@ -51,6 +52,10 @@ fuzz:
 check: asan windows
 	@scripts/setup check
 	@scripts/check
+
+mutate:
+	@scripts/setup hosted windows
+	@scripts/mutate
 
 coverage:
 	@scripts/setup hosted windows bench

@@ -6,9 +6,9 @@
 
 /* lValue * lMul / lDiv with the product in 64 bits, rounded toward zero.
    Result: 0 for a zero divisor; else the quotient, which the caller brings to its field. */
-constexpr i64 MulDivTrunc(i64 lValue, i64 lMul, i64 lDiv)
+constexpr i64 MulDivTrunc(i32 lValue, i32 lMul, i32 lDiv)
 {
-    return lDiv == 0 ? 0 : lValue * lMul / lDiv;
+    return lDiv == 0 ? 0 : static_cast<i64>(lValue) * lMul / lDiv;
 }
 
 /* The low 16 or 32 bits, as a store into a field of that width keeps them. */

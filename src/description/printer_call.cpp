@@ -9,7 +9,7 @@ namespace {
 
 constexpr u32 FIRST_BYTES = 4096;
 constexpr u32 FIRST_PRINTER_BYTES = 8192;     /* a stored record takes half of it */
-constexpr u32 ANSWER_LIMIT = 8 * 1024 * 1024; /* no honest answer of a spooler comes near */
+constexpr u32 ANSWER_LIMIT = 2 * 1024 * 1024; /* no honest answer of a spooler comes near */
 constexpr u32 CLOSING_BYTES = 16;             /* zeros behind an answer, so that its last text has an end */
 constexpr int NAME_CHARS = 129;               /* a printer's name that is opened: 128 characters and NUL */
 

@@ -10,6 +10,7 @@ constexpr u32 TAIL_BYTES = 128; /* holds two of the widest rows, so that a walk 
 constexpr u32 PREFIX_BYTES = 8;
 constexpr u32 WIDEST_ROW = 64;
 constexpr u32 START_BYTES = FIXED_BYTES + WIDEST_ROW; /* of the body, kept as in the file */
+static_assert(WIDEST_ROW <= TAIL_BYTES);
 
 /* The prefix holds two sizes: that of the body in the file, and where the tail begins. */
 u32 PrefixWord(const XpiModel* pModel, u32 nWord)
@@ -50,7 +51,8 @@ u32 ModelTailOffset(const XpiModel* pModel)
 
 void KeepModelStart(XpiModel* pModel)
 {
-    std::memcpy(KeptStart(pModel), pModel, START_BYTES); /* a block has at least the fixed part and the tail */
+    /* Never short: a block has at least the fixed part and the tail. */
+    std::memcpy(KeptStart(pModel), pModel, START_BYTES);
 }
 
 void ModelDeleter::operator()(const XpiModel* pModel) const

@@ -2,8 +2,8 @@
 
    The block behind a model is [sizes, 8 bytes][body][zero tail][start of the body as in the file]. A slot is
    8 bytes wide, in the file an offset into the body, in memory a pointer into the block: so all tables lie in
-   it and one free releases everything. A slot that leads beyond the body points at the tail, which reads as an
-   empty table or text. A row that lies over the slots reads what the file has there, never a pointer. */
+   it and one free releases everything. A slot that leads beyond the body points at the tail, which reads as
+   an empty table or text. A row that lies over the slots reads what the file has there, never a pointer. */
 #ifndef TQUI_DESCRIPTION_XPI_MODEL_H
 #define TQUI_DESCRIPTION_XPI_MODEL_H
 

@@ -185,10 +185,10 @@ DWORD Answer(CapabilityCall& ask, WORD wQuestion)
     return pConstant ? pConstant->dwAnswer : 0;
 }
 
-/* 1 when the answer, or what goes with it, depends on the printer. */
+/* 1 when the answer depends on the printer. */
 int NeedsPrinter(WORD wQuestion)
 {
-    return wQuestion == DC_VERSION || (wQuestion != DC_MEDIAREADY && !FindConstant(wQuestion));
+    return wQuestion != DC_MEDIAREADY && !FindConstant(wQuestion);
 }
 
 } // namespace

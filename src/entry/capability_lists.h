@@ -20,7 +20,8 @@ struct CapabilityCall {
 /* The printer's model, or null when there is none. */
 const XpiModel* CapabilityModel(CapabilityCall& ask);
 
-/* Writes row nRow of cb bytes; nothing without a buffer. The caller's buffer may lie at any address. */
+/* Writes row nRow of cb bytes; nothing without a buffer. Rows of numbers may lie at any address; rows of text
+   are aligned as the interface's LPWSTR says. */
 void PutRow(CapabilityCall& ask, DWORD nRow, const void* pRow, size_t cb);
 
 /* Each gives the number of rows and, with a buffer, fills them. The three paper lists walk the model's

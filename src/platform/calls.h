@@ -25,6 +25,7 @@
     X(BOOL, CloseHandle, (HANDLE), 0) \
     X(DWORD, GetFileAttributesW, (LPCWSTR), INVALID_FILE_ATTRIBUTES) \
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
+    X(BOOL, DeleteFileW, (LPCWSTR), 0) \
     X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0)
 
 #define PROFILE_CALLS(X) \
@@ -55,7 +56,8 @@
 
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
-    X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0)
+    X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0) \
+    X(int, lstrcmpW, (LPCWSTR, LPCWSTR), -2)
 
 #define ALL_CALLS(X) \
     PROCESS_CALLS(X) \

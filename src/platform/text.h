@@ -1,4 +1,4 @@
-/* Code pages and case of text. */
+/* Code pages, case and order of text. */
 #ifndef TQUI_PLATFORM_TEXT_H
 #define TQUI_PLATFORM_TEXT_H
 

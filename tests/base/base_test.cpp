@@ -1,4 +1,5 @@
 /* Text, formats and numbers: what fits, what is cut, and where the limits of the widths lie. */
+#include <algorithm>
 #include <array>
 #include <climits>
 
@@ -227,8 +228,8 @@ TEST_F(Blocks, AreZeroedAndBounded)
     EXPECT_EQ(AllocateBlock(0x10000001), nullptr);
     EXPECT_EQ(AllocateBlock(~u64{0}), nullptr);
     EXPECT_EQ(AllocateRows(0x100000000, 0x100000001),
-              nullptr);                                /* the product's low 64 bits are 0x100000000 */
-    EXPECT_EQ(AllocateRows(u64{1} << 61, 8), nullptr); /* and here they are 0 */
+              nullptr);                                      /* the product's low 64 bits are 0x100000000 */
+    EXPECT_EQ(AllocateRows((u64{1} << 61) + 2, 8), nullptr); /* and here they are 16 */
     EXPECT_EQ(AllocateRows(5, 0), nullptr);
     EXPECT_EQ(AllocateRows(0, 5), nullptr);
     EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);

@@ -1,4 +1,6 @@
 /* The language library: which one is loaded, and what a sheet keeps of it. */
+#include <sstream>
+
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
 #include "support/sample_machine.h"
@@ -112,31 +114,75 @@ TEST_F(LanguageTest, LibrariesAreLoadedAsData)
 
 TEST_F(LanguageTest, CodesOfTheLanguages)
 {
-    struct Case {
-        u16 usPrimary, usSub;
-        const char* cCode;
+    /* Primary id, then the codes of its sublanguages from 1 up. */
+    constexpr const char* aRows[] = {
+        "0 NEUT NEUT",
+        "1 SAUD IRAQ EGYP LIBY ALGE MORO TUNI OMAN YEME SYRI JORD LEBA KUWA UAE BAHR QATA",
+        "2 BULG",
+        "3 CATA",
+        "4 CTRA CSIM CHON CSIN",
+        "5 CZEC",
+        "6 DANI",
+        "7 GERM GSWI GAUS GLUX GLIE",
+        "8 GREE",
+        "9 ENUS ENUK ENAU ENCA ENNZ ENEI ENSA ENJA ENCR ENBE ENTR",
+        "10 SCAS SMEX SMOD SGUA SCOS SPAN SDOM SVEN SCOL SPER SARG SECU SCHI SURU SPAR SBOL SELS SHON SNIC SPUE",
+        "11 FINN",
+        "12 FREN FBEL FCAN FSWI FLUX",
+        "13 HEBR",
+        "14 HUNG",
+        "15 ICEL",
+        "16 ITAL ISWI",
+        "17 JAPA",
+        "18 KORE KJOH",
+        "19 DUTC DBEL",
+        "20 BOKM NYNO",
+        "21 POLI",
+        "22 BRAZ PORT",
+        "23 ROMA",
+        "24 RUSS",
+        "25 CROA",
+        "26 SERB SLAT SCYR",
+        "27 SLOK",
+        "28 ALBA",
+        "29 SWED SFIN",
+        "30 THAI",
+        "31 TURK",
+        "32 INDO",
+        "33 UKRA",
+        "34 BELA",
+        "35 SLON",
+        "36 ESTO",
+        "37 LATV",
+        "38 LITH",
+        "39 FARS",
+        "40 VIET",
+        "41 BASQ",
+        "42 AFRI",
+        "43 FAER",
     };
-    constexpr Case aCases[] = {
-        {0, 0, "NEUT"},  {0, 1, "NEUT"},  {0, 2, "NEUT"},  {0, 3, ""},      {1, 1, "SAUD"},
-        {1, 14, "UAE"},  {1, 15, "BAHR"}, {1, 16, "QATA"}, {1, 17, ""},     {2, 1, "BULG"},
-        {2, 2, ""},      {3, 1, "CATA"},  {4, 1, "CTRA"},  {4, 2, "CSIM"},  {4, 3, "CHON"},
-        {4, 4, "CSIN"},  {5, 1, "CZEC"},  {6, 1, "DANI"},  {7, 1, "GERM"},  {7, 2, "GSWI"},
-        {7, 5, "GLIE"},  {8, 1, "GREE"},  {9, 1, "ENUS"},  {9, 2, "ENUK"},  {9, 11, "ENTR"},
-        {9, 12, ""},     {9, 0, ""},      {10, 1, "SCAS"}, {10, 6, "SPAN"}, {10, 20, "SPUE"},
-        {10, 21, ""},    {11, 1, "FINN"}, {12, 5, "FLUX"}, {13, 1, "HEBR"}, {14, 1, "HUNG"},
-        {15, 1, "ICEL"}, {16, 2, "ISWI"}, {17, 1, "JAPA"}, {18, 2, "KJOH"}, {19, 2, "DBEL"},
-        {20, 2, "NYNO"}, {21, 1, "POLI"}, {22, 1, "BRAZ"}, {22, 2, "PORT"}, {23, 1, "ROMA"},
-        {24, 1, "RUSS"}, {25, 1, "CROA"}, {26, 1, "SERB"}, {26, 3, "SCYR"}, {27, 1, "SLOK"},
-        {28, 1, "ALBA"}, {29, 2, "SFIN"}, {30, 1, "THAI"}, {31, 1, "TURK"}, {32, 1, "INDO"},
-        {33, 1, "UKRA"}, {34, 1, "BELA"}, {35, 1, "SLON"}, {36, 1, "ESTO"}, {37, 1, "LATV"},
-        {38, 1, "LITH"}, {39, 1, "FARS"}, {40, 1, "VIET"}, {41, 1, "BASQ"}, {42, 1, "AFRI"},
-        {43, 1, "FAER"}, {43, 2, ""},     {44, 1, ""},     {0x3FF, 1, ""},  {0xFFFF, 0xFFFF, ""},
-        {7, 63, ""},     {1, 0, ""},
-    };
-    for (const Case& row : aCases) {
-        EXPECT_EQ(Ascii(GetLanguageCode(row.usPrimary, row.usSub).wcText), row.cCode)
-            << row.usPrimary << "/" << row.usSub;
+    u16 usPrimary = 0;
+    for (const char* cRow : aRows) {
+        std::istringstream row(cRow);
+        std::string code;
+        row >> usPrimary;
+        u16 usSub = 0;
+        while (row >> code) {
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << cRow;
+        }
+        if (usPrimary != 0) {
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, 0).wcText), "") << cRow;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, static_cast<u16>(usSub + 1)).wcText), "") << cRow;
+        }
     }
+    EXPECT_EQ(usPrimary, 43);
+    for (u16 usSub : std::initializer_list<u16>{0, 1, 2, 3}) { /* the neutral language counts from 0 */
+        EXPECT_EQ(Ascii(GetLanguageCode(0, usSub).wcText), usSub < 3 ? "NEUT" : "") << usSub;
+    }
+    EXPECT_EQ(Ascii(GetLanguageCode(44, 1).wcText), "");
+    EXPECT_EQ(Ascii(GetLanguageCode(0x3FF, 1).wcText), "");
+    EXPECT_EQ(Ascii(GetLanguageCode(7, 63).wcText), "");
+    EXPECT_EQ(Ascii(GetLanguageCode(0xFFFF, 0xFFFF).wcText), "");
     SetUserLanguage(0xFC07);
     EXPECT_EQ(GetUserLanguage(), 7);
 }

@@ -143,6 +143,7 @@ TEST_F(ModelTest, SlotsCountByAllEightBytesButLeadByTheLowFour)
         {0x17F, 0x17F},
         {0x180, 0x180}, /* the body's size: from here on it is the tail */
         {0x181, 0x180},
+        {0x80000010, 0x180},
         {0xFFFFFFFFFFFFFFFF, 0x180},
     };
     for (const Case& row : aCases) {
@@ -252,36 +253,34 @@ TEST_F(ModelTest, WalksEndInTheTailWhenTheClosingRowIsMissing)
     }
 }
 
-TEST_F(ModelTest, RowsOutsideTheBlockAreZeroRows)
+TEST_F(ModelTest, RowsOutsideTheBlockAreTheSharedRowOfZeros)
 {
     DescriptionBuilder builder;
+    builder.Table<MemoryRow>(104, {{7, 7}}); /* what an index below 0 would find */
     u32 ulTable = builder.Table<MemoryRow>(96, {{8, 60}, {96, 90}, {0, 0}});
     const XpiModel* pLoaded = Load(builder.Build());
     const MemoryRow* pTable = pLoaded->pMemoryTable;
     EXPECT_EQ(Value(Row(pLoaded, pTable, 1)->usValue), 90);
 
-    const u8* pEnd = Body() + ulTable + 12 + 128; /* of the tail */
-    auto IsZeroRow = [&](const MemoryRow* pAt, i32 nIndex) {
-        const MemoryRow* pRow = Row(pLoaded, pAt, nIndex);
-        const u8* pBytes = reinterpret_cast<const u8*>(pRow);
-        bool bInside = pBytes >= Body() && pBytes + sizeof *pRow <= pEnd;
-        return pRow && !bInside && !pRow->usKey && !pRow->usValue;
+    const void* pZeros = RowAt(nullptr, nullptr, 0, sizeof(MemoryRow));
+    EXPECT_EQ(Bytes(static_cast<const u8*>(pZeros), static_cast<const u8*>(pZeros) + 64), Bytes(64));
+    auto At = [&](const MemoryRow* pAt, i32 nIndex) {
+        return RowAt(pLoaded, pAt, nIndex, sizeof(MemoryRow));
     };
     for (i32 nIndex : {-1, -2, INT32_MIN, INT32_MAX, 3 + 32, 1000}) {
-        EXPECT_TRUE(IsZeroRow(pTable, nIndex)) << nIndex;
+        EXPECT_EQ(At(pTable, nIndex), pZeros) << nIndex;
     }
-    EXPECT_FALSE(IsZeroRow(pTable, 3 + 31)) << "the last row of the tail";
-    EXPECT_TRUE(IsZeroRow(nullptr, 0));
+    EXPECT_NE(At(pTable, 3 + 31), pZeros) << "the last row of the tail";
+    EXPECT_EQ(At(nullptr, 0), pZeros);
     MemoryRow elsewhere[2] = {{1, 2}, {3, 4}};
-    EXPECT_TRUE(IsZeroRow(elsewhere, 0));
-    for (i64 lOff :
-         {i64{-1}, i64{-8}, i64{315 + 12 + 128}, i64{315 + 12 + 126}, i64{1} << 40, -(i64{1} << 40)}) {
+    EXPECT_EQ(At(elsewhere, 0), pZeros);
+    i64 lEnd = ulTable + 12 + 128;
+    for (i64 lOff : {i64{-1}, i64{-8}, lEnd, lEnd - 3, lEnd + 1, i64{1} << 40, -(i64{1} << 40)}) {
         const MemoryRow* pAt;
         u64 ullAt = reinterpret_cast<std::uintptr_t>(Body()) + static_cast<u64>(lOff);
-        std::memcpy(&pAt, &ullAt, sizeof pAt);
-        EXPECT_TRUE(IsZeroRow(pAt, 0)) << lOff;
+        std::memcpy(&pAt, &ullAt, sizeof ullAt);
+        EXPECT_EQ(At(pAt, 0), pZeros) << lOff;
     }
-    EXPECT_EQ(Value(Row<MemoryRow>(nullptr, pTable, 1)->usValue), 0);
     EXPECT_STREQ(BodyText(pLoaded, reinterpret_cast<const char*>(elsewhere)), "");
     EXPECT_STREQ(BodyText(pLoaded, nullptr), "");
 }
@@ -574,7 +573,9 @@ TEST_F(ModelTest, BitmapsComeWholeOrNotAtAll)
     EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "61 bytes told where 60 lie reads on into the next bitmap";
     whole.resize(whole.size() - 14);
     Open(whole);
+    ResetCallCounts();
     EXPECT_FALSE(ReadXpiBitmap(file, 3, &cb)) << "but not beyond the end";
+    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
 
     Open(whole);
     for (int nTh = 2; nTh <= 4; nTh++) { /* the header was read for the file; offset, BMP header, whole */

@@ -397,8 +397,11 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
     std::string all = "NumCustomSizes=4097\r\n";
     for (int i = 0; i < 4097; i++) {
         std::string n = std::to_string(i);
-        all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n +
-               "=1\r\nCustomMetric" + n + "=1\r\n";
+        for (const char* cRest :
+             {"CustomName", "=P\r\nCustomWidth", "=", "0\r\nCustomLength", "=1\r\nCustomMetric"}) {
+            all.append(cRest).append(n);
+        }
+        all += "=1\r\n";
     }
     rows = Saved(all);
     ASSERT_EQ(rows.size(), 4097u);
@@ -423,8 +426,8 @@ TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
         u32 ulMetric, ulInch;
     };
     for (Case row : {Case{762, 7600, 7620}, Case{148, 1500, 2540}, Case{144, 1400, 2540},
-                     Case{145, 1500, 2540}, Case{126, 1300, 0}, Case{0, 0, 0}, Case{32767, 327700, 327660},
-                     Case{-20, static_cast<u32>(-100), 0}}) {
+                     Case{145, 1500, 2540}, Case{126, 1300, 0}, Case{127, 1300, 2540}, Case{0, 0, 0},
+                     Case{32767, 327700, 327660}, Case{-20, static_cast<u32>(-100), 0}}) {
         for (bool bMetric : {true, false}) {
             SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
             DescriptionBuilder builder;

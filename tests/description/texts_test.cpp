@@ -343,6 +343,7 @@ TEST_F(TextsTest, AListCostsFewReadsAndAFailedOneLeavesEmptyRows)
 {
     DescriptionBuilder builder;
     std::vector<i16> ids;
+    ids.reserve(40);
     for (int i = 0; i < 40; i++) {
         ids.push_back(builder.Text("Paper of a somewhat longer name, number " + std::to_string(i)));
     }

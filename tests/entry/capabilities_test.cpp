@@ -2,8 +2,7 @@
    that were changed at the place that matters. */
 #include <algorithm>
 #include <map>
-#include <optional>
-#include <random>
+#include <set>
 
 #include "entry/exports.h"
 #include "support/sample_machine.h"
@@ -29,6 +28,8 @@ struct PrinterAnswers {
     TextList mediaNames;
     NumberList media;
 };
+
+const std::string TEST_SHEET = Narrow(u"Pr\u00FCfbogen"); /* of the K100's settings file */
 
 const NumberList SEVEN = {1, 2, 4, 6, 8, 9, 16}, NINE = {1, 2, 4, 6, 8, 9, 12, 16, 25};
 
@@ -96,10 +97,7 @@ const std::vector<PrinterAnswers>& Oracle()
          0x0380FF0F,
          {1, 9, 8, 258, 448, 449},
          {2159, 2794, 2100, 2970, 2970, 4200, 3050, 4570, 2200, 3200, 1270, 1778},
-         {"Letter", "A4", "A3", "Proof Film",
-          "Pr\xC3\xBC"
-          "fbogen",
-          "Card 5 x 7 in"},
+         {"Letter", "A4", "A3", "Proof Film", TEST_SHEET, "Card 5 x 7 in"},
          {500, 500, 3300, 13000},
          {1025, 261},
          {"Auto", ""},
@@ -356,6 +354,7 @@ TEST_F(CapabilitiesTest, QuestionsThatAreNone)
             << wQuestion;
         EXPECT_EQ(buffer, Bytes(256, 0xEE)) << wQuestion;
     }
+    DrvDeviceCapabilities(nullptr, wcPrinter.data(), 36, nullptr, nullptr);
     EXPECT_EQ(CallCount(ANY_CALL), 0);
 }
 
@@ -504,17 +503,15 @@ TEST_F(CapabilitiesTest, WithoutMediaTheBinsHaveNoBlank)
 TEST_F(CapabilitiesTest, SavedPapersAndFormsNeedBothCustomMaxima)
 {
     AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
-    AddMachineForm(u"Card", FORM_USER, 100000, 150009);
+    AddMachineForm(u"Card", FORM_USER, 100059, 150059); /* 10006 and 15006 hundredths */
     AddMachineForm(u"Driver's", FORM_PRINTER, 1000, 1000);
     AddMachineForm(WideText(80, u'f'), FORM_USER, 655369995, 4);
     AddSample("K100");
     ExpectRows(DC_PAPERS, {1, 9, 8, 258, 448, 449, 450, 451});
     ExpectRows(DC_PAPERSIZE, {2159, 2794, 2100, 2970, 2970, 4200, 3050, 4570, 2200, 3200, 1270, 1778, 1000,
                               1500, 6553700, 0});
-    ExpectTexts(DC_PAPERNAMES, {"Letter", "A4", "A3", "Proof Film",
-                                "Pr\xC3\xBC"
-                                "fbogen",
-                                "Card 5 x 7 in", "Card", std::string(63, 'f')});
+    ExpectTexts(DC_PAPERNAMES, {"Letter", "A4", "A3", "Proof Film", TEST_SHEET, "Card 5 x 7 in", "Card",
+                                std::string(63, 'f')});
     ExpectNumber(DC_MINEXTENT, 500 | 500 << 16);
     ExpectNumber(DC_MAXEXTENT, 3300 | 13000 << 16);
     for (auto [cKey, cValue] : {std::pair{"model.max_custom_width", "0"},

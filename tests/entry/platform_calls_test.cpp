@@ -1,6 +1,8 @@
 /* What each question costs: asking the spooler and the disk is what a capability call pays for, so the
    numbers below may fall but not grow. */
 #include <map>
+#include <set>
+#include <sstream>
 
 #include "entry/exports.h"
 #include "support/sample_machine.h"

@@ -1,11 +1,15 @@
 /* Lays the sections of a description file one behind the other. */
 #include "support/description_builder.h"
 
+#include <algorithm>
+
 namespace {
 
 void Append(Bytes* pFile, const Bytes& bytes)
 {
-    pFile->insert(pFile->end(), bytes.begin(), bytes.end());
+    size_t nAt = pFile->size();
+    pFile->resize(nAt + bytes.size());
+    std::copy(bytes.begin(), bytes.end(), pFile->begin() + static_cast<std::ptrdiff_t>(nAt));
 }
 
 /* An offset table of the given width over pieces that lie one behind the other; the end as a last row. */

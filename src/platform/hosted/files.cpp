@@ -428,6 +428,9 @@ BOOL WINAPI ReadFile(HANDLE hFile, LPVOID pBytes, DWORD cbWanted, LPDWORD pcbRea
         *pcbRead += static_cast<DWORD>(cb);
         pFile->lPosition += cb;
     }
+    if (Lies(CALL_ReadFile, LIE_HUGE)) {
+        *pcbRead = 0xFFFFFFF0;
+    }
     return 1;
 }
 
@@ -506,6 +509,26 @@ BOOL WINAPI SetFileAttributesW(LPCWSTR tcPath, DWORD dwAttributes)
     /* On a folder the attribute forbids nothing. */
     mode_t nMode = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0644;
     return S_ISDIR(there.st_mode) || chmod(host.c_str(), nMode) == 0 ? 1 : Refuse(HostPathError(host, errno));
+}
+
+BOOL WINAPI DeleteFileW(LPCWSTR tcPath)
+{
+    FAILS(DeleteFileW);
+    std::string host;
+    struct stat there = {};
+    if (!LookUp(tcPath, &host, &there)) {
+        return 0;
+    }
+    if (!S_ISREG(there.st_mode) || !(there.st_mode & S_IWUSR)) {
+        return Refuse(ERROR_ACCESS_DENIED);
+    }
+    for (const OpenFile& other : files().open) {
+        if (other.nDescriptor >= 0 && other.ulNode == there.st_ino && other.ulDevice == there.st_dev &&
+            !(other.dwShare & FILE_SHARE_DELETE)) {
+            return Refuse(ERROR_SHARING_VIOLATION);
+        }
+    }
+    return unlink(host.c_str()) == 0 ? 1 : Refuse(HostPathError(host, errno));
 }
 
 BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)

@@ -48,11 +48,14 @@ struct PrinterSetup {
     WideText tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
     std::vector<WideText> atcDependentFiles;
     WideText wcComment, wcLocation;
+    Bytes devmode; /* the stored default record; empty: none */
 };
 void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
 void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType,
                      const Bytes& bytes);
 void SetPrinterText(std::u16string_view wcPrinter, std::u16string_view wcValue, std::u16string_view wcText);
+void SetPrinterRecord(std::u16string_view wcPrinter,
+                      const Bytes& devmode); /* its stored default; empty: none */
 void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue);
 bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType,
                      Bytes* pBytes);

@@ -92,6 +92,26 @@ class Layout {
         return PutRaw(wcAll.data(), wcAll.size());
     }
 
+    /* A stored record, aligned as a structure. Half of it, at the very end of the buffer, with LIE_SHORT. */
+    LPDEVMODEW PutRecord(const Bytes& record)
+    {
+        if (Lies(call, LIE_NULL_MEMBERS) || record.empty()) {
+            return nullptr;
+        }
+        size_t cbAt = (cbUsed + 7) & ~static_cast<size_t>(7);
+        cbUsed = cbAt + record.size();
+        if (cbUsed > cbBuffer) {
+            return nullptr;
+        }
+        size_t cbPut = record.size();
+        if (Lies(call, LIE_SHORT)) {
+            cbPut /= 2;
+            cbAt = cbBuffer - cbPut;
+        }
+        std::memcpy(pBuffer + cbAt, record.data(), cbPut);
+        return reinterpret_cast<LPDEVMODEW>(pBuffer + cbAt);
+    }
+
     bool Fits() const { return cbUsed <= cbBuffer; }
     DWORD Needed() const { return Lies(call, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(cbUsed); }
 
@@ -145,6 +165,11 @@ void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue,
 void SetPrinterText(std::u16string_view wcPrinter, std::u16string_view wcValue, std::u16string_view wcText)
 {
     SetPrinterValue(wcPrinter, wcValue, REG_SZ, TextBytes(wcText));
+}
+
+void SetPrinterRecord(std::u16string_view wcPrinter, const Bytes& devmode)
+{
+    spooler().printers[LowerText(wcPrinter)].setup.devmode = devmode;
 }
 
 void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue)
@@ -241,6 +266,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut
     info.pLocation = layout.Put(pPrinter->setup.wcLocation);
     info.pPrintProcessor = layout.Put(u"winprint");
     info.pDatatype = layout.Put(u"RAW");
+    info.pDevMode = layout.PutRecord(pPrinter->setup.devmode);
     *pcbNeeded = layout.Needed();
     if (!layout.Fits() || Lies(CALL_GetPrinterW, LIE_HUGE)) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
@@ -350,12 +376,12 @@ BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
         rows.push_back(row);
     }
     *pcbNeeded = layout.Needed();
-    if (!layout.Fits() || Lies(CALL_EnumFormsW, LIE_HUGE)) {
+    if (!layout.Fits()) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
     if (!rows.empty()) {
         std::memcpy(pOut, rows.data(), rows.size() * sizeof(FORM_INFO_1W));
     }
-    *pnForms = static_cast<DWORD>(rows.size());
+    *pnForms = Lies(CALL_EnumFormsW, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(rows.size());
     return 1;
 }

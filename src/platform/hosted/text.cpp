@@ -199,6 +199,27 @@ DWORD WINAPI CharUpperBuffW(LPWSTR wcText, DWORD cchText)
     return cchText;
 }
 
+int WINAPI lstrcmpW(LPCWSTR wcOne, LPCWSTR wcOther)
+{
+    FAILS(lstrcmpW);
+    if (!wcOne || !wcOther) {
+        return (wcOne != nullptr) - (wcOther != nullptr);
+    }
+    /* By letters first, small before capital where only case differs. The locale's finer rules, and the
+       characters that it does not see at all, are not kept here. */
+    int nCase = 0;
+    for (; *wcOne && *wcOther; wcOne++, wcOther++) {
+        WCHAR wcUpper = UpperChar(*wcOne), wcOtherUpper = UpperChar(*wcOther);
+        if (wcUpper != wcOtherUpper) {
+            return wcUpper < wcOtherUpper ? -1 : 1;
+        }
+        if (!nCase && *wcOne != *wcOther) {
+            nCase = *wcOne == wcUpper ? 1 : -1;
+        }
+    }
+    return *wcOne ? 1 : *wcOther ? -1 : nCase;
+}
+
 WideText LowerText(std::u16string_view wcText)
 {
     WideText wcLower(wcText);

@@ -1,0 +1,104 @@
+/* System calls, one behind the other. */
+#include "bench/floors.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/process.h"
+#include "platform/profile.h"
+#include "platform/text.h"
+
+namespace {
+
+constexpr u32 HEADER_BYTES = 64, LIST_BYTES = 4096;
+
+void Require(bool bDone)
+{
+    if (!bDone) {
+        std::abort();
+    }
+}
+
+void ReadSpan(HANDLE hFile, FileSpan span, void* pOut)
+{
+    LARGE_INTEGER offset;
+    DWORD cbRead = 0;
+    offset.QuadPart = span.ulOffset;
+    Require(SetFilePointerEx(hFile, offset, nullptr, FILE_BEGIN));
+    Require(ReadFile(hFile, pOut, span.cb, &cbRead, nullptr) && cbRead == span.cb);
+}
+
+void* TakeBlock(u32 cb)
+{
+    void* pBlock = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, cb);
+    Require(pBlock != nullptr);
+    return pBlock;
+}
+
+void GiveBlock(void* pBlock)
+{
+    HeapFree(GetProcessHeap(), 0, pBlock);
+}
+
+void AskValue(HANDLE hPrinter, const WCHAR* wcValue)
+{
+    WCHAR wcText[260];
+    DWORD dwType, cb;
+    GetPrinterDataW(hPrinter, const_cast<LPWSTR>(wcValue), &dwType, reinterpret_cast<BYTE*>(wcText),
+                    sizeof wcText, &cb);
+}
+
+} // namespace
+
+void FloorOfModelLoad(const WCHAR* tcPath, FileSpan body)
+{
+    u8 abHeader[HEADER_BYTES];
+    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    Require(hFile != INVALID_HANDLE_VALUE);
+    DWORD cbRead = 0;
+    Require(ReadFile(hFile, abHeader, HEADER_BYTES, &cbRead, nullptr) && cbRead == HEADER_BYTES);
+    void* pBody = TakeBlock(body.cb);
+    ReadSpan(hFile, body, pBody);
+    GiveBlock(pBody);
+    CloseHandle(hFile);
+}
+
+void FloorOfNames(HANDLE hFile, const NameSections& sections)
+{
+    u8 abHeader[HEADER_BYTES], abRows[LIST_BYTES], abTexts[LIST_BYTES];
+    u16 usBase;
+    Require(sections.rows.cb <= LIST_BYTES && sections.texts.cb <= LIST_BYTES);
+    ReadSpan(hFile, {0, HEADER_BYTES}, abHeader);
+    ReadSpan(hFile, sections.base, &usBase);
+    ReadSpan(hFile, sections.rows, abRows);
+    ReadSpan(hFile, sections.texts, abTexts);
+}
+
+void FloorOfConversion(const char* cTexts, u32 nNames)
+{
+    WCHAR wcText[64];
+    for (u32 i = 0; i < nNames; i++) {
+        size_t cb = std::strlen(cTexts);
+        Require(MultiByteToWideChar(CP_ACP, 0, cTexts, static_cast<int>(cb), wcText, 63) ==
+                static_cast<int>(cb));
+        cTexts += cb + 1;
+    }
+}
+
+void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom)
+{
+    constexpr u32 DRIVER_BYTES = 4096, FORM_BYTES = 16384;
+    DWORD cb, nRows;
+    AskValue(hPrinter, TEXT("XPI"));
+    BYTE* pDriver = static_cast<BYTE*>(TakeBlock(DRIVER_BYTES));
+    Require(GetPrinterDriverW(hPrinter, nullptr, 3, pDriver, DRIVER_BYTES, &cb));
+    if (bCustom) {
+        AskValue(hPrinter, TEXT("Settings"));
+        GetPrivateProfileIntW(TEXT("CustomSizes"), TEXT("NumCustomSizes"), -1, tcIni);
+        GetProfileIntW(TEXT("intl"), TEXT("iMeasure"), 1);
+        BYTE* pForms = static_cast<BYTE*>(TakeBlock(FORM_BYTES));
+        Require(EnumFormsW(hPrinter, 1, pForms, FORM_BYTES, &cb, &nRows));
+        GiveBlock(pForms);
+    }
+    GiveBlock(pDriver);
+}

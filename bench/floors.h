@@ -1,0 +1,31 @@
+/* The floors of the ratios: the bare system calls that a piece of work cannot do without, one behind the other,
+   with nothing of the library around them. Each ends the program when a call does not do its part, since a floor
+   that does less would be too low. */
+#ifndef TQUI_BENCH_FLOORS_H
+#define TQUI_BENCH_FLOORS_H
+
+#include "platform/files.h"
+#include "platform/spooler.h"
+
+struct FileSpan {
+    u32 ulOffset, cb;
+};
+
+/* Opens a description, reads 64 bytes and then the body into a zeroed block, closes. */
+void FloorOfModelLoad(const WCHAR* tcPath, FileSpan body);
+
+/* Reads header, base row, offset rows and texts of a list from an open description: at most 4096 bytes of rows
+   and of texts. */
+struct NameSections {
+    FileSpan base, rows, texts;
+};
+void FloorOfNames(HANDLE hFile, const NameSections& sections);
+
+/* Converts nNames texts that lie one behind the other, each ended by a NUL. */
+void FloorOfConversion(const char* cTexts, u32 nNames);
+
+/* What the question for the papers asks of the spooler, the settings file and the locale. bCustom:
+   the model allows custom papers, so that the saved ones and the spooler's forms are asked for as well. */
+void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom);
+
+#endif

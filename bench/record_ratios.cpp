@@ -1,0 +1,156 @@
+/* What the two checks of a record cost, as ratios to floors measured in the same run: the rules alone against
+   one pass of two-sided comparisons, the whole calls against the loading of the model. Exit code 1 when a
+   ratio is over its figure. */
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "description/driver_files.h"
+#include "settings/check_core.h"
+#include "settings/defaults.h"
+#include "tools/tq/sample_printer.h"
+
+namespace {
+
+constexpr double RULES_FIGURE = 6.0;  /* times one pass of comparisons */
+constexpr double CALLS_FIGURE = 1.75; /* times one load of the model */
+constexpr int COMPARISONS = 300;
+constexpr const char* acSections[] = {"T410A", "QP5", "K100", "IX300", "T440B"};
+
+/* Nothing of what is measured may be left out by the compiler. */
+template <class T> void Use(T& value)
+{
+    asm volatile("" : : "g"(&value) : "memory");
+}
+
+/* Nanoseconds of one call: the best of many rounds, which are taken in turns with those of its rival. */
+struct Watch {
+    double best = 1e18;
+
+    template <class Body> void Round(int nTimes, Body body)
+    {
+        auto begun = std::chrono::steady_clock::now();
+        for (int i = 0; i < nTimes; i++) {
+            body();
+        }
+        std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - begun;
+        best = std::min(best, took.count() / nTimes);
+    }
+};
+
+/* A range for every so many bytes of the record. */
+struct Comparison {
+    u16 usAt;
+    i32 lLow, lHigh;
+};
+
+int CountWithin(const DriverDevmode& record, const Comparison* aRanges)
+{
+    int nWithin = 0;
+    for (int i = 0; i < COMPARISONS; i++) {
+        i32 lValue;
+        std::memcpy(&lValue, reinterpret_cast<const u8*>(&record) + aRanges[i].usAt, sizeof lValue);
+        if (lValue >= aRanges[i].lLow && lValue <= aRanges[i].lHigh) {
+            nWithin++;
+        }
+    }
+    return nWithin;
+}
+
+int Report(const char* cSection, const char* cWhat, double nanoseconds, double floor, double figure)
+{
+    double ratio = nanoseconds / floor;
+    std::printf("%-6s %-38s %9.0f ns  %5.2f times (at most %.2f)%s\n", cSection, cWhat, nanoseconds, ratio,
+                figure, ratio > figure ? "  OVER" : "");
+    return ratio > figure;
+}
+
+void Require(bool bTrue, const char* cSection, const char* cWhat)
+{
+    if (!bTrue) {
+        std::printf("%s: %s\n", cSection, cWhat);
+        std::exit(1);
+    }
+}
+
+int Measure(const char* cSection, const std::vector<InfModel>& models)
+{
+    PrinterSetup setup = InstallSample(FindInfModel(models, cSection), TQUI_SAMPLES);
+    OpenSample printer(setup.wcName);
+    PrinterCall call(printer.hPrinter);
+    OwnedModel pOwned = LoadPrinterModel(call);
+    const XpiModel* pModel = pOwned.get();
+    DriverDevmode record;
+    WideText wcName = setup.wcName;
+    BuildDefaultRecord(call, wcName.data(), &record, 0);
+    Require(ValidatePublicPart(call, &record, pModel) && ValidatePrivatePart(call, &record.rPrivate, pModel),
+            cSection, "the default record is refused");
+
+    PublicLimits publicLimits;
+    PrivateLimits privateLimits = {};
+    CollectPublicLimits(pModel, &publicLimits);
+    CollectModelLimits(pModel, &privateLimits);
+    privateLimits.lColorDataSize = static_cast<i32>(ReadXpiColorData(*OpenXpiFile(call), nullptr));
+    FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), privateLimits.tcXpiPath);
+
+    Comparison aRanges[COMPARISONS];
+    for (int i = 0; i < COMPARISONS; i++) {
+        aRanges[i] = {static_cast<u16>(i * static_cast<int>(sizeof record - 4) / COMPARISONS), -50,
+                      0x7FFFFFF0};
+    }
+    Watch rules, comparisons, load, bothChecks, eachByItself;
+    int nRepairs = 0;
+    for (int nRound = 0; nRound < 60; nRound++) {
+        comparisons.Round(2000, [&] {
+            Use(record);
+            int nWithin = CountWithin(record, aRanges);
+            Use(nWithin);
+        });
+        rules.Round(2000, [&] {
+            Use(record);
+            CheckState publicState = {0, {nullptr, nullptr}}, privateState = publicState;
+            CheckPublicFields(&record, pModel, publicLimits, &publicState);
+            CheckPrivateFields(&record.rPrivate, pModel, privateLimits, &privateState);
+            nRepairs += publicState.nRepairs + privateState.nRepairs;
+        });
+        load.Round(50, [&] {
+            PrinterCall fresh(printer.hPrinter);
+            OwnedModel pFresh = LoadPrinterModel(fresh);
+            Use(pFresh);
+        });
+        bothChecks.Round(50, [&] {
+            PrinterCall fresh(printer.hPrinter);
+            OwnedModel pFresh = LoadPrinterModel(fresh);
+            Use(record);
+            ValidatePublicPart(fresh, &record, pFresh.get());
+            ValidatePrivatePart(fresh, &record.rPrivate, pFresh.get());
+        });
+        eachByItself.Round(50, [&] {
+            PrinterCall fresh(printer.hPrinter);
+            Use(record);
+            ValidatePublicPart(fresh, &record, nullptr);
+            ValidatePrivatePart(fresh, &record.rPrivate, nullptr);
+        });
+    }
+    Require(nRepairs == 0, cSection, "the record needs repairs at each check: there is nothing to compare");
+    return Report(cSection, "rules of both checks", rules.best, comparisons.best, RULES_FIGURE) |
+           Report(cSection, "load and both checks", bothChecks.best, load.best, CALLS_FIGURE) |
+           Report(cSection, "both checks, each loading the model", eachByItself.best, load.best,
+                  CALLS_FIGURE);
+}
+
+} // namespace
+
+int main()
+{
+    std::vector<InfModel> models = ReadInf(TQUI_SAMPLES "/tqui.inf");
+    int nOver = 0;
+    for (const char* cSection : acSections) {
+        StartMachine();
+        nOver |= Measure(cSection, models);
+        StopMachine();
+    }
+    return nOver;
+}

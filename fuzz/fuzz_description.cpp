@@ -1,0 +1,85 @@
+/* The bytes are a description file. Its model is loaded, every reader is run on it and all capability
+   questions are asked: nothing may be read or written outside the buffers, no list may have another length when
+   it is filled than when it was counted, nothing may stay held.
+
+   Seeds are the first 8192 bytes of the samples; made anew with
+     cd build/hosted/samples && for f in ?*.XPI; do head -c 8192 $f >../../../fuzz/corpus/description/$f; done */
+#include <cstdio>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "support/every_reader.h"
+#include "support/sweep.h"
+#include "tools/tq/sample_printer.h"
+
+namespace {
+
+constexpr size_t LARGEST_FILE = 1 << 20;
+
+HANDLE hPrinter;
+int nDescriptor;
+
+void Require(const std::string& fault, const char* cAsked)
+{
+    if (!fault.empty()) {
+        std::fprintf(stderr, "%s: %s\n", cAsked, fault.c_str());
+        std::abort();
+    }
+}
+
+/* One machine for all runs; only the description's bytes change. A small language library: it is read anew by
+   every question that wants it. */
+void Begin()
+{
+    StartMachine();
+    PrinterSetup setup = InstallDescription(u"Test", {}, "");
+    setup.atcDependentFiles.push_back(wcDriverFolder + WideText(u"TXT.DLL"));
+    PutFile(setup.atcDependentFiles.back(),
+            ReadDiskFile(TQUI_SOURCE_DIR "/fuzz/corpus/pe_resources/tiny.dll"));
+    AddPrinter(setup);
+    AddMachineForm(u"Form", FORM_USER, 215905, 310000);
+    SetPrinterValue(setup.wcName, u"Memory", REG_DWORD, {98, 0, 0, 0});
+    SetPrinterText(setup.wcName, u"DefaultSpoolDirectory", u"D:\\Spool");
+    if (!OpenPrinterW(setup.wcName.data(), &hPrinter, nullptr)) {
+        std::abort();
+    }
+    nDescriptor = open(HostPath(wcDriverFolder + WideText(u"MODEL.XPI")).c_str(), O_WRONLY | O_CLOEXEC);
+    if (nDescriptor < 0) {
+        std::abort();
+    }
+}
+
+void Put(const u8* pBytes, size_t cb)
+{
+    if (ftruncate(nDescriptor, 0) || pwrite(nDescriptor, pBytes, cb, 0) != static_cast<ssize_t>(cb)) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    Begin();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
+{
+    if (cb > LARGEST_FILE) {
+        return -1;
+    }
+    Put(pBytes, cb);
+    Require(HoldsNothing([] { return ReadEverything(hPrinter); }), "readers");
+    for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
+        std::string fault = HoldsNothing([&] {
+            GuardedAnswer answer = AskGuarded(ByHandle(hPrinter, u"Test", wQuestion), wQuestion);
+            return answer.fault +
+                   (answer.dwCounted == answer.dwFilled ? "" : "counted and filled differently; ");
+        });
+        Require(fault, QuestionName(wQuestion));
+    }
+    return 0;
+}

@@ -1,0 +1,105 @@
+/* Any bytes as a settings record: the first picks a sample's model, the rest lie over the record. A record
+   that is accepted is accepted again, and has what its readers rely on. */
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include "description/driver_files.h"
+#include "settings/check_core.h"
+#include "tools/tq/sample_printer.h"
+#include "xpi_format.h"
+
+namespace {
+
+constexpr const char* acStems[] = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
+constexpr size_t SAMPLES = std::size(acStems);
+
+void Require(bool bTrue)
+{
+    if (!bTrue) {
+        std::abort();
+    }
+}
+
+struct Sample {
+    std::optional<OpenSample> printer;
+    std::optional<PrinterCall> call;
+    OwnedModel pModel;
+};
+Sample aOfStem[SAMPLES];
+
+void StartSamples()
+{
+    StartMachine();
+    for (size_t i = 0; i < SAMPLES; i++) {
+        std::string path = std::string(TQUI_SOURCE_DIR "/package/models/") + acStems[i] + ".toml";
+        Bytes text = ReadDiskFile(path);
+        XpiCompiled compiled = CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path);
+        Require(!compiled.bytes.empty());
+        PrinterSetup setup;
+        setup.wcName = setup.wcDriverName = WideText(1, static_cast<WCHAR>(u'A' + i));
+        setup.tcDriverPath = u"C:\\FUZZ\\DRIVER.DLL";
+        setup.atcDependentFiles = {u"C:\\FUZZ\\" + setup.wcName + u".XPI"};
+        PutFile(setup.atcDependentFiles[0], compiled.bytes);
+        AddPrinter(setup);
+        Sample& sample = aOfStem[i];
+        sample.printer.emplace(setup.wcName);
+        sample.call.emplace(sample.printer->hPrinter);
+        sample.pModel = LoadPrinterModel(*sample.call);
+        Require(sample.pModel != nullptr);
+    }
+}
+
+bool IsSettled(const DriverDevmode& record)
+{
+    const PrivateDevmode part = record.rPrivate;
+    return record.dmSize == 220 && record.dmDriverExtra == 3868 && part.ulVersion == 0xCACA0001 &&
+           part.sOverlayDirOffset == 332 && part.sGenColorCmdOffset == 660 && part.tcXPIName[159] == 0 &&
+           part.tcOverlayDir[159] == 0 && part.cStartJobPJL[639] == 0 && part.cEndJobPJL[255] == 0 &&
+           part.cCollatePJL[11] == 0 && part.cJobComment[127] == 0 && part.sContrast >= -50 &&
+           part.sContrast <= 50 && part.lPagesPerSheet >= 1 && part.lPagesPerSheet <= 25 &&
+           part.sMargins == 0 && part.bStyleCount == 0 && part.bBlockCount == 0 &&
+           static_cast<u16>(part.sColorCorrection) <= 3;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
+{
+    static bool bStarted = false;
+    if (!bStarted) {
+        StartSamples();
+        bStarted = true;
+    }
+    if (cb < 1) {
+        return 0;
+    }
+    Sample& sample = aOfStem[pBytes[0] % SAMPLES];
+    DriverDevmode record = recordTemplate;
+    std::memcpy(&record, pBytes + 1, cb - 1 < sizeof record ? cb - 1 : sizeof record);
+    if (pBytes[0] & 0x80) { /* past the identity, which random bytes hardly ever are */
+        PrivateDevmode& part = record.rPrivate;
+        part.ulVersion = RECORD_STAMP;
+        part.sOverlayDirOffset = OVERLAY_DIR_OFFSET;
+        part.sGenColorCmdOffset = COLOR_COMMAND_OFFSET;
+        part.sExceptionInfoOffset = EXCEPTION_OFFSET;
+        part.OEMData = {1, OEM_OFFSET, OEM_SIZE};
+        part.tcOverlayDir[159] = 0;
+        WCHAR tcPath[PATH_CHARS] = {};
+        Require(FindDriverFile(*sample.call, TEXT("XPI"), TEXT(".XPI"), tcPath));
+        std::memcpy(part.tcXPIName, tcPath, sizeof part.tcXPIName);
+        part.tcXPIName[159] = 0;
+    }
+    for (int nTime = 0; nTime < 2; nTime++) {
+        const XpiModel* pModel = nTime ? nullptr : sample.pModel.get();
+        PrinterCall fresh(sample.printer->hPrinter);
+        PrinterCall& call = nTime ? fresh : *sample.call;
+        int nPublic = ValidatePublicPart(call, &record, pModel);
+        int nPrivate = ValidatePrivatePart(call, &record.rPrivate, pModel);
+        if (!nPublic || !nPrivate) {
+            break;
+        }
+        Require(IsSettled(record));
+    }
+    return 0;
+}

@@ -1,0 +1,120 @@
+/* The bytes are a settings file, the last one says how it is asked: into a record of kind 0 to 4 and into each
+   list. Nothing may be written outside the record's fields and the arrays, and reading the same file into its
+   own result again (bit 7) changes nothing more. */
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/hosted/machine.h"
+#include "settingsfile/custom_sizes.h"
+#include "settingsfile/font_substitutions.h"
+#include "settingsfile/settings_reader.h"
+#include "settingsfile/watermark_rows.h"
+
+namespace {
+
+constexpr char16_t FUZZ_FILE[] = u"C:\\fuzz\\s.ini";
+
+void Require(bool bTrue)
+{
+    if (!bTrue) {
+        std::abort();
+    }
+}
+
+bool HasEnd(const WCHAR* wcField, size_t nChars)
+{
+    for (size_t i = 0; i < nChars; i++) {
+        if (!wcField[i]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain)
+{
+    /* A block of its own, one byte off, so that the sanitizers see the record's ends and its addresses. */
+    std::vector<u8> block(1 + sizeof(DriverDevmode), bFill);
+    auto* pRecord = reinterpret_cast<DriverDevmode*>(block.data() + 1);
+    std::memset(pRecord->rPrivate.tcXPIName, 0, sizeof pRecord->rPrivate.tcXPIName);
+    pRecord->rPrivate.tcXPIName[0] = 'Q';
+    const std::vector<u8> before = block;
+    if (!ReadPrinterSettings(FUZZ_FILE, pRecord, bReadOnly, usKind)) {
+        Require(block == before);
+        return;
+    }
+    const u8* pBytes = block.data() + 1;
+    auto Same = [&](size_t nFrom, size_t nEnd) {
+        Require(std::memcmp(pBytes + nFrom, before.data() + 1 + nFrom, nEnd - nFrom) == 0);
+    };
+    Same(0, 76);
+    Same(684, 1720);
+    Same(1970, 2692);
+    Same(3716, 3718);
+    Same(3730, 3768);
+    Same(3770, 4088);
+    if (bReadOnly) { /* margins */
+        Same(682, 684);
+        Same(1790, 1798);
+    }
+    /* The region holds what its counts say. */
+    if (usKind >= 3) {
+        size_t nAt = 2982;
+        for (u8 n = pRecord->rPrivate.bStyleCount; n; n--) {
+            Require(nAt + 4 <= 3716);
+            nAt += static_cast<size_t>(pBytes[nAt] | pBytes[nAt + 1] << 8);
+        }
+        for (u8 n = pRecord->rPrivate.bBlockCount; n; n--) {
+            Require(nAt + 2 <= 3716);
+            nAt += 2u + 2u * pBytes[nAt + 1];
+        }
+        Require(nAt <= 3716);
+    }
+    const std::vector<u8> once = block;
+    Require(!bAgain || (ReadPrinterSettings(FUZZ_FILE, pRecord, bReadOnly, usKind) && block == once));
+}
+
+void ReadLists()
+{
+    OwnedBlock<WatermarkEntry> pMarks;
+    i32 nMarks = ReadWatermarks(FUZZ_FILE, &pMarks);
+    Require(pMarks && nMarks >= 0 && nMarks <= WATERMARK_LIMIT && pMarks.get()[nMarks].WMType == ENTRY_FREE);
+    for (i32 i = 0; i < nMarks; i++) {
+        const WatermarkEntry& row = pMarks.get()[i];
+        Require(row.WMString[0] && HasEnd(row.WMString, 64) && HasEnd(row.WMFileName, 260) &&
+                HasEnd(row.WMColorFile, 260));
+        Require(row.WMType == ENTRY_IMAGE ? HasEnd(row.WMImageName, 260) : HasEnd(row.WMFace, 32));
+        Require(!row.bWMStale &&
+                (row.WMFileName[0] || row.WMColorFile[0] ? row.WMResolution && row.WMWidth && row.WMHeight
+                                                         : !row.WMResolution && !row.WMWidth));
+    }
+    OwnedBlock<PaperSizeRow> pPapers;
+    i32 nPapers = ReadCustomSizes(FUZZ_FILE, nullptr, &pPapers);
+    Require(pPapers && nPapers >= 0 && nPapers <= LIST_LIMIT);
+    for (i32 i = 0; i < nPapers; i++) {
+        Require(pPapers.get()[i].wcName[0] && HasEnd(pPapers.get()[i].wcName, 64));
+    }
+    OwnedBlock<WCHAR> pFonts;
+    u16 cbFonts = ReadFontSubstitutions(FUZZ_FILE, &pFonts);
+    Require(!pFonts == (cbFonts == NO_FONT_SUBSTITUTIONS));
+    Require(!pFonts || (!pFonts.get()[cbFonts] && !pFonts.get()[cbFonts + 1]));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
+{
+    static bool bStarted = false;
+    if (!bStarted) {
+        StartMachine();
+        bStarted = true;
+    }
+    u8 bHow = cb ? pBytes[cb - 1] : 0;
+    LiveCounts before = CountLive();
+    SetCodePage(bHow & 1 ? 1252 : 932);
+    PutFile(FUZZ_FILE, Bytes(pBytes, pBytes + cb));
+    ReadRecord(static_cast<u16>((bHow >> 3 & 15) % 5), bHow & 2 ? 0xA5 : 0, bHow & 4, bHow & 128);
+    ReadLists();
+    Require(CountLive() == before);
+    return 0;
+}

@@ -1,0 +1,162 @@
+/* Reads the section of the watermarks. */
+#include "settingsfile/watermark_rows.h"
+
+#include <cstring>
+
+#include "base/format.h"
+#include "settingsfile/profile_values.h"
+
+namespace {
+
+const WCHAR* const wcSection = TEXT("Watermarks");
+
+constexpr i32 FIRST_ROWS = 16; /* room of the first array */
+constexpr u16 MISSING_WORD = 0xFFFF;
+constexpr u32 MISSING_LONG = 0xFFFFFFFF;
+
+struct RowSource {
+    const WCHAR* tcPath;
+    i32 nIndex;
+};
+
+const WCHAR* KeyOf(const RowSource& source, const WCHAR* wcStem, WCHAR* wcKey)
+{
+    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, source.nIndex);
+    return wcKey;
+}
+
+u32 ReadInt(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
+{
+    WCHAR wcKey[TEXT_CHARS];
+    return static_cast<u32>(ReadProfileInt(wcSection, KeyOf(source, wcStem, wcKey), lDefault, source.tcPath));
+}
+
+u16 ReadWord(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
+{
+    return static_cast<u16>(ReadInt(source, wcStem, lDefault));
+}
+
+i32 ReadLong(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
+{
+    WCHAR wcKey[TEXT_CHARS];
+    return ReadProfileLong(wcSection, KeyOf(source, wcStem, wcKey), lDefault, source.tcPath);
+}
+
+/* Reads a text into a field of zeros. What lies behind its end is zero again. Result: 1 when it is not empty. */
+template <int cch> int ReadText(const RowSource& source, const WCHAR* wcStem, WCHAR (&wcField)[cch])
+{
+    WCHAR wcKey[TEXT_CHARS];
+    ReadProfileText(wcSection, KeyOf(source, wcStem, wcKey), TEXT(""), wcField, cch, source.tcPath);
+    int nChars = WideLength(wcField);
+    std::memset(wcField + nChars, 0, static_cast<size_t>(cch - nChars) * sizeof(WCHAR));
+    return nChars > 0;
+}
+
+/* The fields of a text watermark. Result: 1 when none of those that must be there is missing. */
+int ReadTextFields(const RowSource& source, WatermarkEntry* pRow)
+{
+    int bFace = ReadText(source, TEXT("WMFace"), pRow->WMFace);
+    pRow->WMAngle = ReadWord(source, TEXT("WMAngle"), -1);
+    pRow->WMRTL = ReadInt(source, TEXT("WMRTL"), 0);
+    pRow->WMCharSet = static_cast<u8>(ReadInt(source, TEXT("WMCharSet"), -1));
+    pRow->WMBold = ReadInt(source, TEXT("WMBold"), -1);
+    pRow->WMItalic = ReadInt(source, TEXT("WMItalic"), -1);
+    u16 usSize = ReadWord(source, TEXT("WMSize"), -1);
+    pRow->WMSize = static_cast<i16>(usSize);
+    WCHAR wcKey[TEXT_CHARS];
+    pRow->WMColor =
+        ReadProfileHex(wcSection, KeyOf(source, TEXT("WMColor"), wcKey), MISSING_LONG, source.tcPath);
+    pRow->WMOutline = ReadInt(source, TEXT("WMOutline"), -1);
+    return bFace && pRow->WMAngle != MISSING_WORD && usSize != MISSING_WORD && pRow->WMBold != MISSING_LONG &&
+           pRow->WMItalic != MISSING_LONG && pRow->WMColor != MISSING_LONG && pRow->WMOutline != MISSING_LONG;
+}
+
+void ReadBuiltFiles(const RowSource& source, WatermarkEntry* pRow)
+{
+    int bFile = ReadText(source, TEXT("WMFileName"), pRow->WMFileName);
+    int bColorFile = ReadText(source, TEXT("WMColorFile"), pRow->WMColorFile);
+    if (!bFile && !bColorFile) {
+        return;
+    }
+    pRow->WMResolution = ReadWord(source, TEXT("WMResolution"), 0);
+    pRow->WMWidth = ReadInt(source, TEXT("WMWidth"), 0);
+    pRow->WMHeight = ReadInt(source, TEXT("WMHeight"), 0);
+    if (!pRow->WMResolution || !pRow->WMWidth || !pRow->WMHeight) {
+        std::memset(pRow->WMFileName, 0, sizeof pRow->WMFileName);
+        std::memset(pRow->WMColorFile, 0, sizeof pRow->WMColorFile);
+        pRow->WMResolution = 0;
+        pRow->WMWidth = pRow->WMHeight = 0;
+    }
+}
+
+/* Fills a row of zeros. Result: 1 when it is whole. */
+int ReadRow(const RowSource& source, WatermarkEntry* pRow)
+{
+    if (!ReadText(source, TEXT("WMString"), pRow->WMString)) {
+        return 0;
+    }
+    pRow->WMType = static_cast<u32>(ReadLong(source, TEXT("WMType"), ENTRY_TEXT));
+    if (pRow->WMType == ENTRY_TEXT && !ReadTextFields(source, pRow)) {
+        return 0;
+    }
+    if (pRow->WMType == ENTRY_IMAGE) {
+        if (!ReadText(source, TEXT("WMImageName"), pRow->WMImageName)) {
+            return 0;
+        }
+        pRow->WMScaleX = ReadInt(source, TEXT("WMScaleX"), 100);
+        pRow->WMScaleY = ReadInt(source, TEXT("WMScaleY"), 100);
+    }
+    pRow->WMTransparency = ReadWord(source, TEXT("WMTransparency"), 50);
+    pRow->WMPlacement = ReadWord(source, TEXT("WMPlacement"), 0);
+    pRow->WMPositionX = ReadLong(source, TEXT("WMPositionX"), 0);
+    pRow->WMPositionY = ReadLong(source, TEXT("WMPositionY"), 0);
+    ReadBuiltFiles(source, pRow);
+    return 1;
+}
+
+/* Moves the rows to a larger array. Result: 1, or 0 with the old array as it was. */
+int GrowRows(OwnedBlock<WatermarkEntry>* pRows, i32 nOld, i32 nNew)
+{
+    OwnedBlock<WatermarkEntry> pNew(
+        static_cast<WatermarkEntry*>(AllocateRows(static_cast<u64>(nNew), sizeof(WatermarkEntry))));
+    if (!pNew) {
+        return 0;
+    }
+    if (nOld) {
+        std::memcpy(pNew.get(), pRows->get(), static_cast<size_t>(nOld) * sizeof(WatermarkEntry));
+    }
+    *pRows = std::move(pNew);
+    return 1;
+}
+
+} // namespace
+
+i32 ReadWatermarks(const WCHAR* tcPath, OwnedBlock<WatermarkEntry>* outRows)
+{
+    outRows->reset();
+    i32 nRows = ReadProfileInt(wcSection, TEXT("NumWatermarks"), -1, tcPath);
+    if (nRows < 0) {
+        nRows = 0;
+    } else if (nRows > WATERMARK_LIMIT) {
+        nRows = WATERMARK_LIMIT;
+    }
+    /* A count in a file is cheap: the array grows as rows are found, always with the spare row's room. */
+    i32 nRoom = 0;
+    i32 nKept = 0;
+    for (;; nKept++) {
+        if (nKept == nRoom) {
+            i32 nNew = nRoom ? nRoom * 2 : FIRST_ROWS;
+            nNew = nNew <= nRows ? nNew : nRows + 1;
+            if (!GrowRows(outRows, nRoom, nNew)) {
+                outRows->reset();
+                return 0;
+            }
+            nRoom = nNew;
+        }
+        WatermarkEntry* pRow = outRows->get() + nKept;
+        if (nKept == nRows || !ReadRow({tcPath, nKept}, pRow)) {
+            ResetWatermarkEntry(pRow);
+            return nKept;
+        }
+    }
+}

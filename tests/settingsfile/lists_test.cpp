@@ -1,0 +1,295 @@
+/* The lists of settings files: watermarks and font substitutions. */
+#include <cstring>
+
+#include "platform/hosted/standin.h"
+#include "settingsfile/font_substitutions.h"
+#include "settingsfile/same_bytes.h"
+#include "settingsfile/watermark_rows.h"
+#include "support/both_builds.h"
+#include "support/sweep.h"
+
+namespace {
+
+constexpr WCHAR LIST_FILE[] = u"C:\\set\\list.ini";
+
+/* The lines of one row, as they are written. */
+std::string TextRow(const std::string& i, const std::string& text = "Draft")
+{
+    return "WMType" + i + "=1\r\nWMString" + i + "=" + text + "\r\nWMAngle" + i + "=450\r\nWMCharSet" + i +
+           "=204\r\nWMFace" + i + "=Arial\r\nWMBold" + i + "=1\r\nWMItalic" + i + "=0\r\nWMSize" + i +
+           "=72\r\nWMColor" + i + "=00C0C0FF\r\nWMOutline" + i + "=1\r\n";
+}
+
+std::string ImageRow(const std::string& i)
+{
+    return "WMType" + i + "=2\r\nWMString" + i + "=Logo\r\nWMImageName" + i + "=C:\\w\\logo.bmp\r\n";
+}
+
+std::string Without(std::string lines, const std::string& key)
+{
+    size_t nFrom = ("\n" + lines).find("\n" + key + "=");
+    EXPECT_NE(nFrom, std::string::npos) << key;
+    return lines.erase(nFrom, lines.find("\r\n", nFrom) + 2 - nFrom);
+}
+
+class Lists : public BothBuilds {
+  protected:
+    std::vector<WatermarkEntry> Rows(const std::string& count, const std::string& lines)
+    {
+        PutFile(LIST_FILE,
+                "[Watermarks]\r\n" + (count.empty() ? "" : "NumWatermarks=" + count + "\r\n") + lines);
+        return ReadRows(LIST_FILE);
+    }
+
+    static std::vector<WatermarkEntry> ReadRows(const WCHAR* tcPath)
+    {
+        OwnedBlock<WatermarkEntry> pRows;
+        i32 nRows = ReadWatermarks(tcPath, &pRows);
+        WatermarkEntry spare;
+        ResetWatermarkEntry(&spare);
+        EXPECT_TRUE(pRows && SameBytes(pRows.get()[nRows], spare)) << "spare row";
+        std::vector<WatermarkEntry> rows;
+        for (i32 i = 0; i < nRows; i++) {
+            rows.push_back(pRows.get()[i]);
+        }
+        return rows;
+    }
+
+    /* Result of the substitutions, and the block's texts with | for each NUL. */
+    std::pair<int, std::string> Fonts(const std::string& lines, size_t nChars = 0)
+    {
+        PutFile(LIST_FILE, "[FontSubstitutions]\r\n" + lines);
+        OwnedBlock<WCHAR> pBlock;
+        u16 cb = ReadFontSubstitutions(LIST_FILE, &pBlock);
+        std::string texts = pBlock ? "" : "null";
+        for (size_t i = 0; pBlock && i < nChars; i++) {
+            texts += pBlock.get()[i] ? static_cast<char>(pBlock.get()[i]) : '|';
+        }
+        return {cb, texts};
+    }
+};
+
+} // namespace
+
+TEST_F(Lists, WatermarkRowsAreWhatTheFileSays)
+{
+    std::vector<WatermarkEntry> rows = Rows(
+        "2",
+        TextRow("0") +
+            "WMRTL0=1\r\nWMTransparency0=30\r\nWMPlacement0=4\r\nWMPositionX0=-100\r\nWMPositionY0=200\r\n"
+            "WMImageName0=no\r\nWMScaleX0=9\r\n"
+            "WMFileName0=C:\\u\\1.WM\r\nWMColorFile0=C:\\u\\1.CWM\r\nWMResolution0=600\r\nWMWidth0=1200\r\n"
+            "WMHeight0=300\r\nbWMStale0=1\r\n" +
+            ImageRow("1") + "WMAngle1=900\r\nWMFace1=Arial\r\nWMPositionX1=99999999999\r\n");
+    ASSERT_EQ(rows.size(), 2u);
+    WatermarkEntry text = {};
+    text.WMType = 1;
+    CopyWide(text.WMString, 64, u"Draft");
+    CopyWide(text.WMFace, 32, u"Arial");
+    text.WMCharSet = 204;
+    text.WMBold = 1;
+    text.WMSize = 72;
+    text.WMOutline = 1;
+    text.WMColor = 0x00C0C0FF;
+    text.WMRTL = 1;
+    text.WMAngle = 450;
+    text.WMTransparency = 30;
+    text.WMPlacement = 4;
+    text.WMPositionX = -100;
+    text.WMPositionY = 200;
+    text.WMResolution = 600;
+    text.WMWidth = 1200;
+    text.WMHeight = 300;
+    CopyWide(text.WMFileName, 260, u"C:\\u\\1.WM");
+    CopyWide(text.WMColorFile, 260, u"C:\\u\\1.CWM");
+    EXPECT_TRUE(SameBytes(rows[0], text)) << "rows are compared whole";
+    WatermarkEntry image = {};
+    image.WMType = 2;
+    CopyWide(image.WMString, 64, u"Logo");
+    CopyWide(image.WMImageName, 260, u"C:\\w\\logo.bmp");
+    image.WMScaleX = image.WMScaleY = 100;
+    image.WMTransparency = 50;
+    image.WMPositionX = 0x7FFFFFFF;
+    EXPECT_TRUE(SameBytes(rows[1], image));
+
+    /* What no row says. */
+    rows = Rows("1", Without(Without(TextRow("0"), "WMType0"), "WMCharSet0"));
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].WMType, 1u);
+    EXPECT_EQ(rows[0].WMCharSet, 255);
+    /* Out of range stays, wider than the field is cut. */
+    rows = Rows("1", Without(Without(TextRow("0"), "WMAngle0"), "WMSize0") +
+                         "WMAngle0=65000\r\nWMSize0=-2\r\nWMPlacement0=65546\r\nWMTransparency0=-1\r\n");
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].WMAngle, 65000);
+    EXPECT_EQ(rows[0].WMSize, -2);
+    EXPECT_EQ(rows[0].WMPlacement, 10);
+    EXPECT_EQ(rows[0].WMTransparency, 65535);
+}
+
+TEST_F(Lists, TheFirstBrokenRowEndsTheWatermarks)
+{
+    /* The middle one of three rows, the others whole. */
+    auto Kept = [this](const std::string& middle) {
+        return Rows("3", TextRow("0").append(middle).append(TextRow("2"))).size();
+    };
+    EXPECT_EQ(Kept(TextRow("1")), 3u);
+    for (const char* cKey :
+         {"WMString1", "WMFace1", "WMBold1", "WMItalic1", "WMSize1", "WMAngle1", "WMColor1", "WMOutline1"}) {
+        std::string broken = Without(TextRow("1"), cKey);
+        EXPECT_EQ(Kept(broken), 1u) << cKey;
+        EXPECT_EQ(Kept(broken.append(cKey).append("=\r\n")), cKey == std::string("WMColor1") ? 3u : 1u)
+            << cKey << ", empty";
+    }
+    for (const char* cLine : {"WMAngle1=-1", "WMAngle1=65535", "WMSize1=65535", "WMSize1=-1", "WMBold1=-1",
+                              "WMItalic1=4294967295", "WMColor1=FFFFFFFF", "WMOutline1=-1"}) {
+        std::string key(cLine, std::strchr(cLine, '='));
+        EXPECT_EQ(Kept(Without(TextRow("1"), key).append(cLine).append("\r\n")), 1u) << cLine;
+    }
+    EXPECT_EQ(Kept(ImageRow("1")), 3u);
+    EXPECT_EQ(Kept(Without(ImageRow("1"), "WMImageName1")), 1u);
+    /* A type that no one knows needs a name only. */
+    EXPECT_EQ(Kept("WMType1=7\r\nWMString1=x\r\n"), 3u);
+}
+
+TEST_F(Lists, TheCountOfWatermarks)
+{
+    std::string many;
+    for (int i = 0; i < 40; i++) {
+        many += TextRow(std::to_string(i), "Row " + std::to_string(i));
+    }
+    for (const char* cCount : {"", "0", "-1", "-2147483648", "x"}) {
+        EXPECT_EQ(Rows(cCount, many).size(), 0u) << cCount;
+    }
+    for (int nCount : {1, 15, 16, 17, 32, 33, 40}) {
+        std::vector<WatermarkEntry> rows = Rows(std::to_string(nCount), many);
+        ASSERT_EQ(rows.size(), static_cast<size_t>(nCount));
+        EXPECT_EQ(Ascii(rows.back().WMString), "Row " + std::to_string(nCount - 1));
+    }
+    /* A count costs what rows there are. */
+    ResetCallCounts();
+    size_t cbBefore = PeakBlockBytes();
+    EXPECT_EQ(Rows("2147483647", many).size(), 40u);
+    EXPECT_LT(PeakBlockBytes() - cbBefore, 256u * 1024);
+    EXPECT_LT(CallCount(CALL_GetPrivateProfileIntW) + CallCount(CALL_GetPrivateProfileStringW), 42 * 24);
+    EXPECT_EQ(ReadRows(u"C:\\set\\none.ini").size(), 0u);
+    PutFile(u"C:\\Windows\\list.ini", "[Watermarks]\r\nNumWatermarks=1\r\n" + TextRow("0"));
+    EXPECT_EQ(ReadRows(u"list.ini").size(), 0u);
+    EXPECT_EQ(ReadRows(u"").size(), 0u);
+}
+
+TEST_F(Lists, NoMoreThanTheMostWatermarksAreRead)
+{
+    std::string lines;
+    for (int i = 0; i < WATERMARK_LIMIT + 2; i++) {
+        lines += "WMType" + std::to_string(i) + "=7\r\nWMString" + std::to_string(i) + "=x\r\n";
+    }
+    PutFile(LIST_FILE, "[Watermarks]\r\nNumWatermarks=5000\r\n" + lines);
+    struct timespec settle = {0, 30'000'000}; /* so that the file is parsed once */
+    nanosleep(&settle, nullptr);
+    ResetCallCounts();
+    size_t cbBefore = PeakBlockBytes();
+    EXPECT_EQ(ReadRows(LIST_FILE).size(), static_cast<size_t>(WATERMARK_LIMIT));
+    EXPECT_LT(PeakBlockBytes() - cbBefore, CALL_BLOCK_BYTES);
+}
+
+TEST_F(Lists, BuiltFilesNeedTheirNumbers)
+{
+    const std::string names = "WMFileName0=C:\\u\\1.WM\r\nWMColorFile0=C:\\u\\1.CWM\r\n";
+    const std::string numbers = "WMResolution0=600\r\nWMWidth0=1200\r\nWMHeight0=300\r\n";
+    const WatermarkEntry unbuilt = Rows("1", TextRow("0")).at(0);
+    for (const char* cKey : {"WMResolution0", "WMWidth0", "WMHeight0"}) {
+        for (std::string value : {"", "=0\r\n", "=x\r\n"}) {
+            std::string lines =
+                TextRow("0") + names + Without(numbers, cKey) + (value.empty() ? "" : cKey + value);
+            std::vector<WatermarkEntry> rows = Rows("1", lines);
+            ASSERT_EQ(rows.size(), 1u);
+            EXPECT_TRUE(SameBytes(rows[0], unbuilt)) << cKey << value;
+        }
+    }
+    EXPECT_EQ(Rows("1", TextRow("0") + names + Without(numbers, "WMResolution0") + "WMResolution0=65536\r\n")
+                  .at(0)
+                  .WMFileName[0],
+              0);
+    EXPECT_TRUE(SameBytes(Rows("1", TextRow("0") + numbers).at(0), unbuilt)) << "numbers without a file";
+    WatermarkEntry one = Rows("1", TextRow("0") + Without(names, "WMFileName0") + numbers).at(0);
+    EXPECT_EQ(one.WMFileName[0], 0);
+    EXPECT_EQ(Ascii(one.WMColorFile), "C:\\u\\1.CWM");
+    EXPECT_EQ(one.WMHeight, 300u);
+    /* A longer path is cut as the profile calls cut it. */
+    EXPECT_EQ(
+        WideLength(Rows("1", TextRow("0") + "WMFileName0=C:\\" + std::string(400, 'p') + "\r\n" + numbers)
+                       .at(0)
+                       .WMFileName),
+        259);
+}
+
+TEST_F(Lists, FontSubstitutionsBecomeAMultiString)
+{
+    using Result = std::pair<int, std::string>;
+    const std::string two =
+        "FontSubSys0=Arial\r\nFontSubPrt0=Univers\r\nFontSubSys1=Times\r\nFontSubPrt1=CG Times\r\n";
+    EXPECT_EQ(Fonts("FontSubSize=60\r\nNumFontSubs=2\r\n" + two, 62),
+              Result(60, "Arial|Univers|Times|CG Times|" + std::string(33, '|')));
+    EXPECT_EQ(Fonts("FontSubSize=40\r\nNumFontSubs=0\r\n" + two, 42), Result(40, std::string(42, '|')));
+    EXPECT_EQ(Fonts("FontSubSize=0\r\nNumFontSubs=0\r\n", 2), Result(0, "||"));
+    EXPECT_EQ(Fonts("FontSubSize=40\r\nNumFontSubs=1\r\nFontSubSys0=A\r\n", 4),
+              Result(40, "A|||")); /* no device font */
+    const Result none(65535, "null");
+    for (const char* cLines :
+         {"", "FontSubSize=40\r\n", "NumFontSubs=1\r\n", "FontSubSize=-1\r\nNumFontSubs=0\r\n",
+          "FontSubSize=65535\r\nNumFontSubs=0\r\n", "FontSubSize=40\r\nNumFontSubs=65535\r\n",
+          "FontSubSize=40\r\nNumFontSubs=-1\r\n", "FontSubSize=40\r\nNumFontSubs=3\r\n"}) {
+        EXPECT_EQ(Fonts(cLines + two), none) << cLines;
+    }
+    EXPECT_EQ(Fonts("FontSubSize=40\r\nNumFontSubs=1\r\nFontSubPrt0=x\r\n"), none);
+    /* Twice the size in bytes: 29 characters are needed, and 29 are there. */
+    EXPECT_EQ(Fonts("FontSubSize=29\r\nNumFontSubs=2\r\n" + two, 31),
+              Result(29, "Arial|Univers|Times|CG Times|||"));
+    EXPECT_EQ(Fonts("FontSubSize=28\r\nNumFontSubs=2\r\n" + two), none);
+    EXPECT_EQ(Fonts("FontSubSize=6\r\nNumFontSubs=1\r\n" + two), none);
+    EXPECT_EQ(Fonts("FontSubSize=0\r\nNumFontSubs=1\r\n" + two), none);
+    EXPECT_EQ(Fonts("FontSubSize=300\r\nNumFontSubs=1\r\nFontSubSys0=" + std::string(200, 'f') + "\r\n", 129),
+              Result(300, std::string(127, 'f') + "||"));
+}
+
+TEST_F(Lists, FailingCallsLeaveNothingBehind)
+{
+    std::string lines =
+        "[FontSubstitutions]\r\nFontSubSize=60\r\nNumFontSubs=1\r\nFontSubSys0=Arial\r\nFontSubPrt0=Univers\r\n"
+        "[Watermarks]\r\nNumWatermarks=18\r\n";
+    for (int i = 0; i < 18; i++) {
+        lines += i % 2 ? ImageRow(std::to_string(i)) : TextRow(std::to_string(i));
+    }
+    PutFile(LIST_FILE, std::string_view(lines));
+    auto body = []() -> std::string {
+        OwnedBlock<WatermarkEntry> pRows;
+        OwnedBlock<WCHAR> pFonts;
+        i32 nRows = ReadWatermarks(LIST_FILE, &pRows);
+        u16 cbFonts = ReadFontSubstitutions(LIST_FILE, &pFonts);
+        bool bSpare = !pRows || (pRows.get()[nRows].WMType == 0 && pRows.get()[nRows].WMAngle == 450);
+        return std::string(!pRows && nRows ? "rows without an array; " : "") +
+               (bSpare ? "" : "no spare row; ") +
+               (!pFonts != (cbFonts == 65535) ? "fonts without a block; " : "");
+    };
+    for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
+        for (CallId call : {ANY_CALL, CALL_HeapAlloc}) {
+            FaultSweep sweep = SweepFaults(call, mode, 2000, body);
+            EXPECT_EQ(sweep.fault, "");
+            EXPECT_GE(sweep.nFaults, 3); /* both arrays and the block */
+        }
+    }
+    /* Whichever array there is no memory for: the list is empty. */
+    for (int n : {1, 2}) {
+        OwnedBlock<WatermarkEntry> pRows;
+        FailCall(CALL_HeapAlloc, n);
+        EXPECT_EQ(ReadWatermarks(LIST_FILE, &pRows), 0);
+        EXPECT_EQ(StopFaults(), 1);
+        EXPECT_FALSE(pRows);
+    }
+    for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE}) {
+        TellLies(lie, CALL_GetPrivateProfileStringW);
+        EXPECT_EQ(body(), "");
+        TellLies(LIE_NONE);
+    }
+}

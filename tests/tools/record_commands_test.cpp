@@ -1,0 +1,104 @@
+/* The commands that write a default record and explain what the checks make of one. */
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "support/sample_machine.h"
+#include "tools/tq/explain.h"
+#include "tools/tq/record.h"
+#include "tools/tq/record_text.h"
+
+namespace {
+
+const std::filesystem::path FOLDER = std::filesystem::temp_directory_path() / "tq-record-test";
+
+class RecordCommands : public ::testing::Test {
+  protected:
+    void SetUp() override { std::filesystem::create_directories(FOLDER); }
+    void TearDown() override
+    {
+        std::filesystem::remove_all(FOLDER);
+        StopMachine();
+    }
+
+    std::string Record(const std::string& model, const std::vector<std::string>& assignments, bool bFile)
+    {
+        std::ostringstream out;
+        RecordOptions options;
+        options.model = model;
+        options.package = TQUI_SAMPLES;
+        options.bMetric = true;
+        options.assignments = assignments;
+        options.file = bFile ? (FOLDER / "a.rec").string() : "";
+        EXPECT_EQ(RunRecord(options, out), 0);
+        return out.str();
+    }
+
+    std::string Explain(const std::string& model, int nCode, const std::string& file = "a.rec")
+    {
+        std::ostringstream out;
+        EXPECT_EQ(RunExplain({(FOLDER / file).string(), model, TQUI_SAMPLES, true}, out), nCode);
+        return out.str();
+    }
+};
+
+} // namespace
+
+TEST_F(RecordCommands, ARecordIsWrittenAsTextAndAsBytes)
+{
+    std::string text = Record("T410A", {"dmCopies=3", "cJobComment=two words"}, false);
+    EXPECT_NE(text.find("\ndmCopies                           86  3\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\ncJobComment                       696  \"two words\"\n"), std::string::npos);
+    EXPECT_EQ(Record("Halden T410A", {"dmCopies=3", "cJobComment=two words"}, true), "");
+    Bytes bytes = ReadDiskFile(FOLDER / "a.rec");
+    DriverDevmode record = RecordFromText(text);
+    ASSERT_EQ(bytes.size(), sizeof record);
+    const u8* pRecord = reinterpret_cast<const u8*>(&record);
+    EXPECT_EQ(bytes, Bytes(pRecord, pRecord + sizeof record));
+    EXPECT_THROW(Record("T410A", {"dmCopies=x"}, true), RecordTextError);
+    EXPECT_EQ(ReadDiskFile(FOLDER / "a.rec"), bytes) << "a wrong assignment writes nothing";
+    EXPECT_THROW(Record("T999", {}, false), std::exception);
+}
+
+TEST_F(RecordCommands, AcceptedRepairedAndRefusedAreExplained)
+{
+    Record("T410A", {}, true);
+    EXPECT_EQ(Explain("T410A", 0), "public part: accepted\nprivate part: accepted\n");
+
+    Record("T410A",
+           {"dmScale=50", "dmFields=0x0380F70F", "dmColor=1", "dmCopies=0", "sPageOrder=4", "ulColorMode=7"},
+           true);
+    EXPECT_EQ(Explain("T410A", 0), "RULE            OUTCOME   FIELD        OFFSET  VALUE\n"
+                                   "public bit 6.1  set       dmFields         72  0x0380F70F -> 0x0380FF0F\n"
+                                   "                          dmColor          92  1 -> 2\n"
+                                   "public 4        repair 1  dmScale          84  50 -> 100\n"
+                                   "public 5        repair 2  dmCopies         86  0 -> 1\n"
+                                   "private 30      set       ulColorMode    1720  7 -> 0\n"
+                                   "public part: accepted with 2 repairs\n"
+                                   "private part: accepted\n");
+
+    Record("T410A", {"sContrast=51"}, true);
+    EXPECT_EQ(Explain("T410A", 1), "RULE          OUTCOME  FIELD      OFFSET  VALUE\n"
+                                   "private 35.1  refused  sContrast    1814  51\n"
+                                   "public part: accepted\n"
+                                   "private part: refused. The printer's defaults take its place.\n");
+
+    std::ofstream(FOLDER / "text.rec") << Record("QPS", {"dmScale=1", "dmCopies=-1", "dmTTOption=0"}, false);
+    EXPECT_EQ(Explain("QPS", 1, "text.rec"),
+              "RULE      OUTCOME                 FIELD                           OFFSET  VALUE\n"
+              "public 3  repair 1                dmPaperLength and dmPaperWidth          as before\n"
+              "public 4  repair 2                dmScale                             84  1 -> 100\n"
+              "public 5  repair 3, one too many  dmCopies                            86  -1 -> 1\n"
+              "public part: refused. The printer's defaults take the place of the whole record.\n");
+}
+
+TEST_F(RecordCommands, WhatIsNoRecordOrNoModelIsTold)
+{
+    std::ofstream(FOLDER / "short.rec") << std::string(220, '\0');
+    EXPECT_THROW(Explain("T410A", 1, "short.rec"), std::exception);
+    EXPECT_THROW(Explain("T410A", 1, "none.rec"), std::exception);
+    std::ofstream(FOLDER / "a.rec") << "dmCopies 86 1\n";
+    EXPECT_THROW(Explain("T999", 1), std::exception);
+    EXPECT_NE(Explain("T410A", 1).find("refused"), std::string::npos) << "the template names no description";
+}

@@ -1,0 +1,282 @@
+/* The list of watermarks: how a record finds its row, what becomes of rows and of their files. */
+#include "watermark/watermark_store.h"
+
+#include <cstring>
+
+#include "settingsfile/same_bytes.h"
+#include "settingsfile/watermark_rows.h"
+#include "support/sample_machine.h"
+
+namespace {
+
+WatermarkEntry TextEntry(const WCHAR* wcText, u32 ulColor = 255)
+{
+    WatermarkEntry row;
+    ResetWatermarkEntry(&row);
+    row.WMType = ENTRY_TEXT;
+    CopyWide(row.WMString, 64, wcText);
+    row.WMColor = ulColor;
+    row.WMCharSet = 0xCC;
+    return row;
+}
+
+WatermarkEntry ImageEntry(const WCHAR* tcImage)
+{
+    WatermarkEntry row = {};
+    row.WMType = ENTRY_IMAGE;
+    CopyWide(row.WMString, 64, u"Logo");
+    CopyWide(row.WMImageName, 260, tcImage);
+    row.WMScaleX = 50;
+    row.WMScaleY = 75;
+    row.WMPlacement = 3;
+    return row;
+}
+
+/* The record of TextEntry's row. */
+PrivateDevmode TextRecord(const WCHAR* wcText, u32 ulColor = 255)
+{
+    PrivateDevmode part = recordTemplate.rPrivate;
+    part.ulWMType = 5;
+    CopyWide(part.wcWMString, 64, wcText);
+    CopyWide(part.wcWMFace, 32, u"Times New Roman");
+    part.sWMCharSet = 0xCC;
+    part.ulWMPtSize = 72;
+    part.ulWMAngle = 450;
+    part.ulWMColor = ulColor;
+    return part;
+}
+
+PrivateDevmode FileRecord(u32 ulType, const WCHAR* tcName)
+{
+    PrivateDevmode part = recordTemplate.rPrivate;
+    part.ulWMType = ulType;
+    CopyWide(part.wcWMOverlayName, 96, tcName);
+    part.szlWMScale.cx = 50;
+    part.szlWMScale.cy = 75;
+    part.usWMPlacement = 3;
+    return part;
+}
+
+i32 Match(std::vector<WatermarkEntry> rows, const PrivateDevmode& part)
+{
+    size_t nCount = rows.size();
+    WatermarkEntry spare;
+    ResetWatermarkEntry(&spare);
+    rows.push_back(spare);
+    return MatchWatermark(rows.data(), static_cast<i32>(nCount), &part);
+}
+
+OwnedBlock<WatermarkEntry> List(const std::vector<WatermarkEntry>& rows)
+{
+    OwnedBlock<WatermarkEntry> pRows(
+        static_cast<WatermarkEntry*>(AllocateRows(rows.size(), sizeof(WatermarkEntry))));
+    std::memcpy(pRows.get(), rows.data(), rows.size() * sizeof(WatermarkEntry));
+    return pRows;
+}
+
+bool IsDefault(const WatermarkEntry& row)
+{
+    WatermarkEntry spare;
+    ResetWatermarkEntry(&spare);
+    return SameBytes(row, spare);
+}
+
+std::string Names(const OwnedBlock<WatermarkEntry>& pRows, i32 nCount)
+{
+    std::string names;
+    for (i32 i = 0; i < nCount; i++) {
+        names += Narrow(pRows.get()[i].WMString) + " ";
+    }
+    return names;
+}
+
+class WatermarkStore : public MachineTest {
+  protected:
+    void SetUp() override
+    {
+        MachineTest::SetUp();
+        AddTestPrinter(DescriptionBuilder().Build());
+    }
+};
+
+} // namespace
+
+TEST_F(WatermarkStore, TheDefaultRow)
+{
+    WatermarkEntry row;
+    std::memset(&row, 0xEE, sizeof row);
+    ResetWatermarkEntry(&row);
+    WatermarkEntry expected = {};
+    CopyWide(expected.WMFace, 32, u"Times New Roman");
+    expected.WMAngle = 450;
+    expected.WMTransparency = 50;
+    expected.WMSize = 72;
+    expected.WMColor = 255;
+    expected.bWMStale = 1;
+    EXPECT_TRUE(SameBytes(row, expected));
+}
+
+TEST_F(WatermarkStore, ATextIsFoundByAllItsValues)
+{
+    const std::vector<WatermarkEntry> rows = {ImageEntry(u"C:\\w\\logo.bmp"), TextEntry(u"Draft", 1),
+                                              TextEntry(u"Draft", 2), TextEntry(u"Draft", 2)};
+    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 1)), 1);
+    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 2)), 2);
+    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 3)), -1);
+    EXPECT_EQ(Match(rows, TextRecord(u"draft", 1)), -1);
+    EXPECT_EQ(Match({}, TextRecord(u"Draft", 1)), -1);
+    EXPECT_EQ(MatchWatermark(nullptr, 0, &recordTemplate.rPrivate), -1);
+
+    auto Differs = [&](auto change) {
+        PrivateDevmode part = TextRecord(u"Draft", 1);
+        change(&part);
+        return Match(rows, part);
+    };
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0x01CC; }), 1) << "the low byte counts";
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0xCD; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 73; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 0x10048; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMBold = 1; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMItalic = 1; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMAngle = 451; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->wcWMFace[0] = 'X'; }), -1);
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 21; }), -1) << "outline";
+    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 1; }), 1);
+    std::vector<WatermarkEntry> outlined = rows;
+    outlined[1].WMOutline = 1;
+    EXPECT_EQ(Match(outlined, TextRecord(u"Draft", 1)), -1);
+
+    /* Texts without an end are those of their field, and are no row's. */
+    PrivateDevmode full = TextRecord(u"Draft", 1);
+    std::memset(full.wcWMOverlayName, 'w', sizeof full.wcWMOverlayName); /* both texts */
+    EXPECT_EQ(Match(rows, full), -1);
+}
+
+TEST_F(WatermarkStore, AFileIsFoundByImageOrByBuiltName)
+{
+    WatermarkEntry built = TextEntry(u"Draft");
+    CopyWide(built.WMFileName, 260, u"C:\\u\\1.WM");
+    CopyWide(built.WMColorFile, 260, u"C:\\u\\1.CWM");
+    const std::vector<WatermarkEntry> rows = {TextEntry(u"Other"), built, ImageEntry(u"C:\\w\\logo.bmp")};
+
+    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\1.WM")), 1);
+    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\1.CWM")), 1);
+    EXPECT_EQ(Match(rows, FileRecord(0, u"C:\\u\\1.WM")), 1) << "any type without bits 0 and 1";
+    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\2.WM")), -1);
+    EXPECT_EQ(Match(rows, FileRecord(36, u"")), -1) << "though other rows have an empty name";
+    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\w\\logo.bmp")), -1);
+
+    EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\w\\logo.bmp")), 2);
+    EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\u\\1.WM")), -1);
+    for (int nField = 0; nField < 3; nField++) {
+        PrivateDevmode part = FileRecord(6, u"C:\\w\\logo.bmp");
+        part.szlWMScale.cx += nField == 0;
+        part.szlWMScale.cy += nField == 1;
+        part.usWMPlacement = static_cast<u16>(part.usWMPlacement + (nField == 2));
+        EXPECT_EQ(Match(rows, part), -1) << nField;
+    }
+    PrivateDevmode full = FileRecord(36, u"");
+    std::memset(full.wcWMOverlayName, 'w', sizeof full.wcWMOverlayName);
+    EXPECT_EQ(Match(rows, full), -1);
+    /* A free row ends the list. */
+    std::vector<WatermarkEntry> cut = rows;
+    cut[1].WMType = ENTRY_FREE;
+    EXPECT_EQ(Match(cut, FileRecord(6, u"C:\\w\\logo.bmp")), -1);
+}
+
+TEST_F(WatermarkStore, CompactingDropsFreeRowsAndTakesTheSpareOne)
+{
+    WatermarkEntry freed = TextEntry(u"A"), spare;
+    freed.WMType = ENTRY_FREE;
+    ResetWatermarkEntry(&spare);
+
+    OwnedBlock<WatermarkEntry> pRows = List({freed, TextEntry(u"B"), TextEntry(u"C"), TextEntry(u"D")});
+    EXPECT_EQ(CompactWatermarks(&pRows, 3), 3);
+    EXPECT_EQ(Names(pRows, 3), "B C D ");
+    EXPECT_TRUE(IsDefault(pRows.get()[3]));
+    WatermarkEntry before = TextEntry(u"B");
+    EXPECT_TRUE(SameBytes(pRows.get()[0], before));
+
+    pRows = List({TextEntry(u"A"), freed, TextEntry(u"C"), spare});
+    EXPECT_EQ(CompactWatermarks(&pRows, 3), 2);
+    EXPECT_EQ(Names(pRows, 2), "A C ");
+    EXPECT_TRUE(IsDefault(pRows.get()[2]));
+    EXPECT_EQ(CompactWatermarks(&pRows, 2), 2);
+    pRows = List({freed, spare});
+    EXPECT_EQ(CompactWatermarks(&pRows, 1), 0);
+    EXPECT_TRUE(IsDefault(pRows.get()[0]));
+
+    /* Without memory nothing is added. */
+    pRows = List({TextEntry(u"A"), TextEntry(u"B")});
+    FailCall(CALL_HeapAlloc, 1);
+    EXPECT_EQ(CompactWatermarks(&pRows, 1), -1);
+    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_EQ(Names(pRows, 1), "A ");
+    EXPECT_TRUE(IsDefault(pRows.get()[1]));
+
+    /* The count of a list stays within 16 bits. */
+    std::vector<WatermarkEntry> most(LONGEST_WATERMARK_LIST + 1, TextEntry(u"x"));
+    pRows = List(most);
+    EXPECT_EQ(CompactWatermarks(&pRows, LONGEST_WATERMARK_LIST), -1);
+    EXPECT_EQ(CompactWatermarks(&pRows, LONGEST_WATERMARK_LIST), LONGEST_WATERMARK_LIST);
+}
+
+TEST_F(WatermarkStore, DeletingFilesForgetsThem)
+{
+    auto Built = [](const WCHAR* tcFile, const WCHAR* tcColorFile) {
+        WatermarkEntry row = TextEntry(u"Draft");
+        CopyWide(row.WMFileName, 260, tcFile);
+        CopyWide(row.WMColorFile, 260, tcColorFile);
+        row.WMWidth = 7;
+        return row;
+    };
+    for (const WCHAR* tcFile : {u"C:\\u\\1.WM", u"C:\\u\\1.CWM", u"C:\\u\\other.txt", u"C:\\u\\kept.WM"}) {
+        PutFile(tcFile, "x");
+    }
+    SetReadOnly(u"C:\\u\\kept.WM", true);
+    WatermarkEntry row = Built(u"C:\\u\\1.WM", u"C:\\u\\1.CWM"), gone = TextEntry(u"Draft");
+    gone.WMWidth = 7;
+    DeleteWatermarkFiles(&row, 0);
+    EXPECT_FALSE(HasFile(u"C:\\u\\1.WM") || HasFile(u"C:\\u\\1.CWM"));
+    EXPECT_TRUE(HasFile(u"C:\\u\\other.txt"));
+    EXPECT_TRUE(SameBytes(row, gone)) << "names of zeros, nothing else";
+
+    row = Built(u"C:\\u\\kept.WM", u"C:\\u\\none.CWM");
+    DeleteWatermarkFiles(&row, 3);
+    EXPECT_TRUE(HasFile(u"C:\\u\\kept.WM"));
+    EXPECT_TRUE(SameBytes(row, gone));
+
+    /* On kind 4 the name is the row's own. */
+    PutFile(u"C:\\u\\1.WM", "x");
+    row = Built(u"C:\\u\\1.WM", u"");
+    WatermarkEntry before = row;
+    DeleteWatermarkFiles(&row, 4);
+    EXPECT_TRUE(HasFile(u"C:\\u\\1.WM"));
+    EXPECT_TRUE(SameBytes(row, before));
+
+    ResetCallCounts();
+    row = TextEntry(u"Draft");
+    DeleteWatermarkFiles(&row, 0);
+    EXPECT_EQ(CallCount(CALL_DeleteFileW), 0);
+}
+
+TEST_F(WatermarkStore, TheListLiesInTheUsersFile)
+{
+    auto Saved = [this] {
+        PrinterCall call(hPrinter);
+        OwnedBlock<WatermarkEntry> pRows;
+        i32 nRows = GetSavedWatermarks(call, &pRows);
+        return pRows && IsDefault(pRows.get()[nRows]) ? Names(pRows, nRows) : "no spare row";
+    };
+    const std::string list =
+        "[Watermarks]\r\nNumWatermarks=1\r\nWMType0=2\r\nWMString0=Logo\r\nWMImageName0=C:\\w\\a.bmp\r\n";
+    PutFile(u"C:\\drv\\qa.ini", std::string_view(list));
+    EXPECT_EQ(Saved(), "") << "no file is named";
+    SetPrinterText(wcPrinter, u"Settings", u"mine.ini");
+    EXPECT_EQ(Saved(), "") << "named, but not there";
+    PutFile(u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\Test Driver\\mine.ini",
+            std::string_view(list));
+    EXPECT_EQ(Saved(), "Logo ");
+    SetPrinterText(wcPrinter, u"Settings", u"..\\Test Driver\\mine.ini");
+    EXPECT_EQ(Saved(), "");
+}

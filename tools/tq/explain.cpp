@@ -1,0 +1,151 @@
+/* The command `tq explain`. */
+#include "tools/tq/explain.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <ostream>
+#include <stdexcept>
+#include <vector>
+
+#include "description/driver_files.h"
+#include "platform/hosted/standin.h"
+#include "settings/check_core.h"
+#include "tools/tq/record.h"
+#include "tools/tq/record_text.h"
+#include "tools/tq/rule_names.h"
+
+namespace {
+
+using Line = std::array<std::string, 5>; /* rule, outcome, field, offset, values */
+
+/* What the checks tell while they run. */
+struct Account {
+    const DriverDevmode* pRecord;
+    DriverDevmode before; /* as it was at the last note */
+    int nRepairs;         /* of the part that is being checked */
+    bool bTold;           /* a rule of that part refused */
+    std::vector<Line> lines;
+};
+
+std::string OutcomeText(Account* pAccount, int nOutcome)
+{
+    switch (nOutcome) {
+    case RULE_FORCED: return "set";
+    case RULE_MENDED: return "repair " + std::to_string(++pAccount->nRepairs);
+    case RULE_LAST: return "repair " + std::to_string(++pAccount->nRepairs) + ", one too many";
+    default: return "refused";
+    }
+}
+
+/* The field that a rule looks at, with its value where the rule names just one. */
+Line FieldLine(const DriverDevmode& record, int nRule)
+{
+    std::string name = RuleFieldName(nRule);
+    try {
+        FieldValue field = FieldOf(record, name.substr(0, name.find(',')));
+        return {"", "", name, std::to_string(field.nOffset), field.value};
+    } catch (const RecordTextError&) {
+        return {"", "", name, "", ""};
+    }
+}
+
+void NoteLines(void* pContext, int nRule, int nOutcome)
+{
+    Account* pAccount = static_cast<Account*>(pContext);
+    std::vector<Line> lines;
+    for (const FieldValue& field : DifferingFields(pAccount->before, *pAccount->pRecord)) {
+        lines.push_back({"", "", field.name, std::to_string(field.nOffset),
+                         FieldOf(pAccount->before, field.name).value + " -> " + field.value});
+    }
+    if (lines.empty()) {
+        lines.push_back(FieldLine(*pAccount->pRecord, nRule));
+        if (nOutcome != RULE_REFUSED) { /* the repair is what the record had */
+            lines[0][4] += lines[0][4].empty() ? "as before" : ", as before";
+        }
+    }
+    lines[0][0] = RuleLabel(nRule);
+    lines[0][1] = OutcomeText(pAccount, nOutcome);
+    pAccount->lines.insert(pAccount->lines.end(), lines.begin(), lines.end());
+    pAccount->bTold |= nOutcome == RULE_LAST || nOutcome == RULE_REFUSED;
+    pAccount->before = *pAccount->pRecord;
+}
+
+/* The sentence on a part; the check's result decides. */
+std::string Verdict(const char* cPart, int bAccepted, const Account& account, const char* cInstead)
+{
+    std::string text = std::string(cPart) + " part: ";
+    if (!bAccepted) {
+        return text + (account.bTold ? "refused. " : "refused, since the description cannot be read. ") +
+               cInstead + "\n";
+    }
+    return text + (account.nRepairs == 0 ? "accepted\n"
+                   : account.nRepairs == 1
+                       ? "accepted with 1 repair\n"
+                       : "accepted with " + std::to_string(account.nRepairs) + " repairs\n");
+}
+
+DriverDevmode ReadRecord(const std::string& file)
+{
+    Bytes bytes = ReadDiskFile(file);
+    DriverDevmode record;
+    if (bytes.size() == sizeof record) {
+        std::memcpy(&record, bytes.data(), sizeof record);
+        return record;
+    }
+    if (std::find(bytes.begin(), bytes.end(), u8{0}) != bytes.end()) {
+        throw std::runtime_error(file + ": a record has " + std::to_string(sizeof record) +
+                                 " bytes, this has " + std::to_string(bytes.size()));
+    }
+    return RecordFromText({bytes.begin(), bytes.end()});
+}
+
+void PrintLines(const std::vector<Line>& lines, std::ostream& out)
+{
+    std::array<size_t, 5> widths = {};
+    for (const Line& line : lines) {
+        for (size_t n = 0; n < line.size(); n++) {
+            widths[n] = std::max(widths[n], line[n].size());
+        }
+    }
+    for (const Line& line : lines) {
+        std::string text;
+        for (size_t n = 0; n < line.size(); n++) {
+            std::string gap(widths[n] - line[n].size(), ' ');
+            text += n == 3 ? gap + line[n] + "  " : line[n] + gap + "  ";
+        }
+        out << text.substr(0, text.find_last_not_of(' ') + 1) << "\n";
+    }
+}
+
+} // namespace
+
+int RunExplain(const ExplainOptions& options, std::ostream& out)
+{
+    DriverDevmode record = ReadRecord(options.file);
+    Account account = {&record, record, 0, false, {}};
+    std::string verdicts;
+    int bAccepted;
+    WideText wcName = StartModel(options.model, options.package, options.bMetric).wcName;
+    {
+        OpenSample printer(wcName);
+        PrinterCall call(printer.hPrinter);
+        OwnedModel pModel = LoadPrinterModel(call);
+        RuleRecorder recorder = {NoteLines, &account};
+        bAccepted = ValidatePublicPartNoted(call, &record, pModel.get(), recorder);
+        verdicts = Verdict("public", bAccepted, account,
+                           "The printer's defaults take the place of the whole record.");
+        if (bAccepted) {
+            account.nRepairs = 0;
+            bAccepted = ValidatePrivatePartNoted(call, &record.rPrivate, pModel.get(), recorder);
+            verdicts += Verdict("private", bAccepted, account, "The printer's defaults take its place.");
+        }
+    }
+    StopMachine();
+    if (!account.lines.empty()) {
+        account.lines.insert(account.lines.begin(), {"RULE", "OUTCOME", "FIELD", "OFFSET", "VALUE"});
+    }
+    PrintLines(account.lines, out);
+    out << verdicts;
+    return bAccepted ? 0 : 1;
+}

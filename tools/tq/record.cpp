@@ -1,0 +1,46 @@
+/* The command `tq record`. */
+#include "tools/tq/record.h"
+
+#include <fstream>
+#include <ostream>
+
+#include "platform/hosted/standin.h"
+#include "settings/defaults.h"
+#include "tools/tq/record_text.h"
+
+PrinterSetup StartModel(const std::string& model, const std::string& package, bool bMetric)
+{
+    namespace fs = std::filesystem;
+    StartMachine();
+    SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
+    fs::path path(model);
+    if (fs::is_regular_file(path)) {
+        return InstallDescription(Widen(path.stem().string()), ReadDiskFile(path), package);
+    }
+    return InstallSample(FindInfModel(ReadInf(fs::path(package) / "tqui.inf"), model), package);
+}
+
+int RunRecord(const RecordOptions& options, std::ostream& out)
+{
+    DriverDevmode record;
+    WideText wcName = StartModel(options.model, options.package, options.bMetric).wcName;
+    {
+        OpenSample printer(wcName);
+        PrinterCall call(printer.hPrinter);
+        BuildDefaultRecord(call, wcName.data(), &record, 1);
+    }
+    StopMachine();
+    for (const std::string& assignment : options.assignments) {
+        SetRecordField(&record, assignment);
+    }
+    if (options.file.empty()) {
+        out << (options.bAll ? FieldLines(RecordFields(record)) : RecordText(record));
+        return 0;
+    }
+    std::ofstream file(options.file, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(&record), sizeof record);
+    if (!file.flush()) {
+        throw std::runtime_error(options.file + ": cannot be written");
+    }
+    return 0;
+}
