@@ -74,17 +74,6 @@ void FloorOfNames(HANDLE hFile, const NameSections& sections)
     ReadSpan(hFile, sections.texts, abTexts);
 }
 
-void FloorOfConversion(const char* cTexts, u32 nNames)
-{
-    WCHAR wcText[64];
-    for (u32 i = 0; i < nNames; i++) {
-        size_t cb = std::strlen(cTexts);
-        Require(MultiByteToWideChar(CP_ACP, 0, cTexts, static_cast<int>(cb), wcText, 63) ==
-                static_cast<int>(cb));
-        cTexts += cb + 1;
-    }
-}
-
 void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom)
 {
     constexpr u32 DRIVER_BYTES = 4096, FORM_BYTES = 16384;

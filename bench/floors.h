@@ -21,8 +21,6 @@ struct NameSections {
 };
 void FloorOfNames(HANDLE hFile, const NameSections& sections);
 
-/* Converts nNames texts that lie one behind the other, each ended by a NUL. */
-void FloorOfConversion(const char* cTexts, u32 nNames);
 
 /* What the question for the papers asks of the spooler, the settings file and the locale. bCustom:
    the model allows custom papers, so that the saved ones and the spooler's forms are asked for as well. */

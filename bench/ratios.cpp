@@ -179,7 +179,6 @@ int main(int argc, char** argv)
     Printer list40 = AddList(NAMES), list10 = AddList(10), list100 = AddList(100), list1000 = AddList(1000);
     AddMachineForm(u"Form", FORM_USER, 215905, 310000);
     NameSections sections = ListSections(list40.description);
-    const char* cTexts = reinterpret_cast<const char*>(list40.description.data()) + sections.texts.ulOffset;
     i16 aIds[NAMES];
     for (u32 i = 0; i < NAMES; i++) {
         aIds[i] = static_cast<i16>(i + 1);
@@ -200,7 +199,6 @@ int main(int argc, char** argv)
     }
     Measure("names", [&] { ReadNames(names, aIds); });
     Measure("names floor", [&] { FloorOfNames(names.hFile.get(), sections); });
-    Measure("conversion", [=] { FloorOfConversion(cTexts, NAMES); });
     Measure("papers 10", [&] { AskPapers(list10, DC_PAPERNAMES, 10); });
     Measure("papers 100", [&] { AskPapers(list100, DC_PAPERNAMES, 100); });
     Measure("papers 1000", [&] { AskPapers(list1000, DC_PAPERNAMES, 1000); });
@@ -222,8 +220,7 @@ int main(int argc, char** argv)
         bGood &= Judge(("model load, " + of).c_str(), fastest.Of("load of " + of), dFloor, 1.25);
         bGood &= Judge(("DC_PAPERS without its printer calls, " + of).c_str(), dPapers, dFloor, 1.5);
     }
-    bGood &= Judge("40 paper names without their conversion", fastest.Of("names") - fastest.Of("conversion"),
-                   fastest.Of("names floor"), 1.5);
+    bGood &= Judge("40 paper names", fastest.Of("names"), fastest.Of("names floor"), 1.5);
     bGood &= Judge("a paper's name of 1000, beside one of 100", fastest.Of("papers 1000") / 1000,
                    fastest.Of("papers 100") / 100, 1.3);
     bGood &= Judge("each paper from 100 to 1000, beside 10 to 100",
@@ -232,10 +229,9 @@ int main(int argc, char** argv)
     std::printf(
         "\nFloors: open, read 64 bytes, read the body into a zeroed block, close; for names the four bulk\n"
         "reads of their sections. Subtracted from the library's side: for DC_PAPERS the calls to the\n"
-        "spooler, the settings file and the locale, made by themselves (%.0f and %.0f); for names %u\n"
-        "conversions from the code page, made by themselves (%.0f).\n",
+        "spooler, the settings file and the locale, made by themselves (%.0f and %.0f).\n",
         fastest.Of("printer calls of " + Narrow(custom.wcName)),
-        fastest.Of("printer calls of " + Narrow(plain.wcName)), NAMES, fastest.Of("conversion"));
+        fastest.Of("printer calls of " + Narrow(plain.wcName)));
     names.hFile.reset();
     for (const Printer* pPrinter : {&custom, &plain, &list40, &list10, &list100, &list1000}) {
         ClosePrinter(pPrinter->hPrinter);

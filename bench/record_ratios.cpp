@@ -93,7 +93,7 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
     CollectPublicLimits(pModel, &publicLimits);
     CollectModelLimits(pModel, &privateLimits);
     privateLimits.lColorDataSize = static_cast<i32>(ReadXpiColorData(*OpenXpiFile(call), nullptr));
-    FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), privateLimits.tcXpiPath);
+    privateLimits.tcXpiPath = GetXpiPath(call);
 
     Comparison aRanges[COMPARISONS];
     for (int i = 0; i < COMPARISONS; i++) {

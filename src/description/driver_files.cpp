@@ -51,12 +51,19 @@ int FindDriverFile(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcDefau
     return 0;
 }
 
+const WCHAR* GetXpiPath(PrinterCall& call)
+{
+    if (call.pathState == NOT_ASKED) {
+        int bFound = FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), call.tcXpiPath);
+        call.pathState = bFound ? ANSWERED : NO_ANSWER;
+    }
+    return call.tcXpiPath;
+}
+
 XpiFile* OpenXpiFile(PrinterCall& call)
 {
     if (call.xpiState == NOT_ASKED) {
-        WCHAR tcPath[PATH_CHARS];
-        int bOpen =
-            FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), tcPath) && OpenXpiPath(call.rXpiFile, tcPath);
+        int bOpen = GetXpiPath(call)[0] && OpenXpiPath(call.rXpiFile, call.tcXpiPath);
         call.xpiState = bOpen ? ANSWERED : NO_ANSWER;
     }
     return call.xpiState == ANSWERED ? &call.rXpiFile : nullptr;

@@ -14,8 +14,11 @@
    Result: 1 when found. */
 int FindDriverFile(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcDefault, WCHAR* tcOut);
 
-/* Opens the printer's description file, once a call: value "XPI", default ".XPI". Null when there is none or
-   it cannot be opened. The call closes it. */
+/* Path of the printer's description file: value "XPI", default ".XPI", asked once a call. "" when there is
+   none. */
+const WCHAR* GetXpiPath(PrinterCall& call);
+
+/* Opens that file, once a call. Null when there is none or it cannot be opened. The call closes it. */
 XpiFile* OpenXpiFile(PrinterCall& call);
 
 /* Loads the model of OpenXpiFile; the caller owns it. Null without a file, or when it cannot be loaded. */

@@ -5,6 +5,7 @@
 #define TQUI_DESCRIPTION_PRINTER_CALL_H
 
 #include "base/owned.h"
+#include "base/wide.h"
 #include "description/xpi_file.h"
 #include "platform/spooler.h"
 
@@ -18,16 +19,18 @@ enum AskState : int { NOT_ASKED, ANSWERED, NO_ANSWER, NO_MEMORY };
 
 struct PrinterCall {
     HANDLE hPrinter; /* borrowed; null or invalid: every question has no answer */
-    AskState driverState, printerState, xpiState, deviceState;
+    AskState driverState, printerState, pathState, xpiState, deviceState;
     u32 cbDriverInfo, cbPrinterInfo; /* bytes of the two blocks that the spooler wrote */
     OwnedBlock<DRIVER_INFO_3W> pDriverInfo;
     OwnedBlock<PRINTER_INFO_2W> pPrinterInfo;
     XpiFile rXpiFile;
+    WCHAR tcXpiPath[PATH_CHARS]; /* see GetXpiPath */
     DeviceInfo rDeviceInfo;
 
     explicit PrinterCall(HANDLE hOf)
-        : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), xpiState(NOT_ASKED),
-          deviceState(NOT_ASKED), cbDriverInfo(0), cbPrinterInfo(0), rXpiFile{}, rDeviceInfo{}
+        : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), pathState(NOT_ASKED),
+          xpiState(NOT_ASKED), deviceState(NOT_ASKED), cbDriverInfo(0), cbPrinterInfo(0), rXpiFile{},
+          tcXpiPath{}, rDeviceInfo{}
     {
     }
 };
@@ -44,7 +47,7 @@ struct PrinterDeleter {
 using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
 
 /* DRIVER_INFO_3 and PRINTER_INFO_2 of the printer, the call's own; null when the spooler does not give them
-   or memory fails (the state tells which). Text members are read with InfoText. */
+   or memory fails (the state tells which). Text members are read with DriverText and PrinterText. */
 const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call);
 const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 

@@ -39,6 +39,27 @@ IdRange FindIdRange(const i16* aIds, i32 nCount)
     return range;
 }
 
+/* Widens the ASCII characters in front of the first NUL or other byte, at most nMost. Result: how many. */
+u32 WidenAscii(const char* cText, u32 nMost, WCHAR* wcOut)
+{
+    u32 nAt = 0;
+    for (; nMost - nAt >= 8; nAt += 8) { /* eight at a time while none is a NUL or has the high bit */
+        u64 ullBytes;
+        std::memcpy(&ullBytes, cText + nAt, sizeof ullBytes);
+        if (((ullBytes - 0x0101010101010101) | ullBytes) & 0x8080808080808080) {
+            break;
+        }
+        for (u32 i = 0; i < 8; i++) {
+            wcOut[nAt + i] = static_cast<WCHAR>(cText[nAt + i]);
+        }
+    }
+    while (nAt < nMost && static_cast<u8>(cText[nAt]) - 1u < 0x7F) {
+        wcOut[nAt] = static_cast<WCHAR>(cText[nAt]);
+        nAt++;
+    }
+    return nAt;
+}
+
 u16 OffsetAt(const u8* pRows, i32 nRow)
 {
     u16 usOffset;
@@ -71,9 +92,14 @@ int NeedsLanguageDll(const i16* aIds, i32 nCount)
 
 void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut)
 {
-    wcOut[0] = 0;
     u32 nRoom = static_cast<u32>(cchOut) - 1;
-    u32 nLength = 0;
+    /* ASCII is itself in every code page; a text that holds more is the system's to convert. */
+    u32 nLength = WidenAscii(cText, cbText < nRoom ? cbText : nRoom, wcOut);
+    wcOut[nLength] = 0;
+    if (nLength == cbText || nLength == nRoom || !cText[nLength]) {
+        return;
+    }
+    wcOut[0] = 0;
     while (nLength < cbText && nLength < nRoom && cText[nLength]) {
         nLength++;
     }
@@ -88,9 +114,6 @@ void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut
                 return;
             }
         }
-    }
-    if (!nLength) {
-        return;
     }
     int nOut =
         MultiByteToWideChar(CP_ACP, 0, cText, static_cast<int>(nLength), wcOut, static_cast<int>(nRoom));

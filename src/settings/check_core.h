@@ -63,7 +63,7 @@ void CollectPublicLimits(const XpiModel* pModel, PublicLimits* pLimits);
 
 /* What the private check needs beside the model. Last rows are -1 for a table without rows. */
 struct PrivateLimits {
-    WCHAR tcXpiPath[PATH_CHARS]; /* the description file as the spooler reports it now */
+    const WCHAR* tcXpiPath; /* the description file as the spooler reports it now */
     CustomLimits rCustom;
     u32 ulFontFileSize;
     i32 lColorDataSize;

@@ -59,9 +59,8 @@ void StoreConstants(DriverDevmode* pRecord)
 
 void StoreXpiName(PrinterCall& call, DriverDevmode* pRecord)
 {
-    WCHAR tcPath[PATH_CHARS], tcName[XPI_NAME_CHARS] = {};
-    FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), tcPath);
-    CopyWideWhole(tcName, XPI_NAME_CHARS, tcPath); /* a cut path would name another file */
+    WCHAR tcName[XPI_NAME_CHARS] = {};
+    CopyWideWhole(tcName, XPI_NAME_CHARS, GetXpiPath(call)); /* a cut path would name another file */
     std::memcpy(pRecord->rPrivate.tcXPIName, tcName, sizeof tcName);
 }
 

@@ -334,9 +334,10 @@ int ValidatePrivatePartNoted(PrinterCall& call, PrivateDevmode* pPrivate, const 
         pModel = pOwn.get();
     }
     PrivateLimits limits;
-    if (!pFile || !HasBody(pModel) || !FindDriverFile(call, TEXT("XPI"), TEXT(".XPI"), limits.tcXpiPath)) {
+    if (!pFile || !HasBody(pModel)) {
         return 0;
     }
+    limits.tcXpiPath = GetXpiPath(call);
     CollectModelLimits(pModel, &limits);
     limits.lColorDataSize = static_cast<i32>(ReadXpiColorData(*pFile, nullptr));
     /* Offset 0 is inside a file of any size: nearly every record spares the question. */
