@@ -21,7 +21,6 @@ struct NameSections {
 };
 void FloorOfNames(HANDLE hFile, const NameSections& sections);
 
-
 /* What the question for the papers asks of the spooler, the settings file and the locale. bCustom:
    the model allows custom papers, so that the saved ones and the spooler's forms are asked for as well. */
 void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom);

@@ -26,7 +26,7 @@ struct Sample {
     std::optional<PrinterCall> call;
     OwnedModel pModel;
 };
-Sample aOfStem[SAMPLES];
+Sample* const aOfStem = new Sample[SAMPLES]; /* held to the end: the machine may go first */
 
 void StartSamples()
 {
@@ -85,9 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
         part.sExceptionInfoOffset = EXCEPTION_OFFSET;
         part.OEMData = {1, OEM_OFFSET, OEM_SIZE};
         part.tcOverlayDir[159] = 0;
-        WCHAR tcPath[PATH_CHARS] = {};
-        Require(FindDriverFile(*sample.call, TEXT("XPI"), TEXT(".XPI"), tcPath));
-        std::memcpy(part.tcXPIName, tcPath, sizeof part.tcXPIName);
+        const WCHAR* tcPath = GetXpiPath(*sample.call);
+        std::memcpy(part.tcXPIName, tcPath, static_cast<size_t>(WideLength(tcPath) + 1) * sizeof(WCHAR));
         part.tcXPIName[159] = 0;
     }
     for (int nTime = 0; nTime < 2; nTime++) {

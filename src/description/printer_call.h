@@ -29,8 +29,8 @@ struct PrinterCall {
 
     explicit PrinterCall(HANDLE hOf)
         : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), pathState(NOT_ASKED),
-          xpiState(NOT_ASKED), deviceState(NOT_ASKED), cbDriverInfo(0), cbPrinterInfo(0), rXpiFile{},
-          tcXpiPath{}, rDeviceInfo{}
+          xpiState(NOT_ASKED), deviceState(NOT_ASKED), cbDriverInfo(0),
+          cbPrinterInfo(0), rXpiFile{}, tcXpiPath{}, rDeviceInfo{}
     {
     }
 };

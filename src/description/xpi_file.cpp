@@ -30,7 +30,7 @@ const XpiHeader* ReadXpiHeader(XpiFile& file)
         u32 cbGot;
         file.rHeader = {};
         file.bHeaderRead = 1;
-        ReadXpiBytes(file, 0, &file.rHeader, sizeof file.rHeader, &cbGot);
+        file.bHeaderFailed = !ReadXpiBytes(file, 0, &file.rHeader, sizeof file.rHeader, &cbGot);
     }
     return &file.rHeader;
 }

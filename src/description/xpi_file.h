@@ -35,7 +35,7 @@ static_assert(sizeof(XpiHeader) == 64 && offsetof(XpiHeader, dwColorDataSize) ==
 /* The file with its header, which is read when first asked for and kept as long as the file is open. */
 struct XpiFile {
     OwnedFile hFile;
-    int bHeaderRead;
+    int bHeaderRead, bHeaderFailed; /* failed: not short, but not to be read */
     XpiHeader rHeader;
 };
 

@@ -86,6 +86,9 @@ OwnedModel LoadXpiModel(XpiFile& file)
         return nullptr;
     }
     const XpiHeader* pHeader = ReadXpiHeader(file);
+    if (file.bHeaderFailed) {
+        return nullptr;
+    }
     /* The size is a difference of low halves, taken as 16 bits: a body is at most 65535 bytes. */
     u32 cbBody = static_cast<u16>(pHeader->dwStringBaseOffset - pHeader->dwBodyOffset);
     u32 cbGot;

@@ -5,7 +5,7 @@
 #include "description/xpi_file.h"
 
 /* Loads the body and turns its slots into pointers. The caller owns the model. Null for a file that is not
-   open, when the body or the font offset table cannot be read, or memory fails; a short file gives a model
+   open, when the header, the body or the font offset table cannot be read, or memory fails; a short file gives a model
    whose missing part reads as zeros. */
 OwnedModel LoadXpiModel(XpiFile& file);
 

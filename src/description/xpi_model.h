@@ -105,7 +105,8 @@ MODEL_AT(302, usColorClass);
 MODEL_AT(310, usPreviewLabel);
 MODEL_AT(312, sDefaultMedia);
 MODEL_AT(314, bModelFlags);
-static_assert(sizeof(XpiModel) == 315 && alignof(XpiModel) == 1);
+static_assert(sizeof(XpiModel) == 315);
+static_assert(alignof(XpiModel) == 1);
 #undef MODEL_AT
 
 struct ModelDeleter {

@@ -12,7 +12,8 @@ enum DefaultSource : int { DEFAULT_NONE, DEFAULT_BUILT, DEFAULT_STORED };
    wcPrinterName        IO  may be null; a ",Local" tail is cut off in the caller's own text
    bApplySettingsFile   1: the driver's .INI file is merged at the end, without a check
    Without a description the record is the template with name, constants and measure. */
-void BuildDefaultRecord(PrinterCall& call, WCHAR* wcPrinterName, DriverDevmode* pRecord, int bApplySettingsFile);
+void BuildDefaultRecord(PrinterCall& call, WCHAR* wcPrinterName, DriverDevmode* pRecord,
+                        int bApplySettingsFile);
 
 /* The printer's stored default, checked, or a built one where there is none or it was refused.
    DEFAULT_NONE: the printer cannot be asked, *pRecord is untouched. DEFAULT_BUILT: the printer has no stored

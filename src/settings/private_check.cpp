@@ -333,12 +333,12 @@ int ValidatePrivatePartNoted(PrinterCall& call, PrivateDevmode* pPrivate, const 
         pOwn = LoadPrinterModel(call);
         pModel = pOwn.get();
     }
-    PrivateLimits limits;
     if (!pFile || !HasBody(pModel)) {
         return 0;
     }
-    limits.tcXpiPath = GetXpiPath(call);
+    PrivateLimits limits;
     CollectModelLimits(pModel, &limits);
+    limits.tcXpiPath = GetXpiPath(call);
     limits.lColorDataSize = static_cast<i32>(ReadXpiColorData(*pFile, nullptr));
     /* Offset 0 is inside a file of any size: nearly every record spares the question. */
     limits.ulFontFileSize =

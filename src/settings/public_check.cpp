@@ -186,7 +186,7 @@ int CheckPublicFields(DriverDevmode* pRecord, const XpiModel* pModel, const Publ
     }
     MendFieldBits(pRecord, pModel, pState);
 
-    u16 usNoColor = pModel->usColorClass == CLASS_COLOR ? 2 : 0;
+    u16 usDefaultColor = pModel->usColorClass == CLASS_COLOR ? 2 : 0;
     MEND(Rule(1), pRecord->dmOrientation == 1 || pRecord->dmOrientation == 2, pRecord->dmOrientation = 1);
     MEND(Rule(2), IsPaperCode(pRecord->dmPaperSize), pRecord->dmPaperSize = GetDefaultPaper());
     /* By the source as it came in, and whatever the paper code says. */
@@ -203,7 +203,7 @@ int CheckPublicFields(DriverDevmode* pRecord, const XpiModel* pModel, const Publ
     MEND(Rule(8),
          pModel->usColorClass == CLASS_COLOR ? pRecord->dmColor == 1 || pRecord->dmColor == 2
                                              : pRecord->dmColor == 0,
-         pRecord->dmColor = usNoColor);
+         pRecord->dmColor = usDefaultColor);
     MEND(Rule(9), pRecord->dmDuplex <= 3, pRecord->dmDuplex = pRecord->dmFields & FIELDS_DUPLEX ? 1 : 0);
     MEND(Rule(10), pRecord->dmTTOption >= 1 && pRecord->dmTTOption <= 4, pRecord->dmTTOption = 2);
     MEND(Rule(11), pRecord->dmCollate <= 1, pRecord->dmCollate = 0);

@@ -285,6 +285,19 @@ TEST_F(Files, ReadingAndSeeking)
     CloseHandle(hWriting);
 }
 
+TEST_F(Files, DeletingTakesFilesAndNothingElse)
+{
+    PutTestFile(Path("a.txt"), "0123");
+    EXPECT_TRUE(DeleteFileW(Path("a.txt").c_str()));
+    EXPECT_EQ(GetFileAttributesW(Path("a.txt").c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_FALSE(DeleteFileW(Path("a.txt").c_str()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    ASSERT_TRUE(CreateDirectoryW(Path("folder").c_str(), nullptr));
+    EXPECT_FALSE(DeleteFileW(Path("folder").c_str()));
+    EXPECT_NE(GetFileAttributesW(Path("folder").c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_FALSE(DeleteFileW(TEXT("")));
+}
+
 TEST_F(Files, HandlesThatAreNoneAreRefused)
 {
     HANDLE hClosed = Open(Path("a.txt"));
@@ -368,7 +381,7 @@ TEST_F(Files, HostedFaultsAndLies)
     EXPECT_FALSE(CloseHandle(hClosed)) << "a handle that was closed has become another's";
     TellLies(LIE_SHORT);
     EXPECT_EQ(Read(hFile, 8), "0123");
-    TellLies(LIE_HUGE);
+    TellLies(LIE_HUGE, CALL_GetFileSizeEx);
     EXPECT_TRUE(GetFileSizeEx(hFile, &size));
     EXPECT_EQ(size.QuadPart, 1LL << 40);
     EXPECT_EQ(Read(hFile, 8), "456789");

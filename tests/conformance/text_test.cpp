@@ -50,3 +50,12 @@ TEST_F(TextConformance, AnsiTextBecomesWide)
     EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcd", 0, nullptr, 0), 0);
     EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcd", -1, nullptr, 0), 5);
 }
+
+TEST_F(TextConformance, NamesAreTheSameOrNot)
+{
+    EXPECT_EQ(lstrcmpW(TEXT("Draft 1"), TEXT("Draft 1")), 0);
+    EXPECT_EQ(lstrcmpW(TEXT(""), TEXT("")), 0);
+    EXPECT_NE(lstrcmpW(TEXT("Draft"), TEXT("draft")), 0);
+    EXPECT_NE(lstrcmpW(TEXT("Draft"), TEXT("Draft ")), 0);
+    EXPECT_NE(lstrcmpW(TEXT("a"), TEXT("\u00E4")), 0);
+}

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using Strings = std::map<long, std::u16string>;
 
 constexpr u16 ENGLISH = 0x0409;
-constexpr u16 GERMAN  = 0x0007; /* the neutral language: all German users */
+constexpr u16 GERMAN = 0x0007; /* the neutral language: all German users */
 constexpr u16 VERSION = 16;
 
 Bytes ReadDisk(const fs::path& path)
@@ -45,11 +45,11 @@ fs::path Source(const std::string& name)
 Strings SourceStrings(const std::string& name)
 {
     std::ifstream file(Source(name));
-    Strings       strings;
+    Strings strings;
     for (std::string line; std::getline(file, line);) {
         const size_t nOpen = line.find('"'), nClose = line.rfind('"');
-        char*        pBehind = nullptr;
-        const long   lId     = std::strtol(line.c_str(), &pBehind, 10);
+        char* pBehind = nullptr;
+        const long lId = std::strtol(line.c_str(), &pBehind, 10);
         if (lId > 0 && *pBehind == ',' && nOpen < nClose) {
             const std::string text = line.substr(nOpen + 1, nClose - nOpen - 1);
             EXPECT_TRUE(strings.emplace(lId, Widen(text)).second) << name << ": " << line;
@@ -84,7 +84,7 @@ Strings ReadStrings(std::span<const u8> file, const std::vector<u16>& aLanguages
 std::string Conversions(const std::u16string& wcText)
 {
     std::string all;
-    bool        bInside = false;
+    bool bInside = false;
     for (const char cChar : Narrow(wcText)) {
         bInside = bInside || cChar == '%';
         if (bInside) {
@@ -99,13 +99,13 @@ std::string Conversions(const std::u16string& wcText)
 
 struct TinyResource {
     PeName type, name;
-    u16    usLanguage;
-    Bytes  data;
+    u16 usLanguage;
+    Bytes data;
 };
 
 void Put16(Bytes* pBytes, size_t nOffset, unsigned nValue)
 {
-    (*pBytes)[nOffset]     = static_cast<u8>(nValue);
+    (*pBytes)[nOffset] = static_cast<u8>(nValue);
     (*pBytes)[nOffset + 1] = static_cast<u8>(nValue >> 8);
 }
 
@@ -115,19 +115,19 @@ void Put32(Bytes* pBytes, size_t nOffset, u32 ulValue)
     Put16(pBytes, nOffset + 2, ulValue >> 16);
 }
 
-constexpr size_t RSRC    = 0x200;  /* where the section lies in the file */
-constexpr u32    ADDRESS = 0x3000; /* and when loaded */
+constexpr size_t RSRC = 0x200;  /* where the section lies in the file */
+constexpr u32 ADDRESS = 0x3000; /* and when loaded */
 
 struct TinyPe {
-    Bytes  bytes;
+    Bytes bytes;
     size_t nSection; /* offset of the section header */
     size_t nTables;  /* offset of the data directories */
 
     TinyPe(const std::vector<TinyResource>& list, bool bWide = true) : bytes(RSRC)
     {
         const size_t nOptional = 0x40 + 24;
-        nTables                = nOptional + (bWide ? 112 : 96);
-        nSection               = nTables + 16 * 8;
+        nTables = nOptional + (bWide ? 112 : 96);
+        nSection = nTables + 16 * 8;
         Put16(&bytes, 0, 0x5A4D);
         Put32(&bytes, 60, 0x40);
         Put32(&bytes, 0x40, 0x4550);
@@ -171,7 +171,7 @@ struct TinyPe {
                 }
             }
             const size_t nEntry = RSRC + ulStart + 16 + 8 * n;
-            u32          ulName = keys[n].usId;
+            u32 ulName = keys[n].usId;
             if (!keys[n].wcName.empty()) {
                 ulName = 0x80000000 | Size();
                 const size_t nText = bytes.size();
@@ -306,7 +306,7 @@ TEST(LanguageLibraries, HoldThePicturesAndTheVersion)
         ASSERT_TRUE(FindPeResource(library, PeName(VERSION), PeName(1), LanguageOrder(0), &version));
         /* signature, version of the layout, 10.51 */
         const Bytes numbers = {0xBD, 0x04, 0xEF, 0xFE, 0, 0, 1, 0, 51, 0, 10, 0};
-        const auto  end     = library.begin() + static_cast<long>(version.nOffset + version.cbSize);
+        const auto end = library.begin() + static_cast<long>(version.nOffset + version.cbSize);
         EXPECT_NE(std::search(library.begin() + static_cast<long>(version.nOffset), end, numbers.begin(),
                               numbers.end()),
                   end);
@@ -325,11 +325,11 @@ TEST(PeResources, NamesNumbersAndLanguagesInBothFormats)
     for (const bool bWide : {false, true}) {
         SCOPED_TRACE(bWide);
         const TinyPe pe(list, bWide);
-        const auto   found = [&](const PeName& type, const PeName& name, u16 usUser) {
+        const auto found = [&](const PeName& type, const PeName& name, u16 usUser) {
             PePiece piece{};
             return FindPeResource(pe.bytes, type, name, LanguageOrder(usUser), &piece) && piece.cbSize > 0
-                         ? pe.bytes[piece.nOffset]
-                         : 0;
+                       ? pe.bytes[piece.nOffset]
+                       : 0;
         };
         EXPECT_EQ(found(u"DATA", u"ONE", ENGLISH), 1);
         EXPECT_EQ(found(u"DATA", u"TWO", ENGLISH), 2);
@@ -365,7 +365,7 @@ TEST(PeResources, LanguagesInOrder)
             list.push_back({PE_STRING, 1, usLanguage, StringBlock({std::u16string(1, usLanguage + 1)})});
         }
         const Bytes bytes = TinyPe(list).bytes;
-        PeText      text{};
+        PeText text{};
         EXPECT_TRUE(FindPeString(bytes, 0, LanguageOrder(usUser), &text));
         return TextAt(bytes, text).at(0) - 1;
     };
@@ -378,11 +378,11 @@ TEST(PeResources, LanguagesInOrder)
 
 TEST(PeResources, StringsEndWithTheirBlock)
 {
-    Bytes      block = StringBlock({u"first", u"", u"last"});
-    const auto find  = [&](u16 usId) {
+    Bytes block = StringBlock({u"first", u"", u"last"});
+    const auto find = [&](u16 usId) {
         const TinyPe pe({{PE_STRING, 2, ENGLISH, block}, {u"BEHIND", 1, 0, Bytes(600, 'x')}});
-        PeText       text{};
-        const int    nFound = FindPeString(pe.bytes, usId, LanguageOrder(ENGLISH), &text);
+        PeText text{};
+        const int nFound = FindPeString(pe.bytes, usId, LanguageOrder(ENGLISH), &text);
         return nFound ? Narrow(TextAt(pe.bytes, text)) : "none";
     };
     EXPECT_EQ(find(16), "first");
@@ -400,7 +400,7 @@ TEST(PeResources, StringsEndWithTheirBlock)
 TEST(PeResources, DirectoriesThatLeadBackEnd)
 {
     const std::vector<TinyResource> list = {{PE_STRING, 1, ENGLISH, StringBlock({u"text"})}};
-    const size_t                    nType = RSRC + 16, nName = nType + 24, nLanguage = nName + 24;
+    const size_t nType = RSRC + 16, nName = nType + 24, nLanguage = nName + 24;
     for (const size_t nEntry : {nType, nName, nLanguage}) {
         SCOPED_TRACE(nEntry);
         TinyPe pe(list);
@@ -411,7 +411,7 @@ TEST(PeResources, DirectoriesThatLeadBackEnd)
         EXPECT_TRUE(ListPeResources(pe.bytes, 100).empty());
     }
     /* All entries of three wide levels are one directory: the limit ends it. */
-    TinyPe    pe(list);
+    TinyPe pe(list);
     const u32 ulWide = pe.Size();
     pe.bytes.resize(pe.bytes.size() + 16 + 8 * 60000);
     Put16(&pe.bytes, RSRC + ulWide + 14, 60000);

@@ -60,7 +60,8 @@ class CapabilityFaults : public MachineTest {
         Ready(hPrinter, wcPrinter);
     }
 
-    void UseNamedSample()
+    /* An image printer, asked with its handle or by its name alone. */
+    void UseImageSample(bool bByName)
     {
         AddSample("K100");
         tcXpi = wcDriverFolder + WideText(u"K100.XPI");
@@ -69,7 +70,7 @@ class CapabilityFaults : public MachineTest {
         xpi = GetFile(tcXpi);
         SetPrinterText(wcPrinter, u"DefaultSpoolDirectory", u"D:\\Spool");
         AddKey(wcKey);
-        Ready(nullptr, u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly");
+        Ready(bByName ? nullptr : hPrinter, u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly");
     }
 
     void UseNoModel()
@@ -268,15 +269,25 @@ TEST_F(CapabilityFaults, EveryCallFailsOnARichSample)
     EXPECT_GT(SweepQuestions(), 5000);
 }
 
-TEST_F(CapabilityFaults, EveryCallFailsForAPrinterAskedByName)
+TEST_F(CapabilityFaults, EveryCallFailsOnAnImageSample)
 {
-    UseNamedSample();
-    EXPECT_EQ(AskRoomy(DC_PAPERS).dwFilled, 7u) << "the list holds no saved paper or no form";
+    UseImageSample(false);
     EXPECT_GT(SweepQuestions(), 5000);
     DWORD dwType;
     Bytes folder;
     ASSERT_TRUE(GetKeyValue(wcKey, u"SpoolDirectory", &dwType, &folder));
     EXPECT_EQ(folder.size(), 2 * (sizeof "D:\\Spool"));
+}
+
+TEST_F(CapabilityFaults, EveryCallFailsForAPrinterAskedByName)
+{
+    UseImageSample(true);
+    EXPECT_EQ(AskRoomy(DC_PAPERS).dwFilled, 7u) << "the list holds no saved paper or no form";
+    EXPECT_GT(SweepQuestions(), 5000);
+    DWORD dwType;
+    Bytes folder;
+    EXPECT_FALSE(GetKeyValue(wcKey, u"SpoolDirectory", &dwType, &folder))
+        << "copied without a caller's handle";
 }
 
 TEST_F(CapabilityFaults, EveryCallFailsWithoutAModel)
@@ -293,7 +304,7 @@ TEST_F(CapabilityFaults, EveryCallLies)
 
 TEST_F(CapabilityFaults, EveryCallLiesForAPrinterAskedByName)
 {
-    UseNamedSample();
+    UseImageSample(true);
     EXPECT_GT(SweepLies(), 20);
 }
 

@@ -84,9 +84,7 @@ class HostileRecords : public CheckTest {
         call.emplace(hPrinter);
         pModel = LoadPrinterModel(*call);
         ASSERT_NE(pModel, nullptr);
-        WCHAR tcPath[PATH_CHARS];
-        ASSERT_EQ(FindDriverFile(*call, u"XPI", u".XPI", tcPath), 1);
-        good = GoodRecord(pModel.get(), tcPath);
+        good = GoodRecord(pModel.get(), GetXpiPath(*call));
         returning = sample.returning;
         RuleLog log;
         DriverDevmode record = good;

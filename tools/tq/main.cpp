@@ -86,19 +86,25 @@ int main(int argc, char** argv)
 
     RecordOptions record;
     CLI::App* pRecord = app.add_subcommand("record", "A printer's default settings record, changed as asked");
-    pRecord->add_option("--model", record.model, "A description file, or a sample's name or section")->required();
+    pRecord->add_option("--model", record.model, "A description file, or a sample's name or section")
+        ->required();
     pRecord->add_option("--package", record.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pRecord->add_option("--set", record.assignments, "field=value; several times");
     pRecord->add_option("--out", record.file, "File for the 4088 bytes; without it the record comes as text");
-    pRecord->add_flag("--all", record.bAll, "The text has every field, not only what differs from the template");
+    pRecord->add_flag("--all", record.bAll,
+                      "The text has every field, not only what differs from the template");
     pRecord->add_flag("--metric", record.bMetric, "The user's locale is metric");
 
     ExplainOptions explain;
-    CLI::App* pExplain = app.add_subcommand("explain", "Why a record is accepted, repaired or refused, rule by rule");
-    pExplain->add_option("record", explain.file, "The record: its 4088 bytes, or the text of tq record")->required();
-    pExplain->add_option("--model", explain.model, "A description file, or a sample's name or section")->required();
-    pExplain->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
+    CLI::App* pExplain =
+        app.add_subcommand("explain", "Why a record is accepted, repaired or refused, rule by rule");
+    pExplain->add_option("record", explain.file, "The record: its 4088 bytes, or the text of tq record")
+        ->required();
+    pExplain->add_option("--model", explain.model, "A description file, or a sample's name or section")
+        ->required();
+    pExplain
+        ->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pExplain->add_flag("--metric", explain.bMetric, "The user's locale is metric");
     record.package = TQUI_SAMPLES;

@@ -370,7 +370,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
     if (opened.nDescriptor < 0) {
         return INVALID_HANDLE_VALUE;
     }
-    struct stat there;
+    struct stat there = {};
     DWORD dwError = fstat(opened.nDescriptor, &there) == 0 ? 0 : ERROR_GEN_FAILURE;
     if (!dwError && !bMade) {
         /* Emptying a file is writing it, whatever access was asked for. */
@@ -461,7 +461,7 @@ BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
 {
     FAILS(GetFileSizeEx);
     OpenFile* pFile = FindFile(hFile);
-    struct stat there;
+    struct stat there = {};
     if (!pFile) {
         return Refuse(ERROR_INVALID_HANDLE);
     }
@@ -489,7 +489,7 @@ DWORD WINAPI GetFileAttributesW(LPCWSTR tcPath)
 {
     FAILS(GetFileAttributesW);
     std::string host;
-    struct stat there;
+    struct stat there = {};
     if (!LookUp(tcPath, &host, &there)) {
         return INVALID_FILE_ATTRIBUTES;
     }
@@ -502,7 +502,7 @@ BOOL WINAPI SetFileAttributesW(LPCWSTR tcPath, DWORD dwAttributes)
 {
     FAILS(SetFileAttributesW);
     std::string host;
-    struct stat there;
+    struct stat there = {};
     if (!LookUp(tcPath, &host, &there)) {
         return 0;
     }

@@ -376,12 +376,12 @@ BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
         rows.push_back(row);
     }
     *pcbNeeded = layout.Needed();
-    if (!layout.Fits()) {
+    if (!layout.Fits() || Lies(CALL_EnumFormsW, LIE_HUGE)) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
     if (!rows.empty()) {
         std::memcpy(pOut, rows.data(), rows.size() * sizeof(FORM_INFO_1W));
     }
-    *pnForms = Lies(CALL_EnumFormsW, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(rows.size());
+    *pnForms = static_cast<DWORD>(rows.size());
     return 1;
 }
