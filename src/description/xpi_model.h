@@ -130,7 +130,8 @@ const void* RowAt(const XpiModel* pModel, const void* pTable, i32 nIndex, u32 cb
 
 template <class T> const T* Row(const XpiModel* pModel, const T* pTable, i32 nIndex)
 {
-    static_assert(alignof(T) == 1 && sizeof(T) <= 64);
+    static_assert(alignof(T) == 1);
+    static_assert(sizeof(T) <= 64);
     return static_cast<const T*>(RowAt(pModel, pTable, nIndex, sizeof(T)));
 }
 

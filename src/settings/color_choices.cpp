@@ -64,9 +64,12 @@ void ApplyColorPreset(PrivateDevmode* pPrivate, const XpiModel* pModel)
 void BuildColorCommands(PrivateDevmode* pPrivate, const XpiModel* pModel)
 {
     i32 nCommands = 0;
-    const ColorOptionRow* const apTables[4] = {
-        pModel ? pModel->pTextOptions : nullptr, pModel ? pModel->pImageOptions : nullptr,
-        pModel ? pModel->pGraphicsOptions : nullptr, pModel ? pModel->pGeneralOptions : nullptr};
+    if (!pModel) {
+        pPrivate->sGenColorCmdCount = 0;
+        return;
+    }
+    const ColorOptionRow* const apTables[4] = {pModel->pTextOptions, pModel->pImageOptions,
+                                               pModel->pGraphicsOptions, pModel->pGeneralOptions};
     for (i32 nClass = 0; nClass < 4; nClass++) {
         const ObjectClass& kind = aClasses[nClass];
         i16 asChoices[CHOICE_SLOTS];

@@ -280,8 +280,8 @@ TEST_F(ProfileFiles, Encodings)
     EXPECT_EQ(Read(Put("\xEF\xBB\xBF[s]\r\nk=\xC3\xA4\r\n"), "s", "k"), "\\u00E4");
     EXPECT_EQ(Read(Put("[s]\r\nk=\xC3\xA4\r\n"), "s", "k"), "\\u00C3\\u00A4");
     EXPECT_EQ(Read(Put(std::string("\xFE\xFF\0[\0s\0]\0\n\0k\0=\x4E\x2D", 16)), "s", "k"), "\\u4E2D");
-    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 18)), "s", "k"), "a");
-    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 18)), "s", "l"), "2");
+    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 17)), "s", "k"), "a");
+    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 17)), "s", "l"), "2");
     for (const char* cMarkOnly : {"\xFF", "\xFF\xFE", "\xFE\xFF", "\xEF\xBB\xBF", "\xEF\xBB"}) {
         EXPECT_EQ(Read(Put(cMarkOnly), "s", "k"), "none");
     }

@@ -359,7 +359,7 @@ TEST(PeResources, LanguagesInOrder)
 {
     /* Of the languages that are there, the user's is first, then his primary one, then English; the neutral
        one goes before all. */
-    const auto picked = [](std::vector<u16> aThere, u16 usUser) {
+    const auto picked = [](const std::vector<u16>& aThere, u16 usUser) {
         std::vector<TinyResource> list;
         for (const u16 usLanguage : aThere) {
             list.push_back({PE_STRING, 1, usLanguage, StringBlock({std::u16string(1, usLanguage + 1)})});
