@@ -22,10 +22,10 @@ struct ConstantAnswer {
     DWORD dwAnswer;
 };
 constexpr ConstantAnswer aConstants[] = {
-    {DC_SIZE, PUBLIC_RECORD_BYTES},
-    {DC_EXTRA, PRIVATE_RECORD_BYTES},
-    {DC_VERSION, 1025},
-    {DC_DRIVER, 2611},
+    {DC_SIZE, PUBLIC_BYTES},
+    {DC_EXTRA, PRIVATE_BYTES},
+    {DC_VERSION, SPEC_VERSION},
+    {DC_DRIVER, DRIVER_VERSION},
     {DC_FILEDEPENDENCIES, 0},
     {DC_ORIENTATION, 90},
     {DC_COPIES, 99},

@@ -8,12 +8,12 @@
 #include "description/language_dll.h"
 #include "description/paper.h"
 #include "description/xpi_text.h"
+#include "settings/driver_devmode.h"
 
 namespace {
 
-constexpr u16 BIN_AUTOMATIC = 1025; /* the only bin without a model */
-constexpr u16 FIRST_MEDIA_BIN =
-    2000; /* media listed behind the bins, so that one can be picked as a source */
+/* Media are listed behind the bins, so that one can be picked as a source. */
+constexpr u16 FIRST_MEDIA_BIN = 2000;
 
 /* The saved papers and forms that follow the model's papers: none unless both custom maxima are set. */
 struct AddedPapers {
@@ -186,7 +186,8 @@ DWORD ListBins(CapabilityCall& ask)
 {
     const XpiModel* pModel = CapabilityModel(ask);
     if (!pModel) {
-        PutRow(ask, 0, &BIN_AUTOMATIC, sizeof BIN_AUTOMATIC);
+        u16 usBin = BIN_AUTO;
+        PutRow(ask, 0, &usBin, sizeof usBin);
         return 1;
     }
     const DeviceInfo* pInstalled = GetDeviceInfo(ask.call, pModel);

@@ -5,11 +5,7 @@
 
 #include "base/types.h"
 #include "platform/spooler.h"
-
-/* Bytes of the settings record: the public part that the system publishes, and the private part behind it. */
-constexpr DWORD PUBLIC_RECORD_BYTES = 220;
-constexpr DWORD PRIVATE_RECORD_BYTES = 3868;
-constexpr DWORD RECORD_BYTES = PUBLIC_RECORD_BYTES + PRIVATE_RECORD_BYTES;
+#include "settings/driver_devmode.h"
 
 extern "C" {
 

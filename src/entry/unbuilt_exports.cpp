@@ -11,8 +11,8 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
         return -1;
     }
     if (pHeader->fMode == 0 || !pHeader->pdmOut) {
-        pHeader->cbOut = RECORD_BYTES;
-        return static_cast<LONG>(RECORD_BYTES);
+        pHeader->cbOut = RECORD_SIZE;
+        return RECORD_SIZE;
     }
     return -1;
 }
@@ -26,7 +26,7 @@ LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, 
     header.pszPrinterName = pszPrinterName;
     header.pdmIn = pdmIn;
     header.pdmOut = pdmOut;
-    header.cbOut = PUBLIC_RECORD_BYTES;
+    header.cbOut = PUBLIC_BYTES;
     header.fMode = fMode;
     return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
 }
