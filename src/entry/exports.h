@@ -40,9 +40,9 @@ int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void
                             void* pvOut);
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
 BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo);
-DWORD WINAPI GuiStartJob(void* pJob, DWORD* pLength);
-DWORD WINAPI GuiStartSheet(void* pSheet, DWORD* pLength);
-DWORD WINAPI GuiEndJob(void* pJob, DWORD* pLength);
+DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, void* pJob);
+DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, void* pJob);
+DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, void* pSheet);
 
 BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pReserved);
 }
