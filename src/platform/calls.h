@@ -54,6 +54,55 @@
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 
+#define WINDOW_CALLS(X) \
+    X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
+    X(LRESULT, CallWindowProcW, (WNDPROC, HWND, UINT, WPARAM, LPARAM), 0) \
+    X(BOOL, CheckDlgButton, (HWND, int, UINT), 0) \
+    X(BOOL, CheckRadioButton, (HWND, int, int, int), 0) \
+    X(BOOL, DeleteObject, (HGDIOBJ), 0) \
+    X(INT_PTR, DialogBoxParamW, (HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM), -1) \
+    X(BOOL, EnableWindow, (HWND, BOOL), 0) \
+    X(BOOL, EndDialog, (HWND, INT_PTR), 0) \
+    X(BOOL, EndPaint, (HWND, const PAINTSTRUCT*), 0) \
+    X(BOOL, EnumChildWindows, (HWND, WNDENUMPROC, LPARAM), 0) \
+    X(BOOL, GetClientRect, (HWND, LPRECT), 0) \
+    X(HCURSOR, GetCursor, (void), nullptr) \
+    X(BOOL, GetCursorPos, (LPPOINT), 0) \
+    X(int, GetDlgCtrlID, (HWND), 0) \
+    X(HWND, GetDlgItem, (HWND, int), nullptr) \
+    X(UINT, GetDlgItemInt, (HWND, int, BOOL*, BOOL), 0) \
+    X(UINT, GetDlgItemTextW, (HWND, int, LPWSTR, int), 0) \
+    X(HWND, GetFocus, (void), nullptr) \
+    X(HWND, GetParent, (HWND), nullptr) \
+    X(BOOL, GetScrollInfo, (HWND, int, LPSCROLLINFO), 0) \
+    X(LONG_PTR, GetWindowLongPtrW, (HWND, int), 0) \
+    X(BOOL, GetWindowPlacement, (HWND, WINDOWPLACEMENT*), 0) \
+    X(BOOL, GetWindowRect, (HWND, LPRECT), 0) \
+    X(BOOL, InvalidateRect, (HWND, const RECT*, BOOL), 0) \
+    X(UINT, IsDlgButtonChecked, (HWND, int), 0) \
+    X(BOOL, IsWindowEnabled, (HWND), 0) \
+    X(BOOL, IsWindowVisible, (HWND), 0) \
+    X(HCURSOR, LoadCursorW, (HINSTANCE, LPCWSTR), nullptr) \
+    X(HICON, LoadIconW, (HINSTANCE, LPCWSTR), nullptr) \
+    X(HANDLE, LoadImageW, (HINSTANCE, LPCWSTR, UINT, int, int, UINT), nullptr) \
+    X(int, MapWindowPoints, (HWND, HWND, LPPOINT, UINT), 0) \
+    X(int, MessageBoxW, (HWND, LPCWSTR, LPCWSTR, UINT), 0) \
+    X(BOOL, MoveWindow, (HWND, int, int, int, int, BOOL), 0) \
+    X(LRESULT, SendDlgItemMessageW, (HWND, int, UINT, WPARAM, LPARAM), 0) \
+    X(LRESULT, SendMessageTimeoutW, (HWND, UINT, WPARAM, LPARAM, UINT, UINT, PDWORD_PTR), 0) \
+    X(LRESULT, SendMessageW, (HWND, UINT, WPARAM, LPARAM), 0) \
+    X(HCURSOR, SetCursor, (HCURSOR), nullptr) \
+    X(BOOL, SetDlgItemInt, (HWND, int, UINT, BOOL), 0) \
+    X(BOOL, SetDlgItemTextW, (HWND, int, LPCWSTR), 0) \
+    X(HWND, SetFocus, (HWND), nullptr) \
+    X(BOOL, SetForegroundWindow, (HWND), 0) \
+    X(int, SetScrollInfo, (HWND, int, LPCSCROLLINFO, BOOL), 0) \
+    X(LONG_PTR, SetWindowLongPtrW, (HWND, int, LONG_PTR), 0) \
+    X(BOOL, SetWindowPlacement, (HWND, const WINDOWPLACEMENT*), 0) \
+    X(BOOL, SetWindowTextW, (HWND, LPCWSTR), 0) \
+    X(BOOL, ShowWindow, (HWND, int), 0) \
+    X(BOOL, UpdateWindow, (HWND), 0)
+
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
     X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0) \
@@ -66,6 +115,7 @@
     REGISTRY_CALLS(X) \
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
+    WINDOW_CALLS(X) \
     TEXT_CALLS(X)
 
 #endif

@@ -103,7 +103,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nWindows, nGdiObjects;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -66,6 +66,7 @@ void StopMachine()
     }
     StopFaults();
     TellLies(LIE_NONE);
+    ResetWindows();
     ResetResources();
     ResetSpooler();
     ResetRegistry();

@@ -104,6 +104,27 @@ int WINAPI LoadStringW(HINSTANCE hModule, UINT uId, LPWSTR wcOut, int cchRoom)
     return FalseLength(wcOut, cchRoom, cch);
 }
 
+bool FindModuleResource(HMODULE hModule, u16 usType, LPCWSTR wcName, Bytes* pBytes)
+{
+    const auto module = loadedModules.find(hModule);
+    PePiece piece{};
+    if (module == loadedModules.end() || !wcName) {
+        return false;
+    }
+    PeName name(static_cast<u16>(reinterpret_cast<std::uintptr_t>(wcName)));
+    if (!IS_INTRESOURCE(wcName)) {
+        WideText wcUpper(wcName); /* as resource compilers store names */
+        std::transform(wcUpper.begin(), wcUpper.end(), wcUpper.begin(), UpperChar);
+        name = PeName(std::u16string_view(wcUpper));
+    }
+    if (!FindPeResource(module->second, PeName(usType), name, LanguageOrder(HostedUserLanguage()), &piece)) {
+        return false;
+    }
+    const auto pFirst = module->second.begin() + static_cast<std::ptrdiff_t>(piece.nOffset);
+    pBytes->assign(pFirst, pFirst + static_cast<std::ptrdiff_t>(piece.cbSize));
+    return true;
+}
+
 void ResetResources()
 {
     liveCounts.nModules -= static_cast<int>(loadedModules.size());

@@ -12,6 +12,7 @@
 #include "platform/resources.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/window.h"
 
 /* Counts the call. 1 when a fault is set for it: the last error is then ERROR_GEN_FAILURE, or
    ERROR_NOT_ENOUGH_MEMORY for an allocation. */
@@ -63,6 +64,7 @@ void ResetFiles();
 void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();
+void ResetWindows();
 void ResetResources();
 
 /* Locale value of section "intl"; false when the machine has none. */
@@ -80,6 +82,9 @@ bool ReadHostBytes(const std::string& host, Bytes* pBytes);
 
 /* Makes the file hold these bytes. Result: 0 or an error. */
 DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
+
+/* Bytes of a resource of a loaded module, in the user's language: false when there is none. No counting. */
+bool FindModuleResource(HMODULE hModule, u16 usType, LPCWSTR wcName, Bytes* pBytes);
 
 /* Reads a whole file of the machine for a stand-in that is not itself a file call (no counting). */
 bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes);

@@ -7,8 +7,10 @@
 #include "platform/profile.h"
 #include "platform/registry.h"
 #include "platform/resources.h"
+#include "platform/sheet.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/window.h"
 
 #define CHECK_CALL(result, name, params, failed) \
     static_assert(std::is_same_v<decltype(&name), result(WINAPI*) params>, #name " has another prototype");
