@@ -12,6 +12,9 @@
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
     X(DWORD, GetVersion, (void), 0) \
+    X(DWORD, GetTickCount, (void), 0) \
+    X(UINT, WinExec, (LPCSTR, UINT), 0) \
+    X(LCID, GetUserDefaultLCID, (void), 0) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -22,6 +25,10 @@
     X(BOOL, ReadFile, (HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED), 0) \
     X(BOOL, SetFilePointerEx, (HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD), 0) \
     X(BOOL, GetFileSizeEx, (HANDLE, PLARGE_INTEGER), 0) \
+    X(HANDLE, FindFirstFileW, (LPCWSTR, LPWIN32_FIND_DATAW), INVALID_HANDLE_VALUE) \
+    X(BOOL, FindNextFileW, (HANDLE, LPWIN32_FIND_DATAW), 0) \
+    X(BOOL, FindClose, (HANDLE), 0) \
+    X(BOOL, CopyFileW, (LPCWSTR, LPCWSTR, BOOL), 0) \
     X(BOOL, CloseHandle, (HANDLE), 0) \
     X(DWORD, GetFileAttributesW, (LPCWSTR), INVALID_FILE_ATTRIBUTES) \
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
@@ -44,18 +51,30 @@
     X(BOOL, OpenPrinterW, (LPWSTR, LPHANDLE, LPPRINTER_DEFAULTSW), 0) \
     X(BOOL, ClosePrinter, (HANDLE), 0) \
     X(BOOL, GetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
+    X(BOOL, SetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD), 0) \
     X(BOOL, GetPrinterDriverW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
+    X(BOOL, AddFormW, (HANDLE, DWORD, LPBYTE), 0) \
+    X(BOOL, DeleteFormW, (HANDLE, LPWSTR), 0) \
+    X(BOOL, EnumPrintProcessorsW, (LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0) \
+    X(BOOL, AddPrintProcessorW, (LPWSTR, LPWSTR, LPWSTR, LPWSTR), 0) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
 #define RESOURCE_CALLS(X) \
     X(HMODULE, LoadLibraryExW, (LPCWSTR, HANDLE, DWORD), nullptr) \
+    X(FARPROC, GetProcAddress, (HMODULE, LPCSTR), nullptr) \
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 
+#define GDI_CALLS(X) \
+    X(HDC, CreateDCW, (LPCWSTR, LPCWSTR, LPCWSTR, const DEVMODEW*), nullptr) \
+    X(BOOL, DeleteDC, (HDC), 0) \
+    X(int, EnumFontFamiliesW, (HDC, LPCWSTR, FONTENUMPROCW, LPARAM), 0)
+
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
+    X(int, WideCharToMultiByte, (UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL), 0) \
     X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0) \
     X(int, lstrcmpW, (LPCWSTR, LPCWSTR), -2)
 
@@ -66,6 +85,7 @@
     REGISTRY_CALLS(X) \
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
+    GDI_CALLS(X) \
     TEXT_CALLS(X)
 
 #endif

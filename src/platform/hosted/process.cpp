@@ -65,12 +65,16 @@ void StopMachine()
         return;
     }
     StopFaults();
+    RefuseCalls({});
     TellLies(LIE_NONE);
     ResetResources();
     ResetSpooler();
     ResetRegistry();
     ResetProfile();
+    ResetFolders();
     ResetFiles();
+    ResetPrograms();
+    ResetFonts();
     ResetProcess();
     SetCodePage(1252);
     ResetCallCounts();
