@@ -11,7 +11,11 @@
     X(LPVOID, HeapAlloc, (HANDLE, DWORD, SIZE_T), nullptr) \
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
+    X(void, SetLastError, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
+    X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
+    X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
+    X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -47,6 +51,7 @@
     X(BOOL, GetPrinterDriverW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
+    X(DWORD, DeletePrinterDataW, (HANDLE, LPWSTR), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
 #define RESOURCE_CALLS(X) \

@@ -71,6 +71,10 @@ const std::vector<std::string>& OpenedPrinters();
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
+/* ---- named semaphores ---- */
+bool HasSemaphore(std::u16string_view wcName);
+void DropSemaphores(); /* closes every handle, as the end of the process does */
+
 /* ---- what was called ---- */
 enum CallId : int {
     ANY_CALL = -1,
@@ -103,7 +107,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

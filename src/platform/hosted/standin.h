@@ -65,6 +65,9 @@ void ResetRegistry();
 void ResetSpooler();
 void ResetResources();
 
+/* Closes a semaphore's handle; false when it is none. */
+bool CloseSemaphore(HANDLE hObject);
+
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);
 
