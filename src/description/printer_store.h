@@ -9,9 +9,12 @@
 int StorePrinterValue(PrinterCall& call, const WCHAR* wcValue, u32 dwType, const void* pBytes, u32 cb);
 int StorePrinterText(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcText);
 
-/* Reads a value of up to a megabyte, whatever its type, into *outBlock, a new block of the caller's with two NULs
-   behind the value. Result: its size; 0 and null when it is absent, empty, or cannot be read. */
-u32 GetPrinterBlock(PrinterCall& call, const WCHAR* wcName, OwnedBlock<u8>* outBlock);
+/* A value of any type and size up to a megabyte. */
+enum ValueState : int { VALUE_ABSENT, VALUE_UNREADABLE, VALUE_READ }; /* absent: also empty */
+
+/* Reads it as a new block, the caller's, that has two NULs (and one byte) behind its *pcb bytes. Other results
+   than VALUE_READ leave null and 0. */
+ValueState ReadPrinterBlock(PrinterCall& call, const WCHAR* wcValue, OwnedBlock<u8>* outBlock, u32* pcb);
 
 /* Value "Memory": megabytes; 0 when it is not there or has not 4 bytes. */
 u32 GetPrinterMemory(PrinterCall& call);

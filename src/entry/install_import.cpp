@@ -20,7 +20,10 @@ const WCHAR* const wcPaperSizes = TEXT("PaperSizes");
 void AppendPaperSizes(PrinterCall& call, const PaperSizeRow* pRows, i32 nRows)
 {
     OwnedBlock<u8> pOld;
-    u32 cbOld = GetPrinterBlock(call, wcPaperSizes, &pOld);
+    u32 cbOld;
+    if (ReadPrinterBlock(call, wcPaperSizes, &pOld, &cbOld) == VALUE_UNREADABLE) {
+        return; /* rows that cannot be read are not to be lost */
+    }
     u32 cbNew = static_cast<u32>(nRows) * static_cast<u32>(sizeof(StoredPaperSize));
     OwnedBlock<u8> pNew(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbOld) + cbNew)));
     if (!pNew) {

@@ -58,6 +58,8 @@ using HWND = struct HWND__*;
 using HINSTANCE = struct HINSTANCE__*;
 using HMODULE = HINSTANCE;
 
+using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
+
 union LARGE_INTEGER {
     i64 QuadPart;
 };
@@ -99,10 +101,11 @@ constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_ENVVAR_NOT_FOUND = 203;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
-constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 constexpr DWORD ERROR_INVALID_PRINTER_NAME = 1801;
+constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 
 /* Declares one call of a list of calls.h. */
 #define DECLARE_CALL(result, name, params, failed) result WINAPI name params;

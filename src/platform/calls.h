@@ -11,10 +11,14 @@
     X(LPVOID, HeapAlloc, (HANDLE, DWORD, SIZE_T), nullptr) \
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
+    X(void, SetLastError, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
     X(DWORD, GetTickCount, (void), 0) \
     X(UINT, WinExec, (LPCSTR, UINT), 0) \
     X(LCID, GetUserDefaultLCID, (void), 0) \
+    X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
+    X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
+    X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -59,6 +63,7 @@
     X(BOOL, DeleteFormW, (HANDLE, LPWSTR), 0) \
     X(BOOL, EnumPrintProcessorsW, (LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0) \
     X(BOOL, AddPrintProcessorW, (LPWSTR, LPWSTR, LPWSTR, LPWSTR), 0) \
+    X(DWORD, DeletePrinterDataW, (HANDLE, LPWSTR), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
 #define RESOURCE_CALLS(X) \

@@ -17,6 +17,16 @@ constexpr DWORD DLL_PROCESS_ATTACH = 1;
 constexpr DWORD DLL_THREAD_ATTACH = 2;
 constexpr DWORD DLL_THREAD_DETACH = 3;
 
+constexpr DWORD SEMAPHORE_ALL_ACCESS = 0x1F0003;
+
+struct OSVERSIONINFOW {
+    DWORD dwOSVersionInfoSize; /* set by the caller */
+    DWORD dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
+    WCHAR szCSDVersion[128];
+};
+using LPOSVERSIONINFOW = OSVERSIONINFOW*;
+static_assert(sizeof(OSVERSIONINFOW) == 276);
+
 PROCESS_CALLS(DECLARE_CALL)
 
 #endif

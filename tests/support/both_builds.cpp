@@ -75,6 +75,7 @@ void BothBuilds::TearDown()
     EXPECT_EQ(CountLive().nModules, 0);
     EXPECT_EQ(CountLive().nSearches, 0);
     EXPECT_EQ(CountLive().nContexts, 0);
+    EXPECT_EQ(CountLive().nSemaphores, 0);
     StopMachine();
 }
 

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_NOACCESS = 998;
 
 constexpr DWORD GENERIC_ALL = 0x10000000;
@@ -479,6 +478,9 @@ BOOL WINAPI CloseHandle(HANDLE hObject)
         close(pFile->nDescriptor);
         pFile->nDescriptor = -1;
         liveCounts.nFiles--;
+        return !bFails;
+    }
+    if (CloseSemaphore(hObject)) {
         return !bFails;
     }
     /* The invalid handle is at the same time this process's own, which closes at any time without effect. */

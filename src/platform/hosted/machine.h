@@ -109,6 +109,10 @@ void SetFontFamilies(const std::vector<FontFamily>& families);
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
+/* ---- named semaphores ---- */
+bool HasSemaphore(std::u16string_view wcName);
+void DropSemaphores(); /* closes every handle, as the end of the process does */
+
 /* ---- what was called ---- */
 enum CallId : int {
     ANY_CALL = -1,
@@ -144,6 +148,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 /* ---- what is held ---- */
 struct LiveCounts {
     int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -68,6 +68,7 @@ void StopMachine()
     RefuseCalls({});
     TellLies(LIE_NONE);
     ResetResources();
+    DropSemaphores();
     ResetSpooler();
     ResetRegistry();
     ResetProfile();
@@ -209,6 +210,26 @@ DWORD WINAPI GetVersion(void)
 {
     FAILS(GetVersion);
     return static_cast<DWORD>(process().nMajor | process().nMinor << 8);
+}
+
+void WINAPI SetLastError(DWORD dwError)
+{
+    CallFails(CALL_SetLastError);
+    process().dwError = dwError;
+}
+
+BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW pVersion)
+{
+    FAILS(GetVersionExW);
+    if (pVersion->dwOSVersionInfoSize < sizeof *pVersion) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    *pVersion = {};
+    pVersion->dwOSVersionInfoSize = sizeof *pVersion;
+    pVersion->dwMajorVersion = static_cast<DWORD>(process().nMajor);
+    pVersion->dwMinorVersion = static_cast<DWORD>(process().nMinor);
+    pVersion->dwPlatformId = 2;
+    return 1;
 }
 
 BOOL WINAPI GetComputerNameW(LPWSTR wcName, LPDWORD pcchName)

@@ -406,6 +406,16 @@ DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, DWORD dwType, LPBY
     return ERROR_SUCCESS;
 }
 
+DWORD WINAPI DeletePrinterDataW(HANDLE hPrinter, LPWSTR wcValue)
+{
+    FAILS(DeletePrinterDataW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter) {
+        return ERROR_INVALID_HANDLE;
+    }
+    return pPrinter->values.erase(LowerText(wcValue)) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+}
+
 BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded,
                        LPDWORD pnForms)
 {

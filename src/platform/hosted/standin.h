@@ -72,6 +72,9 @@ void ResetPrograms();
 void ResetFolders();
 void ResetFonts();
 
+/* Closes a semaphore's handle; false when it is none. */
+bool CloseSemaphore(HANDLE hObject);
+
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);
 
