@@ -50,7 +50,7 @@ fuzz:
 	@scripts/fuzz $(SECONDS)
 
 check: asan windows
-	@scripts/setup check
+	@scripts/setup check bench
 	@scripts/check
 
 mutate:
