@@ -76,6 +76,8 @@ void StopMachine()
     ResetFiles();
     ResetPrograms();
     ResetFonts();
+    ResetPowerCuts();
+    SetDiskRoom(-1);
     ResetProcess();
     SetCodePage(1252);
     ResetCallCounts();
@@ -204,6 +206,11 @@ DWORD WINAPI GetLastError(void)
 {
     FAILS(GetLastError);
     return process().dwError;
+}
+
+void WINAPI Sleep(DWORD)
+{
+    FAILS(Sleep); /* counted only: nobody else runs on this machine */
 }
 
 DWORD WINAPI GetVersion(void)
