@@ -51,6 +51,9 @@ using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
 const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call);
 const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 
+/* Writes the printer's information back. The call asks anew for it afterwards. 1 when the spooler took it. */
+int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info);
+
 /* A text member of one of the two blocks: "" for null and for what does not lie in the block. The text ends
    inside the block or in the zeros kept behind it, and so does a list of texts. */
 const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember);
@@ -77,6 +80,13 @@ int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int c
 /* Reads a value of at most cb bytes whatever its type. Result: its size, 0 when it is not there, empty, or
    larger. */
 u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb);
+
+/* Name of this computer, COMPUTER_CHARS of room. 1, or 0 and "" when the system does not tell it. */
+constexpr int COMPUTER_CHARS = 64;
+int ReadComputerName(WCHAR* wcOut);
+
+/* 1 for a printer's name that begins with "\\", this computer's name and a backslash. */
+int IsOnComputer(const WCHAR* wcPrinterName, const WCHAR* wcComputer);
 
 /* Opens a printer by a name that comes from outside a spooler call: a name of this computer
    ("\\THISPC\Name,LocalOnly") is cut at ",Local". Full access is tried first, use only behind a refusal. The

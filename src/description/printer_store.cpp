@@ -3,54 +3,77 @@
 
 #include <cstring>
 
+#include "base/file_name.h"
 #include "platform/process.h"
 #include "settingsfile/profile_values.h"
+#include "settingsfile/section_file.h"
 
 namespace {
 
+const WCHAR* const wcUserSection = TEXT("Basalt");
+
 constexpr u32 VALUE_LIMIT = 1024 * 1024; /* bytes of a stored value; an honest one has a few hundred */
-
-void SetValue(PrinterCall& call, const WCHAR* wcValue, DWORD dwType, const void* pBytes, u32 cb)
-{
-    SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), dwType,
-                    static_cast<BYTE*>(const_cast<void*>(pBytes)), cb);
-}
-
-/* 1 for a name of nothing but dots and blanks, which names no file. */
-int IsHollow(const WCHAR* wcName)
-{
-    while (*wcName == '.' || *wcName == ' ') {
-        wcName++;
-    }
-    return *wcName == 0;
-}
-
-void MakeFileName(WCHAR* wcName)
-{
-    for (; *wcName; wcName++) {
-        switch (*wcName) {
-        case '"': *wcName = '\''; break;
-        case '*':
-        case ':':
-        case '?':
-        case '|': *wcName = ' '; break;
-        case '/':
-        case '\\': *wcName = '-'; break;
-        case '<': *wcName = '('; break;
-        case '>': *wcName = ')'; break;
-        default: break;
-        }
-    }
-}
 
 void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch)
 {
     WCHAR tcPath[PATH_CHARS];
     GetUserSettingsPath(call, tcPath);
-    ReadProfileText(TEXT("Basalt"), wcKey, TEXT(""), wcOut, cch, tcPath);
+    ReadProfileText(wcUserSection, wcKey, TEXT(""), wcOut, cch, tcPath);
+}
+
+void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
+{
+    WCHAR tcPath[PATH_CHARS];
+    if (GetUserSettingsPath(call, tcPath)) {
+        ReplaceKey(tcPath, wcUserSection, wcKey, wcText);
+    }
 }
 
 } // namespace
+
+int StorePrinterValue(PrinterCall& call, const WCHAR* wcValue, u32 dwType, const void* pBytes, u32 cb)
+{
+    return SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), dwType,
+                           static_cast<BYTE*>(const_cast<void*>(pBytes)), cb) == ERROR_SUCCESS;
+}
+
+int StorePrinterText(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcText)
+{
+    return StorePrinterValue(call, wcValue, REG_SZ, wcText,
+                             static_cast<u32>(WideLength(wcText) + 1) * static_cast<u32>(sizeof(WCHAR)));
+}
+
+ValueState ReadPrinterBlock(PrinterCall& call, const WCHAR* wcValue, OwnedBlock<u8>* outBlock, u32* pcb)
+{
+    DWORD dwType, cbValue = 0, cbGot = 0;
+    LPWSTR wcAsked = const_cast<LPWSTR>(wcValue);
+    BYTE bSize;
+    outBlock->reset();
+    *pcb = 0;
+    if (!IsOpen(call.hPrinter)) {
+        return VALUE_UNREADABLE;
+    }
+    DWORD dwError = GetPrinterDataW(call.hPrinter, wcAsked, &dwType, &bSize, 0, &cbValue);
+    if (dwError == ERROR_FILE_NOT_FOUND || (dwError == ERROR_SUCCESS && !cbValue)) {
+        return VALUE_ABSENT;
+    }
+    if (dwError != ERROR_MORE_DATA || !cbValue || cbValue > VALUE_LIMIT) {
+        return VALUE_UNREADABLE;
+    }
+    OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
+    if (!pBlock ||
+        GetPrinterDataW(call.hPrinter, wcAsked, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
+        return VALUE_UNREADABLE;
+    }
+    u32 cb = cbGot < cbValue ? cbGot : cbValue;
+    if (!cb) {
+        return VALUE_ABSENT;
+    }
+    std::memset(pBlock.get() + cb, 0, cbValue - cb);
+    *outBlock = std::move(pBlock);
+    *pcb = cb;
+    return VALUE_READ;
+}
 
 u32 GetPrinterMemory(PrinterCall& call)
 {
@@ -61,48 +84,31 @@ u32 GetPrinterMemory(PrinterCall& call)
 
 void SetPrinterMemory(PrinterCall& call, u32 ulMemory)
 {
-    SetValue(call, TEXT("Memory"), REG_DWORD, &ulMemory, sizeof ulMemory);
+    StorePrinterValue(call, TEXT("Memory"), REG_DWORD, &ulMemory, sizeof ulMemory);
 }
 
 u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
 {
-    DWORD dwType, cbValue = 0;
-    LPWSTR wcValue = const_cast<LPWSTR>(TEXT("FontSubs"));
-    BYTE bSize;
-    outBlock->reset();
-    if (!IsOpen(call.hPrinter) ||
-        GetPrinterDataW(call.hPrinter, wcValue, &dwType, &bSize, 0, &cbValue) != ERROR_MORE_DATA ||
-        !cbValue || cbValue > VALUE_LIMIT) {
-        return 0;
+    u32 cb;
+    ReadPrinterBlock(call, TEXT("FontSubs"), outBlock, &cb);
+    if (cb % sizeof(WCHAR)) {
+        outBlock->get()[--cb] = 0;
     }
-    OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
-    DWORD cbGot = 0;
-    if (!pBlock ||
-        GetPrinterDataW(call.hPrinter, wcValue, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
-        return 0;
-    }
-    u32 cb = (cbGot < cbValue ? cbGot : cbValue) & ~1u;
     if (!cb) {
-        return 0;
+        outBlock->reset();
     }
-    std::memset(pBlock.get() + cb, 0, cbValue - cb);
-    *outBlock = std::move(pBlock);
     return cb;
 }
 
 void SetFontSubs(PrinterCall& call, const void* pBlock, u32 cb)
 {
-    SetValue(call, TEXT("FontSubs"), REG_MULTI_SZ, pBlock, cb);
+    StorePrinterValue(call, TEXT("FontSubs"), REG_MULTI_SZ, pBlock, cb);
 }
 
 int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 {
     int bRead = ReadPrinterText(call, TEXT("Settings"), wcOut, cch, nullptr);
-    int bPlain = !IsHollow(wcOut);
-    for (int i = 0; wcOut[i]; i++) {
-        bPlain = bPlain && wcOut[i] != '\\' && wcOut[i] != '/' && wcOut[i] != ':';
-    }
-    if (!bRead || !bPlain) {
+    if (!bRead || !IsPlainName(wcOut)) {
         wcOut[0] = 0;
         return 0;
     }
@@ -111,8 +117,7 @@ int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 
 void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName)
 {
-    SetValue(call, TEXT("Settings"), REG_SZ, wcName,
-             static_cast<u32>((WideLength(wcName) + 1) * static_cast<int>(sizeof(WCHAR))));
+    StorePrinterText(call, TEXT("Settings"), wcName);
 }
 
 int GetDriverName(PrinterCall& call, WCHAR* wcOut)
@@ -122,20 +127,28 @@ int GetDriverName(PrinterCall& call, WCHAR* wcOut)
     return wcOut[0] != 0;
 }
 
+int GetDriverFolderName(PrinterCall& call, WCHAR* wcOut)
+{
+    GetDriverName(call, wcOut);
+    MakeFileName(wcOut);
+    if (IsHollowName(wcOut)) {
+        wcOut[0] = 0;
+    }
+    return wcOut[0] != 0;
+}
+
 int GetUserFolder(PrinterCall& call, WCHAR* tcOut)
 {
     WCHAR wcDriver[PATH_CHARS];
     tcOut[0] = 0;
-    GetDriverName(call, wcDriver);
-    MakeFileName(wcDriver);
+    int bNamed = GetDriverFolderName(call, wcDriver);
     DWORD nProfile = GetEnvironmentVariableW(TEXT("USERPROFILE"), tcOut, PATH_CHARS);
-    if (IsHollow(wcDriver) || nProfile == 0 || nProfile >= PATH_CHARS) {
+    if (!bNamed || nProfile == 0 || nProfile >= PATH_CHARS) {
         tcOut[0] = 0;
         return 0;
     }
     tcOut[nProfile] = 0;
-    const WCHAR* const aSteps[] = {TEXT("\\Application Data"), TEXT("\\Corvantis Optics"), TEXT("\\"),
-                                   wcDriver};
+    const WCHAR* const aSteps[] = {wcProfileFolder, wcMakerFolder, TEXT("\\"), wcDriver};
     int anEnds[4];
     for (int i = 0; i < 4; i++) {
         if (!AppendWideWhole(tcOut, PATH_CHARS, aSteps[i])) {
@@ -170,4 +183,14 @@ void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch)
 void GetScreenName(PrinterCall& call, WCHAR* wcOut, int cch)
 {
     ReadBasaltText(call, TEXT("Screen"), wcOut, cch);
+}
+
+void SetProfileName(PrinterCall& call, const WCHAR* wcName)
+{
+    WriteBasaltText(call, TEXT("Profile"), wcName);
+}
+
+void SetScreenName(PrinterCall& call, const WCHAR* wcName)
+{
+    WriteBasaltText(call, TEXT("Screen"), wcName);
 }

@@ -27,6 +27,10 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam);
 LONG WINAPI DrvDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
                                   PDEVMODEW pdmIn, DWORD fMode);
 
+/* What the spooler tells of a printer: 1 a connection is added, 2 one is deleted, 3 the printer is set up, 4 it is
+   deleted. Flags and parameter are not read. Result: 1; 0 only when a printer could not be set up. */
+BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
+
 /* The exports below answer failure for now; see CHANGES.md. */
 LONG WINAPI DrvAdvancedDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pDeviceName, PDEVMODEW pdmOut,
                                           PDEVMODEW pdmIn); /* gives 10 and does nothing */
@@ -38,7 +42,6 @@ BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
 LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void* pvIn, u32 cbOut,
                             void* pvOut);
-BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
 BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo);
 DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, void* pJob);
 DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, void* pJob);

@@ -40,6 +40,7 @@ using DWORD = u32;
 using LSTATUS = LONG;
 using HRESULT = LONG;
 using LANGID = WORD;
+using LCID = DWORD;
 using LPARAM = std::intptr_t;
 using WPARAM = std::uintptr_t;
 using SIZE_T = std::size_t;
@@ -47,6 +48,7 @@ using LPVOID = void*;
 using LPCVOID = const void*;
 using LPBYTE = BYTE*;
 using LPDWORD = DWORD*;
+using LPBOOL = BOOL*;
 using LPSTR = CHAR*;
 using LPCSTR = const CHAR*;
 using LPWSTR = WCHAR*;
@@ -55,6 +57,8 @@ using HANDLE = void*;
 using HWND = struct HWND__*;
 using HINSTANCE = struct HINSTANCE__*;
 using HMODULE = HINSTANCE;
+
+using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
 
 union LARGE_INTEGER {
     i64 QuadPart;
@@ -86,19 +90,22 @@ constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 constexpr DWORD ERROR_GEN_FAILURE = 31;
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
 constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 constexpr DWORD ERROR_INVALID_NAME = 123;
 constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
+constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 constexpr DWORD ERROR_ENVVAR_NOT_FOUND = 203;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_MORE_DATA = 234;
 constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
-constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 constexpr DWORD ERROR_INVALID_PRINTER_NAME = 1801;
+constexpr DWORD ERROR_RESOURCE_NAME_NOT_FOUND = 1814;
 
 /* Declares one call of a list of calls.h. */
 #define DECLARE_CALL(result, name, params, failed) result WINAPI name params;

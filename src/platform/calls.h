@@ -11,7 +11,15 @@
     X(LPVOID, HeapAlloc, (HANDLE, DWORD, SIZE_T), nullptr) \
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
+    X(void, SetLastError, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
+    X(DWORD, GetTickCount, (void), 0) \
+    X(UINT, WinExec, (LPCSTR, UINT), 0) \
+    X(LCID, GetUserDefaultLCID, (void), 0) \
+    X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
+    X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
+    X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
+    X(void, Sleep, (DWORD), 0) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -20,18 +28,24 @@
     X(HANDLE, CreateFileW, (LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE), \
       INVALID_HANDLE_VALUE) \
     X(BOOL, ReadFile, (HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED), 0) \
+    X(BOOL, WriteFile, (HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED), 0) \
+    X(BOOL, FlushFileBuffers, (HANDLE), 0) \
     X(BOOL, SetFilePointerEx, (HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD), 0) \
     X(BOOL, GetFileSizeEx, (HANDLE, PLARGE_INTEGER), 0) \
+    X(HANDLE, FindFirstFileW, (LPCWSTR, LPWIN32_FIND_DATAW), INVALID_HANDLE_VALUE) \
+    X(BOOL, FindNextFileW, (HANDLE, LPWIN32_FIND_DATAW), 0) \
+    X(BOOL, FindClose, (HANDLE), 0) \
+    X(BOOL, CopyFileW, (LPCWSTR, LPCWSTR, BOOL), 0) \
     X(BOOL, CloseHandle, (HANDLE), 0) \
     X(DWORD, GetFileAttributesW, (LPCWSTR), INVALID_FILE_ATTRIBUTES) \
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
     X(BOOL, DeleteFileW, (LPCWSTR), 0) \
+    X(BOOL, MoveFileExW, (LPCWSTR, LPCWSTR, DWORD), 0) \
     X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0)
 
 #define PROFILE_CALLS(X) \
     X(UINT, GetPrivateProfileIntW, (LPCWSTR, LPCWSTR, INT, LPCWSTR), 0) \
     X(DWORD, GetPrivateProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD, LPCWSTR), 0) \
-    X(BOOL, WritePrivateProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR), 0) \
     X(UINT, GetProfileIntW, (LPCWSTR, LPCWSTR, INT), 0) \
     X(DWORD, GetProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD), 0)
 
@@ -44,13 +58,20 @@
     X(BOOL, OpenPrinterW, (LPWSTR, LPHANDLE, LPPRINTER_DEFAULTSW), 0) \
     X(BOOL, ClosePrinter, (HANDLE), 0) \
     X(BOOL, GetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
+    X(BOOL, SetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD), 0) \
     X(BOOL, GetPrinterDriverW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
+    X(BOOL, AddFormW, (HANDLE, DWORD, LPBYTE), 0) \
+    X(BOOL, DeleteFormW, (HANDLE, LPWSTR), 0) \
+    X(BOOL, EnumPrintProcessorsW, (LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0) \
+    X(BOOL, AddPrintProcessorW, (LPWSTR, LPWSTR, LPWSTR, LPWSTR), 0) \
+    X(DWORD, DeletePrinterDataW, (HANDLE, LPWSTR), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
 #define RESOURCE_CALLS(X) \
     X(HMODULE, LoadLibraryExW, (LPCWSTR, HANDLE, DWORD), nullptr) \
+    X(FARPROC, GetProcAddress, (HMODULE, LPCSTR), nullptr) \
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 
@@ -102,9 +123,14 @@
     X(BOOL, SetWindowTextW, (HWND, LPCWSTR), 0) \
     X(BOOL, ShowWindow, (HWND, int), 0) \
     X(BOOL, UpdateWindow, (HWND), 0)
+#define GDI_CALLS(X) \
+    X(HDC, CreateDCW, (LPCWSTR, LPCWSTR, LPCWSTR, const DEVMODEW*), nullptr) \
+    X(BOOL, DeleteDC, (HDC), 0) \
+    X(int, EnumFontFamiliesW, (HDC, LPCWSTR, FONTENUMPROCW, LPARAM), 0)
 
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
+    X(int, WideCharToMultiByte, (UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL), 0) \
     X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0) \
     X(int, lstrcmpW, (LPCWSTR, LPCWSTR), -2)
 
@@ -116,6 +142,7 @@
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
     WINDOW_CALLS(X) \
+    GDI_CALLS(X) \
     TEXT_CALLS(X)
 
 #endif

@@ -8,7 +8,6 @@
 
 #include "platform/calls.h"
 
-using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
 using LPOVERLAPPED = struct OVERLAPPED*;
 
 constexpr DWORD GENERIC_READ = 0x80000000;
@@ -28,7 +27,23 @@ constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x01;
 constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
+constexpr DWORD FILE_FLAG_OPEN_REPARSE_POINT = 0x00200000;
+constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1;
+constexpr DWORD MOVEFILE_WRITE_THROUGH = 8;
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
+
+struct FILETIME {
+    DWORD dwLowDateTime, dwHighDateTime;
+};
+struct WIN32_FIND_DATAW {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+    DWORD nFileSizeHigh, nFileSizeLow, dwReserved0, dwReserved1;
+    WCHAR cFileName[260];
+    WCHAR cAlternateFileName[14];
+};
+using LPWIN32_FIND_DATAW = WIN32_FIND_DATAW*;
 
 FILE_CALLS(DECLARE_CALL)
 

@@ -10,11 +10,22 @@
 
 constexpr DWORD HEAP_ZERO_MEMORY = 8;
 constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
+constexpr UINT SW_HIDE = 0;
 /* Reasons of a library's entry point. */
 constexpr DWORD DLL_PROCESS_DETACH = 0;
 constexpr DWORD DLL_PROCESS_ATTACH = 1;
 constexpr DWORD DLL_THREAD_ATTACH = 2;
 constexpr DWORD DLL_THREAD_DETACH = 3;
+
+constexpr DWORD SEMAPHORE_ALL_ACCESS = 0x1F0003;
+
+struct OSVERSIONINFOW {
+    DWORD dwOSVersionInfoSize; /* set by the caller */
+    DWORD dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
+    WCHAR szCSDVersion[128];
+};
+using LPOSVERSIONINFOW = OSVERSIONINFOW*;
+static_assert(sizeof(OSVERSIONINFOW) == 276);
 
 PROCESS_CALLS(DECLARE_CALL)
 

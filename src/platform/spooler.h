@@ -70,6 +70,10 @@ struct FORM_INFO_1W {
     RECTL ImageableArea;
 };
 
+struct PRINTPROCESSOR_INFO_1W {
+    LPWSTR pName;
+};
+
 constexpr DWORD FORM_USER = 0;
 constexpr DWORD FORM_BUILTIN = 1;
 constexpr DWORD FORM_PRINTER = 2;

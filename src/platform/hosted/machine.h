@@ -13,6 +13,9 @@
 #include <vector>
 
 #include "platform/calls.h"
+#include "platform/files.h"
+#include "platform/gdi.h"
+#include "platform/resources.h"
 #include "platform/spooler.h"
 
 using Bytes = std::vector<u8>;
@@ -40,6 +43,23 @@ void PutFile(std::u16string_view tcPath, std::string_view text);
 Bytes GetFile(std::u16string_view tcPath); /* empty when there is none */
 bool HasFile(std::u16string_view tcPath);
 void SetReadOnly(std::u16string_view tcPath, bool bReadOnly);
+void SetDiskRoom(i64 lBytes); /* bytes that WriteFile still finds room for; -1: no end of it */
+
+/* ---- lost power: what can be left on the disk when the machine stops at some point ---- */
+constexpr i64 WHOLE_WRITE = -1, LOST_WRITE = -2, ZEROED_WRITE = -3;
+struct PowerCut {
+    size_t nEvents; /* that were done before the cut */
+    size_t nNames;  /* of them, creations, renames and deletions that reached the disk: the first ones */
+    std::vector<i64> kept; /* by event, of writes: one of the above, or the bytes that reached the disk */
+};
+/* Starts the log of what the calls do to files, with the disk as it is. No file may be open for writing. */
+void LogDisk();
+/* Ends the log. Result: cuts behind every event, the same every time. Where a write was not flushed or a name
+   not settled there are nPerPoint of them: all in order; all names and no unflushed write; all writes and no
+   unsettled name; then any mixture. */
+std::vector<PowerCut> PowerCuts(size_t nPerPoint);
+/* Brings the files that the log met into the state after a cut. Any number of times, in any order. */
+void CutPower(const PowerCut& cut);
 
 /* ---- printers ---- */
 struct PrinterSetup {
@@ -48,6 +68,7 @@ struct PrinterSetup {
     WideText tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
     std::vector<WideText> atcDependentFiles;
     WideText wcComment, wcLocation;
+    WideText wcPrintProcessor = u"winprint";
     Bytes devmode; /* the stored default record; empty: none */
 };
 void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
@@ -62,14 +83,52 @@ bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue,
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth,
                     i32 lLength); /* thousandths of a mm */
 void DropMachineForms();
+struct MachineForm {
+    WideText wcName;
+    DWORD dwFlags;
+    SIZEL size; /* thousandths of a mm */
+    RECTL area;
+};
+const std::vector<MachineForm>& MachineForms(); /* in the order in which they were added */
+/* What the machine knows of a printer now, and its values by name (in small letters). */
+std::vector<WideText> PrinterNames();
+PrinterSetup GetPrinterSetup(std::u16string_view wcPrinter);
+struct MachineValue {
+    WideText wcName;
+    DWORD dwType;
+    Bytes bytes;
+};
+std::vector<MachineValue> PrinterValues(std::u16string_view wcPrinter);
+void RemovePrinter(std::u16string_view wcPrinter);
+/* Print processors as "NAME=FILE"; a new machine has winprint. */
+const std::vector<std::string>& PrintProcessors();
+void SetPrintProcessors(const std::vector<std::string>& processors);
+/* Printers whose names were handed to the spooler's routine 204. */
+const std::vector<std::string>& AnnouncedPrinters();
 void DenyPrinterAccess(DWORD dwAccess,
                        DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
 /* What OpenPrinterW was asked, as "name|access". */
 const std::vector<std::string>& OpenedPrinters();
 
+/* ---- programs, time, fonts ---- */
+const std::vector<std::string>&
+StartedPrograms();              /* command lines of WinExec, "|hidden" behind those that were */
+void SetTickCount(u32 ulTicks); /* GetTickCount, which stands still */
+struct FontFamily {
+    WideText wcName;
+    DWORD dwType; /* RASTER_FONTTYPE and so on */
+    u8 bCharSet;
+};
+/* What the display has; a new machine has five families of a usual one. */
+void SetFontFamilies(const std::vector<FontFamily>& families);
+
 /* ---- registry ---- */
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
+
+/* ---- named semaphores ---- */
+bool HasSemaphore(std::u16string_view wcName);
+void DropSemaphores(); /* closes every handle, as the end of the process does */
 
 /* ---- what was called ---- */
 enum CallId : int {
@@ -86,6 +145,8 @@ void ResetCallCounts();
 /* ---- faults: the n-th call from now fails as its row in calls.h says ---- */
 enum FaultMode { FAIL_ONCE, FAIL_FROM_THERE };
 void FailCall(CallId call, int nTh, FaultMode mode = FAIL_ONCE);
+/* These calls fail always, as those do that an isolated host forbids; an empty list lifts it. */
+void RefuseCalls(const std::vector<CallId>& calls);
 /* Ends the fault. Result: how many calls failed; 0 says that the loop over n is through. */
 int StopFaults();
 
@@ -104,6 +165,8 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 /* ---- what is held ---- */
 struct LiveCounts {
     int nBlocks, nFiles, nPrinters, nKeys, nModules, nWindows, nGdiObjects;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -65,13 +65,20 @@ void StopMachine()
         return;
     }
     StopFaults();
+    RefuseCalls({});
     TellLies(LIE_NONE);
     ResetWindows();
     ResetResources();
+    DropSemaphores();
     ResetSpooler();
     ResetRegistry();
     ResetProfile();
+    ResetFolders();
     ResetFiles();
+    ResetPrograms();
+    ResetFonts();
+    ResetPowerCuts();
+    SetDiskRoom(-1);
     ResetProcess();
     SetCodePage(1252);
     ResetCallCounts();
@@ -202,10 +209,35 @@ DWORD WINAPI GetLastError(void)
     return process().dwError;
 }
 
+void WINAPI Sleep(DWORD)
+{
+    FAILS(Sleep); /* counted only: nobody else runs on this machine */
+}
+
 DWORD WINAPI GetVersion(void)
 {
     FAILS(GetVersion);
     return static_cast<DWORD>(process().nMajor | process().nMinor << 8);
+}
+
+void WINAPI SetLastError(DWORD dwError)
+{
+    CallFails(CALL_SetLastError);
+    process().dwError = dwError;
+}
+
+BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW pVersion)
+{
+    FAILS(GetVersionExW);
+    if (pVersion->dwOSVersionInfoSize < sizeof *pVersion) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    *pVersion = {};
+    pVersion->dwOSVersionInfoSize = sizeof *pVersion;
+    pVersion->dwMajorVersion = static_cast<DWORD>(process().nMajor);
+    pVersion->dwMinorVersion = static_cast<DWORD>(process().nMinor);
+    pVersion->dwPlatformId = 2;
+    return 1;
 }
 
 BOOL WINAPI GetComputerNameW(LPWSTR wcName, LPDWORD pcchName)

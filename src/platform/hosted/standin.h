@@ -5,6 +5,7 @@
 
 #include "platform/calls.h"
 #include "platform/files.h"
+#include "platform/gdi.h"
 #include "platform/hosted/machine.h"
 #include "platform/process.h"
 #include "platform/profile.h"
@@ -40,6 +41,9 @@ u16 HostedUserLanguage();
 /* The folder below which the machine's files lie. */
 extern std::filesystem::path machineRoot;
 
+/* Keeps the name that the spooler's routine 204 was told. */
+void AnnouncePrinter(LPCWSTR wcName);
+
 void SetHostedError(DWORD dwError);
 /* Sets the error and gives 0: for "return Refuse(ERROR_...)". */
 BOOL Refuse(DWORD dwError);
@@ -61,11 +65,18 @@ void ResetPeak(); /* the most bytes held begins anew at what is held now */
 /* Closes what a kind of object left behind at StopMachine; each stand-in has one. */
 void ResetProcess();
 void ResetFiles();
+void ResetPowerCuts();
 void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();
 void ResetWindows();
 void ResetResources();
+void ResetPrograms();
+void ResetFolders();
+void ResetFonts();
+
+/* Closes a semaphore's handle; false when it is none. */
+bool CloseSemaphore(HANDLE hObject);
 
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);

@@ -3,6 +3,7 @@
 
 #include "platform/calls.h"
 #include "platform/files.h"
+#include "platform/gdi.h"
 #include "platform/process.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
