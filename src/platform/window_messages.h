@@ -4,6 +4,7 @@
 #define TQUI_PLATFORM_WINDOW_MESSAGES_H
 
 #include "platform/basic.h"
+#include "platform/process.h" /* SW_HIDE */
 
 #ifndef _WIN32
 
@@ -21,7 +22,7 @@ constexpr UINT WM_DESTROY = 0x02, WM_SETFOCUS = 0x07, WM_KILLFOCUS = 0x08, WM_EN
 constexpr WORD DC_HASDEFID = 0x534B;
 constexpr int GWL_STYLE = -16, GWL_EXSTYLE = -20, GWLP_WNDPROC = -4, GWLP_HINSTANCE = -6, GWLP_ID = -12,
     GWLP_USERDATA = -21, DWLP_MSGRESULT = 0, DWLP_DLGPROC = 8, DWLP_USER = 16;
-constexpr int SW_HIDE = 0, SW_SHOWNORMAL = 1, SW_SHOW = 5, SW_SHOWNA = 8;
+constexpr int SW_SHOWNORMAL = 1, SW_SHOW = 5, SW_SHOWNA = 8;
 constexpr int IDOK = 1, IDCANCEL = 2, IDYES = 6;
 constexpr UINT MB_OK = 0, MB_OKCANCEL = 1, MB_YESNOCANCEL = 3, MB_YESNO = 4, MB_ICONHAND = 0x10,
     MB_ICONEXCLAMATION = 0x30, MB_ICONASTERISK = 0x40, MB_TYPEMASK = 0x0F;

@@ -17,9 +17,6 @@ enum NoticeId : i16 {
    other end and when it cannot be shown. */
 INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice);
 
-/* The notice of a job that is not printed, as GuiStartJob's hook: see job_commands.h. */
-void ShowJobNotice(HANDLE hPrinter);
-
 /* The About box, modal over hOwner. */
 void ShowAbout(UiSession* pSession, HWND hOwner);
 

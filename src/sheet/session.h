@@ -10,7 +10,7 @@
 #include "description/language_dll.h"
 #include "description/paper_row.h"
 #include "entry/font_families.h"
-#include "platform/property_sheet.h"
+#include "platform/sheet.h"
 #include "platform/window.h"
 #include "settings/driver_devmode.h"
 #include "watermark/watermark_entry.h"
