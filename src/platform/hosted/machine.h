@@ -80,6 +80,8 @@ void SetPrinterRecord(std::u16string_view wcPrinter,
 void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue);
 bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType,
                      Bytes* pBytes);
+/* A job in the printer's queue; wcDocument null: it has no name. Replaces one of that id. */
+void AddJob(std::u16string_view wcPrinter, DWORD dwJobId, const WCHAR* wcDocument);
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth,
                     i32 lLength); /* thousandths of a mm */
 void DropMachineForms();
@@ -164,9 +166,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nWindows, nGdiObjects;
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts;
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores, nWindows, nGdiObjects;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -1,0 +1,201 @@
+/* Writes the job head and the job's end. */
+#include "entry/pjl_commands.h"
+
+#include <cstring>
+
+#include "description/installed_set.h"
+#include "settings/counted_row.h"
+
+namespace {
+
+constexpr u8 FLAG_DATA_MODE = 0x02; /* of bModelFlags */
+constexpr u32 MARGIN_ROW = 8;       /* ulMask of the feature that follows the margin setting */
+constexpr u16 COLOR_CHOSEN = 2;     /* dmColor */
+constexpr u16 MARGINS_WHOLE = 1;    /* sMargins */
+constexpr int LINE_BYTES = 512;
+constexpr int WORD_BYTES = SHORT_COMMAND_BYTES; /* a key or a value */
+constexpr char cBareHead[] = "%!PS-Adobe-3.0\r\n";
+constexpr char cJobEnd[] = "@PJL EOJ\r\n";
+
+/* A text in the making. */
+struct PjlText {
+    char* cBuffer;
+    size_t cbBuffer;
+    size_t nLength; /* of all pieces so far */
+};
+
+PjlText BeginText(char* cBuffer, u32 cbBuffer)
+{
+    return {cBuffer, cBuffer ? cbBuffer : 0, 0};
+}
+
+void Append(PjlText& text, const char* cPiece)
+{
+    text.nLength += AppendPjlText(text.cBuffer, text.cbBuffer, text.nLength, cPiece);
+}
+
+/* Gives the length out. Result: 1 when all fitted. */
+int EndText(const PjlText& text, u32* pcbLength)
+{
+    *pcbLength = static_cast<u32>(text.nLength + 1);
+    return text.nLength + 1 <= text.cbBuffer;
+}
+
+/* "@PJL SET key=value". */
+void AppendSetting(PjlText& text, const char* cKey, const char* cValue)
+{
+    static constexpr char cSet[] = "@PJL SET ";
+    static_assert(sizeof cSet + 2 * WORD_BYTES + sizeof "=\r\n" <= LINE_BYTES);
+    char cLine[LINE_BYTES];
+    char* cAt = cLine;
+    const auto put = [&cAt](const char* cPiece, size_t nPiece) {
+        std::memcpy(cAt, cPiece, nPiece);
+        cAt += nPiece;
+    };
+    put(cSet, sizeof cSet - 1);
+    put(cKey, std::strlen(cKey));
+    put("=", 1);
+    put(cValue, std::strlen(cValue));
+    put("\r\n", sizeof "\r\n");
+    Append(text, cLine);
+}
+
+/* A command as the description has it, line ends included; 0 is none. */
+void AppendCommand(PjlText& text, XpiCommands& commands, u16 usId)
+{
+    char cLine[LINE_BYTES];
+    if (usId && ReadCommand(commands, usId, cLine, LINE_BYTES)) {
+        Append(text, cLine);
+    }
+}
+
+void AppendColor(PjlText& text, const DriverDevmode* pRecord, const XpiModel* pModel)
+{
+    if (pModel->usColorClass != CLASS_COLOR) {
+        return;
+    }
+    int bColor = pRecord->dmColor == COLOR_CHOSEN;
+    Append(text, bColor ? "@PJL SET RENDERMODE=COLOR\r\n" : "@PJL SET RENDERMODE=GRAYSCALE\r\n");
+    if (pModel->bModelFlags & FLAG_DATA_MODE) {
+        Append(text, bColor ? "@PJL SET DATAMODE=COLOR\r\n" : "@PJL SET DATAMODE=GRAYSCALE\r\n");
+    }
+}
+
+/* The value that the record chooses for a feature; "" when it sends nothing. */
+void ReadFeatureValue(const PrivateDevmode& part, i32 nSlot, const FeatureRow* pRow, const XpiModel* pModel,
+                      XpiCommands& commands, char (&cValue)[WORD_BYTES])
+{
+    i16 sChoice = part.sPJLValueIndex[nSlot];
+    if (pRow->ulMask == MARGIN_ROW) {
+        sChoice = part.sMargins == MARGINS_WHOLE;
+    }
+    if (sChoice < 0) {
+        char cTyped[TYPED_BYTES];
+        ReadTypedValue(part, sChoice, cTyped);
+        std::memcpy(cValue, cTyped, sizeof cTyped);
+        return;
+    }
+    u16 usId = PjlValueRow(pModel, pRow->sFirstValue + sChoice)->usCmdId;
+    cValue[0] = 0;
+    if (usId) {
+        ReadShortCommand(commands, usId, cValue, WORD_BYTES);
+    }
+}
+
+void AppendFeatures(PjlText& text, const PrivateDevmode& part, u32 ulOptions, const XpiModel* pModel,
+                    XpiCommands& commands)
+{
+    char cKey[WORD_BYTES], cValue[WORD_BYTES];
+    for (i32 i = 0; i < FEATURE_SLOTS; i++) {
+        const FeatureRow* pRow = Row(pModel, pModel->pPjlFeatures, i);
+        if (!pRow->usNameId) {
+            return;
+        }
+        u32 ulMask = pRow->ulMask;
+        if (ulMask && ulMask != MARGIN_ROW && !(ulMask & ulOptions)) {
+            continue;
+        }
+        ReadFeatureValue(part, i, pRow, pModel, commands, cValue);
+        if (cValue[0]) {
+            ReadShortCommand(commands, pRow->usCmdId, cKey, WORD_BYTES);
+            AppendSetting(text, cKey, cValue);
+        }
+    }
+}
+
+int IsBareJob(const PrivateDevmode& part, const XpiModel* pModel)
+{
+    return pModel->usLanguage == KIND_POSTSCRIPT && part.sNoPJL;
+}
+
+} // namespace
+
+size_t AppendPjlText(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cText)
+{
+    size_t nText = std::strlen(cText);
+    if (cBuffer && nOffset + nText + 1 <= cbBuffer) {
+        const void* pEnd = std::memchr(cBuffer, 0, cbBuffer);
+        size_t nUsed = pEnd ? static_cast<size_t>(static_cast<const char*>(pEnd) - cBuffer) : cbBuffer;
+        if (nUsed + nText + 1 <= cbBuffer) {
+            std::memcpy(cBuffer + nUsed, cText, nText + 1);
+        }
+    }
+    return nText;
+}
+
+void ReadTypedValue(const PrivateDevmode& part, i16 sChoice, char (&cOut)[TYPED_BYTES])
+{
+    constexpr int TYPED_VALUES = sizeof part.cPJLUserValue / sizeof *part.cPJLUserValue;
+    static_assert(sizeof *part.cPJLUserValue == TYPED_BYTES);
+    cOut[0] = 0;
+    int nRow = -1 - sChoice;
+    if (nRow < 0 || nRow >= TYPED_VALUES) {
+        return;
+    }
+    std::memcpy(cOut, part.cPJLUserValue[nRow], TYPED_BYTES);
+    cOut[TYPED_BYTES - 1] = 0;
+    for (const char* cAt = cOut; *cAt; cAt++) {
+        u8 bChar = static_cast<u8>(*cAt);
+        if (bChar < 0x20 || bChar == 0x7F) {
+            cOut[0] = 0;
+            return;
+        }
+    }
+}
+
+int BuildPjlJobHead(PrinterCall& call, char* cBuffer, u32* pcbLength, const DriverDevmode* pRecord,
+                    const XpiModel* pModel, XpiFile& file)
+{
+    const PrivateDevmode& part = pRecord->rPrivate;
+    PjlText text = BeginText(cBuffer, *pcbLength);
+    if (IsBareJob(part, pModel)) {
+        Append(text, cBareHead);
+        return EndText(text, pcbLength);
+    }
+    u32 ulOptions = GetDeviceInfo(call, pModel)->ulOptions;
+    XpiCommands commands(file);
+    AppendColor(text, pRecord, pModel);
+    const ResolutionRow* pResolution = CountedRow(pModel, pModel->pResolutions, part.sResolution);
+    const MediaRow* pMedia = CountedRow(pModel, pModel->pMediaTypes, part.sMediaTypeIndex - 1);
+    AppendCommand(text, commands, pResolution ? pResolution->usCmdId : u16{0});
+    AppendCommand(text, commands, pMedia ? pMedia->usCmdId : u16{0});
+    if (part.sOutputPJLsid) {
+        char cKey[WORD_BYTES], cValue[WORD_BYTES];
+        ReadShortCommand(commands, pModel->sOutputBinCmdId, cKey, WORD_BYTES);
+        ReadShortCommand(commands, part.sOutputPJLsid, cValue, WORD_BYTES);
+        AppendSetting(text, cKey, cValue);
+    }
+    AppendFeatures(text, part, ulOptions, pModel, commands);
+    return EndText(text, pcbLength);
+}
+
+int BuildPjlJobEnd(char* cBuffer, u32* pcbLength, const DriverDevmode* pRecord, const XpiModel* pModel)
+{
+    if (IsBareJob(pRecord->rPrivate, pModel)) {
+        *pcbLength = 0;
+        return 1;
+    }
+    PjlText text = BeginText(cBuffer, *pcbLength);
+    Append(text, cJobEnd);
+    return EndText(text, pcbLength);
+}
