@@ -32,8 +32,9 @@ ThreadStore* GetThreadStore()
     if (dwSlot == FLS_OUT_OF_INDEXES) {
         return nullptr;
     }
+    SetLastError(ERROR_SUCCESS);
     ThreadStore* pStore = static_cast<ThreadStore*>(FlsGetValue(dwSlot));
-    if (!pStore) {
+    if (!pStore && GetLastError() == ERROR_SUCCESS) { /* not a store that cannot be reached */
         OwnedBlock<ThreadStore> pNew(static_cast<ThreadStore*>(AllocateBlock(sizeof(ThreadStore))));
         if (pNew && FlsSetValue(dwSlot, pNew.get())) {
             pStore = pNew.release();

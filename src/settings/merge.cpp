@@ -43,7 +43,8 @@ void TakeForeignFields(PrinterCall& call, const XpiModel* pModel, const DriverDe
 {
     DriverDevmode in = taken;
     if (in.dmSize < PUBLIC_BYTES) {
-        std::memset(reinterpret_cast<u8*>(&in) + in.dmSize, 0, PUBLIC_BYTES - in.dmSize);
+        u32 cbWhole = in.dmSize & ~1u; /* what is taken are words: half of one is none */
+        std::memset(reinterpret_cast<u8*>(&in) + cbWhole, 0, PUBLIC_BYTES - cbWhole);
     }
     pOut->dmFields = FIELDS_FOREIGN | (pModel->usColorClass == CLASS_COLOR ? FIELDS_COLOR : 0);
     pOut->dmCopies = in.dmCopies < 1 ? static_cast<i16>(1) : in.dmCopies;

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "platform/calls.h"
-#include "platform/resources.h"
 #include "platform/spooler.h"
 
 using Bytes = std::vector<u8>;
@@ -76,7 +75,7 @@ void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD 
 void DropKey(std::u16string_view wcPath); /* with its values, not with keys below it */
 
 /* ---- routines of the system's libraries, and what was told to a debugger ---- */
-void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, FARPROC fnRoutine);
+void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine);
 std::vector<std::string> TakeTraces(); /* since the last time */
 
 /* ---- named semaphores ---- */

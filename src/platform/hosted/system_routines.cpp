@@ -5,13 +5,13 @@
 
 namespace {
 
-std::map<WideText, std::map<std::string, FARPROC>> systemLibraries; /* by name in one form */
+std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
 std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
 
 } // namespace
 
-void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, FARPROC fnRoutine)
+void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine)
 {
     systemLibraries[LowerText(wcLibrary)][name] = fnRoutine;
 }
@@ -52,7 +52,7 @@ FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
     if (library != openLibraries.end()) {
         const auto& routines = systemLibraries[library->second];
         if (auto routine = routines.find(cName); routine != routines.end()) {
-            return routine->second;
+            return reinterpret_cast<FARPROC>(routine->second);
         }
     }
     SetHostedError(ERROR_PROC_NOT_FOUND);
