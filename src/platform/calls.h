@@ -12,6 +12,11 @@
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
     X(void, SetLastError, (DWORD), 0) \
+    X(void, OutputDebugStringA, (LPCSTR), 0) \
+    X(DWORD, FlsAlloc, (PFLS_CALLBACK_FUNCTION), FLS_OUT_OF_INDEXES) \
+    X(LPVOID, FlsGetValue, (DWORD), nullptr) \
+    X(BOOL, FlsSetValue, (DWORD, LPVOID), 0) \
+    X(BOOL, FlsFree, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
     X(DWORD, GetTickCount, (void), 0) \
     X(UINT, WinExec, (LPCSTR, UINT), 0) \
@@ -51,6 +56,8 @@
 
 #define REGISTRY_CALLS(X) \
     X(LSTATUS, RegOpenKeyExW, (HKEY, LPCWSTR, DWORD, REGSAM, PHKEY), ERROR_GEN_FAILURE) \
+    X(LSTATUS, RegCreateKeyW, (HKEY, LPCWSTR, PHKEY), ERROR_GEN_FAILURE) \
+    X(LSTATUS, RegQueryValueExW, (HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE, LPDWORD), ERROR_GEN_FAILURE) \
     X(LSTATUS, RegSetValueExW, (HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD), ERROR_GEN_FAILURE) \
     X(LSTATUS, RegCloseKey, (HKEY), ERROR_GEN_FAILURE)
 

@@ -1,4 +1,4 @@
-/* The language resource library, loaded as data and never run, and calls that are looked up as the program runs. */
+/* The language resource library: loaded as data, never run; and routines of the system's libraries. */
 #ifndef TQUI_PLATFORM_RESOURCES_H
 #define TQUI_PLATFORM_RESOURCES_H
 
@@ -11,9 +11,9 @@
 constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x02;
 constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
 
-constexpr DWORD LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800;
+constexpr DWORD LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800; /* to be run, from the system's own folder */
 
-using FARPROC = std::intptr_t(WINAPI*)();
+using FARPROC = std::intptr_t (*)();
 
 RESOURCE_CALLS(DECLARE_CALL)
 

@@ -476,6 +476,7 @@ BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
 
 BOOL WINAPI CloseHandle(HANDLE hObject)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_CloseHandle); /* a close that fails still closes, else the fault would leak */
     if (OpenFile* pFile = FindFile(hObject)) {
         close(pFile->nDescriptor);

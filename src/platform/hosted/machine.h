@@ -128,6 +128,13 @@ void SetFontFamilies(const std::vector<FontFamily>& families);
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
+void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
+void DropKey(std::u16string_view wcPath); /* with its values, not with keys below it */
+
+/* ---- routines of the system's libraries, and what was told to a debugger ---- */
+void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine);
+std::vector<std::string> TakeTraces(); /* since the last time */
+
 /* ---- named semaphores ---- */
 bool HasSemaphore(std::u16string_view wcName);
 void DropSemaphores(); /* closes every handle, as the end of the process does */

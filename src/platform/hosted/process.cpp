@@ -3,6 +3,7 @@
 #include <cstring>
 #include <map>
 #include <unordered_map>
+#include <utility>
 
 #include <unistd.h>
 
@@ -13,7 +14,7 @@ std::filesystem::path machineRoot;
 namespace {
 
 struct Process {
-    DWORD dwError = 0;
+    std::vector<std::string> traces;
     u16 usLangId = 0x0409;
     WideText wcComputer = u"WORKPC";
     int nMajor = 10, nMinor = 0;
@@ -22,6 +23,8 @@ struct Process {
     std::unordered_map<void*, size_t> blocks;
     size_t cbHeld = 0, cbPeak = 0;
 };
+
+thread_local DWORD dwLastError = 0;
 
 Process& process()
 {
@@ -68,7 +71,9 @@ void StopMachine()
     RefuseCalls({});
     TellLies(LIE_NONE);
     ResetWindows();
+    ResetThreads();
     ResetResources();
+    ResetSystemRoutines();
     DropSemaphores();
     ResetSpooler();
     ResetRegistry();
@@ -93,6 +98,7 @@ void ResetProcess()
         std::free(block.first);
     }
     process() = Process();
+    dwLastError = 0;
     liveCounts.nBlocks = 0;
 }
 
@@ -142,13 +148,18 @@ void SetSystemVersion(int nMajor, int nMinor)
 
 void SetHostedError(DWORD dwError)
 {
-    process().dwError = dwError;
+    dwLastError = dwError;
 }
 
 BOOL Refuse(DWORD dwError)
 {
-    process().dwError = dwError;
+    dwLastError = dwError;
     return 0;
+}
+
+std::vector<std::string> TakeTraces()
+{
+    return std::exchange(process().traces, {});
 }
 
 size_t PeakBlockBytes()
@@ -191,6 +202,7 @@ LPVOID WINAPI HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cbSize)
 
 BOOL WINAPI HeapFree(HANDLE hHeap, DWORD, LPVOID pBlock)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_HeapFree);
     auto found = process().blocks.find(pBlock);
     if (hHeap != &process() || found == process().blocks.end()) {
@@ -206,7 +218,7 @@ BOOL WINAPI HeapFree(HANDLE hHeap, DWORD, LPVOID pBlock)
 DWORD WINAPI GetLastError(void)
 {
     FAILS(GetLastError);
-    return process().dwError;
+    return dwLastError;
 }
 
 void WINAPI Sleep(DWORD)
@@ -222,8 +234,16 @@ DWORD WINAPI GetVersion(void)
 
 void WINAPI SetLastError(DWORD dwError)
 {
+    std::lock_guard held(machineLock);
     CallFails(CALL_SetLastError);
-    process().dwError = dwError;
+    dwLastError = dwError;
+}
+
+void WINAPI OutputDebugStringA(LPCSTR cText)
+{
+    std::lock_guard held(machineLock);
+    CallFails(CALL_OutputDebugStringA);
+    process().traces.push_back(cText);
 }
 
 BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW pVersion)

@@ -8,8 +8,6 @@
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"
 
-/* The user's language as the machine has it, without counting a call. */
-
 namespace {
 
 std::map<HMODULE, Bytes> loadedModules;
@@ -47,32 +45,13 @@ int FalseLength(LPWSTR wcOut, int cchRoom, int cch)
     return cch;
 }
 
-BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
-{
-    AnnouncePrinter(wcName);
-    return 1;
-}
-
 } // namespace
-
-FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
-{
-    FAILS(GetProcAddress);
-    constexpr std::uintptr_t ROUTINE = 204;
-    const auto module = loadedModules.find(hModule);
-    if (module == loadedModules.end() || !module->second.empty() ||
-        reinterpret_cast<std::uintptr_t>(cName) != ROUTINE) {
-        SetHostedError(ERROR_PROC_NOT_FOUND); /* data files have no code, and nothing else is asked for */
-        return nullptr;
-    }
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&TakeAnnouncement));
-}
 
 HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
 {
     FAILS(LoadLibraryExW);
-    if (tcPath && dwFlags == LOAD_LIBRARY_SEARCH_SYSTEM32 && SameName(tcPath, u"WINSPOOL.DRV")) {
-        return KeepModule({});
+    if (dwFlags == LOAD_LIBRARY_SEARCH_SYSTEM32 && tcPath && !hFile) {
+        return LoadSystemLibrary(tcPath);
     }
     const DWORD dwData = LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE;
     if (!tcPath || *tcPath == 0 || hFile || (dwFlags & dwData) == 0 || (dwFlags & ~dwData) != 0) {
@@ -94,7 +73,11 @@ HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
 
 BOOL WINAPI FreeLibrary(HMODULE hModule)
 {
+    std::lock_guard held(machineLock);
     const int bFails = CallFails(CALL_FreeLibrary); /* a release that fails still releases */
+    if (FreeSystemLibrary(hModule)) {
+        return !bFails;
+    }
     if (loadedModules.erase(hModule) == 0) {
         return Refuse(ERROR_BAD_EXE_FORMAT);
     }

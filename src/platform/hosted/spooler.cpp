@@ -303,6 +303,7 @@ BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW 
 
 BOOL WINAPI ClosePrinter(HANDLE hPrinter)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_ClosePrinter);
     if (!std::erase_if(spooler().handles,
                        [hPrinter](const auto& handle) { return handle.get() == hPrinter; })) {
