@@ -34,6 +34,11 @@ void SetFontFamilies(const std::vector<FontFamily>& families)
     display().families = families;
 }
 
+const std::vector<FontFamily>& FontFamilies()
+{
+    return display().families;
+}
+
 HDC WINAPI CreateDCW(LPCWSTR wcDriver, LPCWSTR, LPCWSTR, const DEVMODEW*)
 {
     FAILS(CreateDCW);

@@ -26,6 +26,8 @@ using WideText = std::u16string;
    temporary one; StopMachine removes it. A machine that is already running is stopped first. */
 void StartMachine();
 void StopMachine();
+/* The same with files in a folder that is there, and stays: what else a machine has begins anew. */
+void StartMachineIn(const std::filesystem::path& root);
 
 /* ---- who and where ---- */
 void SetUserLanguage(u16 usLangId); /* GetUserDefaultLangID */
@@ -91,6 +93,7 @@ struct MachineForm {
     SIZEL size; /* thousandths of a mm */
     RECTL area;
 };
+void AddMachineForm(const MachineForm& form);
 const std::vector<MachineForm>& MachineForms(); /* in the order in which they were added */
 /* What the machine knows of a printer now, and its values by name (in small letters). */
 std::vector<WideText> PrinterNames();
@@ -123,9 +126,13 @@ struct FontFamily {
 };
 /* What the display has; a new machine has five families of a usual one. */
 void SetFontFamilies(const std::vector<FontFamily>& families);
+const std::vector<FontFamily>& FontFamilies();
 
 /* ---- registry ---- */
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
+void SetKeyValue(std::u16string_view wcPath, const MachineValue& value);
+std::vector<WideText> KeyPaths(); /* in small letters */
+std::vector<MachineValue> KeyValues(std::u16string_view wcPath);
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
 void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
@@ -174,6 +181,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 /* ---- what is held ---- */
 struct LiveCounts {
     int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores, nWindows, nGdiObjects;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -198,6 +198,11 @@ void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 l
     spooler().forms.push_back({WideText(wcName), dwFlags, {lWidth, lLength}, {0, 0, lWidth, lLength}});
 }
 
+void AddMachineForm(const MachineForm& form)
+{
+    spooler().forms.push_back(form);
+}
+
 const std::vector<MachineForm>& MachineForms()
 {
     return spooler().forms;
