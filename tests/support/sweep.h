@@ -109,7 +109,9 @@ inline std::string HoldsNothing(const std::function<std::string()>& body)
                      ", files " + std::to_string(after.nFiles - before.nFiles) + ", printers " +
                      std::to_string(after.nPrinters - before.nPrinters) + ", keys " +
                      std::to_string(after.nKeys - before.nKeys) + ", modules " +
-                     std::to_string(after.nModules - before.nModules) + "; ";
+                     std::to_string(after.nModules - before.nModules) + ", windows " +
+                     std::to_string(after.nWindows - before.nWindows) + ", GDI objects " +
+                     std::to_string(after.nGdiObjects - before.nGdiObjects) + "; ";
 }
 
 struct FaultSweep {

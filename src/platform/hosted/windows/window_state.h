@@ -46,7 +46,7 @@ struct Window {
     DLGPROC pfnDialog = nullptr;
     LONG_PTR lMsgResult = 0, lDialogUser = 0, lDefaultId = 0;
     HWND hFocus = nullptr; /* the control that had the focus when it left the dialog */
-    bool bModal = false, bEnded = false;
+    bool bEnded = false;
     INT_PTR nResult = 0;
 
     /* Buttons and pictures. */
@@ -121,10 +121,15 @@ inline bool IsRadio(const Window* pWindow)
 }
 
 /* ---- dialogs.cpp ---- */
+enum DialogMode {
+    MODE_MODELESS,
+    MODE_MODAL,
+    MODE_PAGE /* of a sheet: a child without frame, whatever its template says; the sheet shows it */
+};
 /* Makes the dialog and its controls and sends WM_INITDIALOG. bytes: of a template. Result: null when the bytes
    are no template or a class is not known, or when the window is gone again. */
 HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DLGPROC pfnDialog,
-                LPARAM lParam, bool bModal);
+                LPARAM lParam, DialogMode mode);
 /* The control that a step from hFrom leads to; hFrom itself when there is no other. */
 HWND NextTabStop(HWND hDialog, HWND hFrom, bool bBack);
 HWND NextInGroup(HWND hDialog, HWND hFrom, bool bBack);
