@@ -97,14 +97,14 @@ class TestSheet {
     bool IsOpen() { return Page() != nullptr; }
     bool Show(int nPage) { return PropSheet_SetCurSel(hSheet_, nullptr, nPage) != FALSE; }
     bool CanApply() { return IsWindowEnabled(GetDlgItem(hSheet_, 0x3021)) != FALSE; }
-    void Apply() { PropSheet_PressButton(hSheet_, PSBTN_APPLYNOW); }
+    void Apply() { SendMessageW(hSheet_, PSM_PRESSBUTTON, PSBTN_APPLYNOW, 0); }
     void Ok() { Press(PSBTN_OK); }
     void Cancel() { Press(PSBTN_CANCEL); }
 
   private:
     void Press(int nButton)
     {
-        PropSheet_PressButton(hSheet_, nButton);
+        SendMessageW(hSheet_, PSM_PRESSBUTTON, static_cast<WPARAM>(nButton), 0);
         if (!IsOpen()) { /* as the program's message loop does */
             DestroyWindow(hSheet_);
         }

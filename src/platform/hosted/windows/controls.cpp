@@ -21,14 +21,12 @@ static WPARAM HighestCheck(const Window* pWindow)
     }
 }
 
-/* An automatic radio button takes the check from the others of its group, which need not be automatic. */
+/* An automatic radio button takes the check from the other automatic ones of its group. */
 static void UncheckGroup(HWND hButton)
 {
-    const Window* pWindow = FindWindowState(hButton);
-    for (HWND hOther = NextInGroup(pWindow->hParent, hButton, false); hOther != hButton;
-         hOther = NextInGroup(pWindow->hParent, hOther, false)) {
+    for (HWND hOther : GroupBehind(hButton)) {
         const Window* pOther = FindWindowState(hOther);
-        if (pOther->kind == KIND_BUTTON && ButtonKind(pOther) == BS_AUTORADIOBUTTON) {
+        if (pOther && pOther->kind == KIND_BUTTON && ButtonKind(pOther) == BS_AUTORADIOBUTTON) {
             Send(hOther, BM_SETCHECK, BST_UNCHECKED);
         }
     }

@@ -301,32 +301,26 @@ HWND NextTabStop(HWND hDialog, HWND hFrom, bool bBack)
     return hFrom;
 }
 
-/* A group goes from a control with WS_GROUP to the one before the next. */
-HWND NextInGroup(HWND hDialog, HWND hFrom, bool bBack)
+std::vector<HWND> GroupBehind(HWND hControl)
 {
-    const Window* pDialog = FindWindowState(hDialog);
+    const Window* pControl = FindWindowState(hControl);
+    const Window* pDialog = pControl ? FindWindowState(pControl->hParent) : nullptr;
     const std::vector<HWND> items = pDialog ? pDialog->children : std::vector<HWND>();
-    const auto from = std::find(items.begin(), items.end(), hFrom);
+    const auto from = std::find(items.begin(), items.end(), hControl);
     if (from == items.end()) {
-        return hFrom;
+        return {};
     }
     const auto startsGroup = [](HWND hItem) { return (FindWindowState(hItem)->dwStyle & WS_GROUP) != 0; };
     auto first = from;
     while (first != items.begin() && !startsGroup(*first)) {
         --first;
     }
-    std::vector<HWND> group(first, std::find_if(from + 1, items.end(), startsGroup));
-    if (bBack) {
-        std::reverse(group.begin(), group.end());
-    }
-    std::rotate(group.begin(), std::find(group.begin(), group.end(), hFrom) + 1, group.end());
-    for (HWND hItem : group) {
-        const Window* pItem = FindWindowState(hItem);
-        if ((pItem->dwStyle & (WS_VISIBLE | WS_DISABLED)) == WS_VISIBLE) {
-            return hItem;
-        }
-    }
-    return hFrom;
+    std::vector<HWND> group(from + 1, std::find_if(from + 1, items.end(), startsGroup));
+    group.insert(group.end(), first, from);
+    std::erase_if(group, [](HWND hItem) {
+        return (FindWindowState(hItem)->dwStyle & (WS_VISIBLE | WS_DISABLED)) != WS_VISIBLE;
+    });
+    return group;
 }
 
 /* Answers that a dialog procedure gives by itself; for all others it says whether it has treated the message,

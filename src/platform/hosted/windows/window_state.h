@@ -78,6 +78,14 @@ constexpr int FRAME_SIDE = 3;     /* of a dialog with a caption: left, right and
 constexpr int FRAME_CAPTION = 26; /* above */
 
 /* ---- windows.cpp ---- */
+/* While one of these lives, no record of a destroyed window is freed. Whoever looks at a record behind a
+   message that it has sent holds one. */
+struct KeepRecords {
+    KeepRecords();
+    ~KeepRecords();
+    KeepRecords(const KeepRecords&) = delete;
+    KeepRecords& operator=(const KeepRecords&) = delete;
+};
 Window* FindWindowState(HWND hWnd); /* null with ERROR_INVALID_WINDOW_HANDLE when there is none */
 Window* MakeWindow(WindowKind kind, Window* pParent, const RECT& rect, DWORD dwStyle, DWORD dwExStyle,
                    LONG_PTR lId, WNDPROC pfnProc);
@@ -132,7 +140,9 @@ HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DL
                 LPARAM lParam, DialogMode mode);
 /* The control that a step from hFrom leads to; hFrom itself when there is no other. */
 HWND NextTabStop(HWND hDialog, HWND hFrom, bool bBack);
-HWND NextInGroup(HWND hDialog, HWND hFrom, bool bBack);
+/* The others of the control's group that can be reached, from the one behind it round to the one before it. A
+   group goes from a control with WS_GROUP to the one before the next. */
+std::vector<HWND> GroupBehind(HWND hControl);
 void FocusFirst(HWND hDialog);
 LRESULT CALLBACK DialogWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam);
 
