@@ -21,11 +21,19 @@ extern "C" {
 DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDevCap, LPVOID pvOutput,
                                    PDEVMODEW pDevMode);
 
-/* Without sheet information: with fMode 0 or no pdmOut tells the size of the record, also in cbOut; else carries out
-   MergeDocumentSettings and gives 1 whatever came of it. 0 without a header. With sheet information it answers
-   failure (-1) until the sheets are there.
-   lParam   IO  a DOCUMENTPROPERTYHEADER */
+/* The sheet of a document's settings.
+   pPSUIInfo   IO  a PROPSHEETUI_INFO, or null: the header is then lParam, else its lParamInit
+   With fMode 0 or no pdmOut tells the size of the record, also in cbOut. Without sheet information carries out
+   MergeDocumentSettings and gives 1 whatever came of it. With it and DM_IN_PROMPT: at the start pdmOut gets the record
+   to edit, made of pdmIn as far as that is good, and pages are added; pdmOut holds what is applied from then on, and
+   both live until the end. cbOut is not looked at. Result: what the host's Result is at the start, 1 at the end and for
+   every other reason; 0 without a header. */
 LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam);
+
+/* The printer's own sheet; its settings are printer values.
+   pPSUIInfo   IO  a PROPSHEETUI_INFO, its lParamInit a DEVICEPROPERTYHEADER
+   Result: as above. */
+LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 
 /* Fills a header and asks DrvDocumentPropertySheets. Its cbOut is the dmSize of pdmIn with DM_MODIFY, else that of
    the public part: this call tells the size of a record, and no record that is in two parts. */
@@ -74,9 +82,6 @@ int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void
 DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob);
 DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob);
 DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet);
-
-/* The exports below answer failure for now; see CHANGES.md. */
-LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 
 BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pReserved);
 }

@@ -7,16 +7,15 @@
 
 struct PageRoutines {
     PageSlot slot;
-    void (*pfnInit)(HWND hPage,
-                    UiSession* pSession); /* fills the controls from the record; also reloads them */
-    PageCommand pfnCommand;               /* WM_COMMAND that is not common to all pages */
-    int (*pfnDiffers)(HWND hPage, UiSession* pSession); /* 1 when the controls differ from the record */
-    int (*pfnApply)(HWND hPage,
-                    UiSession* pSession); /* writes the record from the controls; 0: refused, stay */
-    void (*pfnPaint)(HWND hPage, UiSession* pSession);
     int nHelpKey;
+    void (*pfnInit)(HWND hPage, UiSession* pSession); /* fills the controls from the record; also reloads them */
+    int (*pfnDiffers)(HWND hPage, UiSession* pSession); /* 1 when the controls differ from the record */
+    int (*pfnApply)(HWND hPage, UiSession* pSession);   /* writes the record from them; 0: refused, stay */
+    void (*pfnPaint)(HWND hPage, UiSession* pSession);  /* WM_PAINT, from BeginPaint to EndPaint */
+    /* A scroll bar or spin button moved: SB_* and, for the thumb, its position. */
+    void (*pfnScroll)(HWND hPage, UiSession* pSession, int nControl, int nCode, int nPos);
 };
-/* Each routine but pfnInit may be null. */
+/* Each routine may be null. What a page does with its commands stands in the page table. */
 
 /* Row of the page table. A template of 0: not in that kind of sheet. */
 struct PageTableRow {
@@ -28,11 +27,20 @@ struct PageTableRow {
 };
 extern const PageTableRow aPageTable[];
 
+/* The page of a sheet that has no other. */
+extern const PageTableRow rAboutPage;
+
 /* The dialog procedure of a page with these routines. */
 INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessage, WPARAM wParam,
                           LPARAM lParam);
+template <const PageRoutines& routines>
+INT_PTR CALLBACK PageProc(HWND hPage, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    return HandlePageMessage(routines, hPage, uMessage, wParam, lParam);
+}
 
-/* Adds the pages to the host. 1; 0 when the host refused one, those added before stay. */
+/* Adds the pages to the host; UserData holds the session then. 1, also as the host's Result; 0 when the host refused
+   one, those added before stay. */
 int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo);
 
 /* First step of every page's start: the session goes into the window, labels, logo. */
@@ -41,14 +49,16 @@ void InitPageCommon(HWND hPage, const PROPSHEETPAGEW* pPage, int nSlot);
 /* Last step of a page's or dialog's window. nSlot -1: nothing. */
 void PageDestroyed(HWND hDialog, int nSlot);
 
-/* WM_COMMAND of every page: web page, About, presets, and what is the page's own. */
-void DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot);
+/* WM_COMMAND of every page: web page, About, presets, and what is the page's own. Result: 1 when it was that. */
+int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot);
 
 /* What a check found is told to the host: any difference marks the page, none takes the mark away unless a preset
    or a refused commit keeps the sheet changed. */
 void TrackChange(HWND hPage, UiSession* pSession, int nSlot, int bDiffers);
 
-/* Last step of a page's apply: the last page with edits tests the conflicts and gives the settings to the host. */
+/* Last step of a page's apply, or of a dialog that has a slot of its own: the last one with edits tests the conflicts
+   and gives the settings to the host. A conflict keeps the sheet on the page, and the page's edits count as not
+   applied; a dialog's are. */
 void CommitPage(UiSession* pSession, int nSlot);
 
 #endif

@@ -6,7 +6,7 @@
 #ifndef TQUI_SHEET_SESSION_H
 #define TQUI_SHEET_SESSION_H
 
-#include "description/installed_set.h"
+#include "description/driver_files.h"
 #include "description/language_dll.h"
 #include "description/paper_row.h"
 #include "entry/font_families.h"
@@ -49,7 +49,7 @@ struct UiSession {
     i16 sCustomPaperCount;
     u16 sWatermarkCount;
     i16 sDeletedWatermarkCount;
-    u16 usFontSubsBytes;
+    u32 ulFontSubsBytes;
     i16 sDialogArg;    /* of the modal dialog that is being opened: a row or the id of a notice */
     i16 sNoticeText;   /* text of the description for notice 1090; 0: the library's own */
     void* pDialogData; /* handed to a modal dialog; its opener's */
@@ -68,7 +68,7 @@ struct UiSession {
     DriverDevmode rSnapshot; /* the record at the start and at each commit */
     OwnedBlock<WCHAR> pFontSubsSnapshot;
     i16 sFontSubsSnapshotCount;
-    OwnedBlock<u8> pFontSubs; /* the pairs of the printer value, usFontSubsBytes and two NULs */
+    OwnedBlock<u8> pFontSubs; /* the pairs of the printer value, ulFontSubsBytes and two NULs */
     u16 sWatermarkSnapshotCount;
     HCURSOR hCursorHand, hCursorSaved;
     HICON hIconInfo;
@@ -87,12 +87,17 @@ struct UiSession {
     u32 bOnServer;       /* the printer lives on another computer */
 };
 
-/* Builds the session of an open printer on a record that both checks accepted, and reads what the pages show.
-   Result: the session, which DestroyUiSession ends; null when memory fails. Whatever else cannot be had is
-   missing in it: without a model or a language library no page can be shown. */
-UiSession* CreateUiSession(HANDLE hPrinter, DriverDevmode* pRecord);
+/* Builds the session of an open printer and reads what the pages show.
+   call      the printer; its open description goes over to the session, so this is the last that reads it by the call
+   pModel    loaded by the call; the session's from here on
+   pRecord   IO  a record that both checks accepted, which stays the caller's and outlives the session; an overlay
+             folder that it names and that cannot be had is replaced by the user's
+   Result: the session, which DestroyUiSession ends; null when memory fails, and without a model or a language library,
+   since no page could be shown then. Lists that cannot be read are empty; watermarks and saved papers always have
+   their spare row. */
+UiSession* CreateUiSession(PrinterCall& call, OwnedModel pModel, DriverDevmode* pRecord);
 
-/* Ends a session, also one that is half built; null does nothing. */
+/* Ends a session, also one that is half built; null does nothing. Its pages' windows are gone before. */
 void DestroyUiSession(UiSession* pSession);
 
 /* The session of a page's or dialog's window; null before it was initialised and behind its end. */

@@ -181,7 +181,6 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 /* ---- what is held ---- */
 struct LiveCounts {
     int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores, nWindows, nGdiObjects;
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();
