@@ -84,6 +84,6 @@ constexpr WORD PROPSHEETUI_REASON_GET_ICON = 4;
 #endif
 
 static_assert(sizeof(PROPSHEETUI_INFO) == 48);
-static_assert(sizeof(PROPSHEETPAGEW) == 104);
+static_assert(sizeof(PROPSHEETPAGEW) == 96);
 
 #endif

@@ -1,7 +1,6 @@
 /* The reader of resources in PE files: the built libraries against their sources, small files made byte by
    byte, and files that lie about themselves. */
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -9,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "built_library.h"
 #include "platform/hosted/machine.h"
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"
@@ -22,19 +22,6 @@ using Strings = std::map<long, std::u16string>;
 constexpr u16 ENGLISH = 0x0409;
 constexpr u16 GERMAN = 0x0007; /* the neutral language: all German users */
 constexpr u16 VERSION = 16;
-
-Bytes ReadDisk(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-Bytes BuiltLibrary(const char* cName)
-{
-    const char* cFolder = std::getenv("TQUI_BUILT");
-    return ReadDisk(fs::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
-}
 
 fs::path Source(const std::string& name)
 {
@@ -56,15 +43,6 @@ Strings SourceStrings(const std::string& name)
         }
     }
     return strings;
-}
-
-std::u16string TextAt(std::span<const u8> file, const PeText& text)
-{
-    std::u16string wcText(text.cch, u'\0');
-    for (size_t n = 0; n < text.cch; n++) {
-        wcText[n] = static_cast<char16_t>(file[text.nOffset + 2 * n] | file[text.nOffset + 2 * n + 1] << 8);
-    }
-    return wcText;
 }
 
 /* All strings that are not empty, in one language's order. */

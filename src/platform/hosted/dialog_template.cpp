@@ -69,6 +69,24 @@ struct TemplateReader {
     void Align() { Skip((4 - nOffset % 4) % 4); }
 };
 
+/* The number of a system class that a template calls by name, as "Static"; other names as they are. */
+PeName NumberOfClass(PeName name)
+{
+    const std::pair<std::u16string_view, u16> aClasses[] = {
+        {u"button", CLASS_BUTTON},   {u"edit", CLASS_EDIT},           {u"static", CLASS_STATIC},
+        {u"listbox", CLASS_LISTBOX}, {u"scrollbar", CLASS_SCROLLBAR}, {u"combobox", CLASS_COMBOBOX}};
+    std::u16string wcLower = name.wcName;
+    for (char16_t& wcChar : wcLower) {
+        wcChar = wcChar >= u'A' && wcChar <= u'Z' ? static_cast<char16_t>(wcChar + 32) : wcChar;
+    }
+    for (const auto& [wcClass, usNumber] : aClasses) {
+        if (wcLower == wcClass) {
+            return usNumber;
+        }
+    }
+    return name;
+}
+
 DialogItem ReadItem(TemplateReader* pReader)
 {
     DialogItem item{0, u16{0}, 0, 0, {}, u16{0}};
@@ -78,7 +96,7 @@ DialogItem ReadItem(TemplateReader* pReader)
     item.ulStyle = pReader->Word();
     item.rect = pReader->Rect();
     item.ulId = pReader->Word();
-    item.windowClass = pReader->Name();
+    item.windowClass = NumberOfClass(pReader->Name());
     item.text = pReader->Name();
     pReader->Skip(pReader->Half());
     return item;

@@ -55,7 +55,7 @@ struct DialogFont {
 
 struct DialogItem {
     u32 ulId;
-    PeName windowClass; /* one of CLASS_*, or a name */
+    PeName windowClass; /* one of CLASS_*, also where the template has its name; else a name */
     u32 ulStyle, ulExStyle;
     DialogRect rect;
     PeName text; /* text, empty for none; a number names a picture */

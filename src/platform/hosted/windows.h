@@ -28,6 +28,8 @@ BOOL WINAPI IsWindow(HWND hWnd);
 BOOL WINAPI MapDialogRect(HWND hDialog, RECT* pRect);
 BOOL WINAPI ScreenToClient(HWND hWnd, POINT* pPoint);
 int WINAPI GetWindowTextW(HWND hWnd, LPWSTR wcText, int cchText);
+WideText
+HostedClassName(HWND hWnd); /* "Button", "Edit", "Static", "ListBox", "ScrollBar", "ComboBox"; else empty */
 
 /* ---- modal dialogs and message boxes ---- */
 

@@ -21,14 +21,12 @@ static WPARAM HighestCheck(const Window* pWindow)
     }
 }
 
-/* An automatic radio button takes the check from the others of its group, which need not be automatic. */
+/* An automatic radio button takes the check from the other automatic ones of its group. */
 static void UncheckGroup(HWND hButton)
 {
-    const Window* pWindow = FindWindowState(hButton);
-    for (HWND hOther = NextInGroup(pWindow->hParent, hButton, false); hOther != hButton;
-         hOther = NextInGroup(pWindow->hParent, hOther, false)) {
+    for (HWND hOther : GroupBehind(hButton)) {
         const Window* pOther = FindWindowState(hOther);
-        if (pOther->kind == KIND_BUTTON && ButtonKind(pOther) == BS_AUTORADIOBUTTON) {
+        if (pOther && pOther->kind == KIND_BUTTON && ButtonKind(pOther) == BS_AUTORADIOBUTTON) {
             Send(hOther, BM_SETCHECK, BST_UNCHECKED);
         }
     }
@@ -272,6 +270,7 @@ static void LimitScroll(Window* pWindow)
         static_cast<int>(std::clamp<i64>(pWindow->nPos, pWindow->nMin, std::max<i64>(lLast, pWindow->nMin)));
 }
 
+/* Result: the position before. */
 static int StoreScroll(Window* pWindow, const SCROLLINFO& info)
 {
     const int nBefore = pWindow->nPos;
@@ -287,7 +286,7 @@ static int StoreScroll(Window* pWindow, const SCROLLINFO& info)
     }
     LimitScroll(pWindow);
     Invalidate(pWindow, nullptr, false);
-    return info.fMask & SIF_POS ? nBefore : pWindow->nPos;
+    return nBefore;
 }
 
 static BOOL ReadScroll(const Window* pWindow, SCROLLINFO* pInfo)
@@ -334,7 +333,9 @@ LRESULT CALLBACK ScrollBarProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM l
         *reinterpret_cast<int*>(wParam) = pWindow->nMin;
         *reinterpret_cast<int*>(lParam) = pWindow->nMax;
         return 1;
-    case SBM_SETSCROLLINFO: return StoreScroll(pWindow, *reinterpret_cast<const SCROLLINFO*>(lParam));
+    case SBM_SETSCROLLINFO:
+        StoreScroll(pWindow, *reinterpret_cast<const SCROLLINFO*>(lParam));
+        return pWindow->nPos; /* the position now */
     case SBM_GETSCROLLINFO: return ReadScroll(pWindow, reinterpret_cast<SCROLLINFO*>(lParam));
     default: return DefaultWindowProc(hWnd, uMessage, wParam, lParam);
     }

@@ -14,14 +14,20 @@ constexpr DWORD ERROR_CONTROL_ID_NOT_FOUND = 1421;
 std::deque<std::function<void(HWND)>> modalSteps;
 int nForcedCloses = 0, nDialogsOpened = 0;
 
-LONG UnitsX(int nUnits)
+/* Each number is rounded on its own, halves away from 0. */
+LONG RoundUnits(LONG lPixels, LONG lUnit)
 {
-    return nUnits * BASE_UNIT_X / 4;
+    return (lPixels + (lPixels < 0 ? -lUnit / 2 : lUnit / 2)) / lUnit;
 }
 
-LONG UnitsY(int nUnits)
+LONG UnitsX(LONG lUnits)
 {
-    return nUnits * BASE_UNIT_Y / 8;
+    return RoundUnits(lUnits * BASE_UNIT_X, 4);
+}
+
+LONG UnitsY(LONG lUnits)
+{
+    return RoundUnits(lUnits * BASE_UNIT_Y, 8);
 }
 
 struct ClassRow {
@@ -144,8 +150,9 @@ LRESULT DefaultDialogProc(Window* pDialog, UINT uMessage, WPARAM wParam, LPARAM 
         return 0;
     }
     case WM_SETFOCUS:
-        if (const HWND hFocus = pDialog->hFocus) {
-            MoveFocus(hFocus);
+        if (const Window* pFocus = pDialog->hFocus ? FindWindowState(pDialog->hFocus) : nullptr;
+            pFocus && (pFocus->dwStyle & WS_VISIBLE)) {
+            MoveFocus(pFocus->hWnd);
         }
         return 0;
     case DM_SETDEFID: SetDefaultId(pDialog, static_cast<LONG_PTR>(LOWORD(wParam))); return 1;
@@ -191,7 +198,7 @@ INT_PTR OpenModal(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, 
         EnableState(pOwner, false);
     }
     INT_PTR nResult = -1;
-    if (const HWND hDialog = MakeDialog(hInstance, bytes, hOwner, pfnDialog, lParam, true)) {
+    if (const HWND hDialog = MakeDialog(hInstance, bytes, hOwner, pfnDialog, lParam, MODE_MODAL)) {
         nDialogsOpened++;
         nResult = RunModal(hDialog);
     }
@@ -208,7 +215,7 @@ INT_PTR OpenModal(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, 
 } // namespace
 
 HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DLGPROC pfnDialog,
-                LPARAM lParam, bool bModal)
+                LPARAM lParam, DialogMode mode)
 {
     DialogTemplate form;
     if (!pfnDialog || !ReadDialogTemplate(bytes, &form)) {
@@ -216,10 +223,14 @@ HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DL
         return nullptr;
     }
     DWORD dwStyle = form.ulStyle;
+    if (mode == MODE_PAGE) {
+        dwStyle |= DS_CONTROL;
+        dwStyle &= ~WS_DISABLED;
+    }
     if (dwStyle & DS_CONTROL) {
         dwStyle = (dwStyle & ~(WS_CAPTION | WS_SYSMENU | WS_POPUP)) | WS_CHILD;
     }
-    const bool bShow = (dwStyle & WS_VISIBLE) != 0 || bModal;
+    const bool bShow = mode != MODE_PAGE && ((dwStyle & WS_VISIBLE) != 0 || mode == MODE_MODAL);
     LONG lWidth = UnitsX(form.rect.cx), lHeight = UnitsY(form.rect.cy);
     LONG lX = UnitsX(form.rect.x), lY = UnitsY(form.rect.y);
     if ((dwStyle & WS_CAPTION) == WS_CAPTION) {
@@ -237,7 +248,6 @@ HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DL
     const HWND hDialog = pDialog->hWnd;
     pDialog->hInstance = hInstance;
     pDialog->wcText = form.wcTitle;
-    pDialog->bModal = bModal;
     for (const DialogItem& item : form.items) {
         if (!MakeItem(hDialog, item)) {
             DestroyTree(hDialog);
@@ -291,32 +301,26 @@ HWND NextTabStop(HWND hDialog, HWND hFrom, bool bBack)
     return hFrom;
 }
 
-/* A group goes from a control with WS_GROUP to the one before the next. */
-HWND NextInGroup(HWND hDialog, HWND hFrom, bool bBack)
+std::vector<HWND> GroupBehind(HWND hControl)
 {
-    const Window* pDialog = FindWindowState(hDialog);
+    const Window* pControl = FindWindowState(hControl);
+    const Window* pDialog = pControl ? FindWindowState(pControl->hParent) : nullptr;
     const std::vector<HWND> items = pDialog ? pDialog->children : std::vector<HWND>();
-    const auto from = std::find(items.begin(), items.end(), hFrom);
+    const auto from = std::find(items.begin(), items.end(), hControl);
     if (from == items.end()) {
-        return hFrom;
+        return {};
     }
     const auto startsGroup = [](HWND hItem) { return (FindWindowState(hItem)->dwStyle & WS_GROUP) != 0; };
     auto first = from;
     while (first != items.begin() && !startsGroup(*first)) {
         --first;
     }
-    std::vector<HWND> group(first, std::find_if(from + 1, items.end(), startsGroup));
-    if (bBack) {
-        std::reverse(group.begin(), group.end());
-    }
-    std::rotate(group.begin(), std::find(group.begin(), group.end(), hFrom) + 1, group.end());
-    for (HWND hItem : group) {
-        const Window* pItem = FindWindowState(hItem);
-        if ((pItem->dwStyle & (WS_VISIBLE | WS_DISABLED)) == WS_VISIBLE) {
-            return hItem;
-        }
-    }
-    return hFrom;
+    std::vector<HWND> group(from + 1, std::find_if(from + 1, items.end(), startsGroup));
+    group.insert(group.end(), first, from);
+    std::erase_if(group, [](HWND hItem) {
+        return (FindWindowState(hItem)->dwStyle & (WS_VISIBLE | WS_DISABLED)) != WS_VISIBLE;
+    });
+    return group;
 }
 
 /* Answers that a dialog procedure gives by itself; for all others it says whether it has treated the message,
@@ -359,7 +363,7 @@ HWND WINAPI CreateDialogIndirectParamW(HINSTANCE hInstance, const void* pTemplat
                                        DLGPROC pfnDialog, LPARAM lParam)
 {
     return MakeDialog(hInstance, {static_cast<const u8*>(pTemplate), TEMPLATE_LIMIT}, hParent, pfnDialog,
-                      lParam, false);
+                      lParam, MODE_MODELESS);
 }
 
 INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE hInstance, const void* pTemplate, HWND hParent,
@@ -417,6 +421,17 @@ void ResetDialogs()
 {
     modalSteps.clear();
     nForcedCloses = nDialogsOpened = 0;
+}
+
+WideText HostedClassName(HWND hWnd)
+{
+    const Window* pWindow = FindWindowState(hWnd);
+    for (const ClassRow& row : aClasses) {
+        if (pWindow && pWindow->kind == row.kind) {
+            return row.wcName;
+        }
+    }
+    return {};
 }
 
 BOOL WINAPI MapDialogRect(HWND, RECT* pRect)

@@ -128,6 +128,7 @@ void SendHelp(Window* pWindow)
 
 bool ClickControl(HWND hDialog, int nId)
 {
+    const KeepRecords keep;
     Window* pWindow = Reach(hDialog, nId);
     if (!pWindow) {
         return false;
@@ -151,6 +152,7 @@ bool ClickControl(HWND hDialog, int nId)
 
 bool DoubleClickControl(HWND hDialog, int nId)
 {
+    const KeepRecords keep;
     const Window* pWindow = Reach(hDialog, nId);
     if (!pWindow || pWindow->kind != KIND_STATIC || !ClickControl(hDialog, nId)) {
         return false;
@@ -163,6 +165,7 @@ bool DoubleClickControl(HWND hDialog, int nId)
 
 bool PickRow(HWND hDialog, int nId, int nRow)
 {
+    const KeepRecords keep;
     Window* pWindow = Reach(hDialog, nId);
     if (!pWindow || (pWindow->kind != KIND_LIST && pWindow->kind != KIND_COMBO) || nRow < 0 ||
         nRow >= static_cast<int>(pWindow->rows.size())) {
@@ -188,6 +191,7 @@ bool PickRow(HWND hDialog, int nId, int nRow)
 
 bool DoubleClickRow(HWND hDialog, int nId, int nRow)
 {
+    const KeepRecords keep;
     const Window* pWindow = Reach(hDialog, nId);
     if (!pWindow || pWindow->kind != KIND_LIST || !PickRow(hDialog, nId, nRow)) {
         return false;
@@ -198,6 +202,7 @@ bool DoubleClickRow(HWND hDialog, int nId, int nRow)
 
 bool SpinControl(HWND hDialog, int nId, int nCode, int nPos)
 {
+    const KeepRecords keep;
     Window* pWindow = Reach(hDialog, nId);
     if (!pWindow || pWindow->kind != KIND_SCROLL) {
         return false;
@@ -227,6 +232,7 @@ bool SpinControl(HWND hDialog, int nId, int nCode, int nPos)
 
 bool TypeText(HWND hDialog, int nId, std::u16string_view wcText, bool bReplace)
 {
+    const KeepRecords keep;
     Window* pWindow = Reach(hDialog, nId);
     if (!pWindow || pWindow->kind != KIND_EDIT || (pWindow->dwStyle & ES_READONLY)) {
         return false;
@@ -249,6 +255,7 @@ bool TypeText(HWND hDialog, int nId, std::u16string_view wcText, bool bReplace)
 
 void SendKey(WPARAM uKey, bool bShift)
 {
+    const KeepRecords keep;
     Window* pFocus = FindWindowState(FocusWindow());
     if (!pFocus || !IsUsable(pFocus)) {
         return;
@@ -264,14 +271,14 @@ void SendKey(WPARAM uKey, bool bShift)
     } else if (uKey == VK_ESCAPE) {
         Send(hDialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED));
     } else if (bButton && IsArrow(uKey)) {
-        const HWND hNext = NextInGroup(hDialog, hFocus, uKey == VK_LEFT || uKey == VK_UP);
-        Window* pNext = FindWindowState(hNext);
-        if (hNext != hFocus && pNext && pNext->kind == KIND_BUTTON &&
-            ButtonKind(pNext) == BS_AUTORADIOBUTTON) {
+        const std::vector<HWND> group = GroupBehind(hFocus);
+        const bool bBack = uKey == VK_LEFT || uKey == VK_UP;
+        Window* pNext = group.empty() ? nullptr : FindWindowState(bBack ? group.back() : group.front());
+        if (pNext && pNext->kind == KIND_BUTTON && ButtonKind(pNext) == BS_AUTORADIOBUTTON) {
             FocusByMouse(pNext);
-            ClickButtonState(hNext);
-        } else {
-            MoveFocus(hNext);
+            ClickButtonState(pNext->hWnd);
+        } else if (pNext) {
+            MoveFocus(pNext->hWnd);
         }
     } else if (bButton && uKey == VK_SPACE) {
         ClickButtonState(hFocus);

@@ -46,7 +46,7 @@ struct Window {
     DLGPROC pfnDialog = nullptr;
     LONG_PTR lMsgResult = 0, lDialogUser = 0, lDefaultId = 0;
     HWND hFocus = nullptr; /* the control that had the focus when it left the dialog */
-    bool bModal = false, bEnded = false;
+    bool bEnded = false;
     INT_PTR nResult = 0;
 
     /* Buttons and pictures. */
@@ -78,6 +78,14 @@ constexpr int FRAME_SIDE = 3;     /* of a dialog with a caption: left, right and
 constexpr int FRAME_CAPTION = 26; /* above */
 
 /* ---- windows.cpp ---- */
+/* While one of these lives, no record of a destroyed window is freed. Whoever looks at a record behind a
+   message that it has sent holds one. */
+struct KeepRecords {
+    KeepRecords();
+    ~KeepRecords();
+    KeepRecords(const KeepRecords&) = delete;
+    KeepRecords& operator=(const KeepRecords&) = delete;
+};
 Window* FindWindowState(HWND hWnd); /* null with ERROR_INVALID_WINDOW_HANDLE when there is none */
 Window* MakeWindow(WindowKind kind, Window* pParent, const RECT& rect, DWORD dwStyle, DWORD dwExStyle,
                    LONG_PTR lId, WNDPROC pfnProc);
@@ -121,13 +129,20 @@ inline bool IsRadio(const Window* pWindow)
 }
 
 /* ---- dialogs.cpp ---- */
+enum DialogMode {
+    MODE_MODELESS,
+    MODE_MODAL,
+    MODE_PAGE /* of a sheet: a child without frame, whatever its template says; the sheet shows it */
+};
 /* Makes the dialog and its controls and sends WM_INITDIALOG. bytes: of a template. Result: null when the bytes
    are no template or a class is not known, or when the window is gone again. */
 HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DLGPROC pfnDialog,
-                LPARAM lParam, bool bModal);
+                LPARAM lParam, DialogMode mode);
 /* The control that a step from hFrom leads to; hFrom itself when there is no other. */
 HWND NextTabStop(HWND hDialog, HWND hFrom, bool bBack);
-HWND NextInGroup(HWND hDialog, HWND hFrom, bool bBack);
+/* The others of the control's group that can be reached, from the one behind it round to the one before it. A
+   group goes from a control with WS_GROUP to the one before the next. */
+std::vector<HWND> GroupBehind(HWND hControl);
 void FocusFirst(HWND hDialog);
 LRESULT CALLBACK DialogWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam);
 

@@ -14,7 +14,7 @@ constexpr DWORD ERROR_INVALID_WINDOW_HANDLE = 1400;
 std::map<HWND, std::unique_ptr<Window>> allWindows;
 std::vector<std::unique_ptr<Window>> goneWindows;
 std::uintptr_t nLastWindow = 0;
-int nSending = 0;
+int nKeeping = 0;
 HWND hFocusWindow = nullptr;
 
 RECT Intersect(const RECT& one, const RECT& other)
@@ -71,6 +71,18 @@ void DropTree(HWND hWnd)
 
 } // namespace
 
+KeepRecords::KeepRecords()
+{
+    nKeeping++;
+}
+
+KeepRecords::~KeepRecords()
+{
+    if (--nKeeping == 0) {
+        goneWindows.clear();
+    }
+}
+
 Window* FindWindowState(HWND hWnd)
 {
     const auto found = allWindows.find(hWnd);
@@ -107,12 +119,8 @@ LRESULT Send(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
     if (!pWindow) {
         return 0;
     }
-    nSending++;
-    const LRESULT lResult = pWindow->pfnProc(hWnd, uMessage, wParam, lParam);
-    if (--nSending == 0) {
-        goneWindows.clear();
-    }
-    return lResult;
+    const KeepRecords keep;
+    return pWindow->pfnProc(hWnd, uMessage, wParam, lParam);
 }
 
 void DestroyTree(HWND hWnd)
@@ -120,7 +128,7 @@ void DestroyTree(HWND hWnd)
     if (!FindWindowState(hWnd)) {
         return;
     }
-    nSending++; /* keeps the records until all have heard of it */
+    const KeepRecords keep; /* until all have heard of it */
     SendDestroy(hWnd);
     /* Dialogs of their own go with their owner. */
     std::vector<HWND> owned;
@@ -133,9 +141,6 @@ void DestroyTree(HWND hWnd)
         DestroyTree(hOther);
     }
     DropTree(hWnd);
-    if (--nSending == 0) {
-        goneWindows.clear();
-    }
 }
 
 void ResetWindows()
@@ -143,7 +148,6 @@ void ResetWindows()
     allWindows.clear();
     goneWindows.clear();
     hFocusWindow = nullptr;
-    nSending = 0;
     liveCounts.nWindows = 0;
     ResetObjects();
 }
@@ -296,6 +300,7 @@ HWND FocusWindow()
 
 HWND MoveFocus(HWND hWnd)
 {
+    const KeepRecords keep;
     const HWND hBefore = hFocusWindow;
     if (hWnd == hBefore) {
         return hBefore;
@@ -332,6 +337,7 @@ static bool LiesIn(HWND hWnd, const Window* pAbove)
 
 void EnableState(Window* pWindow, bool bEnable)
 {
+    const KeepRecords keep;
     const bool bEnabled = !(pWindow->dwStyle & WS_DISABLED);
     if (bEnabled == bEnable) {
         return;
@@ -348,6 +354,7 @@ void EnableState(Window* pWindow, bool bEnable)
 
 void ShowState(Window* pWindow, bool bShow)
 {
+    const KeepRecords keep;
     if (bShow == ((pWindow->dwStyle & WS_VISIBLE) != 0)) {
         return;
     }
