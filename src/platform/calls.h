@@ -83,6 +83,11 @@
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 
+#define VERSION_CALLS(X) \
+    X(DWORD, GetFileVersionInfoSizeW, (LPCWSTR, LPDWORD), 0) \
+    X(BOOL, GetFileVersionInfoW, (LPCWSTR, DWORD, DWORD, LPVOID), 0) \
+    X(BOOL, VerQueryValueW, (LPCVOID, LPCWSTR, LPVOID*, PUINT), 0)
+
 #define WINDOW_CALLS(X) \
     X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
     X(LRESULT, CallWindowProcW, (WNDPROC, HWND, UINT, WPARAM, LPARAM), 0) \
@@ -131,6 +136,7 @@
     X(BOOL, SetWindowTextW, (HWND, LPCWSTR), 0) \
     X(BOOL, ShowWindow, (HWND, int), 0) \
     X(BOOL, UpdateWindow, (HWND), 0)
+
 #define GDI_CALLS(X) \
     X(HDC, CreateDCW, (LPCWSTR, LPCWSTR, LPCWSTR, const DEVMODEW*), nullptr) \
     X(BOOL, DeleteDC, (HDC), 0) \
@@ -149,6 +155,7 @@
     REGISTRY_CALLS(X) \
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
+    VERSION_CALLS(X) \
     WINDOW_CALLS(X) \
     GDI_CALLS(X) \
     TEXT_CALLS(X)

@@ -81,10 +81,11 @@ struct UiSession {
     u32 ulColorModeMask;             /* kinds of all colour modes */
     OwnedBlock<PaperSizeRow> pForms; /* the spooler's user forms */
     u16 sFormCount;
-    WNDPROC pfnEditProc; /* that the numeric edit controls had before */
-    HANDLE hPrinter;     /* the host's */
-    HBITMAP hLogoBitmap; /* shown by all pages */
-    u32 bOnServer;       /* the printer lives on another computer */
+    WNDPROC pfnEditProc;     /* that the numeric edit controls had before */
+    const u32* pbEditMetric; /* unit of the measures in the editor that is open; its own */
+    HANDLE hPrinter;         /* the host's */
+    HBITMAP hLogoBitmap;     /* shown by all pages */
+    u32 bOnServer;           /* the printer lives on another computer */
 };
 
 /* Builds the session of an open printer and reads what the pages show.
@@ -100,7 +101,11 @@ UiSession* CreateUiSession(PrinterCall& call, OwnedModel pModel, DriverDevmode* 
 /* Ends a session, also one that is half built; null does nothing. Its pages' windows are gone before. */
 void DestroyUiSession(UiSession* pSession);
 
-/* The session of a page's or dialog's window; null before it was initialised and behind its end. */
-UiSession* SessionOf(HWND hDialog);
+/* The session of a page's or dialog's window, which its start puts there; null before it was initialised and behind
+   its end. */
+inline UiSession* SessionOf(HWND hDialog)
+{
+    return reinterpret_cast<UiSession*>(GetWindowLongPtrW(hDialog, DWLP_USER));
+}
 
 #endif

@@ -15,6 +15,7 @@
 #include "platform/resources.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/version.h"
 #include "platform/window.h"
 
 /* Counts the call. 1 when a fault is set for it: the last error is then ERROR_GEN_FAILURE, or

@@ -11,6 +11,7 @@
 #include "platform/sheet.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/version.h"
 #include "platform/window.h"
 
 #define CHECK_CALL(result, name, params, failed) \
