@@ -5,6 +5,6 @@
 
 INT_PTR CALLBACK AboutPageProc(HWND hPage, UINT uMessage, WPARAM wParam, LPARAM lParam)
 {
-    static constexpr PageRoutines aboutPage = {SLOT_ABOUT, FillAbout, nullptr, nullptr, nullptr, nullptr, 0};
+    static constexpr PageRoutines aboutPage = {SLOT_ABOUT, 0, FillAbout, nullptr, nullptr, nullptr, nullptr};
     return HandlePageMessage(aboutPage, hPage, uMessage, wParam, lParam);
 }

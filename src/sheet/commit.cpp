@@ -21,8 +21,9 @@ int IsAnyDirty(const UiSession* pSession)
 void TellAllWindows(const UiSession* pSession)
 {
     DWORD_PTR dwIgnored;
-    SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(pSession->wcPrinterName),
-                        SMTO_ABORTIFHUNG, BROADCAST_MILLISECONDS, &dwIgnored);
+    SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0,
+                        reinterpret_cast<LPARAM>(pSession->wcPrinterName), SMTO_ABORTIFHUNG,
+                        BROADCAST_MILLISECONDS, &dwIgnored);
 }
 
 } // namespace

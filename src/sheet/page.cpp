@@ -45,10 +45,10 @@ int AddPage(UiSession* pSession, const PageTableRow& row, u16 usTemplate)
 }
 
 /* Adds the pages of the table and counts them. 0 when the host refused one. */
-int AddTablePages(UiSession* pSession, int* pnAdded)
+int AddTablePages(UiSession* pSession, const PageTableRow* pTable, int* pnAdded)
 {
     *pnAdded = 0;
-    for (const PageTableRow* pRow = aPageTable; pRow->sTitle; pRow++) {
+    for (const PageTableRow* pRow = pTable; pRow->sTitle; pRow++) {
         u16 usTemplate = pSession->bDeviceSheet ? pRow->sDevTemplate : pRow->sDocTemplate;
         if (!usTemplate) {
             continue;
@@ -69,8 +69,8 @@ void ShowLogo(HWND hPage, UiSession* pSession)
 {
     if (!pSession->hLogoBitmap) {
         pSession->hLogoBitmap = static_cast<HBITMAP>(
-            LoadImageW(static_cast<HINSTANCE>(pSession->hLanguageDll.get()), TEXT("LOGOBITMAP"), IMAGE_BITMAP, 0,
-                       0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT));
+            LoadImageW(static_cast<HINSTANCE>(pSession->hLanguageDll.get()), TEXT("LOGOBITMAP"), IMAGE_BITMAP,
+                       0, 0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT));
     }
     if (pSession->hLogoBitmap) {
         SendDlgItemMessageW(hPage, CONTROL_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
@@ -138,7 +138,7 @@ INT_PTR InitPage(const PageRoutines& routines, HWND hPage, LPARAM lParam)
         routines.pfnInit(hPage, pSession);
         pSession->bFilling = bFilling;
     }
-    return 0;
+    return routines.slot == SLOT_ABOUT;
 }
 
 /* An earlier refusal must not answer for this apply. */
@@ -182,17 +182,10 @@ INT_PTR Commanded(const PageRoutines& routines, HWND hPage, WPARAM wParam, LPARA
     return 0;
 }
 
-void Scrolled(const PageRoutines& routines, HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM lParam)
-{
-    if (lParam && routines.pfnScroll) {
-        routines.pfnScroll(hPage, pSession, GetDlgCtrlID(reinterpret_cast<HWND>(lParam)), LOWORD(wParam),
-                           static_cast<i16>(HIWORD(wParam)));
-    }
-}
-
 } // namespace
 
-int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo)
+int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo, const PageTableRow* pTable,
+                    const PageTableRow& lonePage)
 {
     pSession->bSheetBuilt = 1;
     pSession->hComPropSheet = pInfo->hComPropSheet;
@@ -200,8 +193,8 @@ int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo)
     pInfo->UserData = reinterpret_cast<ULONG_PTR>(pSession);
     pInfo->Result = 1;
     int nAdded;
-    if (!pSession->pfnComPropSheet || !AddTablePages(pSession, &nAdded) ||
-        (!nAdded && !AddPage(pSession, rAboutPage, rAboutPage.sDevTemplate))) {
+    if (!pSession->pfnComPropSheet || !AddTablePages(pSession, pTable, &nAdded) ||
+        (!nAdded && !AddPage(pSession, lonePage, lonePage.sDevTemplate))) {
         pInfo->Result = 0;
         return 0;
     }
@@ -285,7 +278,8 @@ void TrackChange(HWND hPage, UiSession* pSession, int nSlot, int bDiffers)
     }
 }
 
-INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessage, WPARAM wParam, LPARAM lParam)
+INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessage, WPARAM wParam,
+                          LPARAM lParam)
 {
     if (uMessage == WM_INITDIALOG) {
         return InitPage(routines, hPage, lParam);
@@ -306,8 +300,14 @@ INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessag
     case WM_HELP:
     case WM_CONTEXTMENU: return ShowContextHelp(hPage, pSession, uMessage, wParam, lParam);
     case WM_COMMAND: return Commanded(routines, hPage, wParam, lParam);
-    case WM_VSCROLL:
-    case WM_HSCROLL: Scrolled(routines, hPage, pSession, wParam, lParam); return 0;
+    case WM_VSCROLL: /* spin buttons on a page move whole numbers only */
+        HandleSpin(hPage, pSession, wParam, lParam, 0);
+        return 0;
+    case WM_HSCROLL:
+        if (routines.pfnScroll) {
+            routines.pfnScroll(hPage, pSession, wParam, lParam);
+        }
+        return 0;
     case WM_MOUSEMOVE: MoveOverPage(hPage, pSession, lParam); return 0;
     case WM_LBUTTONDOWN:
         if (IsOver(hPage, CONTROL_SIZE_LINE, lParam)) {

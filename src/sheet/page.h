@@ -8,12 +8,12 @@
 struct PageRoutines {
     PageSlot slot;
     int nHelpKey;
-    void (*pfnInit)(HWND hPage, UiSession* pSession); /* fills the controls from the record; also reloads them */
+    void (*pfnInit)(HWND hPage,
+                    UiSession* pSession); /* fills the controls from the record; also reloads them */
     int (*pfnDiffers)(HWND hPage, UiSession* pSession); /* 1 when the controls differ from the record */
     int (*pfnApply)(HWND hPage, UiSession* pSession);   /* writes the record from them; 0: refused, stay */
     void (*pfnPaint)(HWND hPage, UiSession* pSession);  /* WM_PAINT, from BeginPaint to EndPaint */
-    /* A scroll bar or spin button moved: SB_* and, for the thumb, its position. */
-    void (*pfnScroll)(HWND hPage, UiSession* pSession, int nControl, int nCode, int nPos);
+    PageCommand pfnScroll;                              /* WM_HSCROLL; spin buttons need no routine */
 };
 /* Each routine may be null. What a page does with its commands stands in the page table. */
 
@@ -25,10 +25,6 @@ struct PageTableRow {
     DLGPROC pfnDialogProc;
     PageCommand pfnCommand;
 };
-extern const PageTableRow aPageTable[];
-
-/* The page of a sheet that has no other. */
-extern const PageTableRow rAboutPage;
 
 /* The dialog procedure of a page with these routines. */
 INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessage, WPARAM wParam,
@@ -39,9 +35,10 @@ INT_PTR CALLBACK PageProc(HWND hPage, UINT uMessage, WPARAM wParam, LPARAM lPara
     return HandlePageMessage(routines, hPage, uMessage, wParam, lParam);
 }
 
-/* Adds the pages to the host; UserData holds the session then. 1, also as the host's Result; 0 when the host refused
-   one, those added before stay. */
-int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo);
+/* Adds the table's pages to the host, or the lone page when none of them belongs into this sheet; UserData holds the
+   session then. 1, also as the host's Result; 0 when the host refused one, those added before stay. */
+int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo, const PageTableRow* pTable,
+                    const PageTableRow& lonePage);
 
 /* First step of every page's start: the session goes into the window, labels, logo. */
 void InitPageCommon(HWND hPage, const PROPSHEETPAGEW* pPage, int nSlot);

@@ -1,8 +1,9 @@
 /* The pages and their order. A page without routines shows its template's controls with their texts; a unit of its own
    takes its row. */
+#include "sheet/pages.h"
+
 #include "sheet/dialog_services.h"
 #include "sheet/notices.h"
-#include "sheet/page.h"
 
 namespace {
 

@@ -74,7 +74,8 @@ void SettleOverlayFolder(UiSession* pSession)
     WCHAR tcFolder[OVERLAY_CHARS + 1] = {};
     PrivateDevmode* pPrivate = &pSession->pRecord->rPrivate;
     std::memcpy(tcFolder, pPrivate->tcOverlayDir, OVERLAY_CHARS * sizeof(WCHAR));
-    if (tcFolder[0] && (IsFolder(tcFolder) || (IsPlainPath(tcFolder) && CreateDirectoryW(tcFolder, nullptr)))) {
+    if (tcFolder[0] &&
+        (IsFolder(tcFolder) || (IsPlainPath(tcFolder) && CreateDirectoryW(tcFolder, nullptr)))) {
         return;
     }
     std::memset(tcFolder, 0, sizeof tcFolder);
@@ -87,8 +88,8 @@ void FindLibraries(PrinterCall& call, UiSession* pSession)
     WCHAR tcOverlayLib[PATH_CHARS];
     FindDriverFile(call, TEXT("RenderLib"), TEXT("RDR.DLL"), pSession->wcRenderLib);
     if (FindDriverFile(call, TEXT("OverlayOcm"), TEXT("LAY.DLL"), tcOverlayLib) &&
-        WideCharToMultiByte(CP_ACP, 0, tcOverlayLib, -1, pSession->cOverlayLib, PATH_CHARS, nullptr, nullptr) <=
-            0) {
+        WideCharToMultiByte(CP_ACP, 0, tcOverlayLib, -1, pSession->cOverlayLib, PATH_CHARS, nullptr,
+                            nullptr) <= 0) {
         pSession->cOverlayLib[0] = 0;
     }
 }
@@ -170,9 +171,4 @@ void DestroyUiSession(UiSession* pSession)
     }
     std::destroy_at(pSession);
     FreeBlock(pSession);
-}
-
-UiSession* SessionOf(HWND hDialog)
-{
-    return reinterpret_cast<UiSession*>(GetWindowLongPtrW(hDialog, DWLP_USER));
 }

@@ -1,12 +1,12 @@
 /* The exports that the property sheet host calls: what is edited, who may write, and the life of the session. */
+#include "description/printer_store.h"
 #include "entry/exports.h"
 #include "entry/font_file.h"
-#include "description/printer_store.h"
 #include "settings/caller_record.h"
 #include "settings/checks.h"
 #include "settings/defaults.h"
 #include "settings/merge.h"
-#include "sheet/page.h"
+#include "sheet/pages.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ int OpenSheet(PrinterCall& call, PROPSHEETUI_INFO* pInfo, UiSession* pSession, c
     }
     CopyWide(pSession->wcPrinterName, PATH_CHARS, wcPrinterName);
     pSession->bReadOnly = !MayWrite(call);
-    return BuildSheetPages(pSession, pInfo);
+    return BuildSheetPages(pSession, pInfo, aPageTable, rAboutPage);
 }
 
 int OpenDocumentSheet(PROPSHEETUI_INFO* pInfo, const DOCUMENTPROPERTYHEADER& header)
