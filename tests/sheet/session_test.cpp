@@ -177,13 +177,12 @@ TEST_F(SessionTest, EndsTheBuildingWithTheFirstPageThatIsRefused)
 
 TEST_F(SessionTest, IsNotThereWithoutDescriptionOrLanguage)
 {
-    AddSample("T410A");
-    for (const WCHAR* wcLost : {u"T410A.XPI", u"TXT.DLL"}) {
-        const WideText tcFile = wcDriverFolder + WideText(wcLost);
-        const Bytes bytes = GetFile(tcFile);
-        const Bytes other = GetFile(wcDriverFolder + WideText(u"ENUS.DLL"));
-        PutFile(tcFile, Bytes());
-        PutFile(wcDriverFolder + WideText(u"ENUS.DLL"), wcLost[1] == u'X' ? Bytes() : other);
+    for (const std::vector<WideText>& lost :
+         {std::vector<WideText>{u"T410A.XPI"}, {u"TXT.DLL", u"ENUS.DLL"}}) {
+        AddSample("T410A");
+        for (const WideText& wcFile : lost) {
+            std::filesystem::remove(HostPath(wcDriverFolder + wcFile));
+        }
         for (bool bDevice : {false, true}) {
             bDevice ? OpenDevice() : OpenDocument();
             EXPECT_EQ(SheetStartResult(pSheet), 0);
@@ -191,24 +190,25 @@ TEST_F(SessionTest, IsNotThereWithoutDescriptionOrLanguage)
             EXPECT_EQ(SheetInfo(pSheet).UserData, 0u);
             EXPECT_EQ(SheetAddCalls(pSheet), 0);
         }
-        Close();
-        PutFile(tcFile, bytes);
-        PutFile(wcDriverFolder + WideText(u"ENUS.DLL"), other);
+        EXPECT_EQ(record.dmSpecVersion, 1025);
     }
 }
 
 TEST_F(SessionTest, KnowsUserAndPrinter)
 {
     AddSample("T410A");
-    PutFile(wcDriverFolder + WideText(u"T410A.INI"),
-            std::string_view("[CustomSizes]\nNumCustomSizes=1\nCustomName0=Card\nCustomWidth0=20009\n"
-                             "CustomLength0=30000\nCustomMetric0=1\n[WaterMark]\nNumWM=2\nWMType0=1\n"
-                             "WMString0=Draft\nWMType1=1\nWMString1=Copy\n"));
+    PutFile(
+        wcDriverFolder + WideText(u"T410A.INI"),
+        std::string_view("[CustomSizes]\nNumCustomSizes=1\nCustomName0=Card\nCustomWidth0=20009\n"
+                         "CustomLength0=30000\nCustomMetric0=1\n[Watermarks]\nNumWatermarks=2\n"
+                         "WMType0=2\nWMString0=Logo\nWMImageName0=C:\\a.bmp\nWMScaleX0=50\nWMScaleY0=50\n"
+                         "WMType1=2\nWMString1=Seal\nWMImageName1=C:\\b.bmp\nWMScaleX1=50\nWMScaleY1=50\n"));
     SetLocaleValue(u"sDecimal", u"abcdef");
     OpenDocument(); /* the user's first: what the installation brings is there at once */
     ASSERT_NE(Session(), nullptr);
     EXPECT_EQ(Session()->sCustomPaperCount, 1);
-    EXPECT_EQ(Session()->sWatermarkSnapshotCount, Session()->sWatermarkCount);
+    EXPECT_EQ(Session()->sWatermarkCount, 2);
+    EXPECT_EQ(Session()->sWatermarkSnapshotCount, 2);
     EXPECT_EQ(WideText(Session()->rLanguage.wcDecimal), u"abc");
     EXPECT_EQ(WideText(Session()->wcPrinterName), wcPrinter);
     EXPECT_EQ(Session()->bOnServer, 0u);
