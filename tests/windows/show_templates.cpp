@@ -14,6 +14,8 @@
 
 #include <commctrl.h>
 
+#include "window_picture.h"
+
 namespace {
 
 using Ids = std::vector<int>;
@@ -283,30 +285,6 @@ void Pump(DWORD dwMilliseconds)
     }
 }
 
-void WriteBitmap(HDC hdc, HBITMAP hBitmap, const RECT& rect)
-{
-    BITMAPINFO info{};
-    info.bmiHeader = {
-        sizeof info.bmiHeader, rect.right - rect.left, rect.bottom - rect.top, 1, 32, 0, 0, 0, 0, 0, 0};
-    const size_t cb =
-        static_cast<size_t>(rect.right - rect.left) * static_cast<size_t>(rect.bottom - rect.top) * 4;
-    std::vector<char> pixels(cb);
-    const UINT nLines = static_cast<UINT>(rect.bottom - rect.top);
-    BITMAPFILEHEADER head{};
-    head.bfType = 0x4D42;
-    head.bfOffBits = sizeof head + sizeof info.bmiHeader;
-    head.bfSize = head.bfOffBits + static_cast<DWORD>(cb);
-    FILE* pFile = std::fopen((folder + "/" + pPicture->cName + ".bmp").c_str(), "wb");
-    const bool bWritten = pFile && GetDIBits(hdc, hBitmap, 0, nLines, pixels.data(), &info, DIB_RGB_COLORS) &&
-                          std::fwrite(&head, sizeof head, 1, pFile) == 1 &&
-                          std::fwrite(&info.bmiHeader, sizeof info.bmiHeader, 1, pFile) == 1 &&
-                          std::fwrite(pixels.data(), cb, 1, pFile) == 1;
-    if (!pFile || std::fclose(pFile) != 0 || !bWritten) {
-        std::printf("%s: not written\n", pPicture->cName);
-        nBad++;
-    }
-}
-
 void TakePicture(HWND hWindow, HWND hDialog)
 {
     ShowWindow(hWindow, SW_SHOW);
@@ -314,17 +292,12 @@ void TakePicture(HWND hWindow, HWND hDialog)
     Pump(150);
     DrawFrames(hDialog);
     Pump(20);
+    if (!WritePicture(hWindow, folder + "/" + pPicture->cName + ".bmp")) {
+        std::printf("%s: not written\n", pPicture->cName);
+        nBad++;
+    }
     RECT rect{};
     GetWindowRect(hWindow, &rect);
-    const HDC hScreen = GetDC(nullptr), hdc = CreateCompatibleDC(hScreen);
-    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, rect.right - rect.left, rect.bottom - rect.top);
-    const HGDIOBJ hOld = SelectObject(hdc, hBitmap);
-    BitBlt(hdc, 0, 0, rect.right - rect.left, rect.bottom - rect.top, hScreen, rect.left, rect.top, SRCCOPY);
-    SelectObject(hdc, hOld);
-    WriteBitmap(hdc, hBitmap, rect);
-    DeleteObject(hBitmap);
-    DeleteDC(hdc);
-    ReleaseDC(nullptr, hScreen);
     std::printf("%s: %ld x %ld\n", pPicture->cName, rect.right - rect.left, rect.bottom - rect.top);
 }
 
