@@ -109,7 +109,7 @@ TEST_F(Notices, TellTheirTextsInTheUsersLanguage)
                                          german(2507) + "|" + german(2508) + "|" + german(1702) + "|" +
                                          german(1703));
     const std::string limits = Shown(NOTICE_PAPER_SIZE);
-    for (const char* cPart : {"3.00", "76.2", "12.59", "320.0", "17.00", "431.8"}) {
+    for (const char* cPart : {"3,00", "76,2", "12,59", "320,0", "5,00", "127,0", "17,00", "431,8"}) {
         EXPECT_NE(limits.find(cPart), std::string::npos) << limits;
     }
     EXPECT_EQ(ForcedCloses(), 0);
@@ -167,7 +167,7 @@ TEST_F(Notices, AConflictIsShownWithTheModelsTextAndRefuses)
     mute.sMessageId = 0;
     mute.ulInputs = 2;
     builder.Table<ConstraintRow>(offsetof(XpiModel, pConstraints), {rule, mute, {}});
-    builder.Table<BinRow>(offsetof(XpiModel, pInputBins), {{1, 1025, 1}, {2, 261, 2}, {3, 262, 4}, {}});
+    builder.Table<BinRow>(offsetof(XpiModel, pInputBins), {{1, 1025, 1}, {2, 261, 2}, {4, 262, 3}, {}});
     Open(builder);
     const auto check = [&](u16 usSource) {
         std::string shown;
