@@ -167,7 +167,7 @@ TEST_F(HostedWindows, MouseAndHelp)
 
 TEST_F(HostedWindows, PicturesOfTheLibrary)
 {
-    PutFile(u"C:\\Driver\\TXT.DLL", SampleFile("TXT.DLL"));
+    PutFile(u"C:\\Driver\\TXT.DLL", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
     const HMODULE hLibrary = LoadLibraryExW(u"C:\\Driver\\TXT.DLL", nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(hLibrary, nullptr);
     const auto hLogo = static_cast<HBITMAP>(
@@ -200,9 +200,9 @@ TEST_F(HostedWindows, WhatTheUserIsShown)
     EXPECT_EQ(MessageBoxW(nullptr, u"again", nullptr, MB_OKCANCEL), IDCANCEL);
     ASSERT_EQ(ShownMessages().size(), 2u);
     EXPECT_EQ(ShownMessages()[0].wcText, u"text");
-    WCHAR wcPrinter[] = u"Printer";
+    WCHAR wcNamed[] = u"Printer";
     DWORD_PTR nResult = 7;
-    EXPECT_EQ(SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(wcPrinter),
+    EXPECT_EQ(SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(wcNamed),
                                   SMTO_ABORTIFHUNG, 1000, &nResult),
               1);
     ASSERT_EQ(Broadcasts().size(), 1u);
