@@ -43,7 +43,7 @@ test: package asan
 bench:
 	@scripts/setup hosted windows bench
 	@scripts/build hosted-release
-	@build/hosted/bench/ratios && build/hosted/bench/record_ratios && build/hosted/bench/write_ratios
+	@build/hosted/bench/ratios && build/hosted/bench/record_ratios && build/hosted/bench/sheet_ratios && build/hosted/bench/write_ratios
 
 fuzz:
 	@scripts/setup hosted windows fuzz
