@@ -91,7 +91,7 @@ DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength
         return JOB_FAILED;
     }
     XpiFile& file = *OpenXpiFile(call);
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), 1);
     u32 cbLength = LoadLength(pcbLength);
     int bFitted;
     if (pModel->usLanguage == KIND_IMAGE) {
@@ -121,7 +121,7 @@ DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, 
     if (!pModel) {
         return JOB_FAILED;
     }
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), pFile != &named);
     u32 cbLength = LoadLength(pcbLength);
     int bFitted =
         pModel->usLanguage == KIND_IMAGE
@@ -144,7 +144,7 @@ DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet)
     if (!pModel) {
         return JOB_FAILED;
     }
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), 1);
     u32 cbLength = pModel->usLanguage == KIND_IMAGE ? pSheet->cbBuffer : 0;
     int bFitted = 1;
     if (pModel->usLanguage == KIND_IMAGE) {

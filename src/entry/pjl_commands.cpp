@@ -117,8 +117,9 @@ void AppendFeatures(PjlText& text, const PrivateDevmode& part, u32 ulOptions, co
         }
         ReadFeatureValue(part, i, pRow, pModel, commands, cValue);
         if (cValue[0]) {
-            ReadShortCommand(commands, pRow->usCmdId, cKey, WORD_BYTES);
-            AppendSetting(text, cKey, cValue);
+            if (ReadSettingKey(commands, pRow->usCmdId, cKey)) {
+                AppendSetting(text, cKey, cValue);
+            }
         }
     }
 }
@@ -129,6 +130,11 @@ int IsBareJob(const PrivateDevmode& part, const XpiModel* pModel)
 }
 
 } // namespace
+
+int ReadSettingKey(XpiCommands& commands, u16 usId, char (&cKey)[SHORT_COMMAND_BYTES])
+{
+    return ReadShortCommand(commands, usId, cKey, SHORT_COMMAND_BYTES) || !usId;
+}
 
 size_t AppendPjlText(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cText)
 {
@@ -181,9 +187,10 @@ int BuildPjlJobHead(PrinterCall& call, char* cBuffer, u32* pcbLength, const Driv
     AppendCommand(text, commands, pMedia ? pMedia->usCmdId : u16{0});
     if (part.sOutputPJLsid) {
         char cKey[WORD_BYTES], cValue[WORD_BYTES];
-        ReadShortCommand(commands, pModel->sOutputBinCmdId, cKey, WORD_BYTES);
-        ReadShortCommand(commands, part.sOutputPJLsid, cValue, WORD_BYTES);
-        AppendSetting(text, cKey, cValue);
+        if (ReadShortCommand(commands, part.sOutputPJLsid, cValue, WORD_BYTES) &&
+            ReadSettingKey(commands, pModel->sOutputBinCmdId, cKey)) {
+            AppendSetting(text, cKey, cValue);
+        }
     }
     AppendFeatures(text, part, ulOptions, pModel, commands);
     return EndText(text, pcbLength);

@@ -28,6 +28,10 @@ int BuildPjlJobEnd(char* cBuffer, u32* pcbLength, const DriverDevmode* pRecord, 
 constexpr int TYPED_BYTES = 12; /* of one value, its NUL included */
 void ReadTypedValue(const PrivateDevmode& part, i16 sChoice, char (&cOut)[TYPED_BYTES]);
 
+/* The key of a setting. 0 when there is none to be had, so that the setting is left out: too long, or it cannot be read.
+   Id 0 goes without a key, as its model asks for. */
+int ReadSettingKey(XpiCommands& commands, u16 usId, char (&cKey)[SHORT_COMMAND_BYTES]);
+
 /* Printer features that a record has a choice for. */
 constexpr i32 FEATURE_SLOTS = 32;
 

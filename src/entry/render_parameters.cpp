@@ -218,8 +218,9 @@ void PutFeatures(ParameterText& text, const PrivateDevmode& part, u32 ulOptions,
         ReadTypedValue(part, sChoice, cTyped); /* empty unless the choice is a typed value */
         const char* cChosen = sChoice < 0 ? cTyped : cValue;
         if (cChosen[0]) {
-            ReadShortCommand(commands, pRow->usCmdId, cKey, WORD_BYTES);
-            Put(text, cKey, cChosen);
+            if (ReadSettingKey(commands, pRow->usCmdId, cKey)) {
+                Put(text, cKey, cChosen);
+            }
         }
     }
 }
@@ -261,9 +262,10 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
     }
     if (pModel->pOutputBins && pModel->sOutputBinCmdId) {
         char cKey[WORD_BYTES], cValue[WORD_BYTES];
-        ReadShortCommand(commands, pModel->sOutputBinCmdId, cKey, WORD_BYTES);
-        ReadShortCommand(commands, part.sOutputOCMsid, cValue, WORD_BYTES);
-        Put(text, cKey, cValue);
+        ReadShortCommand(commands, part.sOutputOCMsid, cValue, WORD_BYTES); /* goes out empty too */
+        if (ReadSettingKey(commands, pModel->sOutputBinCmdId, cKey)) {
+            Put(text, cKey, cValue);
+        }
     }
     PutFeatures(text, part, GetDeviceInfo(call, pModel)->ulOptions, pModel, commands);
     size_t cbText = text.nLength + 1; /* the closing NUL is there: the buffer was cleared */
