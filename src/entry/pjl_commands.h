@@ -14,6 +14,9 @@
    piece in every case. */
 size_t AppendPjlText(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cText);
 
+/* The same with the line "@PJL SET key=value". Nothing, and 0, when one of the two has more than 127 bytes. */
+size_t AppendPjlSetting(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cKey, const char* cValue);
+
 /* The job head: colour, resolution, media, output bin and the printer's own features, as the record chooses them.
    *pcbLength   IO   size of the buffer; needed size, NUL included
    Result: 1 when it fitted. */

@@ -229,10 +229,13 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
               const WCHAR* wcJobName, const DriverDevmode* pRecord, const XpiModel* pModel, XpiFile& file)
 {
     const PrivateDevmode& part = pRecord->rPrivate;
+    const WCHAR* wcProfile = part.sProfile == PROFILE_NAMED ? names.wcProfile : nullptr;
+    const WCHAR* wcScreen = part.sScreen == SCREEN_NAMED ? names.wcScreen : nullptr;
     OwnedBlock<char> cModel = NarrowText(names.wcModel), cXpi = NarrowText(names.tcXpi);
-    OwnedBlock<char> cProfile = NarrowText(names.wcProfile), cScreen = NarrowText(names.wcScreen);
-    OwnedBlock<char> cJobName = NarrowText(wcJobName ? wcJobName : TEXT(""));
-    if (!cModel || !cXpi || !cProfile || !cScreen || !cJobName) {
+    OwnedBlock<char> cProfile = wcProfile ? NarrowText(wcProfile) : nullptr;
+    OwnedBlock<char> cScreen = wcScreen ? NarrowText(wcScreen) : nullptr;
+    OwnedBlock<char> cJobName = wcJobName ? NarrowText(wcJobName) : nullptr;
+    if (!cModel || !cXpi || !cProfile != !wcProfile || !cScreen != !wcScreen || !cJobName != !wcJobName) {
         return 0;
     }
     ParameterText text = {cBuffer, cbBuffer, 0};
@@ -246,10 +249,10 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
         PutOptions(text, *pList, pModel, commands);
     }
     Put(text, "cmm", part.sProfile == PROFILE_OFF ? "FALSE" : "TRUE");
-    if (part.sProfile == PROFILE_NAMED) {
+    if (cProfile) {
         Put(text, "profile", cProfile.get());
     }
-    if (part.sScreen == SCREEN_NAMED) {
+    if (cScreen) {
         Put(text, "halftone", cScreen.get());
     }
     const ResolutionRow* pResolution = CountedRow(pModel, pModel->pResolutions, part.sResolution);
@@ -257,7 +260,7 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
     Put(text, "dpi.y", pResolution ? static_cast<i16>(pResolution->usDpiY) : 0);
     Put(text, "contrast", part.sContrast);
     Put(text, "brightness", part.sBrightness);
-    if (wcJobName) {
+    if (cJobName) {
         Put(text, "jobName", cJobName.get());
     }
     if (pModel->pOutputBins && pModel->sOutputBinCmdId) {
