@@ -25,4 +25,13 @@ void FloorOfNames(HANDLE hFile, const NameSections& sections);
    the model allows custom papers, so that the saved ones and the spooler's forms are asked for as well. */
 void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom);
 
+/* What the start of a job asks for: the stored values, the driver's files, from the open description header, body,
+   font offsets and, each in one piece, the rows and bytes of its commands. bImage: the printer's and the job's
+   information too. */
+struct JobSections {
+    FileSpan body, fonts, rows, commands;
+};
+void FloorOfJobStart(HANDLE hPrinter, DWORD dwJobId, const WCHAR* tcPath, const JobSections& sections,
+                     int bImage);
+
 #endif

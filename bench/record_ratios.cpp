@@ -1,12 +1,9 @@
 /* What the two checks of a record cost, as ratios to floors measured in the same run: the rules alone against
    one pass of two-sided comparisons, the whole calls against the loading of the model. Exit code 1 when a
    ratio is over its figure. */
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "bench/watch.h"
 #include "description/driver_files.h"
 #include "settings/check_core.h"
 #include "settings/defaults.h"
@@ -18,27 +15,6 @@ constexpr double RULES_FIGURE = 6.0;  /* times one pass of comparisons */
 constexpr double CALLS_FIGURE = 1.75; /* times one load of the model */
 constexpr int COMPARISONS = 300;
 constexpr const char* acSections[] = {"T410A", "QP5", "K100", "IX300", "T440B"};
-
-/* Nothing of what is measured may be left out by the compiler. */
-template <class T> void Use(T& value)
-{
-    asm volatile("" : : "g"(&value) : "memory");
-}
-
-/* Nanoseconds of one call: the best of many rounds, which are taken in turns with those of its rival. */
-struct Watch {
-    double best = 1e18;
-
-    template <class Body> void Round(int nTimes, Body body)
-    {
-        auto begun = std::chrono::steady_clock::now();
-        for (int i = 0; i < nTimes; i++) {
-            body();
-        }
-        std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - begun;
-        best = std::min(best, took.count() / nTimes);
-    }
-};
 
 /* A range for every so many bytes of the record. */
 struct Comparison {
@@ -57,22 +33,6 @@ int CountWithin(const DriverDevmode& record, const Comparison* aRanges)
         }
     }
     return nWithin;
-}
-
-int Report(const char* cSection, const char* cWhat, double nanoseconds, double floor, double figure)
-{
-    double ratio = nanoseconds / floor;
-    std::printf("%-6s %-38s %9.0f ns  %5.2f times (at most %.2f)%s\n", cSection, cWhat, nanoseconds, ratio,
-                figure, ratio > figure ? "  OVER" : "");
-    return ratio > figure;
-}
-
-void Require(bool bTrue, const char* cSection, const char* cWhat)
-{
-    if (!bTrue) {
-        std::printf("%s: %s\n", cSection, cWhat);
-        std::exit(1);
-    }
 }
 
 int Measure(const char* cSection, const std::vector<InfModel>& models)

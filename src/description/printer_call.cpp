@@ -33,7 +33,10 @@ const WCHAR* AnswerText(const void* pBlock, u32 cbBlock, const WCHAR* wcMember)
     return bInside ? wcMember : TEXT("");
 }
 
-void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState)
+namespace {
+
+/* The asking itself; ask(pOut, cbOut, pcbNeeded) gives the spooler's result. */
+template <class Ask> void* AskGrowing(HANDLE hPrinter, u32 cbFirst, u32* pcb, AskState* pState, Ask ask)
 {
     *pState = NO_ANSWER;
     if (!IsOpen(hPrinter)) {
@@ -47,8 +50,7 @@ void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWOR
             return nullptr;
         }
         DWORD cbNeeded = 0;
-        *pnRows = 0;
-        if (fnAsk(hPrinter, pBlock.get(), cb, &cbNeeded, pnRows)) {
+        if (ask(pBlock.get(), cb, &cbNeeded)) {
             *pState = ANSWERED;
             *pcb = cb;
             return pBlock.release();
@@ -63,6 +65,37 @@ void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWOR
         cb = cbNeeded;
     }
     return nullptr; /* it grew between the two calls */
+}
+
+} // namespace
+
+void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState)
+{
+    return AskGrowing(hPrinter, cbFirst, pcb, pState, [=](BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded) {
+        *pnRows = 0;
+        return fnAsk(hPrinter, pOut, cbOut, pcbNeeded, pnRows);
+    });
+}
+
+OwnedBlock<WCHAR> ReadDocumentName(PrinterCall& call, DWORD dwJobId)
+{
+    u32 cbJob;
+    AskState state;
+    OwnedBlock<JOB_INFO_2W> pJob(static_cast<JOB_INFO_2W*>(
+        AskGrowing(call.hPrinter, FIRST_BYTES, &cbJob, &state,
+                   [&call, dwJobId](BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded) {
+                       return GetJobW(call.hPrinter, dwJobId, 2, pOut, cbOut, pcbNeeded);
+                   })));
+    if (!pJob || !pJob->pDocument) {
+        return nullptr;
+    }
+    const WCHAR* wcDocument = AnswerText(pJob.get(), cbJob, pJob->pDocument);
+    size_t cbName = (static_cast<size_t>(WideLength(wcDocument)) + 1) * sizeof(WCHAR);
+    OwnedBlock<WCHAR> wcName(static_cast<WCHAR*>(AllocateBlock(cbName)));
+    if (wcName) {
+        std::memcpy(wcName.get(), wcDocument, cbName);
+    }
+    return wcName;
 }
 
 const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call)

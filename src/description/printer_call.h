@@ -69,6 +69,10 @@ const WCHAR* AnswerText(const void* pBlock, u32 cb, const WCHAR* wcMember);
 using AskFunction = BOOL (*)(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD* pnRows);
 void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState);
 
+/* Document name of a job in the printer's queue, a new block of its own, the caller's. Null when the spooler has no
+   such job, the job has no name, or memory fails. */
+OwnedBlock<WCHAR> ReadDocumentName(PrinterCall& call, DWORD dwJobId);
+
 /* Reads a text value of the printer into cch characters. 1 when it is there, of type REG_SZ, and fits; the
    text is ended by us where its NUL is missing (*pbEnded, which may be null, says whether it had one). Else 0
    and "". */

@@ -37,19 +37,56 @@ const XpiHeader* ReadXpiHeader(XpiFile& file)
 
 namespace {
 
-/* cScratch has room for nLimit bytes. */
-int ReadCommand(XpiFile& file, u16 usId, char* cScratch, u32 nLimit, char* cOut, int cbOut)
+/* Offset of a command among the command bytes; 0 when the table does not have it. Rows are held from a multiple of
+   their number on. */
+int FindCommand(XpiCommands& commands, u16 usId, u16* pusOffset)
+{
+    constexpr u32 HELD_ROWS = sizeof commands.ausRows / sizeof *commands.ausRows;
+    u32 nFirst = usId - usId % HELD_ROWS;
+    if (!commands.nRows || commands.nFirstRow != nFirst) {
+        u32 cbGot;
+        commands.nRows = 0;
+        if (!ReadXpiBytes(commands.file,
+                          ReadXpiHeader(commands.file)->dwCommandTableOffset + 2 * static_cast<u64>(nFirst),
+                          commands.ausRows, sizeof commands.ausRows, &cbGot)) {
+            return 0;
+        }
+        commands.nFirstRow = nFirst;
+        commands.nRows = cbGot / static_cast<u32>(sizeof *commands.ausRows);
+    }
+    *pusOffset = usId - nFirst < commands.nRows ? commands.ausRows[usId - nFirst] : u16{0};
+    return usId - nFirst < commands.nRows;
+}
+
+/* Command bytes from a place in the file on, up to nMost; *pcb is how many there are. Null after a failed read. Bytes
+   are held from a multiple of the longest command on, so that one always lies whole in what is held. */
+const char* HoldCommandBytes(XpiCommands& commands, u64 ullStart, u32 nMost, u32* pcb)
+{
+    u64 ullFirst = ullStart - ullStart % COMMAND_BYTES;
+    if (!commands.cbBytes || commands.ullFirstByte != ullFirst) {
+        commands.cbBytes = 0;
+        if (!ReadXpiBytes(commands.file, ullFirst, commands.cBytes, sizeof commands.cBytes, pcb)) {
+            return nullptr;
+        }
+        commands.ullFirstByte = ullFirst;
+        commands.cbBytes = *pcb;
+    }
+    u32 nAt = static_cast<u32>(ullStart - ullFirst);
+    u32 cbHeld = commands.cbBytes > nAt ? commands.cbBytes - nAt : 0;
+    *pcb = cbHeld < nMost ? cbHeld : nMost;
+    return commands.cBytes + nAt;
+}
+
+int ReadLimitedCommand(XpiCommands& commands, u16 usId, u32 nLimit, char* cOut, int cbOut)
 {
     if (cbOut < 1) {
         return 0;
     }
     cOut[0] = 0;
-    const XpiHeader* pHeader = ReadXpiHeader(file);
-    u16 usOffset = 0;
+    const XpiHeader* pHeader = ReadXpiHeader(commands.file);
+    u16 usOffset;
     u32 cbGot;
-    if (!ReadXpiBytes(file, pHeader->dwCommandTableOffset + 2 * static_cast<u64>(usId), &usOffset,
-                      sizeof usOffset, &cbGot) ||
-        cbGot < sizeof usOffset) {
+    if (!FindCommand(commands, usId, &usOffset)) {
         return 0;
     }
     u64 ullStart = static_cast<u64>(pHeader->dwCommandDataOffset) + usOffset;
@@ -57,18 +94,17 @@ int ReadCommand(XpiFile& file, u16 usId, char* cScratch, u32 nLimit, char* cOut,
         return 0;
     }
     u64 ullRoom = pHeader->dwFontDataOffset - ullStart;
-    u32 cbAsked = ullRoom < nLimit ? static_cast<u32>(ullRoom) : nLimit;
-    if (!ReadXpiBytes(file, ullStart, cScratch, cbAsked, &cbGot)) {
+    u32 nMost = ullRoom < nLimit ? static_cast<u32>(ullRoom) : nLimit;
+    const char* cText = HoldCommandBytes(commands, ullStart, nMost, &cbGot);
+    if (!cText || !cbGot) {
         return 0;
     }
-    u32 nLength = 0;
-    while (nLength < cbGot && cScratch[nLength]) {
-        nLength++;
-    }
+    const void* pEnd = std::memchr(cText, 0, cbGot);
+    u32 nLength = pEnd ? static_cast<u32>(static_cast<const char*>(pEnd) - cText) : cbGot;
     if (nLength >= nLimit || nLength >= static_cast<u32>(cbOut)) {
         return 0;
     }
-    std::memcpy(cOut, cScratch, nLength);
+    std::memcpy(cOut, cText, nLength);
     cOut[nLength] = 0;
     return static_cast<int>(nLength);
 }
@@ -84,16 +120,26 @@ int ReadFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows)
 
 } // namespace
 
+int ReadCommand(XpiCommands& commands, u16 usId, char* cOut, int cbOut)
+{
+    return ReadLimitedCommand(commands, usId, COMMAND_BYTES, cOut, cbOut);
+}
+
+int ReadShortCommand(XpiCommands& commands, u16 usId, char* cOut, int cbOut)
+{
+    return ReadLimitedCommand(commands, usId, SHORT_COMMAND_BYTES, cOut, cbOut);
+}
+
 int ReadXpiCommand(XpiFile& file, u16 usId, char* cOut, int cbOut)
 {
-    char cScratch[COMMAND_BYTES];
-    return ReadCommand(file, usId, cScratch, sizeof cScratch, cOut, cbOut);
+    XpiCommands commands(file);
+    return ReadCommand(commands, usId, cOut, cbOut);
 }
 
 int ReadXpiShortCommand(XpiFile& file, u16 usId, char* cOut, int cbOut)
 {
-    char cScratch[SHORT_COMMAND_BYTES];
-    return ReadCommand(file, usId, cScratch, sizeof cScratch, cOut, cbOut);
+    XpiCommands commands(file);
+    return ReadShortCommand(commands, usId, cOut, cbOut);
 }
 
 u32 ReadXpiFontChunk(XpiFile& file, const XpiModel* pModel, u8* pOut, i32 nFirst)

@@ -60,6 +60,21 @@ int ReadXpiBytes(XpiFile& file, u64 ullOffset, void* pOut, u32 cb, u32* pcbGot);
 int ReadXpiCommand(XpiFile& file, u16 usId, char* cOut, int cbOut);
 int ReadXpiShortCommand(XpiFile& file, u16 usId, char* cOut, int cbOut);
 
+/* The same for many commands of one file: what was read for one serves those beside it, so that a list costs about as
+   much as two reads. Lives as long as the call that reads the list. */
+struct XpiCommands {
+    XpiFile& file;
+    u32 nFirstRow, nRows; /* rows of the offset table that are held */
+    u64 ullFirstByte;     /* place in the file of the bytes that are held */
+    u32 cbBytes;
+    u16 ausRows[64];
+    char cBytes[2 * COMMAND_BYTES];
+
+    explicit XpiCommands(XpiFile& of) : file(of), nFirstRow(0), nRows(0), ullFirstByte(0), cbBytes(0) {}
+};
+int ReadCommand(XpiCommands& commands, u16 usId, char* cOut, int cbOut);
+int ReadShortCommand(XpiCommands& commands, u16 usId, char* cOut, int cbOut);
+
 /* Size of one resident font from two neighbouring offset rows: a 16-bit difference. */
 constexpr u32 XpiFontBytes(u32 ulRow, u32 ulNextRow)
 {

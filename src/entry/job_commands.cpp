@@ -1,20 +1,157 @@
-/* What the rendering half asks for around a job; answers failure until it is built. */
+/* What the rendering half asks for at a job's start, before a sheet and at the job's end. The three calls share
+   nothing: each opens the description, settles the record that it was given, builds its bytes and releases all. */
+#include <cstring>
+
+#include "base/wide.h"
+#include "description/driver_files.h"
 #include "entry/exports.h"
+#include "entry/notice.h"
+#include "entry/pjl_commands.h"
+#include "entry/render_parameters.h"
+#include "entry/settle.h"
+
+namespace {
+
+constexpr int XPI_NAME_CHARS = 160;
+
+/* The caller's length may lie at any address. */
+u32 LoadLength(const DWORD* pcbLength)
+{
+    u32 cbLength;
+    static_assert(sizeof cbLength == sizeof *pcbLength);
+    std::memcpy(&cbLength, pcbLength, sizeof cbLength);
+    return cbLength;
+}
+
+void StoreLength(DWORD* pcbLength, u32 cbLength)
+{
+    std::memcpy(pcbLength, &cbLength, sizeof cbLength);
+}
+
+DWORD FitResult(int bFitted)
+{
+    return bFitted ? JOB_DONE : JOB_TOO_SMALL;
+}
+
+/* Without a language library there is no dialog: its template would be looked for in the program's own resources. */
+DWORD ShowNotice(PrinterCall& call)
+{
+    if (!fnShowNotice) {
+        return JOB_NOTICE;
+    }
+    LanguageChoice choice;
+    OwnedModule hLanguageDll = OpenLanguageDll(call, &choice);
+    HMODULE hModule = static_cast<HMODULE>(hLanguageDll.get());
+    return !hModule || fnShowNotice(call, hModule, choice) ? JOB_NOTICE : JOB_FAILED;
+}
+
+/* Opens the description that the record names for the job's end: a whole path on a drive of this computer. Another
+   computer's, a device's or a path that depends on the current folder is none. 0 when it cannot be opened. */
+int OpenNamedDescription(const PrivateDevmode& part, XpiFile& file)
+{
+    WCHAR tcName[XPI_NAME_CHARS];
+    std::memcpy(tcName, part.tcXPIName, sizeof tcName);
+    WCHAR wcDrive = static_cast<WCHAR>(tcName[0] | 0x20);
+    return BoundedLength(tcName, XPI_NAME_CHARS) < XPI_NAME_CHARS && wcDrive >= 'a' && wcDrive <= 'z' &&
+           tcName[1] == ':' && tcName[2] == '\\' && OpenXpiPath(file, tcName);
+}
+
+/* The description for the job's end: the record's own, unless overlays are at work, else the printer's. Null when
+   neither can be opened. */
+XpiFile* ChooseDescription(PrinterCall& call, const PrivateDevmode& part, XpiFile& named)
+{
+    WCHAR tcName[XPI_NAME_CHARS];
+    std::memcpy(tcName, part.tcXPIName, sizeof tcName);
+    int bPlain = tcName[0] && !part.tcOverlayDir[0];
+    /* Most often it is the printer's own, which the record's check opens anyway. */
+    int bOwn = BoundedLength(tcName, XPI_NAME_CHARS) < XPI_NAME_CHARS && SameWide(tcName, GetXpiPath(call));
+    return bPlain && !bOwn && OpenNamedDescription(part, named) ? &named : OpenXpiFile(call);
+}
+
+} // namespace
 
 extern "C" {
 
-DWORD WINAPI GuiStartJob(DriverDevmode*, void*, DWORD*, void*)
+DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob)
 {
-    return 0;
+    if (!pJob || !pcbLength) {
+        return JOB_FAILED;
+    }
+    PrinterCall call(pJob->hPrinter);
+    pJob->dwReservedOut = 0;
+    if (pJob->bShowNotice) {
+        StoreLength(pcbLength, 0);
+        return ShowNotice(call);
+    }
+    if (!pRecord) {
+        return JOB_DONE;
+    }
+    OwnedModel pModel = LoadPrinterModel(call);
+    if (!pModel) {
+        return JOB_FAILED;
+    }
+    XpiFile& file = *OpenXpiFile(call);
+    SettleRecord(call, pRecord, pModel.get(), 1);
+    u32 cbLength = LoadLength(pcbLength);
+    int bFitted;
+    if (pModel->usLanguage == KIND_IMAGE) {
+        OwnedBlock<WCHAR> wcName = ReadDocumentName(call, pJob->dwJobId);
+        pRecord->dmReserved1 = pJob->dwJobId;
+        bFitted = BuildRenderParameters(call, pBuffer, &cbLength, wcName.get(), pRecord, pModel.get(), file);
+        pJob->pJobName = wcName.release();
+    } else {
+        bFitted = BuildPjlJobHead(call, static_cast<char*>(pBuffer), &cbLength, pRecord, pModel.get(), file);
+    }
+    StoreLength(pcbLength, cbLength);
+    return FitResult(bFitted);
 }
 
-DWORD WINAPI GuiEndJob(DriverDevmode*, void*, DWORD*, void*)
+DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob)
 {
-    return 0;
+    if (!pJob || !pcbLength) {
+        return JOB_FAILED;
+    }
+    if (!pRecord) {
+        return JOB_DONE;
+    }
+    PrinterCall call(pJob->hPrinter);
+    XpiFile named = {};
+    XpiFile* pFile = ChooseDescription(call, pRecord->rPrivate, named);
+    OwnedModel pModel = pFile ? LoadXpiModel(*pFile) : nullptr;
+    if (!pModel) {
+        return JOB_FAILED;
+    }
+    SettleRecord(call, pRecord, pModel.get(), pFile != &named);
+    u32 cbLength = LoadLength(pcbLength);
+    int bFitted =
+        pModel->usLanguage == KIND_IMAGE
+            ? BuildRenderParameters(call, pBuffer, &cbLength, nullptr, pRecord, pModel.get(), *pFile)
+            : BuildPjlJobEnd(static_cast<char*>(pBuffer), &cbLength, pRecord, pModel.get());
+    StoreLength(pcbLength, cbLength);
+    return FitResult(bFitted);
 }
 
-DWORD WINAPI GuiStartSheet(DriverDevmode*, void*)
+DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet)
 {
-    return 0;
+    if (!pSheet) {
+        return JOB_FAILED;
+    }
+    if (!pRecord) {
+        return JOB_DONE;
+    }
+    PrinterCall call(pSheet->hPrinter);
+    OwnedModel pModel = LoadPrinterModel(call);
+    if (!pModel) {
+        return JOB_FAILED;
+    }
+    SettleRecord(call, pRecord, pModel.get(), 1);
+    u32 cbLength = pModel->usLanguage == KIND_IMAGE ? pSheet->cbBuffer : 0;
+    int bFitted = 1;
+    if (pModel->usLanguage == KIND_IMAGE) {
+        bFitted = BuildRenderParameters(call, pSheet->pBuffer, &cbLength, nullptr, pRecord, pModel.get(),
+                                        *OpenXpiFile(call));
+    }
+    pSheet->cbBuffer = cbLength;
+    return FitResult(bFitted);
 }
 }

@@ -47,6 +47,7 @@ using LPVOID = void*;
 using LPCVOID = const void*;
 using LPBYTE = BYTE*;
 using LPDWORD = DWORD*;
+using LPBOOL = BOOL*;
 using LPSTR = CHAR*;
 using LPCSTR = const CHAR*;
 using LPWSTR = WCHAR*;

@@ -45,6 +45,7 @@
     X(BOOL, ClosePrinter, (HANDLE), 0) \
     X(BOOL, GetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(BOOL, GetPrinterDriverW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
+    X(BOOL, GetJobW, (HANDLE, DWORD, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
@@ -56,6 +57,7 @@
 
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
+    X(int, WideCharToMultiByte, (UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL), 0) \
     X(DWORD, CharUpperBuffW, (LPWSTR, DWORD), 0) \
     X(int, lstrcmpW, (LPCWSTR, LPCWSTR), -2)
 

@@ -59,3 +59,27 @@ TEST_F(TextConformance, NamesAreTheSameOrNot)
     EXPECT_NE(lstrcmpW(TEXT("Draft"), TEXT("Draft ")), 0);
     EXPECT_NE(lstrcmpW(TEXT("a"), TEXT("\u00E4")), 0);
 }
+
+/* Wide text in the code page: measured first, then converted; a buffer that is too small is a failure, and no
+   NUL is added that was not counted. */
+TEST_F(TextConformance, WideTextBecomesAnsi)
+{
+    const auto convert = [](const WideString& wcText, int nChars, int cb) {
+        std::string out(64, '#');
+        int nOut = WideCharToMultiByte(CP_ACP, 0, wcText.c_str(), nChars, cb ? out.data() : nullptr, cb,
+                                       nullptr, nullptr);
+        return std::to_string(nOut) + (cb && nOut ? " " + out.substr(0, static_cast<size_t>(nOut) + 1) : "");
+    };
+    EXPECT_EQ(convert(TEXT("Gr\u00F6\u00DFe \u20AC"), 7, 0), "7");
+    EXPECT_EQ(convert(TEXT("Gr\u00F6\u00DFe \u20AC"), 7, 64), "7 Gr\xF6\xDF"
+                                                              "e \x80#");
+    EXPECT_EQ(convert(TEXT("abc"), -1, 0), "4");
+    EXPECT_EQ(convert(TEXT("abc"), 3, 3), "3 abc#");
+    EXPECT_EQ(convert(TEXT("abc"), 3, 2), "0");
+    EXPECT_EQ(convert(TEXT("abc"), 0, 64), "0");
+    EXPECT_EQ(convert(TEXT("a\u4E2D"
+                           "b"),
+                      3, 64),
+              "3 a?b#"); /* not in the code page */
+    EXPECT_EQ(convert(TEXT("a"), 1, 64), "1 a#");
+}

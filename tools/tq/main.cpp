@@ -8,6 +8,7 @@
 #include "platform/hosted/standin.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
+#include "tools/tq/job.h"
 #include "tools/tq/lint.h"
 #include "tools/tq/record.h"
 #include "tools/tq/sample_printer.h"
@@ -107,11 +108,28 @@ int main(int argc, char** argv)
         ->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pExplain->add_flag("--metric", explain.bMetric, "The user's locale is metric");
+
+    JobOptions job;
+    bool bLayout = false;
+    CLI::App* pJob = app.add_subcommand("job", "What goes to the printer round a job and before a sheet");
+    pJob->add_option("--model", job.model, "A description file, or a sample's name or section");
+    pJob->add_option("--package", job.package, "Folder with tqui.inf, descriptions and settings files")
+        ->check(CLI::ExistingDirectory);
+    pJob->add_option("--record", job.record, "A record: its 4088 bytes, or the text of tq record");
+    pJob->add_option("--set", job.assignments, "field=value; several times");
+    pJob->add_option("--job-name", job.jobName, "Name of the document in the spooler");
+    pJob->add_flag("--metric", job.bMetric, "The user's locale is metric");
+    pJob->add_flag("--hex", job.bHex, "All bytes, sixteen a line");
+    pJob->add_flag("--layout", bLayout, "The layout of the binary render parameters, and nothing else");
+    job.package = TQUI_SAMPLES;
     record.package = TQUI_SAMPLES;
     explain.package = TQUI_SAMPLES;
 
     try {
         app.parse(argc, argv);
+        if (*pJob && !bLayout && job.model.empty()) {
+            throw CLI::RequiredError("--model");
+        }
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error);
@@ -122,6 +140,13 @@ int main(int argc, char** argv)
     try {
         if (*pRecord) {
             return RunRecord(record, std::cout);
+        }
+        if (*pJob && bLayout) {
+            std::cout << RenderRecordTable();
+            return 0;
+        }
+        if (*pJob) {
+            return RunJobCommand(job, std::cout);
         }
         if (*pExplain) {
             return RunExplain(explain, std::cout);

@@ -1,6 +1,8 @@
 /* The command `tq record`. */
 #include "tools/tq/record.h"
 
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <ostream>
 
@@ -18,6 +20,21 @@ PrinterSetup StartModel(const std::string& model, const std::string& package, bo
         return InstallDescription(Widen(path.stem().string()), ReadDiskFile(path), package);
     }
     return InstallSample(FindInfModel(ReadInf(fs::path(package) / "tqui.inf"), model), package);
+}
+
+DriverDevmode ReadRecord(const std::string& file)
+{
+    Bytes bytes = ReadDiskFile(file);
+    DriverDevmode record;
+    if (bytes.size() == sizeof record) {
+        std::memcpy(&record, bytes.data(), sizeof record);
+        return record;
+    }
+    if (std::find(bytes.begin(), bytes.end(), u8{0}) != bytes.end()) {
+        throw std::runtime_error(file + ": a record has " + std::to_string(sizeof record) +
+                                 " bytes, this has " + std::to_string(bytes.size()));
+    }
+    return RecordFromText({bytes.begin(), bytes.end()});
 }
 
 int RunRecord(const RecordOptions& options, std::ostream& out)

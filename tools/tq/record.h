@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "settings/driver_devmode.h"
 #include "tools/tq/sample_printer.h"
 
 struct RecordOptions {
@@ -19,6 +20,9 @@ struct RecordOptions {
 
 /* Starts the machine and installs a printer: of a description file with its name, or of a sample. */
 PrinterSetup StartModel(const std::string& model, const std::string& package, bool bMetric);
+
+/* A record from a file: its 4088 bytes, or the lines of `tq record`. Throws for a file that is neither. */
+DriverDevmode ReadRecord(const std::string& file);
 
 /* Result: the exit code. Throws RecordTextError for a wrong assignment, another exception for a model or
    file that is not to be had. */

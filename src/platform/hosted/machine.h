@@ -59,6 +59,8 @@ void SetPrinterRecord(std::u16string_view wcPrinter,
 void DropPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue);
 bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD* pdwType,
                      Bytes* pBytes);
+/* A job in the printer's queue; wcDocument null: it has no name. Replaces one of that id. */
+void AddJob(std::u16string_view wcPrinter, DWORD dwJobId, const WCHAR* wcDocument);
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth,
                     i32 lLength); /* thousandths of a mm */
 void DropMachineForms();

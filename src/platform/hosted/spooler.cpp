@@ -14,9 +14,15 @@ struct PrinterValue {
     Bytes bytes;
 };
 
+struct Job {
+    bool bNamed;
+    WideText wcDocument;
+};
+
 struct Printer {
     PrinterSetup setup;
     std::map<WideText, PrinterValue> values; /* by name in one form */
+    std::map<DWORD, Job> jobs;
 };
 
 struct Form {
@@ -153,7 +159,7 @@ void ResetSpooler()
 void AddPrinter(const PrinterSetup& setup)
 {
     Printer& printer = spooler().printers[LowerText(setup.wcName)];
-    printer = {setup, {}};
+    printer = {setup, {}, {}};
 }
 
 void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType,
@@ -193,6 +199,12 @@ bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue,
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 lLength)
 {
     spooler().forms.push_back({WideText(wcName), dwFlags, {lWidth, lLength}});
+}
+
+void AddJob(std::u16string_view wcPrinter, DWORD dwJobId, const WCHAR* wcDocument)
+{
+    spooler().printers[LowerText(wcPrinter)].jobs[dwJobId] = {wcDocument != nullptr,
+                                                              wcDocument ? wcDocument : u""};
 }
 
 void DropMachineForms()
@@ -297,6 +309,35 @@ BOOL WINAPI GetPrinterDriverW(HANDLE hPrinter, LPWSTR, DWORD dwLevel, LPBYTE pOu
     info.pDefaultDataType = layout.Put(u"RAW");
     *pcbNeeded = layout.Needed();
     if (!layout.Fits() || Lies(CALL_GetPrinterDriverW, LIE_HUGE)) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    std::memcpy(pOut, &info, sizeof info);
+    return 1;
+}
+
+BOOL WINAPI GetJobW(HANDLE hPrinter, DWORD dwJobId, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
+                    LPDWORD pcbNeeded)
+{
+    FAILS(GetJobW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter || dwLevel != 2) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    auto found = pPrinter->jobs.find(dwJobId);
+    if (found == pPrinter->jobs.end()) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    Layout layout(CALL_GetJobW, sizeof(JOB_INFO_2W), pOut, cbOut);
+    JOB_INFO_2W info = {};
+    info.JobId = dwJobId;
+    info.pPrinterName = layout.Put(pPrinter->setup.wcName);
+    info.pUserName = layout.Put(u"user");
+    info.pDocument = found->second.bNamed ? layout.Put(found->second.wcDocument) : nullptr;
+    info.pDatatype = layout.Put(u"RAW");
+    info.pPrintProcessor = layout.Put(u"winprint");
+    info.pDriverName = layout.Put(pPrinter->setup.wcDriverName);
+    *pcbNeeded = layout.Needed();
+    if (!layout.Fits() || Lies(CALL_GetJobW, LIE_HUGE)) {
         return Refuse(ERROR_INSUFFICIENT_BUFFER);
     }
     std::memcpy(pOut, &info, sizeof info);

@@ -139,6 +139,31 @@ int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int 
     return Lies(CALL_MultiByteToWideChar, LIE_HUGE) ? 0x7FFFFFFF : nOut;
 }
 
+int WINAPI WideCharToMultiByte(UINT uCodePage, DWORD dwFlags, LPCWSTR wcText, int cchText, LPSTR cOut,
+                               int cbOut, LPCSTR cDefault, LPBOOL pbDefaulted)
+{
+    FAILS(WideCharToMultiByte);
+    if (uCodePage != CP_ACP || dwFlags || cDefault || pbDefaulted || !wcText || cchText == 0 ||
+        cchText < -1 || cbOut < 0 || (cbOut && !cOut)) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    size_t cch = cchText < 0 ? std::char_traits<WCHAR>::length(wcText) + 1 : static_cast<size_t>(cchText);
+    std::string text = ToCodePage({wcText, cch});
+    if (Lies(CALL_WideCharToMultiByte, LIE_HUGE) && !cbOut) {
+        return 0x7FFFFFFF;
+    }
+    if (Lies(CALL_WideCharToMultiByte, LIE_SHORT) && !cbOut) {
+        return static_cast<int>(text.size() / 2);
+    }
+    if (cbOut) {
+        if (text.size() > static_cast<size_t>(cbOut)) {
+            return Refuse(ERROR_INSUFFICIENT_BUFFER);
+        }
+        text.copy(cOut, text.size());
+    }
+    return static_cast<int>(text.size());
+}
+
 /* Capitals of the scripts that paths and names of a printer can meet: Latin, Greek, Cyrillic, Armenian. */
 WCHAR UpperChar(WCHAR wcChar)
 {
