@@ -42,7 +42,7 @@ test: package asan
 bench:
 	@scripts/setup hosted windows bench
 	@scripts/build hosted-release
-	@build/hosted/bench/ratios && build/hosted/bench/record_ratios && build/hosted/bench/job_ratios
+	@failed=0; for program in build/hosted/bench/*ratios; do $$program || failed=1; done; exit $$failed
 
 fuzz:
 	@scripts/setup hosted windows fuzz

@@ -1,10 +1,11 @@
-/* The bytes are a settings file. What is listed in it is read, and written again; nothing may be read or
-   written outside the buffers, and a key written must be found with its value. */
+/* The bytes are a settings file. What is listed in it is read; nothing may be read or written outside the buffers.
+   Then a key and a section of it are written: they must be found, and everything else as it was. */
 #include <algorithm>
 #include <cstdlib>
 
-#include "platform/hosted/machine.h"
+#include "platform/hosted/standin.h"
 #include "platform/profile.h"
+#include "settingsfile/section_file.h"
 
 namespace {
 
@@ -40,6 +41,59 @@ std::vector<WideText> ReadList(LPCWSTR wcSection, DWORD cchOut)
     return names;
 }
 
+bool IsOwn(const WideText& wcName, const WideText& wcCapitals)
+{
+    WideText wcFolded = wcName;
+    for (WCHAR& wcChar : wcFolded) {
+        wcChar = UpperChar(wcChar);
+    }
+    return wcFolded == wcCapitals;
+}
+
+/* Everything of the first sections and keys but one key, or a whole section. */
+std::vector<WideText> Others(const WideText& wcSkippedKey)
+{
+    std::vector<WideText> values;
+    for (const WideText& wcSection : ReadList(nullptr, LIST_CHARS)) {
+        bool bOwn = IsOwn(wcSection, u"SECTION");
+        if (bOwn && wcSkippedKey.empty()) {
+            continue;
+        }
+        for (const WideText& wcKey : ReadList(wcSection.c_str(), LIST_CHARS)) {
+            if (!bOwn || !IsOwn(wcKey, wcSkippedKey)) {
+                values.push_back(Read(wcSection.c_str(), wcKey.c_str(), u"none", LIST_CHARS));
+            }
+        }
+    }
+    return values;
+}
+
+void WriteBoth()
+{
+    std::vector<WideText> before = Others(u"KEY");
+    bool bForeign = false; /* letters whose capitals are ASCII */
+    for (const WideText& wcSection : ReadList(nullptr, 4096)) {
+        bForeign |= wcSection.find_first_of(u"\u017F\u0131") != wcSection.npos;
+    }
+    Require(ReplaceKey(FUZZ_FILE, u"Section", u"Key", u"-42"));
+    Require(bForeign || GetPrivateProfileIntW(u"SECTION", u"KEY", 1, FUZZ_FILE) == static_cast<UINT>(-42));
+    std::vector<WideText> after = Others(u"KEY");
+    Require(std::equal(before.begin(), before.begin() + std::ptrdiff_t(std::min(before.size(), after.size())),
+                       after.begin()));
+    Bytes once = GetFile(FUZZ_FILE);
+    Require(ReplaceKey(FUZZ_FILE, u"Section", u"Key", u"-42") && GetFile(FUZZ_FILE) == once);
+
+    before = Others({});
+    SectionLines lines = {};
+    WriteProfileHex(&lines, u"Key", 0xABC);
+    Require(ReplaceSection(FUZZ_FILE, u"Section", lines));
+    Require(bForeign || Read(u"Section", u"Key", u"", LIST_CHARS) == u"00000ABC");
+    after = Others({});
+    Require(before == after);
+    once = GetFile(FUZZ_FILE);
+    Require(ReplaceSection(FUZZ_FILE, u"Section", lines) && GetFile(FUZZ_FILE) == once);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
@@ -60,18 +114,8 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
             Read(wcSection.c_str(), wcKey.c_str(), u"default ", bKind % 8);
             Read(wcSection.c_str(), wcKey.c_str(), nullptr, LIST_CHARS);
             GetPrivateProfileIntW(wcSection.c_str(), wcKey.c_str(), -1, FUZZ_FILE);
-            LPCWSTR wcNew = bKind & 8 ? nullptr : u"7";
-            WritePrivateProfileStringW(wcSection.c_str(), wcKey.c_str(), wcNew, FUZZ_FILE);
-        }
-        if (bKind & 16) {
-            WritePrivateProfileStringW(wcSection.c_str(), nullptr, nullptr, FUZZ_FILE);
         }
     }
-    Require(WritePrivateProfileStringW(u"Section", u"Key", u"-42", FUZZ_FILE));
-    Require(GetPrivateProfileIntW(u"SECTION", u"KEY", 1, FUZZ_FILE) == static_cast<UINT>(-42));
-    Bytes before = GetFile(FUZZ_FILE);
-    Require(WritePrivateProfileStringW(u"Section", u"Key", u"43", FUZZ_FILE));
-    Require(WritePrivateProfileStringW(u"Section", u"Key", u"-42", FUZZ_FILE));
-    Require(GetFile(FUZZ_FILE) == before);
+    WriteBoth();
     return 0;
 }

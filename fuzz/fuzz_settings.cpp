@@ -1,6 +1,8 @@
 /* The bytes are a settings file, the last one says how it is asked: into a record of kind 0 to 4 and into each
    list. Nothing may be written outside the record's fields and the arrays, and reading the same file into its
-   own result again (bit 7) changes nothing more. */
+   own result again (bit 7) changes nothing more. What was read is written, read and written until it is the same
+   again, which it must be after the first time but for quotation marks, of which each reading takes a pair. */
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -8,6 +10,7 @@
 #include "settingsfile/custom_sizes.h"
 #include "settingsfile/font_substitutions.h"
 #include "settingsfile/settings_reader.h"
+#include "settingsfile/settings_writer.h"
 #include "settingsfile/watermark_rows.h"
 
 namespace {
@@ -21,6 +24,19 @@ void Require(bool bTrue)
     }
 }
 
+constexpr char16_t COPY_FILE[] = u"C:\\fuzz\\copy.ini";
+
+/* The round writes the file, reads it into what is written, and writes that. */
+template <class Round> void Settles(Round round)
+{
+    round();
+    Bytes once = GetFile(COPY_FILE);
+    bool bQuoted =
+        std::count(once.begin(), once.end(), u8{'"'}) || std::count(once.begin(), once.end(), u8{'\''});
+    round();
+    Require(bQuoted || GetFile(COPY_FILE) == once);
+}
+
 bool HasEnd(const WCHAR* wcField, size_t nChars)
 {
     for (size_t i = 0; i < nChars; i++) {
@@ -31,7 +47,7 @@ bool HasEnd(const WCHAR* wcField, size_t nChars)
     return false;
 }
 
-void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain)
+void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
 {
     /* A block of its own, one byte off, so that the sanitizers see the record's ends and its addresses. */
     std::vector<u8> block(1 + sizeof(DriverDevmode), bFill);
@@ -72,9 +88,17 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain)
     }
     const std::vector<u8> once = block;
     Require(!bAgain || (ReadPrinterSettings(FUZZ_FILE, pRecord, bReadOnly, usKind) && block == once));
+    auto Copy = [&] {
+        Require(WritePrinterSettings(COPY_FILE, pRecord, usKind));
+        Require(ReadPrinterSettings(COPY_FILE, pRecord, 0, usKind));
+        Require(WritePrinterSettings(COPY_FILE, pRecord, usKind));
+    };
+    if (bCopy) {
+        Settles(Copy);
+    }
 }
 
-void ReadLists()
+void ReadLists(int bCopy)
 {
     OwnedBlock<WatermarkEntry> pMarks;
     i32 nMarks = ReadWatermarks(FUZZ_FILE, &pMarks);
@@ -93,6 +117,17 @@ void ReadLists()
     Require(pPapers && nPapers >= 0 && nPapers <= LIST_LIMIT);
     for (i32 i = 0; i < nPapers; i++) {
         Require(pPapers.get()[i].wcName[0] && HasEnd(pPapers.get()[i].wcName, 64));
+    }
+    auto Copy = [&] {
+        Require(WriteWatermarks(COPY_FILE, pMarks.get(), nMarks) &&
+                WriteCustomSizes(COPY_FILE, pPapers.get(), nPapers));
+        nMarks = ReadWatermarks(COPY_FILE, &pMarks);
+        nPapers = ReadCustomSizes(COPY_FILE, nullptr, &pPapers);
+        Require(WriteWatermarks(COPY_FILE, pMarks.get(), nMarks) &&
+                WriteCustomSizes(COPY_FILE, pPapers.get(), nPapers));
+    };
+    if (bCopy) {
+        Settles(Copy);
     }
     OwnedBlock<WCHAR> pFonts;
     u16 cbFonts = ReadFontSubstitutions(FUZZ_FILE, &pFonts);
@@ -113,8 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
     LiveCounts before = CountLive();
     SetCodePage(bHow & 1 ? 1252 : 932);
     PutFile(FUZZ_FILE, Bytes(pBytes, pBytes + cb));
-    ReadRecord(static_cast<u16>((bHow >> 3 & 15) % 5), bHow & 2 ? 0xA5 : 0, bHow & 4, bHow & 128);
-    ReadLists();
+    ReadRecord(static_cast<u16>((bHow >> 3 & 15) % 5), bHow & 2 ? 0xA5 : 0, bHow & 4, bHow & 128, bHow & 64);
+    ReadLists(!(bHow & 64));
     Require(CountLive() == before);
     return 0;
 }

@@ -32,6 +32,14 @@ i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSi
     return ReadCustomSizes(tcPath, pModel, outRows);
 }
 
+void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
+{
+    WCHAR tcPath[PATH_CHARS];
+    if (GetUserSettingsPath(call, tcPath)) {
+        WriteCustomSizes(tcPath, pRows, nCount);
+    }
+}
+
 i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
 {
     u32 cb;

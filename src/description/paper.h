@@ -23,6 +23,11 @@ constexpr i32 FIRST_SAVED_CODE = 448;
    Result: row count. */
 i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows);
 
+/* Replaces the saved papers in the user's settings file by nCount rows, the spare one not counted. Without such
+   a file's path nothing happens. As with all writers of the store, the outcome is not told: what could not be
+   written leaves the file as it was. */
+void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount);
+
 /* The spooler's user forms in its order; built-in forms and those of printers are left out.
    Result: row count with *outRows a new array, the caller's; 0 and null when there is none or memory fails. */
 i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows);

@@ -5,8 +5,11 @@
 
 #include "platform/process.h"
 #include "settingsfile/profile_values.h"
+#include "settingsfile/section_file.h"
 
 namespace {
+
+const WCHAR* const wcUserSection = TEXT("Basalt");
 
 constexpr u32 VALUE_LIMIT = 1024 * 1024; /* bytes of a stored value; an honest one has a few hundred */
 
@@ -47,7 +50,15 @@ void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch
 {
     WCHAR tcPath[PATH_CHARS];
     GetUserSettingsPath(call, tcPath);
-    ReadProfileText(TEXT("Basalt"), wcKey, TEXT(""), wcOut, cch, tcPath);
+    ReadProfileText(wcUserSection, wcKey, TEXT(""), wcOut, cch, tcPath);
+}
+
+void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
+{
+    WCHAR tcPath[PATH_CHARS];
+    if (GetUserSettingsPath(call, tcPath)) {
+        ReplaceKey(tcPath, wcUserSection, wcKey, wcText);
+    }
 }
 
 } // namespace
@@ -170,4 +181,14 @@ void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch)
 void GetScreenName(PrinterCall& call, WCHAR* wcOut, int cch)
 {
     ReadBasaltText(call, TEXT("Screen"), wcOut, cch);
+}
+
+void SetProfileName(PrinterCall& call, const WCHAR* wcName)
+{
+    WriteBasaltText(call, TEXT("Profile"), wcName);
+}
+
+void SetScreenName(PrinterCall& call, const WCHAR* wcName)
+{
+    WriteBasaltText(call, TEXT("Screen"), wcName);
 }

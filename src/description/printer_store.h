@@ -35,5 +35,7 @@ int GetUserSettingsPath(PrinterCall& call, WCHAR* tcOut);
    default. */
 void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch);
 void GetScreenName(PrinterCall& call, WCHAR* wcOut, int cch);
+void SetProfileName(PrinterCall& call, const WCHAR* wcName);
+void SetScreenName(PrinterCall& call, const WCHAR* wcName);
 
 #endif

@@ -12,6 +12,7 @@
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
     X(DWORD, GetVersion, (void), 0) \
+    X(void, Sleep, (DWORD), 0) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -20,18 +21,20 @@
     X(HANDLE, CreateFileW, (LPCWSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE), \
       INVALID_HANDLE_VALUE) \
     X(BOOL, ReadFile, (HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED), 0) \
+    X(BOOL, WriteFile, (HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED), 0) \
+    X(BOOL, FlushFileBuffers, (HANDLE), 0) \
     X(BOOL, SetFilePointerEx, (HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD), 0) \
     X(BOOL, GetFileSizeEx, (HANDLE, PLARGE_INTEGER), 0) \
     X(BOOL, CloseHandle, (HANDLE), 0) \
     X(DWORD, GetFileAttributesW, (LPCWSTR), INVALID_FILE_ATTRIBUTES) \
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
     X(BOOL, DeleteFileW, (LPCWSTR), 0) \
+    X(BOOL, MoveFileExW, (LPCWSTR, LPCWSTR, DWORD), 0) \
     X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0)
 
 #define PROFILE_CALLS(X) \
     X(UINT, GetPrivateProfileIntW, (LPCWSTR, LPCWSTR, INT, LPCWSTR), 0) \
     X(DWORD, GetPrivateProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD, LPCWSTR), 0) \
-    X(BOOL, WritePrivateProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR), 0) \
     X(UINT, GetProfileIntW, (LPCWSTR, LPCWSTR, INT), 0) \
     X(DWORD, GetProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD), 0)
 

@@ -9,6 +9,7 @@
 #include "platform/calls.h"
 
 constexpr UINT CP_ACP = 0;
+constexpr UINT CP_UTF8 = 65001;
 constexpr DWORD MB_ERR_INVALID_CHARS = 8;
 
 TEXT_CALLS(DECLARE_CALL)

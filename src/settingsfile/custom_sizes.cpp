@@ -1,10 +1,11 @@
-/* Reads the section of the saved papers. */
+/* Reads and writes the section of the saved papers. */
 #include "settingsfile/custom_sizes.h"
 
 #include <cstring>
 
 #include "base/format.h"
 #include "settingsfile/profile_values.h"
+#include "settingsfile/section_file.h"
 
 namespace {
 
@@ -62,4 +63,21 @@ i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<Pape
         NewPaperRow(pRows + nRows, pModel);
     }
     return nRows;
+}
+
+int WriteCustomSizes(const WCHAR* tcPath, const PaperSizeRow* pRows, i32 nCount)
+{
+    SectionLines lines = {};
+    WCHAR wcKey[KEY_CHARS];
+    nCount = nCount > 0 ? nCount : 0;
+    WriteProfileDecimal(&lines, TEXT("NumCustomSizes"), nCount);
+    for (i32 i = 0; i < nCount && !lines.bShort; i++) {
+        const PaperSizeRow& row = pRows[i];
+        WriteProfileText(&lines, IndexedKey(wcKey, TEXT("CustomName"), i), row.wcName,
+                         static_cast<int>(sizeof row.wcName / sizeof(WCHAR)));
+        WriteProfileLong(&lines, IndexedKey(wcKey, TEXT("CustomWidth"), i), static_cast<i32>(row.ulWidth));
+        WriteProfileLong(&lines, IndexedKey(wcKey, TEXT("CustomLength"), i), static_cast<i32>(row.ulLength));
+        WriteProfileLong(&lines, IndexedKey(wcKey, TEXT("CustomMetric"), i), static_cast<i32>(row.ulMetric));
+    }
+    return ReplaceSection(tcPath, wcSection, lines);
 }

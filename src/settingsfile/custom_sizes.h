@@ -21,4 +21,8 @@ constexpr i32 LIST_LIMIT = 4096;
    Result: row count, 0 also without a file or without memory. */
 i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows);
 
+/* Replaces the section by nCount rows; below 1 leaves NumCustomSizes=0. pRows may then be null.
+   Result: 1; 0 when the file could not be changed or memory failed: it then holds what it held. */
+int WriteCustomSizes(const WCHAR* tcPath, const PaperSizeRow* pRows, i32 nCount);
+
 #endif

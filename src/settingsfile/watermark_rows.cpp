@@ -1,10 +1,11 @@
-/* Reads the section of the watermarks. */
+/* Reads and writes the section of the watermarks. */
 #include "settingsfile/watermark_rows.h"
 
 #include <cstring>
 
 #include "base/format.h"
 #include "settingsfile/profile_values.h"
+#include "settingsfile/section_file.h"
 
 namespace {
 
@@ -129,7 +130,91 @@ int GrowRows(OwnedBlock<WatermarkEntry>* pRows, i32 nOld, i32 nNew)
     return 1;
 }
 
+/* The row that is being written. */
+struct RowTarget {
+    SectionLines* pLines;
+    i32 nIndex;
+};
+
+void WriteNumber(const RowTarget& target, const WCHAR* wcStem, u32 ulValue)
+{
+    WCHAR wcKey[TEXT_CHARS];
+    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, target.nIndex);
+    WriteProfileLong(target.pLines, wcKey, static_cast<i32>(ulValue));
+}
+
+template <int cch> void WriteText(const RowTarget& target, const WCHAR* wcStem, const WCHAR (&wcField)[cch])
+{
+    WCHAR wcKey[TEXT_CHARS];
+    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, target.nIndex);
+    WriteProfileText(target.pLines, wcKey, wcField, cch);
+}
+
+void WriteTextFields(const RowTarget& target, const WatermarkEntry& row)
+{
+    if (row.WMRTL) {
+        WriteNumber(target, TEXT("WMRTL"), row.WMRTL);
+    }
+    WriteNumber(target, TEXT("WMCharSet"), row.WMCharSet);
+    WriteText(target, TEXT("WMFace"), row.WMFace);
+    WriteNumber(target, TEXT("WMBold"), row.WMBold);
+    WriteNumber(target, TEXT("WMItalic"), row.WMItalic);
+    WriteNumber(target, TEXT("WMSize"), static_cast<u32>(row.WMSize));
+    WCHAR wcKey[TEXT_CHARS];
+    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), TEXT("WMColor"), target.nIndex);
+    WriteProfileHex(target.pLines, wcKey, row.WMColor);
+    WriteNumber(target, TEXT("WMOutline"), row.WMOutline);
+}
+
+void WriteBuiltFiles(const RowTarget& target, const WatermarkEntry& row)
+{
+    int bNamed = row.WMFileName[0] || row.WMColorFile[0];
+    if (!bNamed || !row.WMResolution || !row.WMWidth || !row.WMHeight) {
+        return;
+    }
+    if (row.WMFileName[0]) {
+        WriteText(target, TEXT("WMFileName"), row.WMFileName);
+    }
+    if (row.WMColorFile[0]) {
+        WriteText(target, TEXT("WMColorFile"), row.WMColorFile);
+    }
+    WriteNumber(target, TEXT("WMResolution"), row.WMResolution);
+    WriteNumber(target, TEXT("WMWidth"), row.WMWidth);
+    WriteNumber(target, TEXT("WMHeight"), row.WMHeight);
+}
+
+void WriteRow(const RowTarget& target, const WatermarkEntry& row)
+{
+    WriteNumber(target, TEXT("WMType"), row.WMType);
+    WriteText(target, TEXT("WMString"), row.WMString);
+    WriteNumber(target, TEXT("WMAngle"), row.WMAngle);
+    if (row.WMType == ENTRY_TEXT) {
+        WriteTextFields(target, row);
+    }
+    if (row.WMType == ENTRY_IMAGE) {
+        WriteText(target, TEXT("WMImageName"), row.WMImageName);
+        WriteNumber(target, TEXT("WMScaleX"), row.WMScaleX);
+        WriteNumber(target, TEXT("WMScaleY"), row.WMScaleY);
+    }
+    WriteNumber(target, TEXT("WMTransparency"), row.WMTransparency);
+    WriteNumber(target, TEXT("WMPlacement"), row.WMPlacement);
+    WriteNumber(target, TEXT("WMPositionX"), static_cast<u32>(row.WMPositionX));
+    WriteNumber(target, TEXT("WMPositionY"), static_cast<u32>(row.WMPositionY));
+    WriteBuiltFiles(target, row);
+}
+
 } // namespace
+
+int WriteWatermarks(const WCHAR* tcPath, const WatermarkEntry* pRows, i32 nCount)
+{
+    SectionLines lines = {};
+    nCount = nCount > 0 ? nCount : 0;
+    WriteProfileDecimal(&lines, TEXT("NumWatermarks"), nCount);
+    for (i32 i = 0; i < nCount && !lines.bShort; i++) {
+        WriteRow({&lines, i}, pRows[i]);
+    }
+    return ReplaceSection(tcPath, wcSection, lines);
+}
 
 i32 ReadWatermarks(const WCHAR* tcPath, OwnedBlock<WatermarkEntry>* outRows)
 {

@@ -33,4 +33,9 @@ constexpr i32 WATERMARK_LIMIT = 4096;
    Result: row count, 0 also without a file or without memory. */
 i32 ReadWatermarks(const WCHAR* tcPath, OwnedBlock<WatermarkEntry>* outRows);
 
+/* Replaces the section by nCount rows; below 1 leaves NumWatermarks=0. pRows may then be null. What a row says
+   of built files is only written when it names one and none of their three numbers is 0.
+   Result: 1; 0 when the file could not be changed or memory failed: it then holds what it held. */
+int WriteWatermarks(const WCHAR* tcPath, const WatermarkEntry* pRows, i32 nCount);
+
 #endif

@@ -55,6 +55,14 @@ i32 GetSavedWatermarks(PrinterCall& call, OwnedBlock<WatermarkEntry>* outRows)
     return ReadWatermarks(tcPath, outRows);
 }
 
+void SetSavedWatermarks(PrinterCall& call, const WatermarkEntry* pRows, i32 nCount)
+{
+    WCHAR tcPath[PATH_CHARS];
+    if (GetUserSettingsPath(call, tcPath)) {
+        WriteWatermarks(tcPath, pRows, nCount);
+    }
+}
+
 void DeleteWatermarkFiles(WatermarkEntry* pRow, u16 usLanguage)
 {
     if (usLanguage != 4) {

@@ -16,6 +16,10 @@ constexpr i32 LONGEST_WATERMARK_LIST = 32767;
    Result: row count, 0 also without a settings file. */
 i32 GetSavedWatermarks(PrinterCall& call, OwnedBlock<WatermarkEntry>* outRows);
 
+/* Replaces that list by nCount rows, the spare one not counted. Without a settings file's path nothing happens;
+   what could not be written leaves the file as it was. */
+void SetSavedWatermarks(PrinterCall& call, const WatermarkEntry* pRows, i32 nCount);
+
 /* Deletes the built files that the row names, as it names them, and zeroes both names, also when a file could
    not be deleted. For the user's own sheets only: an event that acts for others may not trust a row's paths.
    On kind 4 a row has no built files, its file name is a plain name: nothing happens. */

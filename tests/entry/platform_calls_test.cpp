@@ -73,7 +73,7 @@ class PlatformCallsTest : public MachineTest {
         EXPECT_EQ(CallCount(CALL_GetEnvironmentVariableW) + CallCount(CALL_GetFileAttributesW), 0)
             << "there is no settings file of the user to look for";
         EXPECT_EQ(CallCount(CALL_SetPrinterDataW) + CallCount(CALL_CreateDirectoryW) +
-                      CallCount(CALL_SetFileAttributesW) + CallCount(CALL_WritePrivateProfileStringW) +
+                      CallCount(CALL_SetFileAttributesW) + CallCount(CALL_WriteFile) +
                       CallCount(CALL_RegSetValueExW),
                   0)
             << "a question changes nothing";

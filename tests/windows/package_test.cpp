@@ -104,9 +104,18 @@ TEST(InfReader, RefusesWithTheLine)
         {"JOB.DLL   = 1", "JOB.DLL   = 1\nODD.DLL = 1", "ODD.DLL is copied for no model"},
         {"[Job_Files]", "[Odd_Files]\nODD.DLL\n[Job_Files]", "nothing refers to"},
         {"%Disk%", "%Dusk%", "%Dusk%"},
+        {"PnpLockdown = 1", "PnpLockdown = 0", "not 1"},
+        {"PnpLockdown = 1\n", "", "a key is missing in [Version]"},
+        {"PackageAware = TRUE", "PackageAware = FALSE", "TRUE is expected"},
+        {"Processor_Files = 66001", "Processor_Files = 66000", "66001"},
+        {"\"JOB,JOB.DLL\"", "\"JOB,JOBS.DLL\"", "name,file"},
+        {"\"JOB,JOB.DLL\"", "JOB.DLL", "name,file"},
+        {"Program_Files, Job_Files", "Program_Files, Processor_Files", "without a PrintProcessor"},
+        {"Program_Files, Processor_Files", "Processor_Files", "installs other files"},
+        {"[K100_Processor]", "[K101_Processor]", "nothing refers to"},
         {"Provider    = %Maker%", "Provider    = %Macher%", "[Strings] has no %Macher%"},
         {"\"Corvantis Optics\"", "\"Corvantis Optics", "quote is not closed"},
-        {"66000", "11", "66000"},
+        {"DefaultDestDir  = 66000", "DefaultDestDir  = 11", "66000"},
     };
     for (const auto& row : cases) {
         const std::string text = Changed(row.cPiece, row.cBy);

@@ -177,11 +177,12 @@ std::string Single(const InfFile& inf, const InfLine& line)
 void CheckHead(InfFile& inf)
 {
     const auto version =
-        Keys(inf, "Version", 0, {"SIGNATURE", "CLASS", "CLASSGUID", "PROVIDER", "DRIVERVER"});
-    const std::array<std::pair<const char*, const char*>, 3> fixed = {{
+        Keys(inf, "Version", 0, {"SIGNATURE", "CLASS", "CLASSGUID", "PROVIDER", "DRIVERVER", "PNPLOCKDOWN"});
+    const std::array<std::pair<const char*, const char*>, 4> fixed = {{
         {"SIGNATURE", "$Windows NT$"},
         {"CLASS", "Printer"},
         {"CLASSGUID", "{4D36E979-E325-11CE-BFC1-08002BE10318}"},
+        {"PNPLOCKDOWN", "1"},
     }};
     for (const auto& [key, text] : fixed) {
         if (Single(inf, version.at(key)) != text) {
@@ -192,17 +193,51 @@ void CheckHead(InfFile& inf)
     if (Split(inf, version.at("DRIVERVER")).size() != 2) {
         inf.Fail(version.at("DRIVERVER").nLine, "a date and a version are expected");
     }
-    const auto folders = Keys(inf, "DestinationDirs", 0, {"DEFAULTDESTDIR"});
+    const auto folders = Keys(inf, "DestinationDirs", 0, {"DEFAULTDESTDIR", "PROCESSOR_FILES"});
     if (Single(inf, folders.at("DEFAULTDESTDIR")) != "66000") {
         inf.Fail(folders.at("DEFAULTDESTDIR").nLine, "printer drivers go to 66000");
+    }
+    if (Single(inf, folders.at("PROCESSOR_FILES")) != "66001") {
+        inf.Fail(folders.at("PROCESSOR_FILES").nLine, "print processors go to 66001");
+    }
+    const auto package = Keys(inf, "PrinterPackageInstallation.amd64", 0, {"PACKAGEAWARE"});
+    if (Single(inf, package.at("PACKAGEAWARE")) != "TRUE") {
+        inf.Fail(package.at("PACKAGEAWARE").nLine, "the package is whole: TRUE is expected");
     }
     Single(inf, Keys(inf, "SourceDisksNames.amd64", 0, {"1"}).at("1"));
 }
 
+const std::string PROCESSOR_LIST = "Processor_Files";
+
+/* A processor's entry "name,file", whose file the section copies into the folder of print processors. */
+void CheckProcessor(InfFile& inf, const InfLine& line, const std::vector<std::string>& lists)
+{
+    const std::string entry = Single(inf, line);
+    const size_t nComma = entry.find(',');
+    const std::string file = nComma == std::string::npos ? "" : entry.substr(nComma + 1);
+    const InfSection& files = Section(inf, PROCESSOR_LIST, line.nLine);
+    if (nComma == 0 || files.size() != 1 || Single(inf, files.front()) != file ||
+        !std::ranges::count(lists, PROCESSOR_LIST)) {
+        inf.Fail(line.nLine, "a processor is \"name,file\", with the file alone in " + PROCESSOR_LIST);
+    }
+}
+
 InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& section, int nLine)
 {
-    const auto keys =
-        Keys(inf, section, nLine, {"DRIVERFILE", "CONFIGFILE", "DATAFILE", "HELPFILE", "COPYFILES"});
+    std::set<std::string> wanted = {"DRIVERFILE", "CONFIGFILE", "DATAFILE", "HELPFILE", "COPYFILES"};
+    const auto bProcessor = std::ranges::any_of(Section(inf, section, nLine), [](const InfLine& line) {
+        return Upper(line.key) == "PRINTPROCESSOR";
+    });
+    if (bProcessor) {
+        wanted.insert("PRINTPROCESSOR");
+    }
+    const auto keys = Keys(inf, section, nLine, wanted);
+    const std::vector<std::string> lists = Split(inf, keys.at("COPYFILES"));
+    if (bProcessor) {
+        CheckProcessor(inf, keys.at("PRINTPROCESSOR"), lists);
+    } else if (std::ranges::count(lists, PROCESSOR_LIST)) {
+        inf.Fail(keys.at("COPYFILES").nLine, PROCESSOR_LIST + " without a PrintProcessor");
+    }
     InfModel model{name,
                    section,
                    Single(inf, keys.at("DRIVERFILE")),
@@ -213,7 +248,7 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
     const std::array<std::string, 4> four = {model.driverFile, model.configFile, model.dataFile,
                                              model.helpFile};
     std::set<std::string> copied;
-    for (const std::string& list : Split(inf, keys.at("COPYFILES"))) {
+    for (const std::string& list : lists) {
         for (const InfLine& line : Section(inf, list, keys.at("COPYFILES").nLine)) {
             const std::string file = line.key.empty() ? Single(inf, line) : "";
             if (file.empty() || file.find_first_of("\\/:") != std::string::npos) {
@@ -222,7 +257,8 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
             if (!copied.insert(Upper(file)).second) {
                 inf.Fail(line.nLine, file + " is copied twice for " + name);
             }
-            if (std::ranges::find(four, file) == four.end()) {
+            /* What lies with the print processors is none of the driver's files. */
+            if (list != PROCESSOR_LIST && std::ranges::find(four, file) == four.end()) {
                 model.dependentFiles.push_back(file);
             }
         }
@@ -257,6 +293,17 @@ void CheckSourceFiles(InfFile& inf, const std::vector<InfModel>& models)
         if (!copied.contains(file)) {
             inf.Fail(nLine, file + " is copied for no model");
         }
+    }
+}
+
+/* The other section of a printer installs the same files but the processor's. */
+void CheckAlternative(const InfFile& inf, const InfModel& model, const InfModel& other)
+{
+    std::vector<std::string> less = AllInfFiles(model);
+    std::erase(less, inf.sections.at(Upper(PROCESSOR_LIST)).front().value);
+    if (AllInfFiles(other) != less) {
+        inf.Fail(inf.sectionLines.at(Upper(other.section)),
+                 "[" + other.section + "] installs other files than [" + model.section + "]");
     }
 }
 
@@ -295,6 +342,13 @@ std::vector<InfModel> ReadInf(const std::filesystem::path& path)
         }
     }
     CheckSourceFiles(inf, models);
+    for (const InfModel& model : models) {
+        /* The section of the same printer that an integrator may take in its place. */
+        const std::string other = model.section + "_Processor";
+        if (inf.sections.contains(Upper(other))) {
+            CheckAlternative(inf, model, ReadModel(inf, model.name, other, inf.sectionLines[Upper(other)]));
+        }
+    }
     for (const auto& [section, nLine] : inf.sectionLines) {
         if (!inf.used.contains(section)) {
             inf.Fail(nLine, "nothing refers to section [" + section + "]");

@@ -10,36 +10,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/hosted/standin.h"
+#include "platform/hosted/open_files.h"
 
 namespace {
 
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
-constexpr DWORD ERROR_NOACCESS = 998;
+constexpr DWORD ERROR_CANT_ACCESS_FILE = 1920;
 
 constexpr DWORD GENERIC_ALL = 0x10000000;
-constexpr DWORD FILE_READ_DATA = 1;
-constexpr DWORD FILE_WRITE_DATA = 2;
 
 constexpr size_t PATH_LIMIT = 259;   /* characters of a path without its NUL */
 constexpr size_t FOLDER_LIMIT = 247; /* a folder leaves room for a file name of 8.3 in it */
 constexpr i64 HUGE_SIZE = i64{1} << 40;
-
-struct ResolvedPath {
-    DWORD dwError = 0;        /* why the path cannot be one */
-    bool bNeedFolder = false; /* ends in a separator */
-    std::string host;
-};
-
-struct OpenFile {
-    int nDescriptor = -1; /* -1: the slot is free */
-    u32 ulSerial = 0;     /* of the handle, so that a closed one never lives again */
-    u64 ulDevice = 0;
-    u64 ulNode = 0;
-    DWORD dwAccess = 0; /* FILE_READ_DATA, FILE_WRITE_DATA */
-    DWORD dwShare = 0;
-    i64 lPosition = 0;
-};
 
 struct Files {
     std::vector<OpenFile> open;
@@ -153,49 +135,10 @@ DWORD ResolveStart(std::u16string_view* pRest, WideText* pStart)
     return 0;
 }
 
-ResolvedPath Resolve(std::u16string_view wcPath)
-{
-    ResolvedPath resolved;
-    if (machineRoot.empty() || wcPath.empty() || wcPath.size() > PATH_LIMIT) {
-        resolved.dwError = ERROR_PATH_NOT_FOUND;
-        return resolved;
-    }
-    WideText wcHost;
-    std::vector<std::u16string_view> names;
-    resolved.dwError = ResolveStart(&wcPath, &wcHost);
-    if (!resolved.dwError) {
-        resolved.dwError = ResolveNames(wcPath, &names, &resolved.bNeedFolder);
-    }
-    if (resolved.dwError) {
-        return resolved;
-    }
-    for (std::u16string_view wcName : names) {
-        wcHost.append(u"/").append(wcName);
-    }
-    resolved.host = machineRoot.native() + Narrow(LowerText(wcHost));
-    return resolved;
-}
-
-ResolvedPath Resolve(LPCWSTR wcPath)
-{
-    return Resolve(wcPath ? std::u16string_view(wcPath) : std::u16string_view());
-}
-
 /* A handle is the slot with its serial number above it, and a mark that no other kind of handle bears. */
 HANDLE HandleOf(size_t nSlot, u32 ulSerial)
 {
     return reinterpret_cast<HANDLE>(u64{ulSerial} << 32 | 0x46000000 | nSlot << 2);
-}
-
-OpenFile* FindFile(HANDLE hFile)
-{
-    u64 ulHandle = reinterpret_cast<u64>(hFile);
-    size_t nSlot = (ulHandle & 0xFFFFFF) >> 2;
-    if (nSlot >= files().open.size()) {
-        return nullptr;
-    }
-    OpenFile* pFile = &files().open[nSlot];
-    return pFile->nDescriptor >= 0 && HandleOf(nSlot, pFile->ulSerial) == hFile ? pFile : nullptr;
 }
 
 DWORD DataAccess(DWORD dwAccess)
@@ -233,7 +176,9 @@ HANDLE KeepFile(const OpenFile& opened)
 int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWORD dwAttributes, bool* pbMade)
 {
     bool bMakes = dwDisposition != OPEN_EXISTING && dwDisposition != TRUNCATE_EXISTING;
-    int nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC;
+    /* What the system opens of a link by this flag, the link itself, cannot be read or written here. */
+    int nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC |
+                 (dwAttributes & FILE_FLAG_OPEN_REPARSE_POINT ? O_NOFOLLOW : 0);
     *pbMade = false;
     if (dwDisposition != CREATE_NEW) {
         int nDescriptor = open(path.host.c_str(), nFlags);
@@ -272,18 +217,67 @@ DWORD OpeningError(const struct stat& there, const ResolvedPath& path, DWORD dwD
     return HostSharingError(there.st_dev, there.st_ino, dwData, dwShare);
 }
 
-/* Finds what is at a path. Result: 1, or 0 with the last error set. */
+} // namespace
+
+ResolvedPath Resolve(std::u16string_view wcPath)
+{
+    ResolvedPath resolved;
+    if (machineRoot.empty() || wcPath.empty() || wcPath.size() > PATH_LIMIT) {
+        resolved.dwError = ERROR_PATH_NOT_FOUND;
+        return resolved;
+    }
+    WideText wcHost;
+    std::vector<std::u16string_view> names;
+    resolved.dwError = ResolveStart(&wcPath, &wcHost);
+    if (!resolved.dwError) {
+        resolved.dwError = ResolveNames(wcPath, &names, &resolved.bNeedFolder);
+    }
+    if (resolved.dwError) {
+        return resolved;
+    }
+    for (std::u16string_view wcName : names) {
+        wcHost.append(u"/").append(wcName);
+    }
+    resolved.host = machineRoot.native() + Narrow(LowerText(wcHost));
+    return resolved;
+}
+
+ResolvedPath Resolve(LPCWSTR wcPath)
+{
+    return Resolve(wcPath ? std::u16string_view(wcPath) : std::u16string_view());
+}
+
+OpenFile* FindFile(HANDLE hFile)
+{
+    u64 ulHandle = reinterpret_cast<u64>(hFile);
+    size_t nSlot = (ulHandle & 0xFFFFFF) >> 2;
+    if (nSlot >= files().open.size()) {
+        return nullptr;
+    }
+    OpenFile* pFile = &files().open[nSlot];
+    return pFile->nDescriptor >= 0 && HandleOf(nSlot, pFile->ulSerial) == hFile ? pFile : nullptr;
+}
+
+bool IsHeld(const struct stat& file)
+{
+    for (const OpenFile& other : files().open) {
+        if (other.nDescriptor >= 0 && other.ulNode == file.st_ino && other.ulDevice == file.st_dev &&
+            !(other.dwShare & FILE_SHARE_DELETE)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 BOOL LookUp(LPCWSTR tcPath, std::string* pHost, struct stat* pThere)
 {
     ResolvedPath path = Resolve(tcPath);
-    if (path.dwError || stat(path.host.c_str(), pThere) != 0) {
+    if (path.dwError || lstat(path.host.c_str(), pThere) != 0) {
         return Refuse(path.dwError ? path.dwError : HostPathError(path.host, errno));
     }
     *pHost = path.host;
     return !path.bNeedFolder || S_ISDIR(pThere->st_mode) ? 1 : Refuse(ERROR_PATH_NOT_FOUND);
 }
-
-} // namespace
 
 DWORD HostPathError(const std::string& host, int nError)
 {
@@ -296,6 +290,7 @@ DWORD HostPathError(const std::string& host, int nError)
     case ENOTDIR: return ERROR_PATH_NOT_FOUND;
     case ENAMETOOLONG: return ERROR_INVALID_NAME;
     case EEXIST: return ERROR_FILE_EXISTS;
+    case ELOOP: return ERROR_CANT_ACCESS_FILE;
     case EISDIR:
     case EACCES:
     case EPERM:
@@ -365,6 +360,9 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
     }
     bool bMade;
     OpenFile opened;
+    if (bEmpties || dwData & FILE_WRITE_DATA) {
+        LogBefore(path.host);
+    }
     opened.nDescriptor =
         OpenOnHost(path, dwDisposition, bEmpties || dwData & FILE_WRITE_DATA, dwAttributes, &bMade);
     if (opened.nDescriptor < 0) {
@@ -386,6 +384,11 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
     }
     opened.ulDevice = there.st_dev;
     opened.ulNode = there.st_ino;
+    if (bMade) {
+        LogCreation(path.host, opened.ulNode);
+    } else if (bEmpties) {
+        LogEmptying(opened.ulNode);
+    }
     opened.dwAccess = dwData;
     opened.dwShare = dwShare;
     bool bAlways = dwDisposition == CREATE_ALWAYS || dwDisposition == OPEN_ALWAYS;
@@ -483,52 +486,6 @@ BOOL WINAPI CloseHandle(HANDLE hObject)
     }
     /* The invalid handle is at the same time this process's own, which closes at any time without effect. */
     return bFails ? 0 : hObject == INVALID_HANDLE_VALUE ? 1 : Refuse(ERROR_INVALID_HANDLE);
-}
-
-DWORD WINAPI GetFileAttributesW(LPCWSTR tcPath)
-{
-    FAILS(GetFileAttributesW);
-    std::string host;
-    struct stat there = {};
-    if (!LookUp(tcPath, &host, &there)) {
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    return S_ISDIR(there.st_mode)    ? FILE_ATTRIBUTE_DIRECTORY
-           : there.st_mode & S_IWUSR ? FILE_ATTRIBUTE_ARCHIVE
-                                     : FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY;
-}
-
-BOOL WINAPI SetFileAttributesW(LPCWSTR tcPath, DWORD dwAttributes)
-{
-    FAILS(SetFileAttributesW);
-    std::string host;
-    struct stat there = {};
-    if (!LookUp(tcPath, &host, &there)) {
-        return 0;
-    }
-    /* On a folder the attribute forbids nothing. */
-    mode_t nMode = dwAttributes & FILE_ATTRIBUTE_READONLY ? 0444 : 0644;
-    return S_ISDIR(there.st_mode) || chmod(host.c_str(), nMode) == 0 ? 1 : Refuse(HostPathError(host, errno));
-}
-
-BOOL WINAPI DeleteFileW(LPCWSTR tcPath)
-{
-    FAILS(DeleteFileW);
-    std::string host;
-    struct stat there = {};
-    if (!LookUp(tcPath, &host, &there)) {
-        return 0;
-    }
-    if (!S_ISREG(there.st_mode) || !(there.st_mode & S_IWUSR)) {
-        return Refuse(ERROR_ACCESS_DENIED);
-    }
-    for (const OpenFile& other : files().open) {
-        if (other.nDescriptor >= 0 && other.ulNode == there.st_ino && other.ulDevice == there.st_dev &&
-            !(other.dwShare & FILE_SHARE_DELETE)) {
-            return Refuse(ERROR_SHARING_VIOLATION);
-        }
-    }
-    return unlink(host.c_str()) == 0 ? 1 : Refuse(HostPathError(host, errno));
 }
 
 BOOL WINAPI CreateDirectoryW(LPCWSTR tcPath, LPSECURITY_ATTRIBUTES)

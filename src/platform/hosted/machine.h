@@ -40,6 +40,23 @@ void PutFile(std::u16string_view tcPath, std::string_view text);
 Bytes GetFile(std::u16string_view tcPath); /* empty when there is none */
 bool HasFile(std::u16string_view tcPath);
 void SetReadOnly(std::u16string_view tcPath, bool bReadOnly);
+void SetDiskRoom(i64 lBytes); /* bytes that WriteFile still finds room for; -1: no end of it */
+
+/* ---- lost power: what can be left on the disk when the machine stops at some point ---- */
+constexpr i64 WHOLE_WRITE = -1, LOST_WRITE = -2, ZEROED_WRITE = -3;
+struct PowerCut {
+    size_t nEvents; /* that were done before the cut */
+    size_t nNames;  /* of them, creations, renames and deletions that reached the disk: the first ones */
+    std::vector<i64> kept; /* by event, of writes: one of the above, or the bytes that reached the disk */
+};
+/* Starts the log of what the calls do to files, with the disk as it is. No file may be open for writing. */
+void LogDisk();
+/* Ends the log. Result: cuts behind every event, the same every time. Where a write was not flushed or a name
+   not settled there are nPerPoint of them: all in order; all names and no unflushed write; all writes and no
+   unsettled name; then any mixture. */
+std::vector<PowerCut> PowerCuts(size_t nPerPoint);
+/* Brings the files that the log met into the state after a cut. Any number of times, in any order. */
+void CutPower(const PowerCut& cut);
 
 /* ---- printers ---- */
 struct PrinterSetup {

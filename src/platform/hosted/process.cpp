@@ -71,6 +71,8 @@ void StopMachine()
     ResetRegistry();
     ResetProfile();
     ResetFiles();
+    ResetPowerCuts();
+    SetDiskRoom(-1);
     ResetProcess();
     SetCodePage(1252);
     ResetCallCounts();
@@ -199,6 +201,11 @@ DWORD WINAPI GetLastError(void)
 {
     FAILS(GetLastError);
     return process().dwError;
+}
+
+void WINAPI Sleep(DWORD)
+{
+    FAILS(Sleep); /* counted only: nobody else runs on this machine */
 }
 
 DWORD WINAPI GetVersion(void)

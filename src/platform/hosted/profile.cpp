@@ -1,5 +1,4 @@
-/* Stand-ins for the profile calls: text files of "[section]" and "key=value" lines, read and written as the
-   system does it. A parsed file is kept until the file on disk is another. */
+/* Stand-ins for the profile calls: text files of "[section]" and "key=value" lines, read as the system does it. A parsed file is kept until the file on disk is another. */
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
@@ -360,72 +359,6 @@ DWORD ReadLocale(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, LPWSTR wcO
     return CopyValue(bFound ? wcValue : DefaultText(wcDefault), wcOut, cchOut);
 }
 
-std::string Encode(const WideText& wcText, Encoding encoding)
-{
-    std::string bytes;
-    if (encoding == UTF8) {
-        return "\xEF\xBB\xBF" + Narrow(wcText);
-    }
-    if (encoding == ANSI) {
-        bytes = ToCodePage(wcText);
-        return EncodingOf(bytes) == ANSI ? bytes : "\r\n" + bytes; /* text that would be taken for a mark */
-    }
-    for (char16_t character : u'\xFEFF' + wcText) {
-        char cLow = static_cast<char>(character & 0xFF), cHigh = static_cast<char>(character >> 8);
-        bytes.push_back(encoding == UTF16_LE ? cLow : cHigh);
-        bytes.push_back(encoding == UTF16_LE ? cHigh : cLow);
-    }
-    return bytes;
-}
-
-DWORD SaveProfile(const std::string& host, const Profile& profile)
-{
-    WideText wcText;
-    for (size_t i = 0; i < profile.sections.size(); i++) {
-        if (i > 0) {
-            wcText.append(u"[").append(profile.sections[i].wcName).append(u"]\r\n");
-        }
-        for (const Line& line : profile.sections[i].lines) {
-            wcText.append(line.wcKey).append(line.bValue ? u"=" : u"").append(line.wcValue).append(u"\r\n");
-        }
-    }
-    return WriteHostBytes(host, Encode(wcText, profile.encoding));
-}
-
-/* Brings the change into the parsed file. Result: whether anything is another than before. */
-bool Change(Profile* pProfile, LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcValue)
-{
-    Section* pSection = FindSection(pProfile, wcSection);
-    Line* pLine = pSection && wcKey ? FindLine(pSection, wcKey) : nullptr;
-    if (!wcKey) {
-        if (pSection == pProfile->sections.data()) {
-            pSection->lines.clear();
-        } else if (pSection) {
-            pProfile->sections.erase(pProfile->sections.begin() + (pSection - pProfile->sections.data()));
-        }
-        return pSection != nullptr;
-    }
-    if (!wcValue) {
-        if (pLine) {
-            pSection->lines.erase(pSection->lines.begin() + (pLine - pSection->lines.data()));
-        }
-        return pLine != nullptr;
-    }
-    std::u16string_view wcNew = TrimStart(wcValue);
-    if (pLine) {
-        bool bSame = pLine->bValue && pLine->wcValue == wcNew;
-        pLine->bValue = true;
-        pLine->wcValue = wcNew;
-        return !bSame;
-    }
-    if (!pSection) {
-        StartSection(pProfile, Trim(wcSection));
-        pSection = &pProfile->sections.back();
-    }
-    pSection->lines.push_back({WideText(TrimStart(wcKey)), WideText(wcNew), true});
-    return true;
-}
-
 } // namespace
 
 void ResetProfile()
@@ -459,33 +392,6 @@ UINT WINAPI GetPrivateProfileIntW(LPCWSTR wcSection, LPCWSTR wcKey, INT nDefault
     SetHostedError(LoadProfile(ProfileOnHost(tcFile), GENERIC_READ, &pProfile));
     return ReadText(pProfile, wcSection, wcKey, u"", wcNumber, INT_CHARS) ? ParseInt(wcNumber)
                                                                           : static_cast<UINT>(nDefault);
-}
-
-BOOL WINAPI WritePrivateProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcValue, LPCWSTR tcFile)
-{
-    FAILS(WritePrivateProfileStringW);
-    if (!wcSection) {
-        /* With nothing named the call drops what is kept, and says no to that, too. */
-        profiles().kept.clear();
-        return wcKey || wcValue ? Refuse(ERROR_FILE_NOT_FOUND) : 0;
-    }
-    std::string host = ProfileOnHost(tcFile);
-    Profile made;
-    Profile* pProfile;
-    DWORD dwError = LoadProfile(host, GENERIC_READ | GENERIC_WRITE, &pProfile);
-    if (dwError == ERROR_FILE_NOT_FOUND) {
-        Parse(Bytes(), &made);
-        pProfile = &made;
-    } else if (dwError) {
-        return Refuse(dwError);
-    }
-    SetHostedError(dwError);
-    if (Change(pProfile, wcSection, wcKey, wcValue)) {
-        dwError = SaveProfile(host, *pProfile);
-        profiles().kept.erase(host); /* what was written is read again: a value may hold whole lines */
-        SetHostedError(dwError);
-    }
-    return dwError == ERROR_SUCCESS || dwError == ERROR_FILE_NOT_FOUND;
 }
 
 DWORD WINAPI GetProfileStringW(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, LPWSTR wcOut,

@@ -60,6 +60,7 @@ void ResetPeak(); /* the most bytes held begins anew at what is held now */
 /* Closes what a kind of object left behind at StopMachine; each stand-in has one. */
 void ResetProcess();
 void ResetFiles();
+void ResetPowerCuts();
 void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();

@@ -18,10 +18,10 @@ bool IsLead932(u8 bByte)
 }
 
 /* Reads one character. Result: bytes taken; *pbBad for a sequence that stands for none. */
-size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
+size_t TakeCharacter(UINT uPage, const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
 {
     u8 bFirst = pBytes[0];
-    if (uMachineCodePage == 65001 && bFirst >= 0x80) {
+    if (uPage == 65001 && bFirst >= 0x80) {
         int nMore = bFirst >= 0xC2 && bFirst < 0xE0   ? 1
                     : bFirst >= 0xE0 && bFirst < 0xF0 ? 2
                     : bFirst >= 0xF0 && bFirst < 0xF5 ? 3
@@ -41,7 +41,7 @@ size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
         return *pbBad ? 1 : static_cast<size_t>(nMore) + 1;
     }
     *pbBad = false;
-    if (uMachineCodePage == 932 && bFirst >= 0x80) {
+    if (uPage == 932 && bFirst >= 0x80) {
         if (bFirst >= 0xA1 && bFirst <= 0xDF) {
             *pulCode = 0xFF61u + bFirst - 0xA1u;
             return 1;
@@ -54,8 +54,7 @@ size_t TakeCharacter(const u8* pBytes, size_t cb, u32* pulCode, bool* pbBad)
         *pulCode = 0x30FB;
         return IsLead932(bFirst) && cb > 1 && pBytes[1] ? 2 : 1;
     }
-    *pulCode = uMachineCodePage == 1252 && bFirst >= 0x80 && bFirst < 0xA0 ? awcUpperControls[bFirst - 0x80]
-                                                                           : bFirst;
+    *pulCode = uPage == 1252 && bFirst >= 0x80 && bFirst < 0xA0 ? awcUpperControls[bFirst - 0x80] : bFirst;
     return 1;
 }
 
@@ -109,7 +108,8 @@ int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int 
                                int cchOut)
 {
     FAILS(MultiByteToWideChar);
-    if (uCodePage != CP_ACP || !cText || cbText == 0 || cbText < -1 || cchOut < 0) {
+    UINT uPage = uCodePage == CP_ACP ? uMachineCodePage : uCodePage;
+    if ((uCodePage != CP_ACP && uCodePage != CP_UTF8) || !cText || cbText == 0 || cbText < -1 || cchOut < 0) {
         return Refuse(ERROR_INVALID_PARAMETER);
     }
     size_t cb = cbText < 0 ? std::char_traits<char>::length(cText) + 1 : static_cast<size_t>(cbText);
@@ -118,7 +118,7 @@ int WINAPI MultiByteToWideChar(UINT uCodePage, DWORD dwFlags, LPCSTR cText, int 
     for (size_t nAt = 0; nAt < cb;) {
         u32 ulCode;
         bool bBad;
-        nAt += TakeCharacter(pBytes + nAt, cb - nAt, &ulCode, &bBad);
+        nAt += TakeCharacter(uPage, pBytes + nAt, cb - nAt, &ulCode, &bBad);
         if (bBad && dwFlags & MB_ERR_INVALID_CHARS) {
             return Refuse(ERROR_NO_UNICODE_TRANSLATION);
         }
@@ -293,7 +293,8 @@ WideText FromCodePage(const char* cText, size_t cb)
     for (size_t nAt = 0; nAt < cb;) {
         u32 ulCode;
         bool bBad;
-        nAt += TakeCharacter(reinterpret_cast<const u8*>(cText) + nAt, cb - nAt, &ulCode, &bBad);
+        nAt += TakeCharacter(uMachineCodePage, reinterpret_cast<const u8*>(cText) + nAt, cb - nAt, &ulCode,
+                             &bBad);
         PutCode(&wcText, ulCode);
     }
     return wcText;

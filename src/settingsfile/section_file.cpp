@@ -1,0 +1,415 @@
+/* Replaces sections and keys of settings files by way of a copy. */
+#include "settingsfile/section_file.h"
+
+#include <cstring>
+
+#include "base/format.h"
+#include "platform/text.h"
+#include "settingsfile/profile_values.h"
+
+namespace {
+
+constexpr i64 FILE_BYTES_LIMIT = 0x4000000;
+constexpr u32 FIRST_ROOM = 8192; /* characters: most sections of one printer */
+constexpr int LONGEST_TEXT = 0x7FFF;
+constexpr int COPY_NAMES = 8;
+constexpr int TRIES = 10;
+constexpr DWORD WAIT_MILLISECONDS = 20;
+constexpr WCHAR BYTE_ORDER_MARK = 0xFEFF;
+
+enum Outcome : int {
+    DONE,
+    REFUSED,
+    BUSY /* another process has the file open at this moment */
+};
+
+struct FileText {
+    OwnedBlock<WCHAR> pText; /* null: an empty one */
+    u32 nLength;
+};
+
+/* A piece of a text. */
+struct Span {
+    const WCHAR* pText;
+    u32 nLength;
+};
+
+/* A section in a text; where there is none, all of them are the text's end. */
+struct Place {
+    u32 nHeader, nBody; /* its first line, and the first line behind that */
+    u32 nEnd;           /* behind the last line of it that is no comment and not blank */
+    int bFound;
+};
+
+/* What replaces the characters from nFrom to nTo of the old text. */
+struct Change {
+    u32 nFrom, nTo;
+    const WCHAR* wcSection; /* null: no header line */
+    Span lines;
+};
+
+int Append(SectionLines* pLines, const WCHAR* pText, u32 nLength)
+{
+    if (!nLength) {
+        return !pLines->bShort;
+    }
+    if (pLines->bShort || nLength > pLines->nRoom - pLines->nLength) {
+        u64 nRoom = pLines->nRoom ? u64{pLines->nRoom} * 2 : FIRST_ROOM;
+        while (nRoom < u64{pLines->nLength} + nLength) {
+            nRoom *= 2;
+        }
+        OwnedBlock<WCHAR> pNew(
+            static_cast<WCHAR*>(pLines->bShort ? nullptr : AllocateRows(nRoom, sizeof(WCHAR))));
+        if (!pNew) {
+            pLines->bShort = 1;
+            return 0;
+        }
+        if (pLines->nLength) {
+            std::memcpy(pNew.get(), pLines->pText.get(), pLines->nLength * sizeof(WCHAR));
+        }
+        pLines->pText = std::move(pNew);
+        pLines->nRoom = static_cast<u32>(nRoom);
+    }
+    std::memcpy(pLines->pText.get() + pLines->nLength, pText, nLength * sizeof(WCHAR));
+    pLines->nLength += nLength;
+    return 1;
+}
+
+int IsControl(WCHAR wcChar)
+{
+    return wcChar < 0x20 || wcChar == 0x7F;
+}
+
+/* What the profile functions take off both ends of names and lines. */
+int IsBlank(WCHAR wcChar)
+{
+    return wcChar == ' ' || (wcChar >= 9 && wcChar <= 13) || wcChar == 0x1A;
+}
+
+Span Trim(Span span)
+{
+    while (span.nLength && IsBlank(span.pText[0])) {
+        span.pText++;
+        span.nLength--;
+    }
+    while (span.nLength && IsBlank(span.pText[span.nLength - 1])) {
+        span.nLength--;
+    }
+    return span;
+}
+
+/* Position of a character, or nLength. */
+u32 FindChar(Span span, WCHAR wcChar)
+{
+    u32 nAt = 0;
+    while (nAt < span.nLength && span.pText[nAt] != wcChar) {
+        nAt++;
+    }
+    return nAt;
+}
+
+/* Names of our sections and keys are plain ASCII, in any case. */
+int IsName(Span span, const WCHAR* wcName)
+{
+    for (u32 i = 0; i < span.nLength; i++) {
+        WCHAR wcOne = span.pText[i], wcOther = wcName[i];
+        wcOne = wcOne >= 'a' && wcOne <= 'z' ? static_cast<WCHAR>(wcOne - 32) : wcOne;
+        wcOther = wcOther >= 'a' && wcOther <= 'z' ? static_cast<WCHAR>(wcOther - 32) : wcOther;
+        if (!wcOther || wcOne != wcOther) {
+            return 0;
+        }
+    }
+    return wcName[span.nLength] == 0;
+}
+
+/* Takes the line at *pnAt, without its blanks and what lies behind a NUL, and moves *pnAt to the next. */
+Span TakeLine(const FileText& text, u32* pnAt)
+{
+    const WCHAR* pText = text.pText.get();
+    u32 nFrom = *pnAt, nTo = nFrom;
+    while (nTo < text.nLength && pText[nTo] != '\r' && pText[nTo] != '\n') {
+        nTo++;
+    }
+    *pnAt = nTo;
+    if (*pnAt < text.nLength) {
+        int bPair = pText[nTo] == '\r' && nTo + 1 < text.nLength && pText[nTo + 1] == '\n';
+        *pnAt += bPair ? 2 : 1;
+    }
+    Span line = {pText + nFrom, nTo - nFrom};
+    line.nLength = FindChar(line, 0);
+    return Trim(line);
+}
+
+/* 1 when the line opens a section, with its name. */
+int IsHeader(Span line, Span* pName)
+{
+    u32 nClose = line.nLength;
+    while (nClose && line.pText[nClose - 1] != ']') {
+        nClose--;
+    }
+    if (!nClose || line.pText[0] != '[') {
+        return 0;
+    }
+    *pName = Trim({line.pText + 1, nClose - 2});
+    return 1;
+}
+
+Place FindSection(const FileText& text, const WCHAR* wcSection)
+{
+    Place place = {text.nLength, text.nLength, text.nLength, 0};
+    Span name;
+    u32 nNext = 0;
+    for (u32 nAt = 0; nAt < text.nLength; nAt = nNext) {
+        Span line = TakeLine(text, &nNext);
+        if (IsHeader(line, &name)) {
+            if (place.bFound) {
+                return place;
+            }
+            if (IsName(name, wcSection)) {
+                place = {nAt, nNext, nNext, 1};
+            }
+        } else if (place.bFound && line.nLength && line.pText[0] != ';') {
+            place.nEnd = nNext;
+        }
+    }
+    return place;
+}
+
+/* 1 when the section has the key, whose line is then from *pnFrom to *pnTo. */
+int FindKey(const FileText& text, const Place& place, const WCHAR* wcKey, u32* pnFrom, u32* pnTo)
+{
+    u32 nNext = place.nBody;
+    for (u32 nAt = place.nBody; nAt < place.nEnd; nAt = nNext) {
+        Span line = TakeLine(text, &nNext);
+        line.nLength = line.nLength && line.pText[0] == ';' ? 0 : FindChar(line, '=');
+        if (IsName(Trim(line), wcKey)) {
+            *pnFrom = nAt;
+            *pnTo = nNext;
+            return 1;
+        }
+    }
+    return 0;
+}
+
+/* The bytes of a file as text. */
+Outcome Decode(const u8* pBytes, u32 cb, FileText* pText)
+{
+    if (!cb) {
+        return DONE;
+    }
+    pText->pText.reset(static_cast<WCHAR*>(AllocateRows(cb, sizeof(WCHAR))));
+    WCHAR* pOut = pText->pText.get();
+    if (!pOut) {
+        return REFUSED;
+    }
+    int bLittle = cb >= 2 && pBytes[0] == 0xFF && pBytes[1] == 0xFE;
+    int bBig = cb >= 2 && pBytes[0] == 0xFE && pBytes[1] == 0xFF;
+    if (bLittle || bBig) {
+        pText->nLength = cb / 2 - 1;
+        for (u32 i = 0; i < pText->nLength; i++) {
+            const u8* pPair = pBytes + 2 + 2 * i;
+            pOut[i] = static_cast<WCHAR>(bLittle ? pPair[0] | pPair[1] << 8 : pPair[0] << 8 | pPair[1]);
+        }
+        return DONE;
+    }
+    int bUtf8 = cb >= 3 && pBytes[0] == 0xEF && pBytes[1] == 0xBB && pBytes[2] == 0xBF;
+    u32 nMark = bUtf8 ? 3 : 0;
+    if (cb == nMark) {
+        return DONE;
+    }
+    /* No code page makes more characters than there were bytes. */
+    int nGot = MultiByteToWideChar(bUtf8 ? CP_UTF8 : CP_ACP, 0, reinterpret_cast<const char*>(pBytes) + nMark,
+                                   static_cast<int>(cb - nMark), pOut, static_cast<int>(cb));
+    if (nGot < 1 || nGot > static_cast<int>(cb)) {
+        return REFUSED;
+    }
+    pText->nLength = static_cast<u32>(nGot);
+    return DONE;
+}
+
+Outcome ReadText(const WCHAR* tcPath, FileText* pText)
+{
+    DWORD dwAttributes = GetFileAttributesW(tcPath);
+    if (dwAttributes == INVALID_FILE_ATTRIBUTES) {
+        /* Only a file that is certainly not there counts as an empty one. */
+        return GetLastError() == ERROR_FILE_NOT_FOUND ? DONE : REFUSED;
+    }
+    if (dwAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_REPARSE_POINT)) {
+        return REFUSED;
+    }
+    /* Writers are kept out: half of what they write would become the file. */
+    OwnedFile hFile(CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT,
+                                nullptr));
+    if (!IsOpen(hFile.get())) {
+        return GetLastError() == ERROR_SHARING_VIOLATION ? BUSY : REFUSED;
+    }
+    LARGE_INTEGER lSize;
+    if (!GetFileSizeEx(hFile.get(), &lSize) || lSize.QuadPart < 0 || lSize.QuadPart > FILE_BYTES_LIMIT) {
+        return REFUSED;
+    }
+    u32 cb = static_cast<u32>(lSize.QuadPart);
+    OwnedBlock<u8> pBytes(static_cast<u8*>(AllocateBlock(u64{cb} + 1)));
+    if (!pBytes) {
+        return REFUSED;
+    }
+    DWORD cbGot = 0;
+    for (u32 nAt = 0; nAt < cb; nAt += cbGot) {
+        if (!ReadFile(hFile.get(), pBytes.get() + nAt, cb - nAt, &cbGot, nullptr) || !cbGot ||
+            cbGot > cb - nAt) {
+            return REFUSED;
+        }
+    }
+    return Decode(pBytes.get(), cb, pText);
+}
+
+/* Creates the copy and names it in tcCopy, PATH_CHARS of room. */
+HANDLE CreateCopy(const WCHAR* tcPath, WCHAR* tcCopy)
+{
+    for (int n = 0; n < 2 * COPY_NAMES; n++) {
+        if (!FormatWide(tcCopy, PATH_CHARS, TEXT("%s.~%d"), tcPath, n % COPY_NAMES)) {
+            return INVALID_HANDLE_VALUE;
+        }
+        if (n >= COPY_NAMES) {
+            DeleteFileW(tcCopy); /* of a link the link itself; a copy in use cannot be deleted */
+        }
+        HANDLE hCopy = CreateFileW(tcCopy, GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+        if (IsOpen(hCopy) || GetLastError() != ERROR_FILE_EXISTS) {
+            return hCopy;
+        }
+    }
+    return INVALID_HANDLE_VALUE;
+}
+
+int WriteWhole(HANDLE hFile, const WCHAR* pText, u32 nLength)
+{
+    const u8* pBytes = reinterpret_cast<const u8*>(pText);
+    u32 cb = nLength * static_cast<u32>(sizeof(WCHAR));
+    DWORD cbDone = 0;
+    for (u32 nAt = 0; nAt < cb; nAt += cbDone) {
+        if (!WriteFile(hFile, pBytes + nAt, cb - nAt, &cbDone, nullptr) || !cbDone || cbDone > cb - nAt) {
+            return 0;
+        }
+    }
+    return FlushFileBuffers(hFile);
+}
+
+Outcome PutInPlace(const WCHAR* tcPath, const WCHAR* pText, u32 nLength)
+{
+    WCHAR tcCopy[PATH_CHARS];
+    OwnedFile hCopy(CreateCopy(tcPath, tcCopy));
+    if (!IsOpen(hCopy.get())) {
+        return REFUSED;
+    }
+    int bWritten = WriteWhole(hCopy.get(), pText, nLength);
+    hCopy.reset();
+    if (bWritten && MoveFileExW(tcCopy, tcPath, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        return DONE;
+    }
+    DWORD dwError = GetLastError();
+    DeleteFileW(tcCopy);
+    int bHeld = dwError == ERROR_ACCESS_DENIED || dwError == ERROR_SHARING_VIOLATION;
+    return bWritten && bHeld ? BUSY : REFUSED;
+}
+
+/* Puts the new text together and on the disk. */
+Outcome WriteChange(const WCHAR* tcPath, const FileText& old, const Change& change)
+{
+    const WCHAR wcMark[] = {BYTE_ORDER_MARK, 0};
+    const WCHAR* pOld = old.pText.get();
+    int bOpenLine = change.nFrom && pOld[change.nFrom - 1] != '\n' && pOld[change.nFrom - 1] != '\r';
+    SectionLines text = {};
+    Append(&text, wcMark, 1);
+    Append(&text, pOld, change.nFrom);
+    Append(&text, TEXT("\r\n"), bOpenLine ? 2 : 0);
+    if (change.wcSection) {
+        Append(&text, TEXT("["), 1);
+        Append(&text, change.wcSection, static_cast<u32>(WideLength(change.wcSection)));
+        Append(&text, TEXT("]\r\n"), 3);
+    }
+    Append(&text, change.lines.pText, change.lines.nLength);
+    Append(&text, pOld + change.nTo, old.nLength - change.nTo);
+    return text.bShort ? REFUSED : PutInPlace(tcPath, text.pText.get(), text.nLength);
+}
+
+/* One try. Without a key the lines are the section's, with one they are the key's. */
+Outcome TryChange(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, Span lines)
+{
+    FileText old = {};
+    Outcome outcome = ReadText(tcPath, &old);
+    if (outcome != DONE) {
+        return outcome;
+    }
+    Place place = FindSection(old, wcSection);
+    Change change = {place.nHeader, place.nEnd, wcSection, lines};
+    if (wcKey && place.bFound) {
+        change = {place.nEnd, place.nEnd, nullptr, lines};
+        FindKey(old, place, wcKey, &change.nFrom, &change.nTo);
+    }
+    return WriteChange(tcPath, old, change);
+}
+
+int ChangeFile(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, const SectionLines& lines)
+{
+    if (lines.bShort || !tcPath || !HasFolder(tcPath)) {
+        return 0;
+    }
+    for (int nTry = 1;; nTry++) {
+        Outcome outcome = TryChange(tcPath, wcSection, wcKey, {lines.pText.get(), lines.nLength});
+        if (outcome != BUSY || nTry == TRIES) {
+            return outcome == DONE;
+        }
+        Sleep(WAIT_MILLISECONDS);
+    }
+}
+
+} // namespace
+
+void WriteProfileText(SectionLines* pLines, const WCHAR* wcKey, const WCHAR* wcText, int cchMax)
+{
+    u32 nKey = static_cast<u32>(WideLength(wcKey));
+    u32 nText = static_cast<u32>(BoundedLength(wcText, cchMax));
+    Append(pLines, wcKey, nKey);
+    Append(pLines, TEXT("="), 1);
+    if (Append(pLines, wcText, nText)) {
+        WCHAR* pValue = pLines->pText.get() + (pLines->nLength - nText);
+        for (u32 i = 0; i < nText; i++) {
+            pValue[i] = IsControl(pValue[i]) ? static_cast<WCHAR>(' ') : pValue[i];
+        }
+    }
+    Append(pLines, TEXT("\r\n"), 2);
+}
+
+void WriteProfileDecimal(SectionLines* pLines, const WCHAR* wcKey, i32 lValue)
+{
+    WCHAR wcText[TEXT_CHARS];
+    FormatWide(wcText, TEXT_CHARS, TEXT("%d"), lValue);
+    WriteProfileText(pLines, wcKey, wcText, TEXT_CHARS);
+}
+
+void WriteProfileLong(SectionLines* pLines, const WCHAR* wcKey, i32 lValue)
+{
+    WCHAR wcText[TEXT_CHARS];
+    FormatWide(wcText, TEXT_CHARS, TEXT("%ld"), lValue);
+    WriteProfileText(pLines, wcKey, wcText, TEXT_CHARS);
+}
+
+void WriteProfileHex(SectionLines* pLines, const WCHAR* wcKey, u32 ulValue)
+{
+    WCHAR wcText[TEXT_CHARS];
+    FormatWide(wcText, TEXT_CHARS, TEXT("%08lX"), ulValue);
+    WriteProfileText(pLines, wcKey, wcText, TEXT_CHARS);
+}
+
+int ReplaceSection(const WCHAR* tcPath, const WCHAR* wcSection, const SectionLines& lines)
+{
+    return ChangeFile(tcPath, wcSection, nullptr, lines);
+}
+
+int ReplaceKey(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, const WCHAR* wcText)
+{
+    SectionLines line = {};
+    WriteProfileText(&line, wcKey, wcText, LONGEST_TEXT);
+    return ChangeFile(tcPath, wcSection, wcKey, line);
+}

@@ -1,0 +1,614 @@
+/* Writing records and lists: the whole text, what comes back of it, and what is left when calls fail, the disk is
+   full or the power goes. */
+#include "settingsfile/settings_writer.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "description/paper.h"
+#include "description/printer_store.h"
+#include "settingsfile/custom_sizes.h"
+#include "settingsfile/same_bytes.h"
+#include "settingsfile/section_file.h"
+#include "settingsfile/settings_key_rows.h"
+#include "settingsfile/settings_reader.h"
+#include "settingsfile/watermark_rows.h"
+#include "support/power_cuts.h"
+#include "support/sample_machine.h"
+#include "support/sweep.h"
+#include "watermark/watermark_store.h"
+
+namespace {
+
+constexpr WCHAR SETTINGS_FILE[] = u"C:\\set\\a.ini";
+constexpr int REGION_AT = 2980, REGION_END = 3716;
+
+using KeyValues = std::vector<std::pair<std::string, std::string>>;
+
+/* The text of the file. */
+std::string FileText(const WideText& tcPath = SETTINGS_FILE)
+{
+    Bytes bytes = GetFile(tcPath);
+    WideText wcText;
+    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        wcText.push_back(static_cast<WCHAR>(bytes[i] | bytes[i + 1] << 8));
+    }
+    return Narrow(wcText);
+}
+
+/* The lines of its one section. */
+KeyValues Lines()
+{
+    KeyValues lines;
+    std::istringstream text(FileText());
+    std::string line;
+    std::getline(text, line);
+    while (std::getline(text, line) && line.size() > 1) {
+        size_t nEquals = line.find('=');
+        lines.emplace_back(line.substr(0, nEquals), line.substr(nEquals + 1, line.size() - nEquals - 2));
+    }
+    return lines;
+}
+
+size_t CountStem(const KeyValues& lines, const std::string& stem)
+{
+    return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const auto& line) {
+        return line.first.rfind(stem, 0) == 0 && line.first.size() > stem.size();
+    }));
+}
+
+class Dice {
+  public:
+    explicit Dice(unsigned nSeed) : engine(nSeed) {}
+    u32 Below(u32 n) { return static_cast<u32>(engine() % n); }
+    u32 Word() { return static_cast<u32>(engine()); }
+    /* Without outer blanks and quotation marks, which a profile file does not keep. */
+    WideText Name(u32 nMost)
+    {
+        static constexpr std::u16string_view WC_LETTERS = u"abXYZ09=;[]\u00E4\u20AC\u4E2D.\\";
+        WideText wcText(Below(nMost + 1), u'x');
+        for (size_t i = 0; i < wcText.size(); i++) {
+            bool bInside = i && i + 1 < wcText.size();
+            wcText[i] = bInside && Below(8) == 0 ? u' ' : WC_LETTERS[Below(WC_LETTERS.size())];
+        }
+        return wcText;
+    }
+    template <size_t n> void Fill(WCHAR (&wcField)[n]) { CopyWide(wcField, n, Name(n - 1).c_str()); }
+
+  private:
+    std::mt19937 engine;
+};
+
+void PutAt(DriverDevmode* pRecord, int nAt, const void* pBytes, size_t cb)
+{
+    std::memcpy(reinterpret_cast<u8*>(pRecord) + nAt, pBytes, cb);
+}
+
+/* Styles and blocks of every type, one behind the other. */
+void PutStyles(Dice& dice, DriverDevmode* pRecord)
+{
+    u8 abRegion[REGION_END - REGION_AT] = {};
+    for (u8& b : abRegion) {
+        b = static_cast<u8>(dice.Word());
+    }
+    size_t nAt = 2;
+    abRegion[0] = static_cast<u8>(dice.Below(5));
+    abRegion[1] = static_cast<u8>(dice.Below(4));
+    for (int i = 0; i < abRegion[0]; i++) {
+        u8* pStyle = abRegion + nAt;
+        u8 bType = static_cast<u8>(dice.Below(7));
+        WideText wcName = bType == 6 ? dice.Name(30) : WideText();
+        size_t cbStyle = bType == 6                 ? 27 + 2 * wcName.size()
+                         : bType == 1               ? 8
+                         : bType == 2 || bType == 3 ? 14
+                                                    : 4;
+        pStyle[0] = static_cast<u8>(cbStyle);
+        pStyle[1] = 0;
+        pStyle[2] = bType;
+        if (bType == 6) {
+            std::memcpy(pStyle + 25, wcName.c_str(), (wcName.size() + 1) * sizeof(WCHAR));
+        }
+        nAt += cbStyle;
+    }
+    for (int i = 0; i < abRegion[1]; i++) {
+        abRegion[nAt + 1] = static_cast<u8>(dice.Below(40));
+        nAt += 2u + 2u * abRegion[nAt + 1];
+    }
+    ASSERT_LE(nAt, sizeof abRegion);
+    PutAt(pRecord, REGION_AT, abRegion, sizeof abRegion);
+}
+
+DriverDevmode RandomRecord(Dice& dice, u16 usKind)
+{
+    DriverDevmode record;
+    for (size_t i = 0; i < sizeof record; i += 4) {
+        u32 ulWord = dice.Word();
+        PutAt(&record, static_cast<int>(i), &ulWord, 4);
+    }
+    bool bText = record.rPrivate.ulWMType & WM_TEXT;
+    for (const KeyRow& row : aKeyRows) {
+        bool bOther = row.cKey == std::string(bText ? "WMFileName" : "WMString") ||
+                      (!bText && row.cKey == std::string("WMFace"));
+        if (row.cType == 't' && !bOther) {
+            WideText wcText = dice.Name(static_cast<u32>(row.nCount - 1));
+            PutAt(&record, row.nAt, wcText.c_str(), (wcText.size() + 1) * sizeof(WCHAR));
+        }
+    }
+    PutAt(&record, 2052, u"C:\\drv\\QA.XPI", 28);
+    if (usKind >= 3) {
+        PutStyles(dice, &record);
+    }
+    return record;
+}
+
+WatermarkEntry RandomMark(Dice& dice)
+{
+    WatermarkEntry row = {};
+    row.WMType = ENTRY_TEXT + dice.Below(2);
+    CopyWide(row.WMString, 64, (u"w" + dice.Name(62)).c_str());
+    if (row.WMType == ENTRY_TEXT) {
+        CopyWide(row.WMFace, 32, (u"f" + dice.Name(30)).c_str());
+        row.WMCharSet = static_cast<u8>(dice.Word());
+        row.WMBold = dice.Below(2);
+        row.WMItalic = dice.Below(2);
+        row.WMSize = static_cast<i16>(dice.Below(300));
+        row.WMOutline = dice.Below(2);
+        row.WMColor = dice.Below(0x1000000);
+        row.WMRTL = dice.Below(2);
+        row.WMAngle = static_cast<u16>(dice.Below(3600));
+    } else {
+        CopyWide(row.WMImageName, 260, (u"i" + dice.Name(258)).c_str());
+        row.WMScaleX = dice.Word();
+        row.WMScaleY = dice.Word();
+    }
+    row.WMTransparency = static_cast<u16>(dice.Word());
+    row.WMPlacement = static_cast<u16>(dice.Word());
+    row.WMPositionX = static_cast<i32>(dice.Word());
+    row.WMPositionY = static_cast<i32>(dice.Word());
+    if (dice.Below(2)) {
+        dice.Fill(row.WMColorFile);
+        CopyWide(row.WMFileName, 260, dice.Below(2) ? u"C:\\u\\1.wm" : u"");
+        bool bNamed = row.WMFileName[0] || row.WMColorFile[0];
+        row.WMResolution = static_cast<u16>(bNamed ? 1 + dice.Below(65535) : 0);
+        row.WMWidth = bNamed ? dice.Word() | 1 : 0;
+        row.WMHeight = bNamed ? dice.Word() | 1 : 0;
+    }
+    return row;
+}
+
+PaperSizeRow RandomPaper(Dice& dice)
+{
+    PaperSizeRow row = {dice.Word() >> 1, dice.Word() >> 1, dice.Below(2), {}};
+    CopyWide(row.wcName, 64, (u"p" + dice.Name(62)).c_str());
+    return row;
+}
+
+class SettingsWriter : public MachineTest {
+  protected:
+    void SetUp() override
+    {
+        MachineTest::SetUp();
+        PutFile(u"C:\\set\\keep.txt", std::string_view("x"));
+    }
+
+    KeyValues Written(const DriverDevmode& record, u16 usKind)
+    {
+        EXPECT_EQ(WritePrinterSettings(SETTINGS_FILE, &record, usKind), 1);
+        return Lines();
+    }
+};
+
+/* The writers, each with a change of its own. */
+struct Writer {
+    const char* cName;
+    std::function<int()> write;
+};
+
+std::vector<Writer> Writers()
+{
+    Dice dice(7);
+    static DriverDevmode record;
+    static std::vector<WatermarkEntry> marks;
+    static std::vector<PaperSizeRow> papers;
+    record = RandomRecord(dice, 3);
+    marks = {RandomMark(dice), RandomMark(dice)};
+    papers = {RandomPaper(dice), RandomPaper(dice), RandomPaper(dice)};
+    return {
+        {"settings", [] { return WritePrinterSettings(SETTINGS_FILE, &record, 3); }},
+        {"papers", [] { return WriteCustomSizes(SETTINGS_FILE, papers.data(), 3); }},
+        {"watermarks", [] { return WriteWatermarks(SETTINGS_FILE, marks.data(), 2); }},
+        {"key", [] { return ReplaceKey(SETTINGS_FILE, u"Basalt", u"Profile", u"new.icm"); }},
+    };
+}
+
+const char cOldFile[] =
+    "; \xE4\r\n[Basalt]\r\nProfile=old.icm\r\nScreen=s\r\n[CustomSizes]\r\nNumCustomSizes=0\r\n"
+    "[Watermarks]\r\nNumWatermarks=0\r\n[PrinterSettings]\r\nCopies=3\r\n[Other]\r\nx=1\r\n";
+
+void PutOld(bool bThere)
+{
+    std::filesystem::remove_all(HostPath(u"C:\\set"));
+    PutFile(u"C:\\set\\keep.txt", std::string_view("x"));
+    if (bThere) {
+        PutFile(SETTINGS_FILE, std::string_view(cOldFile));
+    }
+}
+
+size_t FilesThere()
+{
+    std::filesystem::directory_iterator files(HostPath(u"C:\\set"));
+    return static_cast<size_t>(std::distance(begin(files), end(files)));
+}
+
+} // namespace
+
+/* Every number is its own offset in the record, so that the goldens can be read; kinds 1 and 3 have a text
+   watermark. */
+TEST_F(SettingsWriter, WholeTextOfARecordOfEachKind)
+{
+    static const u8 abStyles[] = {4,  2,  4,   0, 0,   7, 8, 0, 1,  1, 0xFF, 0xFF, 2,  0, 14, 0, 3,
+                                  2,  3,  0,   4, 0,   5, 0, 6, 0,  7, 0,    31,   0,  6, 3,  1, 9,
+                                  10, 0,  0,   0, 11,  0, 0, 0, 12, 0, 0,    0,    13, 0, 0,  0, 88,
+                                  2,  50, 'A', 0, 'B', 0, 0, 0, 3,  2, 5,    0,    6,  0, 0,  0};
+    for (u16 usKind = 0; usKind < 5; usKind++) {
+        DriverDevmode record = recordTemplate;
+        bool bText = usKind == 1 || usKind == 3;
+        for (const KeyRow& row : aKeyRows) {
+            bool bOther = row.nAt >= 426 && row.nAt < 636 && bText == (row.cKey == std::string("WMFileName"));
+            for (int i = 0; i < row.Numbers() && !bOther; i++) {
+                u32 ulAt = static_cast<u32>(row.At(i));
+                WideText wcText = Wide("t" + std::to_string(ulAt));
+                const void* pValue = row.cType == 't' ? static_cast<const void*>(wcText.c_str()) : &ulAt;
+                size_t cbValue =
+                    row.cType == 't' ? (wcText.size() + 1) * 2 : static_cast<size_t>(row.Width());
+                PutAt(&record, row.At(i), pValue, cbValue);
+            }
+        }
+        PutAt(&record, 2052, u"C:\\drv\\QA.XPI", 28);
+        record.rPrivate.ulWMType = bText ? 0xABC1 : 4;
+        record.rPrivate.ulColorMode = 42;
+        record.rPrivate.sInsertPageOffset = usKind == 1 ? -940 : 940;
+        if (usKind == 3) {
+            PutAt(&record, REGION_AT, abStyles, sizeof abStyles);
+        }
+        std::string text;
+        size_t nRow = 0;
+        for (const auto& [key, value] : Written(record, usKind)) {
+            size_t nLine = key.size() + value.size() + 3;
+            text += (text.empty() ? "" : nRow + nLine > 108 ? "\n" : "; ") + key + "=" + value;
+            nRow = nRow + nLine > 108 ? nLine : nRow + nLine;
+        }
+        std::stringstream golden;
+        golden << std::ifstream(TQUI_SOURCE_DIR "/tests/golden/settings/kind" + std::to_string(usKind) +
+                                ".txt")
+                      .rdbuf();
+        EXPECT_EQ(text + "\n", golden.str()) << "kind " << usKind;
+    }
+}
+
+TEST_F(SettingsWriter, NumberOfKeys)
+{
+    static const struct {
+        u16 usKind;
+        u32 ulType;
+        size_t nKeys;
+    } aCases[] = {{0, 0, 200}, {2, 4, 200}, {4, 0, 200}, {0, 1, 207}, {4, 1, 207}, {3, 0, 189}, {3, 1, 195}};
+    for (const auto& one : aCases) {
+        DriverDevmode record = recordTemplate;
+        record.rPrivate.ulWMType = one.ulType;
+        record.dmCollate = 1;
+        std::map<std::string, std::string> keys;
+        KeyValues lines = Written(record, one.usKind);
+        keys.insert(lines.begin(), lines.end());
+        EXPECT_EQ(lines.size(), one.nKeys) << "kind " << one.usKind;
+        EXPECT_EQ(keys.size(), lines.size()) << "a key stands twice";
+        EXPECT_EQ(keys["Collate"], "0") << "the private field's";
+        EXPECT_EQ(keys["ColorMode"], "0");
+    }
+}
+
+TEST_F(SettingsWriter, WhatIsWrittenReadAndWrittenAgainIsTheSame)
+{
+    const std::set<std::string> aInsert = {
+        "InsertPages",  "InsertPageOffset", "InsertPageBin", "InsertPageMediaIndex", "InsertPaper",
+        "InsertLength", "InsertWidth",      "InsertPages0",  "InsertPages1",         "InsertPages2",
+        "InsertPages3", "InsertPages4",     "InsertPages5",  "InsertPages6",         "InsertPages7"};
+    for (u16 usKind = 0; usKind < 5; usKind++) {
+        std::set<std::string> lost;
+        for (unsigned nSeed = 0; nSeed < 60; nSeed++) {
+            Dice dice(nSeed * 5 + usKind);
+            DriverDevmode record = RandomRecord(dice, usKind), read = RandomRecord(dice, usKind);
+            KeyValues before = Written(record, usKind);
+            ASSERT_EQ(ReadPrinterSettings(SETTINGS_FILE, &read, 0, usKind), 1);
+            KeyValues after = Written(read, usKind);
+            ASSERT_EQ(before.size(), after.size());
+            for (size_t i = 0; i < before.size(); i++) {
+                ASSERT_EQ(before[i].first, after[i].first);
+                if (before[i].second != after[i].second) {
+                    lost.insert(before[i].first);
+                }
+            }
+        }
+        EXPECT_EQ(lost, usKind == 3   ? std::set<std::string>()
+                        : usKind == 4 ? aInsert
+                                      : std::set<std::string>{"InsertPageOffset"})
+            << "kind " << usKind;
+    }
+}
+
+TEST_F(SettingsWriter, StylesOfAnUncheckedRecordStayInTheRegion)
+{
+    for (unsigned nSeed = 0; nSeed < 400; nSeed++) {
+        Dice dice(nSeed);
+        DriverDevmode record = RandomRecord(dice, 0);
+        u8* pRegion = record.rPrivate.bExceptionRegion;
+        for (int i = 0; i < REGION_END - REGION_AT; i += 2) { /* small sizes, so that the walk goes far */
+            pRegion[i + 1] = dice.Below(40) ? 0 : pRegion[i + 1];
+        }
+        pRegion[0] = static_cast<u8>(dice.Word());
+        pRegion[1] = static_cast<u8>(dice.Word());
+        std::map<std::string, std::string> keys;
+        KeyValues lines = Written(record, 3);
+        keys.insert(lines.begin(), lines.end());
+        EXPECT_EQ(std::stoul(keys["StyleCount"]), CountStem(lines, "StyleType"));
+        EXPECT_EQ(std::stoul(keys["BlockCount"]), CountStem(lines, "BlockPageCount"));
+        EXPECT_LE(std::stoul(keys["StyleCount"]), pRegion[0]);
+    }
+    DriverDevmode record = recordTemplate;
+    u8* pRegion = record.rPrivate.bExceptionRegion;
+    static const struct {
+        u8 abStyle[4];
+        u8 bCount;
+        size_t nStyles;
+    } aCases[] = {
+        {{0, 0, 1, 9}, 200, 200}, /* no size: the same bytes, as often as the count says */
+        {{222, 2, 0, 9}, 2, 1},   /* 734 bytes: the whole region, and nothing behind it */
+        {{223, 2, 0, 9}, 2, 0},   /* one too many */
+        {{255, 255, 0, 9}, 1, 0}, {{27, 0, 6, 9}, 1, 1},
+    };
+    for (const auto& one : aCases) {
+        std::memset(pRegion, 0x41, REGION_END - REGION_AT); /* names without an end */
+        pRegion[0] = one.bCount;
+        pRegion[1] = 0;
+        std::memcpy(pRegion + 2, one.abStyle, 4);
+        EXPECT_EQ(CountStem(Written(record, 3), "StyleUsage"), one.nStyles);
+    }
+    std::memset(pRegion, 0, REGION_END - REGION_AT);
+    pRegion[0] = 2;
+    pRegion[2] = 218; /* the second begins 14 bytes in front of the end */
+    pRegion[3] = 2;
+    pRegion[2 + 720 + 2] = 6;
+    pRegion[2 + 538 + 2] = 6;
+    EXPECT_EQ(CountStem(Written(record, 3), "StyleType"), 2u);
+    pRegion[2] = 208;
+    EXPECT_EQ(CountStem(Written(record, 3), "StyleWMFileName"), 0u) << "a type that needs more than there is";
+}
+
+TEST_F(SettingsWriter, TextsEndWithTheirFieldAndHoldNoLines)
+{
+    DriverDevmode record = recordTemplate;
+    for (WCHAR& wcChar : record.rPrivate.wcOverlayFile) {
+        wcChar = u'o';
+    }
+    const WCHAR wcFont[] = u"a\r\nScale=99\x01";
+    PutAt(&record, 232, wcFont, sizeof wcFont);
+    std::memset(record.rPrivate.tcXPIName, 'X', sizeof record.rPrivate.tcXPIName);
+    std::map<std::string, std::string> keys;
+    KeyValues lines = Written(record, 0);
+    keys.insert(lines.begin(), lines.end());
+    EXPECT_EQ(keys["OverlayFile"], std::string(13, 'o'));
+    EXPECT_EQ(keys["DefaultFont"], "a  Scale=99 ");
+    EXPECT_EQ(keys["XPI"].size(), Narrow(WideText(160, u'\u5858')).size())
+        << "160 characters, without a folder";
+}
+
+TEST_F(SettingsWriter, ListsComeBackAsTheyWere)
+{
+    for (unsigned nSeed = 0; nSeed < 60; nSeed++) {
+        Dice dice(nSeed);
+        std::vector<WatermarkEntry> marks;
+        std::vector<PaperSizeRow> papers;
+        for (u32 n = dice.Below(12); n; n--) {
+            marks.push_back(RandomMark(dice));
+            papers.push_back(RandomPaper(dice));
+        }
+        i32 nRows = static_cast<i32>(marks.size());
+        ASSERT_EQ(WriteWatermarks(SETTINGS_FILE, marks.data(), nRows), 1);
+        ASSERT_EQ(WriteCustomSizes(SETTINGS_FILE, papers.data(), nRows), 1);
+        OwnedBlock<WatermarkEntry> pMarks;
+        OwnedBlock<PaperSizeRow> pPapers;
+        ASSERT_EQ(ReadWatermarks(SETTINGS_FILE, &pMarks), nRows);
+        ASSERT_EQ(ReadCustomSizes(SETTINGS_FILE, nullptr, &pPapers), nRows);
+        for (size_t i = 0; i < marks.size(); i++) {
+            EXPECT_TRUE(SameBytes(pMarks.get()[i], marks[i])) << "seed " << nSeed << ", row " << i;
+            EXPECT_TRUE(SameBytes(pPapers.get()[i], papers[i])) << "seed " << nSeed << ", row " << i;
+        }
+    }
+}
+
+TEST_F(SettingsWriter, WholeTextOfLists)
+{
+    PaperSizeRow papers[2] = {{21000, 29700, 1, u"My A4"}, {0xFFFFFFFF, 1, 0, {}}};
+    std::fill(std::begin(papers[1].wcName), std::end(papers[1].wcName), u'n');
+    EXPECT_EQ(WriteCustomSizes(SETTINGS_FILE, papers, 2), 1);
+    EXPECT_EQ(FileText(), "[CustomSizes]\r\nNumCustomSizes=2\r\nCustomName0=My A4\r\nCustomWidth0=21000\r\n"
+                          "CustomLength0=29700\r\nCustomMetric0=1\r\nCustomName1=" +
+                              std::string(64, 'n') +
+                              "\r\nCustomWidth1=-1\r\nCustomLength1=1\r\nCustomMetric1=0\r\n");
+    EXPECT_EQ(WriteCustomSizes(SETTINGS_FILE, nullptr, -4), 1);
+    EXPECT_EQ(FileText(), "[CustomSizes]\r\nNumCustomSizes=0\r\n");
+
+    WatermarkEntry marks[3];
+    ResetWatermarkEntry(&marks[0]);
+    marks[0].WMType = ENTRY_TEXT;
+    CopyWide(marks[0].WMString, 64, u"Draft");
+    marks[0].WMRTL = 1;
+    CopyWide(marks[0].WMFileName, 260, u"C:\\a");
+    marks[0].WMResolution = 600;
+    marks[0].WMWidth = 5; /* no height: the file is forgotten */
+    marks[1] = {};
+    marks[1].WMType = ENTRY_IMAGE;
+    CopyWide(marks[1].WMImageName, 260, u"C:\\i.bmp");
+    marks[1].WMScaleX = 50;
+    marks[1].WMPositionX = -1;
+    CopyWide(marks[1].WMColorFile, 260, u"C:\\c");
+    marks[1].WMResolution = 65535;
+    marks[1].WMWidth = marks[1].WMHeight = 9;
+    marks[2] = {};
+    marks[2].WMAngle = 65535;
+    std::filesystem::remove(HostPath(SETTINGS_FILE));
+    EXPECT_EQ(WriteWatermarks(SETTINGS_FILE, marks, 3), 1);
+    EXPECT_EQ(
+        FileText(),
+        "[Watermarks]\r\nNumWatermarks=3\r\nWMType0=1\r\nWMString0=Draft\r\nWMAngle0=450\r\nWMRTL0=1\r\n"
+        "WMCharSet0=0\r\nWMFace0=Times New Roman\r\nWMBold0=0\r\nWMItalic0=0\r\nWMSize0=72\r\n"
+        "WMColor0=000000FF\r\nWMOutline0=0\r\nWMTransparency0=50\r\nWMPlacement0=0\r\nWMPositionX0=0\r\n"
+        "WMPositionY0=0\r\nWMType1=2\r\nWMString1=\r\nWMAngle1=0\r\nWMImageName1=C:\\i.bmp\r\n"
+        "WMScaleX1=50\r\nWMScaleY1=0\r\nWMTransparency1=0\r\nWMPlacement1=0\r\nWMPositionX1=-1\r\n"
+        "WMPositionY1=0\r\nWMColorFile1=C:\\c\r\nWMResolution1=65535\r\nWMWidth1=9\r\nWMHeight1=9\r\n"
+        "WMType2=0\r\nWMString2=\r\nWMAngle2=65535\r\nWMTransparency2=0\r\nWMPlacement2=0\r\n"
+        "WMPositionX2=0\r\nWMPositionY2=0\r\n");
+}
+
+TEST_F(SettingsWriter, SettersWriteTheUsersFile)
+{
+    AddSample("K100");
+    PaperSizeRow paper = {21000, 29700, 1, u"Mine"};
+    WatermarkEntry mark = {};
+    mark.WMType = ENTRY_IMAGE;
+    CopyWide(mark.WMString, 64, u"Logo");
+    CopyWide(mark.WMImageName, 260, u"C:\\i.bmp");
+    auto SetAll = [&] {
+        PrinterCall call(hPrinter);
+        SetSavedPapers(call, &paper, 1);
+        SetSavedWatermarks(call, &mark, 1);
+        SetProfileName(call, u"one.icm");
+        SetScreenName(call, u"two.scr");
+        SetProfileName(call, u"three.icm");
+    };
+    SetAll(); /* no settings file is named */
+    EXPECT_EQ(CallCount(CALL_WriteFile), 0);
+    SetPrinterText(wcPrinter, u"Settings", u"K.INI");
+    SetAll();
+    PrinterCall call(hPrinter);
+    WCHAR wcName[PATH_CHARS];
+    OwnedBlock<PaperSizeRow> pPapers;
+    OwnedBlock<WatermarkEntry> pMarks;
+    ASSERT_EQ(GetSavedPapers(call, nullptr, &pPapers), 1);
+    ASSERT_EQ(GetSavedWatermarks(call, &pMarks), 1);
+    EXPECT_TRUE(SameBytes(*pPapers, paper));
+    mark.WMAngle = 0;
+    EXPECT_TRUE(SameBytes(*pMarks, mark));
+    GetProfileName(call, wcName, PATH_CHARS);
+    EXPECT_EQ(WideText(wcName), u"three.icm");
+    GetScreenName(call, wcName, PATH_CHARS);
+    EXPECT_EQ(WideText(wcName), u"two.scr");
+}
+
+TEST_F(SettingsWriter, AFailureLeavesTheOldFileWhole)
+{
+    int nFaults = 0;
+    for (const Writer& writer : Writers()) {
+        for (bool bThere : {true, false}) {
+            PutOld(bThere);
+            const Bytes before = GetFile(SETTINGS_FILE);
+            ASSERT_EQ(writer.write(), 1);
+            const Bytes after = GetFile(SETTINGS_FILE);
+            auto body = [&]() -> std::string {
+                PutOld(bThere);
+                int nResult = writer.write();
+                int bClean = FilesThere() == (GetFile(SETTINGS_FILE).empty() ? 1u : 2u);
+                if (GetFile(SETTINGS_FILE) != (nResult ? after : before)) {
+                    return std::string(writer.cName) + ": the file does not go with result " +
+                           std::to_string(nResult) + "; ";
+                }
+                return bClean || nResult == 0 ? "" : "the copy is left; ";
+            };
+            for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
+                FaultSweep sweep = SweepFaults(ANY_CALL, mode, 200, body);
+                EXPECT_EQ(sweep.fault, "");
+                nFaults += sweep.nFaults;
+            }
+            for (int kind = LIE_SHORT; kind < LIE_KIND_COUNT; kind++) {
+                TellLies(static_cast<LieKind>(kind));
+                EXPECT_EQ(HoldsNothing(body), "") << "lie " << kind;
+                TellLies(LIE_NONE);
+            }
+            for (i64 lRoom = 0; lRoom < static_cast<i64>(after.size()); lRoom += 97) {
+                SetDiskRoom(lRoom);
+                EXPECT_EQ(body(), "");
+                EXPECT_EQ(FilesThere(), bThere ? 2u : 1u) << "the copy is left on a full disk";
+                SetDiskRoom(-1);
+            }
+        }
+    }
+    EXPECT_GT(nFaults, 150);
+}
+
+TEST_F(SettingsWriter, LostPowerLeavesOldOrNew)
+{
+    size_t nCuts = 0;
+    for (const Writer& writer : Writers()) {
+        for (bool bThere : {true, false}) {
+            PutOld(bThere);
+            const Bytes before = GetFile(SETTINGS_FILE);
+            Bytes after;
+            PowerSweep sweep = SweepPowerCuts(
+                SETTINGS_FILE, 100,
+                [&] {
+                    EXPECT_EQ(writer.write(), 1);
+                    after = GetFile(SETTINGS_FILE);
+                },
+                [&] { return OldOrNew(GetFile(SETTINGS_FILE), before, after); });
+            EXPECT_EQ(sweep.fault, "") << writer.cName;
+            EXPECT_GT(sweep.nOld, 1u);
+            EXPECT_GE(sweep.nNew, 1u);
+            EXPECT_EQ(writer.write(), 1) << "whatever was left behind, the next writing goes on";
+            EXPECT_EQ(GetFile(SETTINGS_FILE), after);
+            nCuts += sweep.nCuts;
+        }
+    }
+    EXPECT_GT(nCuts, 1000u);
+}
+
+/* The sweep must see what a careless writer leaves: one that does not flush, one that writes in place. */
+TEST_F(SettingsWriter, LostPowerCatchesCarelessWriters)
+{
+    const Bytes after(600, 'n');
+    auto Write = [&](const WCHAR* tcPath, DWORD dwDisposition, bool bFlush) {
+        DWORD cbDone;
+        HANDLE hFile = CreateFileW(tcPath, GENERIC_WRITE, 0, nullptr, dwDisposition, 0, nullptr);
+        EXPECT_TRUE(WriteFile(hFile, after.data(), 600, &cbDone, nullptr));
+        EXPECT_TRUE(!bFlush || FlushFileBuffers(hFile));
+        CloseHandle(hFile);
+    };
+    auto Sweep = [&](const std::function<void()>& change) {
+        PutOld(true);
+        const Bytes before = GetFile(SETTINGS_FILE);
+        return SweepPowerCuts(SETTINGS_FILE, 40, change,
+                              [&] { return OldOrNew(GetFile(SETTINGS_FILE), before, after); });
+    };
+    auto Rename = [] { EXPECT_TRUE(MoveFileExW(u"C:\\set\\b", SETTINGS_FILE, MOVEFILE_REPLACE_EXISTING)); };
+    EXPECT_GT(Sweep([&] {
+                  Write(u"C:\\set\\b", CREATE_NEW, false);
+                  Rename();
+              }).nBad,
+              5u);
+    EXPECT_GT(Sweep([&] { Write(SETTINGS_FILE, CREATE_ALWAYS, true); }).nBad, 5u);
+    EXPECT_GT(Sweep([&] {
+                  EXPECT_TRUE(DeleteFileW(SETTINGS_FILE));
+                  Write(u"C:\\set\\b", CREATE_NEW, true);
+                  Rename();
+              }).nBad,
+              2u);
+    EXPECT_EQ(Sweep([&] {
+                  Write(u"C:\\set\\b", CREATE_NEW, true);
+                  Rename();
+              }).nBad,
+              0u);
+}
