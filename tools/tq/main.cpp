@@ -9,8 +9,10 @@
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/lint.h"
+#include "tools/tq/merge.h"
 #include "tools/tq/record.h"
 #include "tools/tq/sample_printer.h"
+#include "tools/tq/scripting.h"
 
 namespace {
 
@@ -107,6 +109,25 @@ int main(int argc, char** argv)
         ->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pExplain->add_flag("--metric", explain.bMetric, "The user's locale is metric");
+    MergeOptions merge;
+    CLI::App* pMerge =
+        app.add_subcommand("merge", "What a printer makes of an application's record, or of its own default");
+    pMerge->add_option("--model", merge.model, "A description file, or a sample's name or section")
+        ->required();
+    pMerge->add_option(
+        "--record", merge.record,
+        "The record: its 4088 bytes, or the text of tq record; without one the printer's default");
+    pMerge->add_option("--mode", merge.uMode, "DM_UPDATE 1, DM_COPY 2, DM_MODIFY 8, added up (default 10)");
+    pMerge->add_option("--out", merge.file, "File for the merged record; without it the difference as text");
+    pMerge->add_option("--package", merge.package, "Folder with tqui.inf, descriptions and settings files")
+        ->check(CLI::ExistingDirectory);
+    pMerge->add_flag("--metric", merge.bMetric, "The user's locale is metric");
+
+    std::string scriptingPackage = TQUI_SAMPLES;
+    CLI::App* pScripting = app.add_subcommand("scripting", "The page docs/scripting.md");
+    pScripting->add_option("--package", scriptingPackage, "Folder with tqui.inf and the samples' files")
+        ->check(CLI::ExistingDirectory);
+    merge.package = TQUI_SAMPLES;
     record.package = TQUI_SAMPLES;
     explain.package = TQUI_SAMPLES;
 
@@ -125,6 +146,13 @@ int main(int argc, char** argv)
         }
         if (*pExplain) {
             return RunExplain(explain, std::cout);
+        }
+        if (*pMerge) {
+            return RunMerge(merge, std::cout);
+        }
+        if (*pScripting) {
+            std::cout << ScriptingPage(scriptingPackage);
+            return 0;
         }
         return *pLint ? RunLint(lintFile, std::cout, std::cerr) : RunCaps(caps);
     } catch (const std::exception& error) {
