@@ -4,7 +4,7 @@ SHELL := /bin/bash
 SECONDS ?= 60
 JOBS := $(shell nproc)
 
-.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan windows
+.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan tsan windows
 
 help:
 	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
@@ -35,7 +35,11 @@ demo: hosted
 package: hosted windows
 	@scripts/package build/hosted build/windows build/package
 
-test: package asan
+tsan:
+	@scripts/setup hosted windows
+	@scripts/build hosted-tsan threads_test
+
+test: package asan tsan
 	@scripts/setup wine
 	@scripts/run-tests
 

@@ -169,25 +169,39 @@ u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb
     return cbValue <= cb ? cbValue : 0;
 }
 
+int ReadComputerName(WCHAR* wcOut)
+{
+    DWORD cch = COMPUTER_CHARS;
+    if (!GetComputerNameW(wcOut, &cch)) {
+        wcOut[0] = 0;
+    }
+    wcOut[COMPUTER_CHARS - 1] = 0;
+    return wcOut[0] != 0;
+}
+
+int IsOnComputer(const WCHAR* wcPrinterName, const WCHAR* wcComputer)
+{
+    if (wcPrinterName[0] != '\\' || wcPrinterName[1] != '\\') {
+        return 0;
+    }
+    int n = 2;
+    for (int i = 0; wcComputer[i]; i++) {
+        if (wcPrinterName[n++] != wcComputer[i]) {
+            return 0;
+        }
+    }
+    return wcPrinterName[n] == '\\';
+}
+
 namespace {
 
 /* Cuts ",Local" off a name that begins with this computer's own "\\NAME\". */
 void CutLocalTail(WCHAR* wcName)
 {
-    WCHAR wcOwn[NAME_CHARS] = TEXT("\\\\");
-    WCHAR wcComputer[64];
-    DWORD cchComputer = 64;
-    if (wcName[0] != '\\' || wcName[1] != '\\' || !GetComputerNameW(wcComputer, &cchComputer)) {
+    WCHAR wcComputer[COMPUTER_CHARS];
+    if (wcName[0] != '\\' || wcName[1] != '\\' || !ReadComputerName(wcComputer) ||
+        !IsOnComputer(wcName, wcComputer)) {
         return;
-    }
-    wcComputer[63] = 0;
-    if (!AppendWideWhole(wcOwn, NAME_CHARS, wcComputer) || !AppendWideWhole(wcOwn, NAME_CHARS, TEXT("\\"))) {
-        return;
-    }
-    for (int i = 0; wcOwn[i]; i++) {
-        if (wcName[i] != wcOwn[i]) {
-            return;
-        }
     }
     const WCHAR* wcTail = FindWide(wcName, TEXT(",Local"));
     if (wcTail) {

@@ -82,6 +82,13 @@ int ReadPrinterText(PrinterCall& call, const WCHAR* wcValue, WCHAR* wcOut, int c
    larger. */
 u32 ReadPrinterBytes(PrinterCall& call, const WCHAR* wcValue, void* pOut, u32 cb);
 
+/* Name of this computer, COMPUTER_CHARS of room. 1, or 0 and "" when the system does not tell it. */
+constexpr int COMPUTER_CHARS = 64;
+int ReadComputerName(WCHAR* wcOut);
+
+/* 1 for a printer's name that begins with "\\", this computer's name and a backslash. */
+int IsOnComputer(const WCHAR* wcPrinterName, const WCHAR* wcComputer);
+
 /* Opens a printer by a name that comes from outside a spooler call: a name of this computer
    ("\\THISPC\Name,LocalOnly") is cut at ",Local". Full access is tried first, use only behind a refusal. The
    caller closes it; the invalid handle when it cannot be opened. */

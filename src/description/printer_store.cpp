@@ -63,6 +63,38 @@ void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
 
 } // namespace
 
+ValueState ReadPrinterBlock(PrinterCall& call, const WCHAR* wcValue, OwnedBlock<u8>* outBlock, u32* pcb)
+{
+    DWORD dwType, cbValue = 0, cbGot = 0;
+    LPWSTR wcAsked = const_cast<LPWSTR>(wcValue);
+    BYTE bSize;
+    outBlock->reset();
+    *pcb = 0;
+    if (!IsOpen(call.hPrinter)) {
+        return VALUE_UNREADABLE;
+    }
+    DWORD dwError = GetPrinterDataW(call.hPrinter, wcAsked, &dwType, &bSize, 0, &cbValue);
+    if (dwError == ERROR_FILE_NOT_FOUND || (dwError == ERROR_SUCCESS && !cbValue)) {
+        return VALUE_ABSENT;
+    }
+    if (dwError != ERROR_MORE_DATA || !cbValue || cbValue > VALUE_LIMIT) {
+        return VALUE_UNREADABLE;
+    }
+    OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
+    if (!pBlock ||
+        GetPrinterDataW(call.hPrinter, wcAsked, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
+        return VALUE_UNREADABLE;
+    }
+    u32 cb = cbGot < cbValue ? cbGot : cbValue;
+    if (!cb) {
+        return VALUE_ABSENT;
+    }
+    std::memset(pBlock.get() + cb, 0, cbValue - cb);
+    *outBlock = std::move(pBlock);
+    *pcb = cb;
+    return VALUE_READ;
+}
+
 u32 GetPrinterMemory(PrinterCall& call)
 {
     u32 ulMemory = 0;
@@ -77,27 +109,14 @@ void SetPrinterMemory(PrinterCall& call, u32 ulMemory)
 
 u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
 {
-    DWORD dwType, cbValue = 0;
-    LPWSTR wcValue = const_cast<LPWSTR>(TEXT("FontSubs"));
-    BYTE bSize;
-    outBlock->reset();
-    if (!IsOpen(call.hPrinter) ||
-        GetPrinterDataW(call.hPrinter, wcValue, &dwType, &bSize, 0, &cbValue) != ERROR_MORE_DATA ||
-        !cbValue || cbValue > VALUE_LIMIT) {
-        return 0;
+    u32 cb;
+    ReadPrinterBlock(call, TEXT("FontSubs"), outBlock, &cb);
+    if (cb % sizeof(WCHAR)) {
+        outBlock->get()[--cb] = 0;
     }
-    OwnedBlock<u8> pBlock(static_cast<u8*>(AllocateBlock(static_cast<u64>(cbValue) + 2 * sizeof(WCHAR) + 1)));
-    DWORD cbGot = 0;
-    if (!pBlock ||
-        GetPrinterDataW(call.hPrinter, wcValue, &dwType, pBlock.get(), cbValue, &cbGot) != ERROR_SUCCESS) {
-        return 0;
-    }
-    u32 cb = (cbGot < cbValue ? cbGot : cbValue) & ~1u;
     if (!cb) {
-        return 0;
+        outBlock->reset();
     }
-    std::memset(pBlock.get() + cb, 0, cbValue - cb);
-    *outBlock = std::move(pBlock);
     return cb;
 }
 

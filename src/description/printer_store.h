@@ -5,6 +5,13 @@
 #include "base/wide.h"
 #include "description/printer_call.h"
 
+/* A value of any type and size up to a megabyte. */
+enum ValueState : int { VALUE_ABSENT, VALUE_UNREADABLE, VALUE_READ }; /* absent: also empty */
+
+/* Reads it as a new block, the caller's, that has two NULs (and one byte) behind its *pcb bytes. Other results
+   than VALUE_READ leave null and 0. */
+ValueState ReadPrinterBlock(PrinterCall& call, const WCHAR* wcValue, OwnedBlock<u8>* outBlock, u32* pcb);
+
 /* Value "Memory": megabytes; 0 when it is not there or has not 4 bytes. */
 u32 GetPrinterMemory(PrinterCall& call);
 void SetPrinterMemory(PrinterCall& call, u32 ulMemory);

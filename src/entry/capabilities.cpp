@@ -7,6 +7,7 @@
 #include "description/printer_store.h"
 #include "entry/capability_lists.h"
 #include "entry/exports.h"
+#include "entry/fast_drivers.h"
 #include "entry/spool_folder.h"
 #include "platform/process.h"
 
@@ -48,9 +49,7 @@ const ConstantAnswer* FindConstant(WORD wQuestion)
     return nullptr;
 }
 
-/* Drivers whose printers make 33 pages a minute; all others are told with 26. */
-const WCHAR* const aFastDrivers[] = {TEXT("Halden T410A"), TEXT("Halden T420B"), TEXT("Halden T430A"),
-                                     TEXT("Halden T440B"), TEXT("Ostra K100"),   TEXT("Ostra K200")};
+/* Pages a minute of the fast printers and of all others. */
 constexpr DWORD FAST_RATE = 33, COMMON_RATE = 26;
 
 constexpr DWORD aPagesPerSheet[] = {1, 2, 4, 6, 8, 9, 16};
@@ -124,13 +123,7 @@ DWORD AnswerPrintRate(CapabilityCall& ask)
     if (!pInfo) {
         return ask.call.printerState == NO_MEMORY ? 0 : COMMON_RATE;
     }
-    const WCHAR* wcDriver = PrinterText(ask.call, pInfo->pDriverName);
-    for (const WCHAR* wcFast : aFastDrivers) {
-        if (SameWide(wcDriver, wcFast)) {
-            return FAST_RATE;
-        }
-    }
-    return COMMON_RATE;
+    return IsFastDriver(PrinterText(ask.call, pInfo->pDriverName)) ? FAST_RATE : COMMON_RATE;
 }
 
 DWORD AnswerPrinterMemory(CapabilityCall& ask)

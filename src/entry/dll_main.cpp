@@ -1,5 +1,6 @@
 /* The library's entry point. */
 #include "entry/exports.h"
+#include "entry/thread_store.h"
 #include "platform/process.h"
 
 namespace {
@@ -11,11 +12,18 @@ HINSTANCE GetOwnModule()
     return hOwnModule;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID)
+extern "C" BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pProcessEnds)
 {
     switch (dwReason) {
-    case DLL_PROCESS_ATTACH: hOwnModule = hModule; return 1;
+    case DLL_PROCESS_ATTACH:
+        hOwnModule = hModule;
+        OpenThreadStores();
+        return 1;
     case DLL_PROCESS_DETACH:
+        if (!pProcessEnds) { /* else everything goes, and other threads were stopped wherever they were */
+            CloseThreadStores();
+        }
+        return 1;
     case DLL_THREAD_ATTACH:
     case DLL_THREAD_DETACH: return 1;
     default: return 0;

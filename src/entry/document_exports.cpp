@@ -1,19 +1,81 @@
 /* Exports through which the spooler and applications exchange records without a dialog. */
 #include "entry/exports.h"
 
+#include <cstring>
+
+#include "description/driver_files.h"
+#include "entry/connection.h"
+#include "entry/thread_store.h"
+#include "platform/process.h"
+#include "settings/caller_record.h"
+#include "settings/checks.h"
+#include "settings/defaults.h"
+#include "settings/merge.h"
+
+namespace {
+
+constexpr DWORD MODE_MODIFY = 8; /* fMode */
+
+/* The converted record: the caller's when it passes both checks, else the printer's default. */
+void ConvertRecord(PrinterCall& call, WCHAR* wcPrinterName, void* pIn, DriverDevmode* pConverted)
+{
+    if (pIn) {
+        CallerRecord taken;
+        OwnedModel pModel = LoadPrinterModel(call);
+        TakeCallerRecord(pIn, &taken);
+        int bGood = ValidatePublicPart(call, &taken.rCopy, pModel.get()) &&
+                    ValidatePrivatePart(call, &taken.rCopy.rPrivate, pModel.get());
+        GiveRepairs(&taken);
+        if (bGood) {
+            *pConverted = taken.rCopy;
+            return;
+        }
+    }
+    BuildDefaultRecord(call, wcPrinterName, pConverted, 1);
+}
+
+/* A routine of the system's spooler library, which may well ask the printer's driver, us, the same: what comes
+   back on the same thread is answered with 0. */
+template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arguments... arguments)
+{
+    ThreadStore* pStore = GetThreadStore();
+    if (!pStore || pStore->bForwarding) {
+        return 0;
+    }
+    OwnedModule hSpooler(LoadLibraryExW(TEXT("WINSPOOL.DRV"), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    FARPROC fnFound = hSpooler ? GetProcAddress(hSpooler.get(), cName) : nullptr;
+    if (!fnFound) {
+        return 0;
+    }
+    Routine fnRoutine;
+    static_assert(sizeof fnRoutine == sizeof fnFound);
+    std::memcpy(&fnRoutine, &fnFound, sizeof fnRoutine);
+    pStore->bForwarding = 1;
+    BOOL bResult = fnRoutine(arguments...);
+    pStore->bForwarding = 0;
+    return bResult;
+}
+
+} // namespace
+
 extern "C" {
 
 LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
 {
     DOCUMENTPROPERTYHEADER* pHeader = reinterpret_cast<DOCUMENTPROPERTYHEADER*>(lParam);
-    if (pPSUIInfo || !pHeader) {
+    if (pPSUIInfo) {
         return -1;
+    }
+    if (!pHeader) {
+        return 0;
     }
     if (pHeader->fMode == 0 || !pHeader->pdmOut) {
         pHeader->cbOut = RECORD_SIZE;
         return RECORD_SIZE;
     }
-    return -1;
+    PrinterCall call(pHeader->hPrinter);
+    MergeDocumentSettings(call, *pHeader);
+    return 1;
 }
 
 LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
@@ -25,7 +87,8 @@ LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, 
     header.pszPrinterName = pszPrinterName;
     header.pdmIn = pdmIn;
     header.pdmOut = pdmOut;
-    header.cbOut = PUBLIC_BYTES;
+    header.cbOut =
+        fMode & MODE_MODIFY && pdmIn ? reinterpret_cast<const DriverDevmode*>(pdmIn)->dmSize : PUBLIC_BYTES;
     header.fMode = fMode;
     return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
 }
@@ -35,28 +98,52 @@ LONG WINAPI DrvAdvancedDocumentProperties(HWND, HANDLE, LPWSTR, PDEVMODEW, PDEVM
     return 10;
 }
 
+BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, DWORD* pcbNeeded, DWORD)
+{
+    if (!pcbNeeded) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    DWORD cbRoom = *pcbNeeded;
+    *pcbNeeded = RECORD_SIZE;
+    if (cbRoom < RECORD_SIZE || !pdmOut) {
+        ConnectionAnswer answer = CheckConnection(pPrinterName);
+        SetLastError(answer.dwError);
+        return answer.bResult;
+    }
+    OwnedPrinter hPrinter = OpenPrinterByName(pPrinterName);
+    if (!IsOpen(hPrinter.get())) {
+        SetLastError(ERROR_INVALID_PRINTER_NAME);
+        return 0;
+    }
+    DriverDevmode converted;
+    {
+        PrinterCall call(hPrinter.get());
+        ConvertRecord(call, pPrinterName, pdmIn, &converted);
+    }
+    std::memcpy(static_cast<void*>(pdmOut), &converted, RECORD_SIZE);
+    hPrinter.reset();
+    SetLastError(ERROR_SUCCESS);
+    return 1;
+}
+
 BOOL WINAPI DevQueryPrintEx(void*)
 {
     return 1;
 }
 
-BOOL WINAPI DrvConvertDevMode(LPWSTR, PDEVMODEW, PDEVMODEW, DWORD*, DWORD)
+BOOL WINAPI DevQueryPrint(HANDLE hPrinter, PDEVMODEW pDevMode, DWORD* pResID)
 {
-    return 0;
+    return Forward<BOOL(WINAPI*)(HANDLE, PDEVMODEW, DWORD*)>("DevQueryPrint", hPrinter, pDevMode, pResID);
 }
 
-BOOL WINAPI DevQueryPrint(HANDLE, PDEVMODEW, DWORD*)
+BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter)
 {
-    return 0;
-}
-
-BOOL WINAPI PrinterProperties(HWND, HANDLE)
-{
-    return 0;
+    return Forward<BOOL(WINAPI*)(HWND, HANDLE)>("PrinterProperties", hWnd, hPrinter);
 }
 
 BOOL WINAPI DrvUpgradePrinter(DWORD, BYTE*)
 {
-    return 0;
+    return 1;
 }
 }

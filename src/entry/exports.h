@@ -21,26 +21,48 @@ extern "C" {
 DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDevCap, LPVOID pvOutput,
                                    PDEVMODEW pDevMode);
 
-/* Without sheet information: tells the size of the record when fMode is 0 or there is no room for one. */
+/* Without sheet information: with fMode 0 or no pdmOut tells the size of the record, also in cbOut; else carries out
+   MergeDocumentSettings and gives 1 whatever came of it. 0 without a header. With sheet information it answers
+   failure (-1) until the sheets are there.
+   lParam   IO  a DOCUMENTPROPERTYHEADER */
 LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam);
 
-/* Fills a header and asks DrvDocumentPropertySheets. */
+/* Fills a header and asks DrvDocumentPropertySheets. Its cbOut is the dmSize of pdmIn with DM_MODIFY, else that of
+   the public part: this call tells the size of a record, and no record that is in two parts. */
 LONG WINAPI DrvDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
                                   PDEVMODEW pdmIn, DWORD fMode);
 
-/* The exports below answer failure for now; see CHANGES.md. */
-LONG WINAPI DrvAdvancedDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pDeviceName, PDEVMODEW pdmOut,
-                                          PDEVMODEW pdmIn); /* gives 10 and does nothing */
-BOOL WINAPI DevQueryPrintEx(void* pInfo);                   /* gives 1: nothing forbids a job */
+/* Brings a record to this printer and build.
+   pPrinterName   a ",Local" tail is cut off where a default is built
+   pdmIn          IO  null: the printer's default is asked for. Else it is checked, and repaired in place
+   pdmOut         O   the record as it passed both checks, or the printer's default where it was refused
+   pcbNeeded      IO  bytes of pdmOut; then the record's size, but in the first of the failures
+   Result: 1 with last error 0. 0 with ERROR_INVALID_PARAMETER for no pcbNeeded, ERROR_INSUFFICIENT_BUFFER for too
+   little room or no pdmOut (see CheckConnection for what else that can give), ERROR_INVALID_PRINTER_NAME for a
+   printer that cannot be opened; pdmOut is then untouched. */
 BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, DWORD* pcbNeeded,
                               DWORD fMode);
+
+/* The spooler's own routines of these names, in the system's WINSPOOL.DRV. 0 when there is none, when memory is
+   short, and when that routine asks us again on the same thread. */
 BOOL WINAPI DevQueryPrint(HANDLE hPrinter, PDEVMODEW pDevMode, DWORD* pResID);
 BOOL WINAPI PrinterProperties(HWND hWnd, HANDLE hPrinter);
-LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
+
+LONG WINAPI DrvAdvancedDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pDeviceName, PDEVMODEW pdmOut,
+                                          PDEVMODEW pdmIn);             /* gives 10 and does nothing */
+BOOL WINAPI DevQueryPrintEx(void* pInfo);                               /* gives 1: nothing forbids a job */
+BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo); /* gives 1 */
+
+/* The hook around device contexts and documents; see platform/spooler.h for the codes that are served. Before a
+   device context is created or reset it stores a pointer to the settled record at pvOut (unless that is null) and
+   tells the port monitor of large paper; at the start of a document it tells of that, and of fast printers.
+   Result: always 1. */
 int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void* pvIn, u32 cbOut,
                             void* pvOut);
+
+/* The exports below answer failure for now; see CHANGES.md. */
+LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
-BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo);
 
 /* What goes to the printer in front of a job, behind it and before a sheet: a text in printer job language, or on an
    image printer the render parameters. The rendering half calls; docs/job.md is written for it.

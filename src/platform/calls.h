@@ -11,8 +11,17 @@
     X(LPVOID, HeapAlloc, (HANDLE, DWORD, SIZE_T), nullptr) \
     X(BOOL, HeapFree, (HANDLE, DWORD, LPVOID), 0) \
     X(DWORD, GetLastError, (void), 0) \
+    X(void, SetLastError, (DWORD), 0) \
+    X(void, OutputDebugStringA, (LPCSTR), 0) \
+    X(DWORD, FlsAlloc, (PFLS_CALLBACK_FUNCTION), FLS_OUT_OF_INDEXES) \
+    X(LPVOID, FlsGetValue, (DWORD), nullptr) \
+    X(BOOL, FlsSetValue, (DWORD, LPVOID), 0) \
+    X(BOOL, FlsFree, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
     X(void, Sleep, (DWORD), 0) \
+    X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
+    X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
+    X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
@@ -40,6 +49,8 @@
 
 #define REGISTRY_CALLS(X) \
     X(LSTATUS, RegOpenKeyExW, (HKEY, LPCWSTR, DWORD, REGSAM, PHKEY), ERROR_GEN_FAILURE) \
+    X(LSTATUS, RegCreateKeyW, (HKEY, LPCWSTR, PHKEY), ERROR_GEN_FAILURE) \
+    X(LSTATUS, RegQueryValueExW, (HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE, LPDWORD), ERROR_GEN_FAILURE) \
     X(LSTATUS, RegSetValueExW, (HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD), ERROR_GEN_FAILURE) \
     X(LSTATUS, RegCloseKey, (HKEY), ERROR_GEN_FAILURE)
 
@@ -51,10 +62,12 @@
     X(BOOL, GetJobW, (HANDLE, DWORD, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
+    X(DWORD, DeletePrinterDataW, (HANDLE, LPWSTR), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
 #define RESOURCE_CALLS(X) \
     X(HMODULE, LoadLibraryExW, (LPCWSTR, HANDLE, DWORD), nullptr) \
+    X(FARPROC, GetProcAddress, (HMODULE, LPCSTR), nullptr) \
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 

@@ -8,7 +8,6 @@
 
 #include "platform/calls.h"
 
-using LPSECURITY_ATTRIBUTES = struct SECURITY_ATTRIBUTES*;
 using LPOVERLAPPED = struct OVERLAPPED*;
 
 constexpr DWORD GENERIC_READ = 0x80000000;

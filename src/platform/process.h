@@ -16,6 +16,21 @@ constexpr DWORD DLL_PROCESS_ATTACH = 1;
 constexpr DWORD DLL_THREAD_ATTACH = 2;
 constexpr DWORD DLL_THREAD_DETACH = 3;
 
+/* Values by thread; the callback is told of a thread's value when the thread ends, and of all at the end of the
+   slot. */
+using PFLS_CALLBACK_FUNCTION = void(WINAPI*)(LPVOID);
+constexpr DWORD FLS_OUT_OF_INDEXES = 0xFFFFFFFF;
+
+constexpr DWORD SEMAPHORE_ALL_ACCESS = 0x1F0003;
+
+struct OSVERSIONINFOW {
+    DWORD dwOSVersionInfoSize; /* set by the caller */
+    DWORD dwMajorVersion, dwMinorVersion, dwBuildNumber, dwPlatformId;
+    WCHAR szCSDVersion[128];
+};
+using LPOSVERSIONINFOW = OSVERSIONINFOW*;
+static_assert(sizeof(OSVERSIONINFOW) == 276);
+
 PROCESS_CALLS(DECLARE_CALL)
 
 #endif

@@ -15,6 +15,7 @@ using REGSAM = DWORD;
 #define HKEY_CURRENT_USER  (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000001)))
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000002)))
 
+constexpr REGSAM KEY_QUERY_VALUE = 0x0001;
 constexpr REGSAM KEY_SET_VALUE = 0x0002;
 constexpr REGSAM KEY_READ = 0x20019;
 constexpr REGSAM KEY_WRITE = 0x20006;

@@ -1,4 +1,4 @@
-/* The language resource library: loaded as data, never run. */
+/* The language resource library: loaded as data, never run; and routines of the system's libraries. */
 #ifndef TQUI_PLATFORM_RESOURCES_H
 #define TQUI_PLATFORM_RESOURCES_H
 
@@ -10,6 +10,10 @@
 
 constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x02;
 constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
+
+constexpr DWORD LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800; /* to be run, from the system's own folder */
+
+using FARPROC = std::intptr_t (*)();
 
 RESOURCE_CALLS(DECLARE_CALL)
 

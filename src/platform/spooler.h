@@ -162,4 +162,19 @@ struct DOCUMENTPROPERTYHEADER {
 };
 static_assert(sizeof(DOCUMENTPROPERTYHEADER) == 48);
 
+/* Codes of DrvDocumentEvent that are served here, its result, and what a device context is made from. */
+enum : int {
+    DOCUMENT_EVENT_SUCCESS = 1,
+    DOCUMENT_EVENT_CREATEDCPRE = 1, /* of a DOCEVENT_CREATEDCPRE */
+    DOCUMENT_EVENT_RESETDCPRE = 3,  /* of a pointer to a record */
+    DOCUMENT_EVENT_STARTDOC = 5
+};
+
+struct DOCEVENT_CREATEDCPRE {
+    LPWSTR pszDriver, pszDevice;
+    PDEVMODEW pdm;
+    BOOL bIC; /* an information context */
+};
+static_assert(sizeof(DOCEVENT_CREATEDCPRE) == 32);
+
 #endif

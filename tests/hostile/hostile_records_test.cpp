@@ -1,42 +1,15 @@
 /* Records of any content: each byte and each field at its edges, for every sample. The checks keep within the
    record's own bytes, of which none lies behind the end of a page that may be read, and what they accept they
    accept again without a repair. */
-#include <sys/mman.h>
-
 #include <set>
 
 #include "settings/check_support.h"
+#include "support/guarded_pages.h"
 #include "support/sweep.h"
 
 namespace {
 
 constexpr size_t WHOLE = sizeof(DriverDevmode);
-
-/* A page and a page behind it that cannot be touched. */
-class GuardedPages {
-  public:
-    GuardedPages()
-    {
-        pPages = static_cast<u8*>(
-            mmap(nullptr, 2 * PAGE_BYTES, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        if (pPages == MAP_FAILED || mprotect(pPages + PAGE_BYTES, PAGE_BYTES, PROT_NONE) != 0) {
-            std::abort();
-        }
-    }
-    ~GuardedPages() { munmap(pPages, 2 * PAGE_BYTES); }
-
-    /* The first cb bytes of the record, the last of them the last that may be touched. */
-    DriverDevmode* Place(const DriverDevmode& record, size_t cb)
-    {
-        u8* pAt = pPages + PAGE_BYTES - cb;
-        std::memcpy(pAt, &record, cb);
-        return reinterpret_cast<DriverDevmode*>(pAt);
-    }
-
-  private:
-    static constexpr size_t PAGE_BYTES = 4096;
-    u8* pPages;
-};
 
 /* Widths of the fields in their order; W is a text of so many characters, B bytes, each swept by its ends. */
 struct FieldRun {

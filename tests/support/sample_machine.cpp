@@ -1,16 +1,19 @@
 /* Installs test printers on the hosted machine. */
 #include "support/sample_machine.h"
 
+#include "entry/exports.h"
 #include "xpi_format.h"
 
 void MachineTest::SetUp()
 {
     BothBuilds::SetUp();
+    DllMain(nullptr, DLL_PROCESS_ATTACH, nullptr);
 }
 
 void MachineTest::TearDown()
 {
     opened.reset();
+    DllMain(nullptr, DLL_PROCESS_DETACH, nullptr);
     BothBuilds::TearDown();
 }
 

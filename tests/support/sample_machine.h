@@ -11,7 +11,7 @@
 #include "tools/tq/ask.h"
 #include "tools/tq/sample_printer.h"
 
-/* A machine of its own for each test, with nothing held after it. */
+/* A machine of its own for each test, on which the library is loaded, with nothing held after it. */
 class MachineTest : public BothBuilds {
   protected:
     /* The printer "Test" with driver files below C:\drv: QA.XPI with these bytes, QA.INI with this text (none

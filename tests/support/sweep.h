@@ -109,7 +109,8 @@ inline std::string HoldsNothing(const std::function<std::string()>& body)
                      ", files " + std::to_string(after.nFiles - before.nFiles) + ", printers " +
                      std::to_string(after.nPrinters - before.nPrinters) + ", keys " +
                      std::to_string(after.nKeys - before.nKeys) + ", modules " +
-                     std::to_string(after.nModules - before.nModules) + "; ";
+                     std::to_string(after.nModules - before.nModules) + ", semaphores " +
+                     std::to_string(after.nSemaphores - before.nSemaphores) + "; ";
 }
 
 struct FaultSweep {

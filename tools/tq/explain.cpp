@@ -107,7 +107,7 @@ void PrintLines(const std::vector<Line>& lines, std::ostream& out)
 
 int RunExplain(const ExplainOptions& options, std::ostream& out)
 {
-    DriverDevmode record = ReadRecord(options.file);
+    DriverDevmode record = ReadRecordFile(options.file);
     Account account = {&record, record, 0, false, {}};
     std::string verdicts;
     int bAccepted;

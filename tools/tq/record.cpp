@@ -22,7 +22,7 @@ PrinterSetup StartModel(const std::string& model, const std::string& package, bo
     return InstallSample(FindInfModel(ReadInf(fs::path(package) / "tqui.inf"), model), package);
 }
 
-DriverDevmode ReadRecord(const std::string& file)
+DriverDevmode ReadRecordFile(const std::string& file)
 {
     Bytes bytes = ReadDiskFile(file);
     DriverDevmode record;
@@ -35,6 +35,15 @@ DriverDevmode ReadRecord(const std::string& file)
                                  " bytes, this has " + std::to_string(bytes.size()));
     }
     return RecordFromText({bytes.begin(), bytes.end()});
+}
+
+void WriteRecordFile(const std::string& path, const DriverDevmode& record)
+{
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(&record), sizeof record);
+    if (!file.flush()) {
+        throw std::runtime_error(path + ": cannot be written");
+    }
 }
 
 int RunRecord(const RecordOptions& options, std::ostream& out)
@@ -54,10 +63,6 @@ int RunRecord(const RecordOptions& options, std::ostream& out)
         out << (options.bAll ? FieldLines(RecordFields(record)) : RecordText(record));
         return 0;
     }
-    std::ofstream file(options.file, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(&record), sizeof record);
-    if (!file.flush()) {
-        throw std::runtime_error(options.file + ": cannot be written");
-    }
+    WriteRecordFile(options.file, record);
     return 0;
 }

@@ -21,8 +21,9 @@ struct RecordOptions {
 /* Starts the machine and installs a printer: of a description file with its name, or of a sample. */
 PrinterSetup StartModel(const std::string& model, const std::string& package, bool bMetric);
 
-/* A record from a file: its 4088 bytes, or the lines of `tq record`. Throws for a file that is neither. */
-DriverDevmode ReadRecord(const std::string& file);
+/* A record from a file with its bytes, or with its text, and back. Throw an exception. */
+DriverDevmode ReadRecordFile(const std::string& path);
+void WriteRecordFile(const std::string& path, const DriverDevmode& record);
 
 /* Result: the exit code. Throws RecordTextError for a wrong assignment, another exception for a model or
    file that is not to be had. */

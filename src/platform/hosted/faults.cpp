@@ -63,7 +63,7 @@ int CallFails(CallId call)
     }
     /* What gives back, and what cannot fail, is not failed: a release that fails still releases, so a fault
        there would only hide the next one. */
-    if (call == CALL_GetProcessHeap || call == CALL_GetLastError) {
+    if (call == CALL_GetProcessHeap || call == CALL_GetLastError || call == CALL_SetLastError) {
         return 0;
     }
     if (nFaultIn && --nFaultIn == 0) {

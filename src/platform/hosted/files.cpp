@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_CANT_ACCESS_FILE = 1920;
 
 constexpr DWORD GENERIC_ALL = 0x10000000;
@@ -477,11 +476,15 @@ BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
 
 BOOL WINAPI CloseHandle(HANDLE hObject)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_CloseHandle); /* a close that fails still closes, else the fault would leak */
     if (OpenFile* pFile = FindFile(hObject)) {
         close(pFile->nDescriptor);
         pFile->nDescriptor = -1;
         liveCounts.nFiles--;
+        return !bFails;
+    }
+    if (CloseSemaphore(hObject)) {
         return !bFails;
     }
     /* The invalid handle is at the same time this process's own, which closes at any time without effect. */

@@ -90,6 +90,17 @@ const std::vector<std::string>& OpenedPrinters();
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
+void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
+void DropKey(std::u16string_view wcPath); /* with its values, not with keys below it */
+
+/* ---- routines of the system's libraries, and what was told to a debugger ---- */
+void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine);
+std::vector<std::string> TakeTraces(); /* since the last time */
+
+/* ---- named semaphores ---- */
+bool HasSemaphore(std::u16string_view wcName);
+void DropSemaphores(); /* closes every handle, as the end of the process does */
+
 /* ---- what was called ---- */
 enum CallId : int {
     ANY_CALL = -1,
@@ -122,7 +133,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

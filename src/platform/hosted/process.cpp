@@ -3,6 +3,7 @@
 #include <cstring>
 #include <map>
 #include <unordered_map>
+#include <utility>
 
 #include <unistd.h>
 
@@ -13,7 +14,7 @@ std::filesystem::path machineRoot;
 namespace {
 
 struct Process {
-    DWORD dwError = 0;
+    std::vector<std::string> traces;
     u16 usLangId = 0x0409;
     WideText wcComputer = u"WORKPC";
     int nMajor = 10, nMinor = 0;
@@ -22,6 +23,8 @@ struct Process {
     std::unordered_map<void*, size_t> blocks;
     size_t cbHeld = 0, cbPeak = 0;
 };
+
+thread_local DWORD dwLastError = 0;
 
 Process& process()
 {
@@ -66,7 +69,10 @@ void StopMachine()
     }
     StopFaults();
     TellLies(LIE_NONE);
+    ResetThreads();
     ResetResources();
+    ResetSystemRoutines();
+    DropSemaphores();
     ResetSpooler();
     ResetRegistry();
     ResetProfile();
@@ -87,6 +93,7 @@ void ResetProcess()
         std::free(block.first);
     }
     process() = Process();
+    dwLastError = 0;
     liveCounts.nBlocks = 0;
 }
 
@@ -136,13 +143,18 @@ void SetSystemVersion(int nMajor, int nMinor)
 
 void SetHostedError(DWORD dwError)
 {
-    process().dwError = dwError;
+    dwLastError = dwError;
 }
 
 BOOL Refuse(DWORD dwError)
 {
-    process().dwError = dwError;
+    dwLastError = dwError;
     return 0;
+}
+
+std::vector<std::string> TakeTraces()
+{
+    return std::exchange(process().traces, {});
 }
 
 size_t PeakBlockBytes()
@@ -185,6 +197,7 @@ LPVOID WINAPI HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cbSize)
 
 BOOL WINAPI HeapFree(HANDLE hHeap, DWORD, LPVOID pBlock)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_HeapFree);
     auto found = process().blocks.find(pBlock);
     if (hHeap != &process() || found == process().blocks.end()) {
@@ -200,7 +213,7 @@ BOOL WINAPI HeapFree(HANDLE hHeap, DWORD, LPVOID pBlock)
 DWORD WINAPI GetLastError(void)
 {
     FAILS(GetLastError);
-    return process().dwError;
+    return dwLastError;
 }
 
 void WINAPI Sleep(DWORD)
@@ -212,6 +225,34 @@ DWORD WINAPI GetVersion(void)
 {
     FAILS(GetVersion);
     return static_cast<DWORD>(process().nMajor | process().nMinor << 8);
+}
+
+void WINAPI SetLastError(DWORD dwError)
+{
+    std::lock_guard held(machineLock);
+    CallFails(CALL_SetLastError);
+    dwLastError = dwError;
+}
+
+void WINAPI OutputDebugStringA(LPCSTR cText)
+{
+    std::lock_guard held(machineLock);
+    CallFails(CALL_OutputDebugStringA);
+    process().traces.push_back(cText);
+}
+
+BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW pVersion)
+{
+    FAILS(GetVersionExW);
+    if (pVersion->dwOSVersionInfoSize < sizeof *pVersion) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    *pVersion = {};
+    pVersion->dwOSVersionInfoSize = sizeof *pVersion;
+    pVersion->dwMajorVersion = static_cast<DWORD>(process().nMajor);
+    pVersion->dwMinorVersion = static_cast<DWORD>(process().nMinor);
+    pVersion->dwPlatformId = 2;
+    return 1;
 }
 
 BOOL WINAPI GetComputerNameW(LPWSTR wcName, LPDWORD pcchName)

@@ -78,27 +78,101 @@ bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD*
     return true;
 }
 
-LSTATUS WINAPI RegOpenKeyExW(HKEY hParent, LPCWSTR wcPath, DWORD, REGSAM, PHKEY phKey)
+void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes)
 {
-    FAILS(RegOpenKeyExW);
+    registry().keys[KeyForm(wcPath)][LowerText(wcValue)] = {dwType, bytes};
+}
+
+void DropKey(std::u16string_view wcPath)
+{
+    registry().keys.erase(KeyForm(wcPath));
+}
+
+namespace {
+
+/* The full form of a path below an open key; false when that is none. */
+bool FullForm(HKEY hParent, LPCWSTR wcPath, WideText* pForm)
+{
     WideText wcFull;
     if (!RootOf(hParent, &wcFull)) {
-        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+        return false;
     }
     wcFull += u'\\';
     wcFull += wcPath ? wcPath : u"";
-    WideText wcForm = KeyForm(wcFull);
-    /* A key is there when it or one below it was made. */
-    auto found = registry().keys.lower_bound(wcForm);
-    bool bHere = found != registry().keys.end() &&
-                 (found->first == wcForm || found->first.compare(0, wcForm.size() + 1, wcForm + u'\\') == 0);
-    if (!bHere) {
-        return static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
-    }
+    *pForm = KeyForm(wcFull);
+    return true;
+}
+
+LSTATUS KeepKey(const WideText& wcForm, PHKEY phKey)
+{
     registry().handles.push_back(std::make_unique<char>());
     *phKey = reinterpret_cast<HKEY>(registry().handles.back().get());
     registry().open[*phKey] = wcForm;
     liveCounts.nKeys++;
+    return 0;
+}
+
+} // namespace
+
+LSTATUS WINAPI RegOpenKeyExW(HKEY hParent, LPCWSTR wcPath, DWORD, REGSAM, PHKEY phKey)
+{
+    FAILS(RegOpenKeyExW);
+    WideText wcForm;
+    if (!FullForm(hParent, wcPath, &wcForm)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    /* A key is there when it or one below it was made. */
+    auto found = registry().keys.lower_bound(wcForm);
+    bool bHere = found != registry().keys.end() &&
+                 (found->first == wcForm || found->first.compare(0, wcForm.size() + 1, wcForm + u'\\') == 0);
+    return bHere ? KeepKey(wcForm, phKey) : static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
+}
+
+LSTATUS WINAPI RegCreateKeyW(HKEY hParent, LPCWSTR wcPath, PHKEY phKey)
+{
+    FAILS(RegCreateKeyW);
+    WideText wcForm;
+    if (!FullForm(hParent, wcPath, &wcForm)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    registry().keys[wcForm];
+    return KeepKey(wcForm, phKey);
+}
+
+LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR wcValue, LPDWORD, LPDWORD pdwType, LPBYTE pOut,
+                                LPDWORD pcb)
+{
+    FAILS(RegQueryValueExW);
+    WideText wcPath;
+    if (!RootOf(hKey, &wcPath)) {
+        return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
+    }
+    const Key& key = registry().keys[wcPath];
+    auto value = key.find(LowerText(wcValue ? wcValue : u""));
+    if (value == key.end()) {
+        return static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
+    }
+    DWORD cbRoom = pcb ? *pcb : 0;
+    const Bytes& bytes = value->second.bytes;
+    if (pdwType) {
+        *pdwType = value->second.dwType;
+    }
+    if (pcb) {
+        *pcb = Lies(CALL_RegQueryValueExW, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(bytes.size());
+    }
+    if (!pOut) {
+        return 0;
+    }
+    if (cbRoom < bytes.size()) {
+        return static_cast<LSTATUS>(ERROR_MORE_DATA);
+    }
+    size_t cb = Lies(CALL_RegQueryValueExW, LIE_SHORT) ? bytes.size() / 2 : bytes.size();
+    if (cb) {
+        std::memcpy(pOut, bytes.data(), cb);
+    }
+    if (pcb && cb < bytes.size()) {
+        *pcb = static_cast<DWORD>(cb);
+    }
     return 0;
 }
 
@@ -116,6 +190,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY hKey, LPCWSTR wcValue, DWORD, DWORD dwType, c
 
 LSTATUS WINAPI RegCloseKey(HKEY hKey)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_RegCloseKey);
     if (!registry().open.erase(hKey)) {
         return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);

@@ -52,6 +52,9 @@ int FalseLength(LPWSTR wcOut, int cchRoom, int cch)
 HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
 {
     FAILS(LoadLibraryExW);
+    if (dwFlags == LOAD_LIBRARY_SEARCH_SYSTEM32 && tcPath && !hFile) {
+        return LoadSystemLibrary(tcPath);
+    }
     const DWORD dwData = LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE;
     if (!tcPath || *tcPath == 0 || hFile || (dwFlags & dwData) == 0 || (dwFlags & ~dwData) != 0) {
         SetHostedError(ERROR_INVALID_PARAMETER); /* code of a library cannot be run here */
@@ -72,7 +75,11 @@ HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
 
 BOOL WINAPI FreeLibrary(HMODULE hModule)
 {
+    std::lock_guard held(machineLock);
     const int bFails = CallFails(CALL_FreeLibrary); /* a release that fails still releases */
+    if (FreeSystemLibrary(hModule)) {
+        return !bFails;
+    }
     if (loadedModules.erase(hModule) == 0) {
         return Refuse(ERROR_BAD_EXE_FORMAT);
     }

@@ -253,6 +253,7 @@ BOOL WINAPI OpenPrinterW(LPWSTR wcName, LPHANDLE phPrinter, LPPRINTER_DEFAULTSW 
 
 BOOL WINAPI ClosePrinter(HANDLE hPrinter)
 {
+    std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_ClosePrinter);
     if (!std::erase_if(spooler().handles,
                        [hPrinter](const auto& handle) { return handle.get() == hPrinter; })) {
@@ -395,6 +396,16 @@ DWORD WINAPI SetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, DWORD dwType, LPBY
     }
     pPrinter->values[LowerText(wcValue)] = {dwType, Bytes(pBytes, pBytes + cbBytes)};
     return ERROR_SUCCESS;
+}
+
+DWORD WINAPI DeletePrinterDataW(HANDLE hPrinter, LPWSTR wcValue)
+{
+    FAILS(DeletePrinterDataW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter) {
+        return ERROR_INVALID_HANDLE;
+    }
+    return pPrinter->values.erase(LowerText(wcValue)) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
 }
 
 BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut, LPDWORD pcbNeeded,

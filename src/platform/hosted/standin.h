@@ -1,7 +1,9 @@
-/* Shared by the stand-ins: every one opens with FAILS(Name), which counts the call and lets a test's fault
-   answer in its place, and asks Lies() where it can tell one. */
+/* Shared by the stand-ins: every one opens with FAILS(Name), which takes the machine's lock to the end of the call,
+   counts the call and lets a test's fault answer in its place, and asks Lies() where it can tell one. */
 #ifndef TQUI_HOSTED_STANDIN_H
 #define TQUI_HOSTED_STANDIN_H
+
+#include <mutex>
 
 #include "platform/calls.h"
 #include "platform/files.h"
@@ -28,11 +30,14 @@ ALL_CALLS(FAILED_RESULT)
 #undef FAILED_RESULT
 
 #define FAILS(name) \
-    do { \
-        if (CallFails(CALL_##name)) { \
-            return Failed_##name(); \
-        } \
-    } while (0)
+    std::lock_guard heldForCall(machineLock); \
+    if (CallFails(CALL_##name)) { \
+        return Failed_##name(); \
+    } \
+    static_assert(true)
+
+/* Held by every stand-in. Tests that set the machine up do it before their threads begin. */
+extern std::recursive_mutex machineLock;
 
 /* Language id of the machine's user; counts no call. */
 u16 HostedUserLanguage();
@@ -65,6 +70,15 @@ void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();
 void ResetResources();
+void ResetSystemRoutines();
+void ResetThreads();
+
+/* The system's own libraries, for the calls that load and free modules: null, and false, when it is none. */
+HMODULE LoadSystemLibrary(std::u16string_view wcLibrary);
+bool FreeSystemLibrary(HMODULE hLibrary);
+
+/* Closes a semaphore's handle; false when it is none. */
+bool CloseSemaphore(HANDLE hObject);
 
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);
