@@ -119,7 +119,7 @@ std::string Hex(const std::string& bytes)
 {
     std::string lines;
     for (size_t nAt = 0; nAt < bytes.size(); nAt += 16) {
-        char cPiece[16];
+        char cPiece[32];
         std::snprintf(cPiece, sizeof cPiece, "    %04zX ", nAt);
         std::string line = cPiece, text;
         for (size_t i = nAt; i < std::min(nAt + 16, bytes.size()); i++) {
