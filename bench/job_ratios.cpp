@@ -1,5 +1,5 @@
-/* What the start of a job costs beside the system calls that it cannot do without, and what the text of a head costs
-   beside the C library's formatter, in one run. Exit code 1 when a ratio is over its figure. */
+/* What the start of a job costs beside the system calls that it cannot do without, and what the text of a
+   head costs beside the C library's formatter, in one run. Exit code 1 when a ratio is over its figure. */
 #include <cstring>
 
 #include "bench/floors.h"

@@ -1,6 +1,7 @@
-/* Any bytes as what a job is made from: the first picks a sample, the second what is done to its description, the third
-   the size of the buffer, then come patches of the description and the rest lies over a record. The sizing call and a
-   call with what it told are the oracle: the second succeeds, writes no more than it tells and nothing outside. */
+/* Any bytes as what a job is made from: the first picks a sample, the second what is done to its description,
+   the third the size of the buffer, then come patches of the description and the rest lies over a record. The
+   sizing call and a call with what it told are the oracle: the second succeeds, writes no more than it tells
+   and nothing outside. */
 #include <cstdlib>
 #include <cstring>
 #include <optional>

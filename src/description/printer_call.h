@@ -56,8 +56,8 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember);
 const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember);
 
-/* A member of PRINTER_INFO_2 that leads to cb bytes: null for null, and for what does not lie in the block with
-   all of them. It may lie at any address. */
+/* A member of PRINTER_INFO_2 that leads to cb bytes: null for null, and for what does not lie in the block
+   with all of them. It may lie at any address. */
 const void* PrinterBytes(const PrinterCall& call, const void* pMember, u32 cb);
 
 /* A text member of any answer of cb bytes that AskSpooler gave. */
@@ -69,8 +69,8 @@ const WCHAR* AnswerText(const void* pBlock, u32 cb, const WCHAR* wcMember);
 using AskFunction = BOOL (*)(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD* pnRows);
 void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState);
 
-/* Document name of a job in the printer's queue, a new block of its own, the caller's. Null when the spooler has no
-   such job, the job has no name, or memory fails. */
+/* Document name of a job in the printer's queue, a new block of its own, the caller's. Null when the spooler
+   has no such job, the job has no name, or memory fails. */
 OwnedBlock<WCHAR> ReadDocumentName(PrinterCall& call, DWORD dwJobId);
 
 /* Reads a text value of the printer into cch characters. 1 when it is there, of type REG_SZ, and fits; the

@@ -64,11 +64,12 @@ int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void
 LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
 
-/* What goes to the printer in front of a job, behind it and before a sheet: a text in printer job language, or on an
-   image printer the render parameters. The rendering half calls; docs/job.md is written for it.
+/* What goes to the printer in front of a job, behind it and before a sheet: a text in printer job language,
+   or on an image printer the render parameters. The rendering half calls; docs/job.md is written for it.
    pRecord     IO  4088 bytes of settings, settled in place. Null: nothing is done, the answer is 1
    pBuffer     O   may be null. A text is appended behind the NUL that the buffer begins with
-   pcbLength   IO  size of the buffer; bytes used or needed, NUL included. Unchanged with result 0 and a null record
+   pcbLength   IO  size of the buffer; bytes used or needed, NUL included. Unchanged with result 0 and
+                   for a null record
    pJob        IO  see job_records.h; pJobName is the caller's to free
    Result: one of JobResult; 0 too when pcbLength, pJob or pSheet is null. */
 DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob);

@@ -1,6 +1,6 @@
-/* The job path while the system fails or lies, on all kinds of printers, with a good record and with one that has to be
-   replaced: a documented answer, whole lines that an honest machine would send too, nothing held behind the call but the
-   job's name, which the stand-in rendering core frees. */
+/* The job path while the system fails or lies, on all kinds of printers, with a good record and with one that
+   has to be replaced: a documented answer, whole lines that an honest machine would send too, nothing held
+   behind the call but the job's name, which the stand-in rendering core frees. */
 #include <set>
 
 #include "support/job_machine.h"
@@ -47,8 +47,9 @@ class JobFaults : public JobTest {
         good = DefaultRecord();
         DriverDevmode copy = good;
         honest = RunJob(OWN, hPrinter, 7, &copy);
-        /* What a fault can make of it: a refused record that stays for want of a default, a default without its
-           description (the template) or with zeros from its .INI file, a path that was not brought into capitals. */
+        /* What a fault can make of it: a refused record that stays for want of a default, a default without
+           its description (the template) or with zeros from its .INI file, a path that was not brought into
+           capitals. */
         others.clear();
         const DriverDevmode zero = {}, refused = Refused();
         for (const DriverDevmode& record : {zero, refused, recordTemplate, good}) {
@@ -71,8 +72,8 @@ class JobFaults : public JobTest {
         return record;
     }
 
-    /* A piece of an honest machine, with its value missing where that could not be read, or with the other answer of a
-       decision that hangs on a command. */
+    /* A piece of an honest machine, with its value missing where that could not be read, or with the other
+       answer of a decision that hangs on a command. */
     bool IsHonest(const std::string& piece, const std::set<std::string>& pieces) const
     {
         if (pieces.count(piece) || piece == std::string(1, '\0') || IsText(honest)) {

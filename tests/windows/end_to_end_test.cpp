@@ -1,7 +1,7 @@
 /* The library in the system's own spooler: installed from the built package as an installer does it, asked
    as applications ask. Variables: TQUI_BUILT, the package; TQUI_TEST_LIBRARY, the copy of TQUI.dll that takes
-   its spooler calls from the supplement; TQUI_HOSTED_CAPS, a folder with what the hosted build answers and with a
-   settings record for each golden of TQUI_JOB_GOLDENS; TQUI_CORE, the stand-in rendering core. */
+   its spooler calls from the supplement; TQUI_HOSTED_CAPS, a folder with what the hosted build answers and
+   with a settings record for each golden of TQUI_JOB_GOLDENS; TQUI_CORE, the stand-in rendering core. */
 #include <algorithm>
 #include <fstream>
 
@@ -232,8 +232,8 @@ TEST(UserForms, ArePapersBehindTheModels)
     EXPECT_EQ(stillNot, without);
 }
 
-/* The library as it ships, called by the stand-in rendering core for a document in the spooler: the same bytes as on
-   the hosted build. */
+/* The library as it ships, called by the stand-in rendering core for a document in the spooler: the same
+   bytes as on the hosted build. */
 TEST(Jobs, GiveTheGoldensBytes)
 {
     int nGoldens = 0;

@@ -16,8 +16,9 @@ struct JobOptions {
     bool bHex = false;
 };
 
-/* Plays one job of one sheet through the exports, as a rendering core does. Result: the exit code, 1 when a call failed.
-   Throws RecordTextError for a wrong assignment, another exception for a model or file that is not to be had. */
+/* Plays one job of one sheet through the exports, as a rendering core does. Result: the exit code, 1 when a
+   call failed. Throws RecordTextError for a wrong assignment, another exception for a model or file that is
+   not to be had. */
 int RunJobCommand(const JobOptions& options, std::ostream& out);
 
 /* The layout of the binary render parameters as rows of a Markdown table. */
