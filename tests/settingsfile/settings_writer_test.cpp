@@ -125,7 +125,7 @@ void PutStyles(Dice& dice, DriverDevmode* pRecord)
 
 DriverDevmode RandomRecord(Dice& dice, u16 usKind)
 {
-    DriverDevmode record;
+    DriverDevmode record = recordTemplate;
     for (size_t i = 0; i < sizeof record; i += 4) {
         u32 ulWord = dice.Word();
         PutAt(&record, static_cast<int>(i), &ulWord, 4);
