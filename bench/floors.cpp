@@ -91,3 +91,10 @@ void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom)
     }
     GiveBlock(pDriver);
 }
+
+void FloorOfMerge(HANDLE hPrinter, const WCHAR* tcXpi, FileSpan body)
+{
+    FloorOfPrinterCalls(hPrinter, nullptr, 0);
+    FloorOfModelLoad(tcXpi, body);
+    AskValue(hPrinter, TEXT("DeviceInfo"));
+}

@@ -25,4 +25,8 @@ void FloorOfNames(HANDLE hFile, const NameSections& sections);
    the model allows custom papers, so that the saved ones and the spooler's forms are asked for as well. */
 void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom);
 
+/* What a merge of a full record reads: where the description is, its header and body, and the stored installed
+   set. */
+void FloorOfMerge(HANDLE hPrinter, const WCHAR* tcXpi, FileSpan body);
+
 #endif
