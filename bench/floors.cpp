@@ -128,3 +128,10 @@ void FloorOfJobStart(HANDLE hPrinter, DWORD dwJobId, const WCHAR* tcPath, const 
     CloseHandle(hFile);
     GiveBlock(pAnswer);
 }
+
+void FloorOfMerge(HANDLE hPrinter, const WCHAR* tcXpi, FileSpan body)
+{
+    FloorOfPrinterCalls(hPrinter, nullptr, 0);
+    FloorOfModelLoad(tcXpi, body);
+    AskValue(hPrinter, TEXT("DeviceInfo"));
+}

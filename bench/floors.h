@@ -34,4 +34,8 @@ struct JobSections {
 void FloorOfJobStart(HANDLE hPrinter, DWORD dwJobId, const WCHAR* tcPath, const JobSections& sections,
                      int bImage);
 
+/* What a merge of a full record reads: where the description is, its header and body, and the stored installed
+   set. */
+void FloorOfMerge(HANDLE hPrinter, const WCHAR* tcXpi, FileSpan body);
+
 #endif

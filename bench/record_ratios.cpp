@@ -1,18 +1,22 @@
 /* What the two checks of a record cost, as ratios to floors measured in the same run: the rules alone against
-   one pass of two-sided comparisons, the whole calls against the loading of the model. Exit code 1 when a
+   one pass of two-sided comparisons, the whole calls against the loading of the model, the merge against its own
+   reads. Exit code 1 when a
    ratio is over its figure. */
 #include <cstring>
 
+#include "bench/floors.h"
 #include "bench/watch.h"
 #include "description/driver_files.h"
 #include "settings/check_core.h"
 #include "settings/defaults.h"
+#include "settings/merge.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {
 
 constexpr double RULES_FIGURE = 6.0;  /* times one pass of comparisons */
 constexpr double CALLS_FIGURE = 1.75; /* times one load of the model */
+constexpr double MERGE_FIGURE = 2.0;  /* times its own reads */
 constexpr int COMPARISONS = 300;
 constexpr const char* acSections[] = {"T410A", "QP5", "K100", "IX300", "T440B"};
 
@@ -60,7 +64,17 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
         aRanges[i] = {static_cast<u16>(i * static_cast<int>(sizeof record - 4) / COMPARISONS), -50,
                       0x7FFFFFF0};
     }
-    Watch rules, comparisons, load, bothChecks, eachByItself;
+    Watch rules, comparisons, load, bothChecks, eachByItself, merge, ownReads;
+    SetPrinterValue(setup.wcName, u"DeviceInfo", REG_BINARY, Bytes(16));
+    DOCUMENTPROPERTYHEADER header = {};
+    DriverDevmode merged;
+    header.hPrinter = printer.hPrinter;
+    header.pdmIn = reinterpret_cast<PDEVMODEW>(&record);
+    header.pdmOut = reinterpret_cast<PDEVMODEW>(&merged);
+    header.cbOut = sizeof merged;
+    header.fMode = 10; /* DM_MODIFY and DM_COPY */
+    const XpiHeader* pHeader = ReadXpiHeader(*OpenXpiFile(call));
+    FileSpan body = {pHeader->dwBodyOffset, pHeader->dwStringBaseOffset - pHeader->dwBodyOffset};
     int nRepairs = 0;
     for (int nRound = 0; nRound < 60; nRound++) {
         comparisons.Round(2000, [&] {
@@ -93,12 +107,20 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
             ValidatePublicPart(fresh, &record, nullptr);
             ValidatePrivatePart(fresh, &record.rPrivate, nullptr);
         });
+        ownReads.Round(50, [&] { FloorOfMerge(printer.hPrinter, GetXpiPath(call), body); });
+        merge.Round(50, [&] {
+            PrinterCall fresh(printer.hPrinter);
+            MergeDocumentSettings(fresh, header);
+            Use(merged);
+        });
     }
+    Require(merged.dmSize == PUBLIC_BYTES, cSection, "nothing was merged");
     Require(nRepairs == 0, cSection, "the record needs repairs at each check: there is nothing to compare");
     return Report(cSection, "rules of both checks", rules.best, comparisons.best, RULES_FIGURE) |
            Report(cSection, "load and both checks", bothChecks.best, load.best, CALLS_FIGURE) |
            Report(cSection, "both checks, each loading the model", eachByItself.best, load.best,
-                  CALLS_FIGURE);
+                  CALLS_FIGURE) |
+           Report(cSection, "merge of a full record", merge.best, ownReads.best, MERGE_FIGURE);
 }
 
 } // namespace

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int THREADS = 8;
-constexpr int SETTLED_CALLS = 400; /* each, where nobody asks for more */
+constexpr int SETTLED_CALLS = 2000; /* each, where nobody asks for more */
 
 BOOL WINAPI SystemProperties(HWND, HANDLE)
 {
