@@ -7,13 +7,13 @@ namespace {
 constexpr int PAPER_BITS = 256;
 constexpr i32 CUSTOM_FROM = 256; /* codes from here up are found by their size */
 
+struct PaperSides {
+    i16 sWidth, sLength; /* tenths of a millimetre */
+};
+
 /* The row that serves the paper; when none does, the closing row, whose margins are the model's default. */
-const MarginRow* FindMarginRow(PrinterCall& call, const XpiModel* pModel, i32 lCode, u16 usOrientation)
+const MarginRow* FindMarginRow(const XpiModel* pModel, i32 lCode, PaperSides sides, u16 usOrientation)
 {
-    i16 sWidth = 0, sLength = 0;
-    if (lCode >= CUSTOM_FROM) {
-        GetPaperSize(call, pModel, LowWord(lCode), &sWidth, &sLength);
-    }
     for (i32 i = 0;; i++) {
         const MarginRow* pRow = Row(pModel, pModel->pMargins, i);
         if (!pRow->usUsed) {
@@ -26,31 +26,51 @@ const MarginRow* FindMarginRow(PrinterCall& call, const XpiModel* pModel, i32 lC
             if (IsBitSet(pRow->bPapers, PAPER_BITS, lCode)) {
                 return pRow;
             }
-        } else if (IsBitSet(pRow->bPapers, PAPER_BITS, 0) && sWidth >= pRow->sMinWidth &&
-                   sWidth <= pRow->sMaxWidth && sLength >= pRow->sMinLength && sLength <= pRow->sMaxLength) {
+        } else if (IsBitSet(pRow->bPapers, PAPER_BITS, 0) && sides.sWidth >= pRow->sMinWidth &&
+                   sides.sWidth <= pRow->sMaxWidth && sides.sLength >= pRow->sMinLength &&
+                   sides.sLength <= pRow->sMaxLength) {
             return pRow;
         }
     }
+}
+
+/* The row's margins; a code below 1 takes those of the rotated paper. */
+Margins MarginsOfRow(const MarginRow* pRow, i16 sCode, i32 lDpi)
+{
+    if (!pRow->sResolution) {
+        return {lDpi / 4, lDpi / 4};
+    }
+    i16 sX = sCode > 0 ? pRow->sMarginX : pRow->sMarginXRotated;
+    i16 sY = sCode > 0 ? pRow->sMarginY : pRow->sMarginYRotated;
+    return {LowWord(MulDivTrunc(sX, lDpi, pRow->sResolution)),
+            LowWord(MulDivTrunc(sY, lDpi, pRow->sResolution))};
 }
 
 } // namespace
 
 Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation, i32 lDpi)
 {
-    Margins none = {lDpi / 4, lDpi / 4};
     if (!pModel || !pModel->pMargins) {
-        return none;
+        return {lDpi / 4, lDpi / 4};
     }
     i32 lCode = AbsoluteCode(sCode);
     if (lCode >= FIRST_UNKNOWN_CODE && lCode <= LAST_UNKNOWN_CODE) {
         lCode = GetDefaultPaper();
     }
-    const MarginRow* pRow = FindMarginRow(call, pModel, lCode, usOrientation);
-    if (!pRow->sResolution) {
-        return none;
+    PaperSides sides = {};
+    if (lCode >= CUSTOM_FROM) {
+        GetPaperSize(call, pModel, LowWord(lCode), &sides.sWidth, &sides.sLength);
     }
-    i16 sX = sCode > 0 ? pRow->sMarginX : pRow->sMarginXRotated;
-    i16 sY = sCode > 0 ? pRow->sMarginY : pRow->sMarginYRotated;
-    return {LowWord(MulDivTrunc(sX, lDpi, pRow->sResolution)),
-            LowWord(MulDivTrunc(sY, lDpi, pRow->sResolution))};
+    return MarginsOfRow(FindMarginRow(pModel, lCode, sides, usOrientation), sCode, lDpi);
+}
+
+Margins GetSavedPaperMargins(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRow, i16 sCode,
+                             u16 usOrientation, i32 lDpi)
+{
+    i32 lCode = AbsoluteCode(sCode);
+    if (!pModel || !pModel->pMargins || !pModel->pPaperTable || FindPaperRow(pModel, LowWord(lCode))) {
+        return GetPrintableMargins(call, pModel, sCode, usOrientation, lDpi);
+    }
+    PaperSides sides = {LowWord(pRow->ulWidth / 10), LowWord(pRow->ulLength / 10)};
+    return MarginsOfRow(FindMarginRow(pModel, lCode, sides, usOrientation), sCode, lDpi);
 }

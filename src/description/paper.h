@@ -62,4 +62,8 @@ struct Margins {
 Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation,
                             i32 lDpi);
 
+/* The same for a saved paper whose row is at hand: the lists are not asked for its code. */
+Margins GetSavedPaperMargins(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRow, i16 sCode,
+                             u16 usOrientation, i32 lDpi);
+
 #endif

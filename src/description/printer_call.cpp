@@ -119,6 +119,15 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call)
     return call.pPrinterInfo.get();
 }
 
+int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info)
+{
+    PRINTER_INFO_2W copy = info;
+    int bSet = SetPrinterW(call.hPrinter, 2, reinterpret_cast<BYTE*>(&copy), 0) != 0;
+    call.pPrinterInfo.reset();
+    call.printerState = NOT_ASKED;
+    return bSet;
+}
+
 const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember)
 {
     return AnswerText(call.pDriverInfo.get(), call.cbDriverInfo, wcMember);

@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "base/file_name.h"
 #include "platform/process.h"
 #include "settingsfile/profile_values.h"
 #include "settingsfile/section_file.h"
@@ -12,39 +13,6 @@ namespace {
 const WCHAR* const wcUserSection = TEXT("Basalt");
 
 constexpr u32 VALUE_LIMIT = 1024 * 1024; /* bytes of a stored value; an honest one has a few hundred */
-
-void SetValue(PrinterCall& call, const WCHAR* wcValue, DWORD dwType, const void* pBytes, u32 cb)
-{
-    SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), dwType,
-                    static_cast<BYTE*>(const_cast<void*>(pBytes)), cb);
-}
-
-/* 1 for a name of nothing but dots and blanks, which names no file. */
-int IsHollow(const WCHAR* wcName)
-{
-    while (*wcName == '.' || *wcName == ' ') {
-        wcName++;
-    }
-    return *wcName == 0;
-}
-
-void MakeFileName(WCHAR* wcName)
-{
-    for (; *wcName; wcName++) {
-        switch (*wcName) {
-        case '"': *wcName = '\''; break;
-        case '*':
-        case ':':
-        case '?':
-        case '|': *wcName = ' '; break;
-        case '/':
-        case '\\': *wcName = '-'; break;
-        case '<': *wcName = '('; break;
-        case '>': *wcName = ')'; break;
-        default: break;
-        }
-    }
-}
 
 void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch)
 {
@@ -62,6 +30,18 @@ void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
 }
 
 } // namespace
+
+int StorePrinterValue(PrinterCall& call, const WCHAR* wcValue, u32 dwType, const void* pBytes, u32 cb)
+{
+    return SetPrinterDataW(call.hPrinter, const_cast<LPWSTR>(wcValue), dwType,
+                           static_cast<BYTE*>(const_cast<void*>(pBytes)), cb) == ERROR_SUCCESS;
+}
+
+int StorePrinterText(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcText)
+{
+    return StorePrinterValue(call, wcValue, REG_SZ, wcText,
+                             static_cast<u32>(WideLength(wcText) + 1) * static_cast<u32>(sizeof(WCHAR)));
+}
 
 ValueState ReadPrinterBlock(PrinterCall& call, const WCHAR* wcValue, OwnedBlock<u8>* outBlock, u32* pcb)
 {
@@ -104,7 +84,7 @@ u32 GetPrinterMemory(PrinterCall& call)
 
 void SetPrinterMemory(PrinterCall& call, u32 ulMemory)
 {
-    SetValue(call, TEXT("Memory"), REG_DWORD, &ulMemory, sizeof ulMemory);
+    StorePrinterValue(call, TEXT("Memory"), REG_DWORD, &ulMemory, sizeof ulMemory);
 }
 
 u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
@@ -122,17 +102,13 @@ u32 GetFontSubs(PrinterCall& call, OwnedBlock<u8>* outBlock)
 
 void SetFontSubs(PrinterCall& call, const void* pBlock, u32 cb)
 {
-    SetValue(call, TEXT("FontSubs"), REG_MULTI_SZ, pBlock, cb);
+    StorePrinterValue(call, TEXT("FontSubs"), REG_MULTI_SZ, pBlock, cb);
 }
 
 int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 {
     int bRead = ReadPrinterText(call, TEXT("Settings"), wcOut, cch, nullptr);
-    int bPlain = !IsHollow(wcOut);
-    for (int i = 0; wcOut[i]; i++) {
-        bPlain = bPlain && wcOut[i] != '\\' && wcOut[i] != '/' && wcOut[i] != ':';
-    }
-    if (!bRead || !bPlain) {
+    if (!bRead || !IsPlainName(wcOut)) {
         wcOut[0] = 0;
         return 0;
     }
@@ -141,8 +117,7 @@ int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 
 void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName)
 {
-    SetValue(call, TEXT("Settings"), REG_SZ, wcName,
-             static_cast<u32>((WideLength(wcName) + 1) * static_cast<int>(sizeof(WCHAR))));
+    StorePrinterText(call, TEXT("Settings"), wcName);
 }
 
 int GetDriverName(PrinterCall& call, WCHAR* wcOut)
@@ -152,20 +127,28 @@ int GetDriverName(PrinterCall& call, WCHAR* wcOut)
     return wcOut[0] != 0;
 }
 
+int GetDriverFolderName(PrinterCall& call, WCHAR* wcOut)
+{
+    GetDriverName(call, wcOut);
+    MakeFileName(wcOut);
+    if (IsHollowName(wcOut)) {
+        wcOut[0] = 0;
+    }
+    return wcOut[0] != 0;
+}
+
 int GetUserFolder(PrinterCall& call, WCHAR* tcOut)
 {
     WCHAR wcDriver[PATH_CHARS];
     tcOut[0] = 0;
-    GetDriverName(call, wcDriver);
-    MakeFileName(wcDriver);
+    int bNamed = GetDriverFolderName(call, wcDriver);
     DWORD nProfile = GetEnvironmentVariableW(TEXT("USERPROFILE"), tcOut, PATH_CHARS);
-    if (IsHollow(wcDriver) || nProfile == 0 || nProfile >= PATH_CHARS) {
+    if (!bNamed || nProfile == 0 || nProfile >= PATH_CHARS) {
         tcOut[0] = 0;
         return 0;
     }
     tcOut[nProfile] = 0;
-    const WCHAR* const aSteps[] = {TEXT("\\Application Data"), TEXT("\\Corvantis Optics"), TEXT("\\"),
-                                   wcDriver};
+    const WCHAR* const aSteps[] = {wcProfileFolder, wcMakerFolder, TEXT("\\"), wcDriver};
     int anEnds[4];
     for (int i = 0; i < 4; i++) {
         if (!AppendWideWhole(tcOut, PATH_CHARS, aSteps[i])) {

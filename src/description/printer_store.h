@@ -5,6 +5,10 @@
 #include "base/wide.h"
 #include "description/printer_call.h"
 
+/* Stores a value. 1 when the spooler took it. */
+int StorePrinterValue(PrinterCall& call, const WCHAR* wcValue, u32 dwType, const void* pBytes, u32 cb);
+int StorePrinterText(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcText);
+
 /* A value of any type and size up to a megabyte. */
 enum ValueState : int { VALUE_ABSENT, VALUE_UNREADABLE, VALUE_READ }; /* absent: also empty */
 
@@ -29,6 +33,13 @@ void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName);
 
 /* Name of the printer's driver, at most 259 characters; "" when it is not to be had. PATH_CHARS of room. */
 int GetDriverName(PrinterCall& call, WCHAR* wcOut);
+
+/* The same as the name of a folder: what a file name may not hold is replaced. 0 and "" when it names no folder. */
+int GetDriverFolderName(PrinterCall& call, WCHAR* wcOut);
+
+/* What lies between a user's profile and the driver's folder there. */
+constexpr const WCHAR* wcProfileFolder = TEXT("\\Application Data");
+constexpr const WCHAR* wcMakerFolder = TEXT("\\Corvantis Optics");
 
 /* The user's folder for this driver: "%USERPROFILE%\Application Data\Corvantis Optics\DRIVER", the driver's
    name made safe for a file name. Missing folders on the way are made. 1 when it can be named; else "".

@@ -10,7 +10,6 @@
 #include "settings/caller_record.h"
 #include "settings/checks.h"
 #include "settings/defaults.h"
-#include "settings/merge.h"
 
 namespace {
 
@@ -59,24 +58,6 @@ template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arg
 } // namespace
 
 extern "C" {
-
-LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
-{
-    DOCUMENTPROPERTYHEADER* pHeader = reinterpret_cast<DOCUMENTPROPERTYHEADER*>(lParam);
-    if (pPSUIInfo) {
-        return -1;
-    }
-    if (!pHeader) {
-        return 0;
-    }
-    if (pHeader->fMode == 0 || !pHeader->pdmOut) {
-        pHeader->cbOut = RECORD_SIZE;
-        return RECORD_SIZE;
-    }
-    PrinterCall call(pHeader->hPrinter);
-    MergeDocumentSettings(call, *pHeader);
-    return 1;
-}
 
 LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
                                   PDEVMODEW pdmIn, DWORD fMode)

@@ -21,16 +21,28 @@ extern "C" {
 DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDevCap, LPVOID pvOutput,
                                    PDEVMODEW pDevMode);
 
-/* Without sheet information: with fMode 0 or no pdmOut tells the size of the record, also in cbOut; else carries out
-   MergeDocumentSettings and gives 1 whatever came of it. 0 without a header. With sheet information it answers
-   failure (-1) until the sheets are there.
-   lParam   IO  a DOCUMENTPROPERTYHEADER */
+/* The sheet of a document's settings.
+   pPSUIInfo   IO  a PROPSHEETUI_INFO, or null: the header is then lParam, else its lParamInit
+   With fMode 0 or no pdmOut tells the size of the record, also in cbOut. Without sheet information carries out
+   MergeDocumentSettings and gives 1 whatever came of it. With it and DM_IN_PROMPT: at the start pdmOut gets the record
+   to edit, made of pdmIn as far as that is good, and pages are added; pdmOut holds what is applied from then on, and
+   both live until the end. cbOut is not looked at. Result: what the host's Result is at the start, 1 at the end and for
+   every other reason; 0 without a header. */
 LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam);
+
+/* The printer's own sheet; its settings are printer values.
+   pPSUIInfo   IO  a PROPSHEETUI_INFO, its lParamInit a DEVICEPROPERTYHEADER
+   Result: as above. */
+LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
 
 /* Fills a header and asks DrvDocumentPropertySheets. Its cbOut is the dmSize of pdmIn with DM_MODIFY, else that of
    the public part: this call tells the size of a record, and no record that is in two parts. */
 LONG WINAPI DrvDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
                                   PDEVMODEW pdmIn, DWORD fMode);
+
+/* What the spooler tells of a printer: 1 a connection is added, 2 one is deleted, 3 the printer is set up, 4 it is
+   deleted. Flags and parameter are not read. Result: 1; 0 only when a printer could not be set up. */
+BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
 
 /* Brings a record to this printer and build.
    pPrinterName   a ",Local" tail is cut off where a default is built
@@ -60,12 +72,8 @@ BOOL WINAPI DrvUpgradePrinter(DWORD dwLevel, BYTE* pDriverUpgradeInfo); /* gives
 int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void* pvIn, u32 cbOut,
                             void* pvOut);
 
-/* The exports below answer failure for now; see CHANGES.md. */
-LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM lParam);
-BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
-
-/* What goes to the printer in front of a job, behind it and before a sheet: a text in printer job language,
-   or on an image printer the render parameters. The rendering half calls; docs/job.md is written for it.
+/* What goes to the printer in front of a job, behind it and before a sheet: a text in printer job language, or on an
+   image printer the render parameters. The rendering half calls; docs/job.md is written for it.
    pRecord     IO  4088 bytes of settings, settled in place. Null: nothing is done, the answer is 1
    pBuffer     O   may be null. A text is appended behind the NUL that the buffer begins with
    pcbLength   IO  size of the buffer; bytes used or needed, NUL included. Unchanged with result 0 and

@@ -38,13 +38,10 @@ DWORD FitResult(int bFitted)
    resources. */
 DWORD ShowNotice(PrinterCall& call)
 {
-    if (!fnShowNotice) {
-        return JOB_NOTICE;
-    }
     LanguageChoice choice;
     OwnedModule hLanguageDll = OpenLanguageDll(call, &choice);
     HMODULE hModule = static_cast<HMODULE>(hLanguageDll.get());
-    return !hModule || fnShowNotice(call, hModule, choice) ? JOB_NOTICE : JOB_FAILED;
+    return !hModule || ShowJobNotice(hModule, choice) ? JOB_NOTICE : JOB_FAILED;
 }
 
 /* Opens the description that the record names for the job's end: a whole path on a drive of this computer.

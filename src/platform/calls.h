@@ -19,6 +19,9 @@
     X(BOOL, FlsFree, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
     X(void, Sleep, (DWORD), 0) \
+    X(DWORD, GetTickCount, (void), 0) \
+    X(UINT, WinExec, (LPCSTR, UINT), 0) \
+    X(LCID, GetUserDefaultLCID, (void), 0) \
     X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
     X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
     X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
@@ -34,6 +37,10 @@
     X(BOOL, FlushFileBuffers, (HANDLE), 0) \
     X(BOOL, SetFilePointerEx, (HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD), 0) \
     X(BOOL, GetFileSizeEx, (HANDLE, PLARGE_INTEGER), 0) \
+    X(HANDLE, FindFirstFileW, (LPCWSTR, LPWIN32_FIND_DATAW), INVALID_HANDLE_VALUE) \
+    X(BOOL, FindNextFileW, (HANDLE, LPWIN32_FIND_DATAW), 0) \
+    X(BOOL, FindClose, (HANDLE), 0) \
+    X(BOOL, CopyFileW, (LPCWSTR, LPCWSTR, BOOL), 0) \
     X(BOOL, CloseHandle, (HANDLE), 0) \
     X(DWORD, GetFileAttributesW, (LPCWSTR), INVALID_FILE_ATTRIBUTES) \
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
@@ -58,10 +65,15 @@
     X(BOOL, OpenPrinterW, (LPWSTR, LPHANDLE, LPPRINTER_DEFAULTSW), 0) \
     X(BOOL, ClosePrinter, (HANDLE), 0) \
     X(BOOL, GetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
+    X(BOOL, SetPrinterW, (HANDLE, DWORD, LPBYTE, DWORD), 0) \
     X(BOOL, GetPrinterDriverW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(BOOL, GetJobW, (HANDLE, DWORD, DWORD, LPBYTE, DWORD, LPDWORD), 0) \
     X(DWORD, GetPrinterDataW, (HANDLE, LPWSTR, LPDWORD, LPBYTE, DWORD, LPDWORD), ERROR_GEN_FAILURE) \
     X(DWORD, SetPrinterDataW, (HANDLE, LPWSTR, DWORD, LPBYTE, DWORD), ERROR_GEN_FAILURE) \
+    X(BOOL, AddFormW, (HANDLE, DWORD, LPBYTE), 0) \
+    X(BOOL, DeleteFormW, (HANDLE, LPWSTR), 0) \
+    X(BOOL, EnumPrintProcessorsW, (LPWSTR, LPWSTR, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0) \
+    X(BOOL, AddPrintProcessorW, (LPWSTR, LPWSTR, LPWSTR, LPWSTR), 0) \
     X(DWORD, DeletePrinterDataW, (HANDLE, LPWSTR), ERROR_GEN_FAILURE) \
     X(BOOL, EnumFormsW, (HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD), 0)
 
@@ -70,6 +82,65 @@
     X(FARPROC, GetProcAddress, (HMODULE, LPCSTR), nullptr) \
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
+
+#define VERSION_CALLS(X) \
+    X(DWORD, GetFileVersionInfoSizeW, (LPCWSTR, LPDWORD), 0) \
+    X(BOOL, GetFileVersionInfoW, (LPCWSTR, DWORD, DWORD, LPVOID), 0) \
+    X(BOOL, VerQueryValueW, (LPCVOID, LPCWSTR, LPVOID*, PUINT), 0)
+
+#define WINDOW_CALLS(X) \
+    X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
+    X(LRESULT, CallWindowProcW, (WNDPROC, HWND, UINT, WPARAM, LPARAM), 0) \
+    X(BOOL, CheckDlgButton, (HWND, int, UINT), 0) \
+    X(BOOL, CheckRadioButton, (HWND, int, int, int), 0) \
+    X(BOOL, DeleteObject, (HGDIOBJ), 0) \
+    X(INT_PTR, DialogBoxParamW, (HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM), -1) \
+    X(BOOL, EnableWindow, (HWND, BOOL), 0) \
+    X(BOOL, EndDialog, (HWND, INT_PTR), 0) \
+    X(BOOL, EndPaint, (HWND, const PAINTSTRUCT*), 0) \
+    X(BOOL, EnumChildWindows, (HWND, WNDENUMPROC, LPARAM), 0) \
+    X(BOOL, GetClientRect, (HWND, LPRECT), 0) \
+    X(HCURSOR, GetCursor, (void), nullptr) \
+    X(BOOL, GetCursorPos, (LPPOINT), 0) \
+    X(int, GetDlgCtrlID, (HWND), 0) \
+    X(HWND, GetDlgItem, (HWND, int), nullptr) \
+    X(UINT, GetDlgItemInt, (HWND, int, BOOL*, BOOL), 0) \
+    X(UINT, GetDlgItemTextW, (HWND, int, LPWSTR, int), 0) \
+    X(HWND, GetFocus, (void), nullptr) \
+    X(HWND, GetParent, (HWND), nullptr) \
+    X(BOOL, GetScrollInfo, (HWND, int, LPSCROLLINFO), 0) \
+    X(LONG_PTR, GetWindowLongPtrW, (HWND, int), 0) \
+    X(BOOL, GetWindowPlacement, (HWND, WINDOWPLACEMENT*), 0) \
+    X(BOOL, GetWindowRect, (HWND, LPRECT), 0) \
+    X(BOOL, InvalidateRect, (HWND, const RECT*, BOOL), 0) \
+    X(UINT, IsDlgButtonChecked, (HWND, int), 0) \
+    X(BOOL, IsWindowEnabled, (HWND), 0) \
+    X(BOOL, IsWindowVisible, (HWND), 0) \
+    X(HCURSOR, LoadCursorW, (HINSTANCE, LPCWSTR), nullptr) \
+    X(HICON, LoadIconW, (HINSTANCE, LPCWSTR), nullptr) \
+    X(HANDLE, LoadImageW, (HINSTANCE, LPCWSTR, UINT, int, int, UINT), nullptr) \
+    X(int, MapWindowPoints, (HWND, HWND, LPPOINT, UINT), 0) \
+    X(int, MessageBoxW, (HWND, LPCWSTR, LPCWSTR, UINT), 0) \
+    X(BOOL, MoveWindow, (HWND, int, int, int, int, BOOL), 0) \
+    X(LRESULT, SendDlgItemMessageW, (HWND, int, UINT, WPARAM, LPARAM), 0) \
+    X(LRESULT, SendMessageTimeoutW, (HWND, UINT, WPARAM, LPARAM, UINT, UINT, PDWORD_PTR), 0) \
+    X(LRESULT, SendMessageW, (HWND, UINT, WPARAM, LPARAM), 0) \
+    X(HCURSOR, SetCursor, (HCURSOR), nullptr) \
+    X(BOOL, SetDlgItemInt, (HWND, int, UINT, BOOL), 0) \
+    X(BOOL, SetDlgItemTextW, (HWND, int, LPCWSTR), 0) \
+    X(HWND, SetFocus, (HWND), nullptr) \
+    X(BOOL, SetForegroundWindow, (HWND), 0) \
+    X(int, SetScrollInfo, (HWND, int, LPCSCROLLINFO, BOOL), 0) \
+    X(LONG_PTR, SetWindowLongPtrW, (HWND, int, LONG_PTR), 0) \
+    X(BOOL, SetWindowPlacement, (HWND, const WINDOWPLACEMENT*), 0) \
+    X(BOOL, SetWindowTextW, (HWND, LPCWSTR), 0) \
+    X(BOOL, ShowWindow, (HWND, int), 0) \
+    X(BOOL, UpdateWindow, (HWND), 0)
+
+#define GDI_CALLS(X) \
+    X(HDC, CreateDCW, (LPCWSTR, LPCWSTR, LPCWSTR, const DEVMODEW*), nullptr) \
+    X(BOOL, DeleteDC, (HDC), 0) \
+    X(int, EnumFontFamiliesW, (HDC, LPCWSTR, FONTENUMPROCW, LPARAM), 0)
 
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
@@ -84,6 +155,9 @@
     REGISTRY_CALLS(X) \
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
+    VERSION_CALLS(X) \
+    WINDOW_CALLS(X) \
+    GDI_CALLS(X) \
     TEXT_CALLS(X)
 
 #endif

@@ -33,6 +33,18 @@ constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1;
 constexpr DWORD MOVEFILE_WRITE_THROUGH = 8;
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 
+struct FILETIME {
+    DWORD dwLowDateTime, dwHighDateTime;
+};
+struct WIN32_FIND_DATAW {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime, ftLastAccessTime, ftLastWriteTime;
+    DWORD nFileSizeHigh, nFileSizeLow, dwReserved0, dwReserved1;
+    WCHAR cFileName[260];
+    WCHAR cAlternateFileName[14];
+};
+using LPWIN32_FIND_DATAW = WIN32_FIND_DATAW*;
+
 FILE_CALLS(DECLARE_CALL)
 
 #endif

@@ -10,6 +10,7 @@
 
 constexpr DWORD HEAP_ZERO_MEMORY = 8;
 constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
+constexpr UINT SW_HIDE = 0;
 /* Reasons of a library's entry point. */
 constexpr DWORD DLL_PROCESS_DETACH = 0;
 constexpr DWORD DLL_PROCESS_ATTACH = 1;

@@ -70,6 +70,10 @@ struct FORM_INFO_1W {
     RECTL ImageableArea;
 };
 
+struct PRINTPROCESSOR_INFO_1W {
+    LPWSTR pName;
+};
+
 struct SYSTEMTIME {
     WORD wYear, wMonth, wDayOfWeek, wDay, wHour, wMinute, wSecond, wMilliseconds;
 };
@@ -137,7 +141,7 @@ SPOOLER_CALLS(DECLARE_CALL)
 
 #endif
 
-/* The published header of the document property calls, which the toolchain's headers lack. */
+/* The published headers of the property sheet calls, which the toolchain's headers lack. */
 struct DOCUMENTPROPERTYHEADER {
     WORD cbSize; /* 48 */
     WORD Reserved;
@@ -148,6 +152,14 @@ struct DOCUMENTPROPERTYHEADER {
     DWORD fMode;
 };
 static_assert(sizeof(DOCUMENTPROPERTYHEADER) == 48);
+
+struct DEVICEPROPERTYHEADER {
+    WORD cbSize; /* 24 */
+    WORD Flags;
+    HANDLE hPrinter;
+    LPWSTR pszPrinterName;
+};
+static_assert(sizeof(DEVICEPROPERTYHEADER) == 24);
 
 /* Codes of DrvDocumentEvent that are served here, its result, and what a device context is made from. */
 enum : int {

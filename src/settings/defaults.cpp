@@ -249,6 +249,12 @@ void BuildDefaultRecord(PrinterCall& call, WCHAR* wcPrinterName, DriverDevmode* 
     FillRecord(call, wcPrinterName, pRecord, bApplySettingsFile, nullptr);
 }
 
+void BuildModelRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmode* pRecord,
+                      int bApplySettingsFile, const XpiModel* pModel)
+{
+    FillRecord(call, wcPrinterName, pRecord, bApplySettingsFile, pModel);
+}
+
 DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord, const XpiModel* pModel)
 {
     const PRINTER_INFO_2W* pInfo = GetPrinterInfo(call);

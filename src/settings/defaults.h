@@ -15,6 +15,10 @@ enum DefaultSource : int { DEFAULT_NONE, DEFAULT_BUILT, DEFAULT_STORED };
 void BuildDefaultRecord(PrinterCall& call, WCHAR* wcPrinterName, DriverDevmode* pRecord,
                         int bApplySettingsFile);
 
+/* The same from a model that is already loaded; the name is only read. */
+void BuildModelRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmode* pRecord,
+                      int bApplySettingsFile, const XpiModel* pModel);
+
 /* The printer's stored default, checked, or a built one where there is none or it was refused.
    DEFAULT_NONE: the printer cannot be asked, *pRecord is untouched. DEFAULT_BUILT: the printer has no stored
    record. DEFAULT_STORED: the stored one, also when it was refused and built anew.

@@ -4,10 +4,11 @@
 
 #include "base/narrow.h"
 #include "description/driver_files.h"
-#include "entry/notice.h"
 #include "entry/pjl_commands.h"
 #include "entry/render_parameters.h"
+#include "platform/hosted/windows.h"
 #include "support/job_machine.h"
+#include "support/sweep.h"
 
 namespace {
 
@@ -179,16 +180,18 @@ TEST_F(JobCommands, NullsAndTheOrderOfTheFirstSteps)
     EXPECT_EQ(std::memcmp(&record, &before, sizeof record), 0);
 }
 
-TEST_F(JobCommands, TheNoticeIsHandedTheLibraryAndIsLeftOutWithoutOne)
+TEST_F(JobCommands, TheNoticeTakesThePlaceOfTheHead)
 {
-    static int nShown, nAnswer;
-    nShown = 0;
-    fnShowNotice = [](PrinterCall& call, HMODULE hLibrary, const LanguageChoice& choice) {
-        nShown += call.hPrinter && hLibrary && choice.wcDecimal[0];
-        return nAnswer;
-    };
     AddSample("K100");
-    const auto start = [this] {
+    HWND hParent = reinterpret_cast<HWND>(1);
+    WCHAR wcTitle[128] = u"";
+    const auto start = [&] {
+        QueueModalStep([&](HWND hDialog) {
+            hParent = GetParent(hDialog);
+            EXPECT_EQ(ForegroundWindow(), hDialog);
+            GetWindowTextW(hDialog, wcTitle, 128);
+            ClickControl(hDialog, 1732);
+        });
         GuiJobRecord job = {};
         job.hPrinter = hPrinter;
         job.bShowNotice = 0x80000000;
@@ -198,16 +201,26 @@ TEST_F(JobCommands, TheNoticeIsHandedTheLibraryAndIsLeftOutWithoutOne)
         EXPECT_EQ(static_cast<WCHAR*>(job.pJobName), nullptr);
         return dwResult;
     };
-    nAnswer = 1;
     EXPECT_EQ(start(), 0xFFFFFFFFu);
-    nAnswer = 0;
-    EXPECT_EQ(start(), 0u) << "no memory for it";
-    EXPECT_EQ(nShown, 2);
+    EXPECT_EQ(DialogsOpened(), 1);
+    EXPECT_EQ(ForcedCloses(), 0);
+    EXPECT_EQ(Narrow(wcTitle), "Document Not Printed");
+    EXPECT_EQ(hParent, nullptr) << "it has no owner";
+
     FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
-    EXPECT_EQ(start(), 0xFFFFFFFFu);
+    EXPECT_EQ(start(), 0xFFFFFFFFu) << "without a library there is no dialog";
     EXPECT_GT(StopFaults(), 0);
-    EXPECT_EQ(nShown, 2);
-    fnShowNotice = nullptr;
+    EXPECT_EQ(DialogsOpened(), 1);
+
+    /* Whatever fails, the job gets no head; 0 only for want of memory. */
+    bool bOnceZero = false;
+    FaultSweep sweep = SweepFaults(CALL_HeapAlloc, FAIL_ONCE, 100, [&] {
+        DWORD dwResult = start();
+        bOnceZero |= dwResult == 0;
+        return dwResult == 0 || dwResult == 0xFFFFFFFF ? std::string() : "another result; ";
+    });
+    EXPECT_EQ(sweep.fault, "");
+    EXPECT_TRUE(bOnceZero);
 }
 
 TEST_F(JobCommands, TheRecordIsSettledInPlace)

@@ -1,7 +1,6 @@
 /* The reader of resources in PE files: the built libraries against their sources, small files made byte by
    byte, and files that lie about themselves. */
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -9,9 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include "built_library.h"
 #include "platform/hosted/machine.h"
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"
+#include "support/tiny_pe.h"
 
 namespace {
 
@@ -22,19 +23,6 @@ using Strings = std::map<long, std::u16string>;
 constexpr u16 ENGLISH = 0x0409;
 constexpr u16 GERMAN = 0x0007; /* the neutral language: all German users */
 constexpr u16 VERSION = 16;
-
-Bytes ReadDisk(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-Bytes BuiltLibrary(const char* cName)
-{
-    const char* cFolder = std::getenv("TQUI_BUILT");
-    return ReadDisk(fs::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
-}
 
 fs::path Source(const std::string& name)
 {
@@ -56,15 +44,6 @@ Strings SourceStrings(const std::string& name)
         }
     }
     return strings;
-}
-
-std::u16string TextAt(std::span<const u8> file, const PeText& text)
-{
-    std::u16string wcText(text.cch, u'\0');
-    for (size_t n = 0; n < text.cch; n++) {
-        wcText[n] = static_cast<char16_t>(file[text.nOffset + 2 * n] | file[text.nOffset + 2 * n + 1] << 8);
-    }
-    return wcText;
 }
 
 /* All strings that are not empty, in one language's order. */
@@ -93,124 +72,6 @@ std::string Conversions(const std::u16string& wcText)
         bInside = bInside && !std::isalpha(static_cast<unsigned char>(cChar));
     }
     return all;
-}
-
-/* ---- a small PE file, made from a list of resources ---- */
-
-struct TinyResource {
-    PeName type, name;
-    u16 usLanguage;
-    Bytes data;
-};
-
-void Put16(Bytes* pBytes, size_t nOffset, unsigned nValue)
-{
-    (*pBytes)[nOffset] = static_cast<u8>(nValue);
-    (*pBytes)[nOffset + 1] = static_cast<u8>(nValue >> 8);
-}
-
-void Put32(Bytes* pBytes, size_t nOffset, u32 ulValue)
-{
-    Put16(pBytes, nOffset, ulValue & 0xFFFF);
-    Put16(pBytes, nOffset + 2, ulValue >> 16);
-}
-
-constexpr size_t RSRC = 0x200;  /* where the section lies in the file */
-constexpr u32 ADDRESS = 0x3000; /* and when loaded */
-
-struct TinyPe {
-    Bytes bytes;
-    size_t nSection; /* offset of the section header */
-    size_t nTables;  /* offset of the data directories */
-
-    TinyPe(const std::vector<TinyResource>& list, bool bWide = true) : bytes(RSRC)
-    {
-        const size_t nOptional = 0x40 + 24;
-        nTables = nOptional + (bWide ? 112 : 96);
-        nSection = nTables + 16 * 8;
-        Put16(&bytes, 0, 0x5A4D);
-        Put32(&bytes, 60, 0x40);
-        Put32(&bytes, 0x40, 0x4550);
-        Put16(&bytes, 0x44, bWide ? 0x8664 : 0x014C);
-        Put16(&bytes, 0x46, 1);
-        Put16(&bytes, 0x54, static_cast<unsigned>(nSection - nOptional));
-        Put16(&bytes, nOptional, bWide ? 0x20B : 0x10B);
-        Put32(&bytes, nTables - 4, 16);
-        Put32(&bytes, nTables + 16, ADDRESS);
-
-        Level(list, 0);
-        Put32(&bytes, nTables + 20, Size());
-        Put32(&bytes, nSection + 8, Size());
-        Put32(&bytes, nSection + 12, ADDRESS);
-        Put32(&bytes, nSection + 16, Size());
-        Put32(&bytes, nSection + 20, RSRC);
-    }
-
-    u32 Size() const { return static_cast<u32>(bytes.size() - RSRC); }
-
-    /* Appends a directory of one level with all that is below it; its offset in the section. */
-    u32 Level(const std::vector<TinyResource>& list, int nLevel)
-    {
-        const auto key = [nLevel](const TinyResource& r) {
-            return nLevel == 0 ? r.type : nLevel == 1 ? r.name : PeName(r.usLanguage);
-        };
-        std::vector<PeName> keys;
-        for (const TinyResource& resource : list) {
-            if (keys.empty() || !(keys.back() == key(resource))) {
-                keys.push_back(key(resource));
-            }
-        }
-        const u32 ulStart = Size();
-        bytes.resize(bytes.size() + 16 + 8 * keys.size());
-        Put16(&bytes, RSRC + ulStart + 14, static_cast<unsigned>(keys.size()));
-        for (size_t n = 0; n < keys.size(); n++) {
-            std::vector<TinyResource> below;
-            for (const TinyResource& resource : list) {
-                if (key(resource) == keys[n]) {
-                    below.push_back(resource);
-                }
-            }
-            const size_t nEntry = RSRC + ulStart + 16 + 8 * n;
-            u32 ulName = keys[n].usId;
-            if (!keys[n].wcName.empty()) {
-                ulName = 0x80000000 | Size();
-                const size_t nText = bytes.size();
-                bytes.resize(nText + 2 + 2 * keys[n].wcName.size());
-                Put16(&bytes, nText, static_cast<unsigned>(keys[n].wcName.size()));
-                for (size_t k = 0; k < keys[n].wcName.size(); k++) {
-                    Put16(&bytes, nText + 2 + 2 * k, keys[n].wcName[k]);
-                }
-            }
-            Put32(&bytes, nEntry, ulName);
-            const u32 ulBelow = nLevel < 2 ? 0x80000000 | Level(below, nLevel + 1) : Data(below[0].data);
-            Put32(&bytes, nEntry + 4, ulBelow);
-        }
-        return ulStart;
-    }
-
-    u32 Data(const Bytes& data)
-    {
-        const u32 ulEntry = Size();
-        bytes.resize(bytes.size() + 16);
-        Put32(&bytes, RSRC + ulEntry, ADDRESS + Size());
-        Put32(&bytes, RSRC + ulEntry + 4, static_cast<u32>(data.size()));
-        bytes.insert(bytes.end(), data.begin(), data.end());
-        return ulEntry;
-    }
-};
-
-Bytes StringBlock(const std::vector<std::u16string>& texts)
-{
-    Bytes block;
-    for (const std::u16string& wcText : texts) {
-        block.resize(block.size() + 2 + 2 * wcText.size());
-        size_t nOffset = block.size() - 2 - 2 * wcText.size();
-        Put16(&block, nOffset, static_cast<unsigned>(wcText.size()));
-        for (const char16_t wcChar : wcText) {
-            Put16(&block, nOffset += 2, wcChar);
-        }
-    }
-    return block;
 }
 
 /* Reads all there is to read. Every piece must lie inside the bytes, which are in a block of exactly their

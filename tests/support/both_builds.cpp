@@ -73,6 +73,8 @@ void BothBuilds::TearDown()
     EXPECT_EQ(CountLive().nPrinters, 0);
     EXPECT_EQ(CountLive().nKeys, 0);
     EXPECT_EQ(CountLive().nModules, 0);
+    EXPECT_EQ(CountLive().nSearches, 0);
+    EXPECT_EQ(CountLive().nContexts, 0);
     EXPECT_EQ(CountLive().nSemaphores, 0);
     StopMachine();
 }

@@ -66,7 +66,15 @@ TEST_F(RecordCommands, ARecordIsWrittenAsTextAndAsBytes)
 TEST_F(RecordCommands, AcceptedRepairedAndRefusedAreExplained)
 {
     Record("T410A", {}, true);
-    EXPECT_EQ(Explain("T410A", 0), "public part: accepted\nprivate part: accepted\n");
+    EXPECT_EQ(Explain("T410A", 0), "public part: accepted\nprivate part: accepted\nconflicts: none\n");
+
+    Record("T410A", {"sFrontCover=1", "sFrontDuplex=1", "dmDuplex=2"}, true);
+    EXPECT_EQ(
+        Explain("T410A", 0),
+        "public part: accepted\nprivate part: accepted\n"
+        "conflicts: rule 5 on the body of the job, dmPaperSize 9, dmDefaultSource 1025, sMediaTypeIndex 1, "
+        "dmDuplex 2, sOutputPJLsid 2, sScale 0, sScaleTarget 0\n"
+        "    This printer cannot print on both sides with these settings.\n");
 
     Record("T410A",
            {"dmScale=50", "dmFields=0x0380F70F", "dmColor=1", "dmCopies=0", "sPageOrder=4", "ulColorMode=7"},
@@ -78,7 +86,8 @@ TEST_F(RecordCommands, AcceptedRepairedAndRefusedAreExplained)
                                    "public 5        repair 2  dmCopies         86  0 -> 1\n"
                                    "private 30      set       ulColorMode    1720  7 -> 0\n"
                                    "public part: accepted with 2 repairs\n"
-                                   "private part: accepted\n");
+                                   "private part: accepted\n"
+                                   "conflicts: none\n");
 
     Record("T410A", {"sContrast=51"}, true);
     EXPECT_EQ(Explain("T410A", 1), "RULE          OUTCOME  FIELD      OFFSET  VALUE\n"

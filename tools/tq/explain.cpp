@@ -9,8 +9,11 @@
 #include <vector>
 
 #include "description/driver_files.h"
+#include "description/paper.h"
+#include "description/xpi_text.h"
 #include "platform/hosted/standin.h"
 #include "settings/check_core.h"
+#include "sheet/conflicts.h"
 #include "tools/tq/record.h"
 #include "tools/tq/record_text.h"
 #include "tools/tq/rule_names.h"
@@ -103,6 +106,48 @@ void PrintLines(const std::vector<Line>& lines, std::ostream& out)
     }
 }
 
+struct SheetFields {
+    const char* cName;
+    std::vector<const char*> fields;
+};
+const SheetFields aSheets[SHEET_KINDS] = {
+    {"the body of the job", {"dmPaperSize", "dmDefaultSource", "sMediaTypeIndex", "dmDuplex"}},
+    {"the front cover", {"sFrontPaperSize", "sFrontBin", "sFrontMediaIndex", "sFrontDuplex", "dmDuplex"}},
+    {"the back cover", {"sBackPaperSize", "sBackBin", "sBackMediaIndex", "sBackDuplex", "dmDuplex"}},
+    {"separators", {"sSeparatorPaper", "sSeparatorBin", "sSeparatorMediaIndex", "dmDuplex"}},
+    {"inserted pages",
+     {"sInsertPaper", "sInsertPageBin", "sInsertPageMediaIndex", "sInsertPages", "dmDuplex"}},
+};
+
+/* What the sheets would say of an accepted record when they store it. */
+std::string ConflictVerdict(PrinterCall& call, const DriverDevmode& record, const XpiModel* pModel)
+{
+    OwnedBlock<PaperSizeRow> pSaved, pForms;
+    i32 lKnown = FIRST_SAVED_CODE + GetSavedPapers(call, nullptr, &pSaved) + GetSpoolerForms(call, &pForms);
+    Conflict conflict;
+    if (!FindConflict(call, &record, GetDeviceInfo(call, pModel), pModel, lKnown, &conflict)) {
+        return "conflicts: none\n";
+    }
+    const SheetFields& sheet = aSheets[conflict.kind];
+    std::string text = "conflicts: rule " + std::to_string(conflict.nRule) + " on " + sheet.cName;
+    const char* cJoint = ", ";
+    auto name = [&](const char* cField) {
+        text += cJoint + std::string(cField) + " " + FieldOf(record, cField).value;
+        cJoint = ", ";
+    };
+    for (const char* cField : sheet.fields) {
+        name(cField);
+    }
+    for (const char* cField : {"sOutputPJLsid", "sScale", "sScaleTarget"}) {
+        name(cField);
+    }
+    WCHAR wcMessage[TEXT_CHARS] = {};
+    if (conflict.sMessageId) {
+        ReadXpiString(*OpenXpiFile(call), 9, nullptr, conflict.sMessageId, wcMessage, TEXT_CHARS);
+    }
+    return text + "\n" + (*wcMessage ? "    " + Narrow(wcMessage) + "\n" : "");
+}
+
 } // namespace
 
 int RunExplain(const ExplainOptions& options, std::ostream& out)
@@ -124,6 +169,9 @@ int RunExplain(const ExplainOptions& options, std::ostream& out)
             account.nRepairs = 0;
             bAccepted = ValidatePrivatePartNoted(call, &record.rPrivate, pModel.get(), recorder);
             verdicts += Verdict("private", bAccepted, account, "The printer's defaults take its place.");
+        }
+        if (bAccepted) {
+            verdicts += ConflictVerdict(call, record, pModel.get());
         }
     }
     StopMachine();

@@ -12,8 +12,8 @@ struct ExplainOptions {
     bool bMetric = false;
 };
 
-/* Prints each rule that mended or refused something, with the fields that it changed, and the verdict. The checks
-   are the library's own, told on by it.
+/* Prints each rule that mended or refused something, with the fields that it changed, the verdict, and of an
+   accepted record the first conflict that the sheets would find. All is the library's own, told on by it.
    Result: the exit code, 0 for an accepted record, 1 for a refused one. Throws when the record or the
    model is not to be had. */
 int RunExplain(const ExplainOptions& options, std::ostream& out);

@@ -8,6 +8,7 @@
 #include "platform/hosted/standin.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
+#include "tools/tq/install.h"
 #include "tools/tq/job.h"
 #include "tools/tq/lint.h"
 #include "tools/tq/merge.h"
@@ -146,6 +147,25 @@ int main(int argc, char** argv)
     record.package = TQUI_SAMPLES;
     explain.package = TQUI_SAMPLES;
 
+    MachineOptions install, uninstall, data;
+    CLI::App* pInstall =
+        app.add_subcommand("install", "Adds a printer to a machine that is kept in a folder");
+    pInstall->add_option("model", install.model, "A sample's name or section of the INF")->required();
+    pInstall->add_option("--package", install.package, "Folder with tqui.inf and the files that it names")
+        ->check(CLI::ExistingDirectory);
+    CLI::App* pUninstall = app.add_subcommand("uninstall", "Removes a printer from such a machine");
+    CLI::App* pData = app.add_subcommand("data", "What such a machine holds for a printer");
+    pUninstall->add_option("printer", uninstall.printer, "Its name, where there are several");
+    pData->add_option("printer", data.printer, "Its name, where there are several");
+    pInstall->add_option("--machine", install.machine, "Folder of the machine; made when missing")
+        ->required();
+    for (auto [pCommand, pOptions] : {std::pair(pUninstall, &uninstall), std::pair(pData, &data)}) {
+        pCommand->add_option("--machine", pOptions->machine, "Folder of the machine")
+            ->required()
+            ->check(CLI::ExistingDirectory);
+    }
+    install.package = TQUI_SAMPLES;
+
     try {
         app.parse(argc, argv);
         if (*pJob && !bLayout && job.model.empty()) {
@@ -178,6 +198,15 @@ int main(int argc, char** argv)
         if (*pScripting) {
             std::cout << ScriptingPage(scriptingPackage);
             return 0;
+        }
+        if (*pInstall) {
+            return RunInstall(install, std::cout);
+        }
+        if (*pUninstall) {
+            return RunUninstall(uninstall, std::cout);
+        }
+        if (*pData) {
+            return RunData(data, std::cout);
         }
         return *pLint ? RunLint(lintFile, std::cout, std::cerr) : RunCaps(caps);
     } catch (const std::exception& error) {

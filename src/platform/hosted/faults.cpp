@@ -17,6 +17,7 @@ int nFaultIn = 0; /* calls left until the fault; 0: none set */
 FaultMode faultMode = FAIL_ONCE;
 int bFailing = 0; /* FAIL_FROM_THERE has begun */
 int nFailed = 0;
+bool abRefused[CALL_COUNT];
 LieKind lieKind = LIE_NONE;
 CallId lieCall = ANY_CALL;
 
@@ -48,6 +49,16 @@ void FailCall(CallId call, int nTh, FaultMode mode)
     nFailed = 0;
 }
 
+void RefuseCalls(const std::vector<CallId>& calls)
+{
+    for (bool& bRefused : abRefused) {
+        bRefused = false;
+    }
+    for (CallId call : calls) {
+        abRefused[call] = true;
+    }
+}
+
 int StopFaults()
 {
     nFaultIn = 0;
@@ -58,6 +69,10 @@ int StopFaults()
 int CallFails(CallId call)
 {
     anCounts[call]++;
+    if (abRefused[call]) {
+        SetHostedError(ERROR_ACCESS_DENIED);
+        return 1;
+    }
     if ((faultCall != ANY_CALL && faultCall != call) || (!nFaultIn && !bFailing)) {
         return 0;
     }

@@ -13,6 +13,9 @@
 #include <vector>
 
 #include "platform/calls.h"
+#include "platform/files.h"
+#include "platform/gdi.h"
+#include "platform/resources.h"
 #include "platform/spooler.h"
 
 using Bytes = std::vector<u8>;
@@ -23,6 +26,8 @@ using WideText = std::u16string;
    temporary one; StopMachine removes it. A machine that is already running is stopped first. */
 void StartMachine();
 void StopMachine();
+/* The same with files in a folder that is there, and stays: what else a machine has begins anew. */
+void StartMachineIn(const std::filesystem::path& root);
 
 /* ---- who and where ---- */
 void SetUserLanguage(u16 usLangId); /* GetUserDefaultLangID */
@@ -65,6 +70,7 @@ struct PrinterSetup {
     WideText tcDriverPath, tcConfigFile, tcDataFile, tcHelpFile; /* full paths; may be empty */
     std::vector<WideText> atcDependentFiles;
     WideText wcComment, wcLocation;
+    WideText wcPrintProcessor = u"winprint";
     Bytes devmode; /* the stored default record; empty: none */
 };
 void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
@@ -81,13 +87,52 @@ void AddJob(std::u16string_view wcPrinter, DWORD dwJobId, const WCHAR* wcDocumen
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth,
                     i32 lLength); /* thousandths of a mm */
 void DropMachineForms();
+struct MachineForm {
+    WideText wcName;
+    DWORD dwFlags;
+    SIZEL size; /* thousandths of a mm */
+    RECTL area;
+};
+void AddMachineForm(const MachineForm& form);
+const std::vector<MachineForm>& MachineForms(); /* in the order in which they were added */
+/* What the machine knows of a printer now, and its values by name (in small letters). */
+std::vector<WideText> PrinterNames();
+PrinterSetup GetPrinterSetup(std::u16string_view wcPrinter);
+struct MachineValue {
+    WideText wcName;
+    DWORD dwType;
+    Bytes bytes;
+};
+std::vector<MachineValue> PrinterValues(std::u16string_view wcPrinter);
+void RemovePrinter(std::u16string_view wcPrinter);
+/* Print processors as "NAME=FILE"; a new machine has winprint. */
+const std::vector<std::string>& PrintProcessors();
+void SetPrintProcessors(const std::vector<std::string>& processors);
+/* Printers whose names were handed to the spooler's routine 204. */
+const std::vector<std::string>& AnnouncedPrinters();
 void DenyPrinterAccess(DWORD dwAccess,
                        DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
 /* What OpenPrinterW was asked, as "name|access". */
 const std::vector<std::string>& OpenedPrinters();
 
+/* ---- programs, time, fonts ---- */
+const std::vector<std::string>&
+StartedPrograms();              /* command lines of WinExec, "|hidden" behind those that were */
+void SetTickCount(u32 ulTicks); /* GetTickCount, which stands still */
+struct FontFamily {
+    WideText wcName;
+    DWORD dwType; /* RASTER_FONTTYPE and so on */
+    u8 bCharSet;
+};
+/* What the display has; a new machine has five families of a usual one. */
+void SetFontFamilies(const std::vector<FontFamily>& families);
+const std::vector<FontFamily>& FontFamilies();
+
 /* ---- registry ---- */
 void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
+void SetKeyValue(std::u16string_view wcPath, const MachineValue& value);
+std::vector<WideText> KeyPaths(); /* in small letters */
+std::vector<MachineValue> KeyValues(std::u16string_view wcPath);
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes);
 
 void SetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD dwType, const Bytes& bytes);
@@ -116,6 +161,8 @@ void ResetCallCounts();
 /* ---- faults: the n-th call from now fails as its row in calls.h says ---- */
 enum FaultMode { FAIL_ONCE, FAIL_FROM_THERE };
 void FailCall(CallId call, int nTh, FaultMode mode = FAIL_ONCE);
+/* These calls fail always, as those do that an isolated host forbids; an empty list lifts it. */
+void RefuseCalls(const std::vector<CallId>& calls);
 /* Ends the fault. Result: how many calls failed; 0 says that the loop over n is through. */
 int StopFaults();
 
@@ -133,7 +180,7 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSearches, nContexts, nSemaphores, nWindows, nGdiObjects;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

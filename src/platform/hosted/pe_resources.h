@@ -18,6 +18,7 @@
 #include "base/types.h"
 
 constexpr u16 PE_BITMAP = 2;
+constexpr u16 PE_DIALOG = 5;
 constexpr u16 PE_STRING = 6; /* block n holds the strings from 16 * (n - 1) up */
 
 /* Type or name of a resource: a text (in capitals, as resource compilers store it) or, if that is empty, a

@@ -10,6 +10,7 @@
 #include "platform/hosted/standin.h"
 
 std::filesystem::path machineRoot;
+static bool bKeepRoot = false; /* the folder was there before the machine and stays behind it */
 
 namespace {
 
@@ -50,12 +51,19 @@ u16 HostedUserLanguage()
 
 void StartMachine()
 {
-    StopMachine();
     std::string pattern = (std::filesystem::temp_directory_path() / "tqui-XXXXXX").string();
     if (!mkdtemp(pattern.data())) {
         std::abort(); /* no test can run without a place for its files */
     }
-    machineRoot = pattern;
+    StartMachineIn(pattern);
+    bKeepRoot = false;
+}
+
+void StartMachineIn(const std::filesystem::path& root)
+{
+    StopMachine();
+    machineRoot = root;
+    bKeepRoot = true;
     SetLocaleValue(u"iMeasure", u"1");
     SetLocaleValue(u"sDecimal", u".");
     SetEnvironmentValue(u"USERPROFILE", u"C:\\Users\\worker");
@@ -68,7 +76,9 @@ void StopMachine()
         return;
     }
     StopFaults();
+    RefuseCalls({});
     TellLies(LIE_NONE);
+    ResetWindows();
     ResetThreads();
     ResetResources();
     ResetSystemRoutines();
@@ -76,14 +86,19 @@ void StopMachine()
     ResetSpooler();
     ResetRegistry();
     ResetProfile();
+    ResetFolders();
     ResetFiles();
+    ResetPrograms();
+    ResetFonts();
     ResetPowerCuts();
     SetDiskRoom(-1);
     ResetProcess();
     SetCodePage(1252);
     ResetCallCounts();
     std::error_code ignored;
-    std::filesystem::remove_all(machineRoot, ignored);
+    if (!bKeepRoot) {
+        std::filesystem::remove_all(machineRoot, ignored);
+    }
     machineRoot.clear();
 }
 

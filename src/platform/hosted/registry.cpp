@@ -63,6 +63,29 @@ void AddKey(std::u16string_view wcPath)
     registry().keys[KeyForm(wcPath)];
 }
 
+void SetKeyValue(std::u16string_view wcPath, const MachineValue& value)
+{
+    registry().keys[KeyForm(wcPath)][LowerText(value.wcName)] = {value.dwType, value.bytes};
+}
+
+std::vector<WideText> KeyPaths()
+{
+    std::vector<WideText> paths;
+    for (const auto& [wcPath, key] : registry().keys) {
+        paths.push_back(wcPath);
+    }
+    return paths;
+}
+
+std::vector<MachineValue> KeyValues(std::u16string_view wcPath)
+{
+    std::vector<MachineValue> values;
+    for (const auto& [wcName, value] : registry().keys[KeyForm(wcPath)]) {
+        values.push_back({wcName, value.dwType, value.bytes});
+    }
+    return values;
+}
+
 bool GetKeyValue(std::u16string_view wcPath, std::u16string_view wcValue, DWORD* pdwType, Bytes* pBytes)
 {
     auto key = registry().keys.find(KeyForm(wcPath));

@@ -8,8 +8,6 @@
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"
 
-/* The user's language as the machine has it, without counting a call. */
-
 namespace {
 
 std::map<HMODULE, Bytes> loadedModules;
@@ -109,6 +107,27 @@ int WINAPI LoadStringW(HINSTANCE hModule, UINT uId, LPWSTR wcOut, int cchRoom)
     std::memcpy(wcOut, pText, static_cast<size_t>(cch) * sizeof(WCHAR));
     wcOut[cch] = 0;
     return FalseLength(wcOut, cchRoom, cch);
+}
+
+bool FindModuleResource(HMODULE hModule, u16 usType, LPCWSTR wcName, Bytes* pBytes)
+{
+    const auto module = loadedModules.find(hModule);
+    PePiece piece{};
+    if (module == loadedModules.end() || !wcName) {
+        return false;
+    }
+    PeName name(static_cast<u16>(reinterpret_cast<std::uintptr_t>(wcName)));
+    if (!IS_INTRESOURCE(wcName)) {
+        WideText wcUpper(wcName); /* as resource compilers store names */
+        std::transform(wcUpper.begin(), wcUpper.end(), wcUpper.begin(), UpperChar);
+        name = PeName(std::u16string_view(wcUpper));
+    }
+    if (!FindPeResource(module->second, PeName(usType), name, LanguageOrder(HostedUserLanguage()), &piece)) {
+        return false;
+    }
+    const auto pFirst = module->second.begin() + static_cast<std::ptrdiff_t>(piece.nOffset);
+    pBytes->assign(pFirst, pFirst + static_cast<std::ptrdiff_t>(piece.cbSize));
+    return true;
 }
 
 void ResetResources()

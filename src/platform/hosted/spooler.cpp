@@ -1,6 +1,7 @@
 /* Stand-ins for the spooler: printers with their driver's files, stored values and forms in memory. The
    structures are laid into the caller's buffer as the spooler does it: the fixed part in front, the texts
    behind it. */
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -25,19 +26,15 @@ struct Printer {
     std::map<DWORD, Job> jobs;
 };
 
-struct Form {
-    WideText wcName;
-    DWORD dwFlags;
-    SIZEL size;
-};
-
 struct OpenPrinterHandle {
     WideText wcPrinter;
 };
 
 struct Spooler {
     std::map<WideText, Printer> printers; /* by name in one form */
-    std::vector<Form> forms;
+    std::vector<MachineForm> forms;
+    std::vector<std::string> processors = {"winprint=localspl.dll"};
+    std::vector<std::string> announced;
     std::vector<std::unique_ptr<OpenPrinterHandle>> handles;
     std::vector<std::string> opened;
     std::map<DWORD, DWORD> denied;
@@ -198,7 +195,65 @@ bool GetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue,
 
 void AddMachineForm(std::u16string_view wcName, DWORD dwFlags, i32 lWidth, i32 lLength)
 {
-    spooler().forms.push_back({WideText(wcName), dwFlags, {lWidth, lLength}});
+    spooler().forms.push_back({WideText(wcName), dwFlags, {lWidth, lLength}, {0, 0, lWidth, lLength}});
+}
+
+void AddMachineForm(const MachineForm& form)
+{
+    spooler().forms.push_back(form);
+}
+
+const std::vector<MachineForm>& MachineForms()
+{
+    return spooler().forms;
+}
+
+std::vector<WideText> PrinterNames()
+{
+    std::vector<WideText> names;
+    for (const auto& [wcForm, printer] : spooler().printers) {
+        names.push_back(printer.setup.wcName);
+    }
+    return names;
+}
+
+PrinterSetup GetPrinterSetup(std::u16string_view wcPrinter)
+{
+    return spooler().printers[LowerText(wcPrinter)].setup;
+}
+
+std::vector<MachineValue> PrinterValues(std::u16string_view wcPrinter)
+{
+    std::vector<MachineValue> values;
+    for (const auto& [wcName, value] : spooler().printers[LowerText(wcPrinter)].values) {
+        values.push_back({wcName, value.dwType, value.bytes});
+    }
+    return values;
+}
+
+void RemovePrinter(std::u16string_view wcPrinter)
+{
+    spooler().printers.erase(LowerText(wcPrinter));
+}
+
+const std::vector<std::string>& PrintProcessors()
+{
+    return spooler().processors;
+}
+
+void SetPrintProcessors(const std::vector<std::string>& processors)
+{
+    spooler().processors = processors;
+}
+
+const std::vector<std::string>& AnnouncedPrinters()
+{
+    return spooler().announced;
+}
+
+void AnnouncePrinter(LPCWSTR wcName)
+{
+    spooler().announced.push_back(Narrow(wcName));
 }
 
 void AddJob(std::u16string_view wcPrinter, DWORD dwJobId, const WCHAR* wcDocument)
@@ -277,7 +332,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut
     info.pPortName = layout.Put(u"LPT1:");
     info.pComment = layout.Put(pPrinter->setup.wcComment);
     info.pLocation = layout.Put(pPrinter->setup.wcLocation);
-    info.pPrintProcessor = layout.Put(u"winprint");
+    info.pPrintProcessor = layout.Put(pPrinter->setup.wcPrintProcessor);
     info.pDatatype = layout.Put(u"RAW");
     info.pDevMode = layout.PutRecord(pPrinter->setup.devmode);
     *pcbNeeded = layout.Needed();
@@ -416,15 +471,15 @@ BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
     if (!FindPrinter(hPrinter) || dwLevel != 1) {
         return Refuse(ERROR_INVALID_HANDLE);
     }
-    const std::vector<Form>& forms = spooler().forms;
+    const std::vector<MachineForm>& forms = spooler().forms;
     Layout layout(CALL_EnumFormsW, forms.size() * sizeof(FORM_INFO_1W), pOut, cbOut);
     std::vector<FORM_INFO_1W> rows;
-    for (const Form& form : forms) {
+    for (const MachineForm& form : forms) {
         FORM_INFO_1W row = {};
         row.Flags = form.dwFlags;
         row.pName = layout.Put(form.wcName);
         row.Size = form.size;
-        row.ImageableArea = {0, 0, form.size.cx, form.size.cy};
+        row.ImageableArea = form.area;
         rows.push_back(row);
     }
     *pcbNeeded = layout.Needed();
@@ -435,5 +490,107 @@ BOOL WINAPI EnumFormsW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
         std::memcpy(pOut, rows.data(), rows.size() * sizeof(FORM_INFO_1W));
     }
     *pnForms = static_cast<DWORD>(rows.size());
+    return 1;
+}
+
+BOOL WINAPI SetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pInfo, DWORD dwCommand)
+{
+    FAILS(SetPrinterW);
+    Printer* pPrinter = FindPrinter(hPrinter);
+    if (!pPrinter || dwLevel != 2 || dwCommand) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    PRINTER_INFO_2W info;
+    std::memcpy(&info, pInfo, sizeof info);
+    PrinterSetup& setup = pPrinter->setup;
+    auto text = [](LPCWSTR wcText) { return WideText(wcText ? wcText : u""); };
+    std::vector<std::string>& processors = spooler().processors;
+    WideText wcProcessor = text(info.pPrintProcessor);
+    if (!wcProcessor.empty() && std::none_of(processors.begin(), processors.end(), [&](const auto& known) {
+            return SameName(Widen(known.substr(0, known.find('='))), wcProcessor);
+        })) {
+        return Refuse(1798 /* ERROR_UNKNOWN_PRINTPROCESSOR */);
+    }
+    setup.wcDriverName = text(info.pDriverName);
+    setup.wcComment = text(info.pComment);
+    setup.wcLocation = text(info.pLocation);
+    setup.wcPrintProcessor = wcProcessor;
+    if (info.pDevMode) {
+        const u8* pRecord = reinterpret_cast<const u8*>(info.pDevMode);
+        u16 usSize, usExtra; /* dmSize and dmDriverExtra */
+        std::memcpy(&usSize, pRecord + 68, sizeof usSize);
+        std::memcpy(&usExtra, pRecord + 70, sizeof usExtra);
+        setup.devmode.assign(pRecord, pRecord + usSize + usExtra);
+    }
+    return 1;
+}
+
+BOOL WINAPI AddFormW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pForm)
+{
+    FAILS(AddFormW);
+    if (!FindPrinter(hPrinter) || dwLevel != 1) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    FORM_INFO_1W info;
+    std::memcpy(&info, pForm, sizeof info);
+    if (!info.pName || !*info.pName || info.Size.cx <= 0 || info.Size.cy <= 0) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    for (const MachineForm& other : spooler().forms) {
+        if (SameName(other.wcName, info.pName)) {
+            return Refuse(ERROR_FILE_EXISTS);
+        }
+    }
+    spooler().forms.push_back({info.pName, info.Flags, info.Size, info.ImageableArea});
+    return 1;
+}
+
+BOOL WINAPI DeleteFormW(HANDLE hPrinter, LPWSTR wcName)
+{
+    FAILS(DeleteFormW);
+    if (!FindPrinter(hPrinter)) {
+        return Refuse(ERROR_INVALID_HANDLE);
+    }
+    /* The system's own forms stay. */
+    return std::erase_if(spooler().forms,
+                         [&](const MachineForm& form) {
+                             return form.dwFlags != FORM_BUILTIN && SameName(form.wcName, wcName);
+                         })
+               ? 1
+               : Refuse(1902 /* ERROR_INVALID_FORM_NAME */);
+}
+
+BOOL WINAPI EnumPrintProcessorsW(LPWSTR wcServer, LPWSTR, DWORD dwLevel, LPBYTE pOut, DWORD cbOut,
+                                 LPDWORD pcbNeeded, LPDWORD pnRows)
+{
+    FAILS(EnumPrintProcessorsW);
+    *pnRows = 0;
+    if (wcServer || dwLevel != 1) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    const std::vector<std::string>& processors = spooler().processors;
+    Layout layout(CALL_EnumPrintProcessorsW, processors.size() * sizeof(PRINTPROCESSOR_INFO_1W), pOut, cbOut);
+    std::vector<PRINTPROCESSOR_INFO_1W> rows;
+    for (const std::string& processor : processors) {
+        rows.push_back({layout.Put(Widen(processor.substr(0, processor.find('='))))});
+    }
+    *pcbNeeded = layout.Needed();
+    if (!layout.Fits() || Lies(CALL_EnumPrintProcessorsW, LIE_HUGE)) {
+        return Refuse(ERROR_INSUFFICIENT_BUFFER);
+    }
+    if (!rows.empty()) {
+        std::memcpy(pOut, rows.data(), rows.size() * sizeof rows[0]);
+    }
+    *pnRows = static_cast<DWORD>(rows.size());
+    return 1;
+}
+
+BOOL WINAPI AddPrintProcessorW(LPWSTR wcServer, LPWSTR, LPWSTR tcFile, LPWSTR wcProcessor)
+{
+    FAILS(AddPrintProcessorW);
+    if (wcServer || !tcFile || !*tcFile || !wcProcessor || !*wcProcessor) {
+        return Refuse(ERROR_INVALID_PARAMETER);
+    }
+    spooler().processors.push_back(Narrow(wcProcessor) + "=" + Narrow(tcFile));
     return 1;
 }

@@ -7,6 +7,7 @@
 
 #include "platform/calls.h"
 #include "platform/files.h"
+#include "platform/gdi.h"
 #include "platform/hosted/machine.h"
 #include "platform/process.h"
 #include "platform/profile.h"
@@ -14,6 +15,8 @@
 #include "platform/resources.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/version.h"
+#include "platform/window.h"
 
 /* Counts the call. 1 when a fault is set for it: the last error is then ERROR_GEN_FAILURE, or
    ERROR_NOT_ENOUGH_MEMORY for an allocation. */
@@ -44,6 +47,9 @@ u16 HostedUserLanguage();
 /* The folder below which the machine's files lie. */
 extern std::filesystem::path machineRoot;
 
+/* Keeps the name that the spooler's routine 204 was told. */
+void AnnouncePrinter(LPCWSTR wcName);
+
 void SetHostedError(DWORD dwError);
 /* Sets the error and gives 0: for "return Refuse(ERROR_...)". */
 BOOL Refuse(DWORD dwError);
@@ -69,7 +75,11 @@ void ResetPowerCuts();
 void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();
+void ResetWindows();
 void ResetResources();
+void ResetPrograms();
+void ResetFolders();
+void ResetFonts();
 void ResetSystemRoutines();
 void ResetThreads();
 
@@ -95,6 +105,9 @@ bool ReadHostBytes(const std::string& host, Bytes* pBytes);
 
 /* Makes the file hold these bytes. Result: 0 or an error. */
 DWORD WriteHostBytes(const std::string& host, std::string_view bytes);
+
+/* Bytes of a resource of a loaded module, in the user's language: false when there is none. No counting. */
+bool FindModuleResource(HMODULE hModule, u16 usType, LPCWSTR wcName, Bytes* pBytes);
 
 /* Reads a whole file of the machine for a stand-in that is not itself a file call (no counting). */
 bool ReadHostFile(std::u16string_view tcPath, Bytes* pBytes);

@@ -1,4 +1,5 @@
-/* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. */
+/* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. WINSPOOL.DRV
+   is always there, with its routine 204. */
 #include <map>
 
 #include "platform/hosted/standin.h"
@@ -8,6 +9,13 @@ namespace {
 std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
 std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
+const WideText wcSpooler = u"winspool.drv"; /* in that form */
+
+BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
+{
+    AnnouncePrinter(wcName);
+    return 1;
+}
 
 } // namespace
 
@@ -26,7 +34,7 @@ void ResetSystemRoutines()
 HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
 {
     WideText wcForm = LowerText(wcLibrary);
-    if (!systemLibraries.count(wcForm)) {
+    if (wcForm != wcSpooler && !systemLibraries.count(wcForm)) {
         SetHostedError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
@@ -48,13 +56,18 @@ bool FreeSystemLibrary(HMODULE hLibrary)
 FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
 {
     FAILS(GetProcAddress);
-    auto library = openLibraries.find(hModule);
-    if (library != openLibraries.end()) {
+    constexpr std::uintptr_t ANNOUNCE = 204, LAST_NUMBER = 0xFFFF;
+    const auto nNumber = reinterpret_cast<std::uintptr_t>(cName); /* small ones are numbers and no names */
+    const auto library = openLibraries.find(hModule);
+    if (library != openLibraries.end() && nNumber > LAST_NUMBER) {
         const auto& routines = systemLibraries[library->second];
         if (auto routine = routines.find(cName); routine != routines.end()) {
             return reinterpret_cast<FARPROC>(routine->second);
         }
     }
-    SetHostedError(ERROR_PROC_NOT_FOUND);
+    if (library != openLibraries.end() && library->second == wcSpooler && nNumber == ANNOUNCE) {
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&TakeAnnouncement));
+    }
+    SetHostedError(ERROR_PROC_NOT_FOUND); /* data files have no code */
     return nullptr;
 }

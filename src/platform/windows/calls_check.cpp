@@ -3,12 +3,16 @@
 
 #include "platform/calls.h"
 #include "platform/files.h"
+#include "platform/gdi.h"
 #include "platform/process.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
 #include "platform/resources.h"
+#include "platform/sheet.h"
 #include "platform/spooler.h"
 #include "platform/text.h"
+#include "platform/version.h"
+#include "platform/window.h"
 
 #define CHECK_CALL(result, name, params, failed) \
     static_assert(std::is_same_v<decltype(&name), result(WINAPI*) params>, #name " has another prototype");

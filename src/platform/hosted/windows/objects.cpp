@@ -1,0 +1,211 @@
+/* What windows show and tell beyond themselves: pictures from a library, cursors, icons, message boxes,
+   messages to everybody, the foreground. */
+#include "platform/hosted/windows/window_state.h"
+
+#include <cstring>
+#include <map>
+
+#include "platform/hosted/windows.h"
+
+namespace {
+
+struct Picture {
+    PictureSize size;
+    Bytes dib;
+};
+
+struct Shown {
+    std::map<HANDLE, Picture> pictures;
+    std::vector<ShownMessage> messages;
+    std::vector<BroadcastMessage> broadcasts;
+    int nAnswer = 0;
+    HWND hForeground = nullptr;
+    HCURSOR hCursor = nullptr;
+};
+std::uintptr_t nLastPicture = 0;
+
+Shown& shown()
+{
+    static Shown instance;
+    return instance;
+}
+
+/* The system's own cursors and icons are shared: one handle for each, never given back. */
+HANDLE SystemPicture(LPCWSTR wcName)
+{
+    return reinterpret_cast<HANDLE>(0x1000000 + reinterpret_cast<std::uintptr_t>(wcName));
+}
+
+constexpr std::uintptr_t FIRST_SYSTEM_ID = 32512, LAST_SYSTEM_ICON = 32518, LAST_SYSTEM_CURSOR = 32651;
+
+bool IsSystemName(HINSTANCE hInstance, LPCWSTR wcName, std::uintptr_t nLast)
+{
+    const auto nId = reinterpret_cast<std::uintptr_t>(wcName);
+    if (!hInstance && nId >= FIRST_SYSTEM_ID && nId <= nLast) {
+        return true;
+    }
+    Refuse(ERROR_RESOURCE_NAME_NOT_FOUND);
+    return false;
+}
+
+/* Header of a bitmap: size of the header, width, height (negative: rows from the top), planes, bits. */
+bool ReadPictureSize(const Bytes& dib, PictureSize* pSize)
+{
+    struct {
+        u32 cbHeader;
+        i32 lWidth, lHeight;
+    } header;
+    if (dib.size() < 40) {
+        return false;
+    }
+    std::memcpy(&header, dib.data(), sizeof header);
+    if (header.cbHeader < 40 || header.lWidth <= 0 || header.lWidth > 0x7FFF || header.lHeight == 0 ||
+        header.lHeight < -0x7FFF || header.lHeight > 0x7FFF) {
+        return false;
+    }
+    pSize->nWidth = header.lWidth;
+    pSize->nHeight = header.lHeight < 0 ? -header.lHeight : header.lHeight;
+    return true;
+}
+
+} // namespace
+
+HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR wcName, UINT uType, int nWidth, int nHeight,
+                         UINT uFlags)
+{
+    FAILS(LoadImageW);
+    Picture picture{};
+    if (uType != IMAGE_BITMAP || nWidth != 0 || nHeight != 0 || /* of its own size */
+        !FindModuleResource(hInstance, PE_BITMAP, wcName, &picture.dib) ||
+        !ReadPictureSize(picture.dib, &picture.size)) {
+        SetHostedError(ERROR_RESOURCE_NAME_NOT_FOUND);
+        return nullptr;
+    }
+    picture.size.uFlags = uFlags;
+    const auto hPicture = reinterpret_cast<HANDLE>(0x2000000 + ++nLastPicture * 4);
+    shown().pictures.emplace(hPicture, std::move(picture));
+    liveCounts.nGdiObjects++;
+    return hPicture;
+}
+
+BOOL WINAPI DeleteObject(HGDIOBJ hObject)
+{
+    const int bFails = CallFails(CALL_DeleteObject); /* a release that fails still releases */
+    if (shown().pictures.erase(hObject) == 0) {
+        return 0;
+    }
+    liveCounts.nGdiObjects--;
+    return !bFails;
+}
+
+bool GetPicture(HBITMAP hBitmap, PictureSize* pSize, Bytes* pDib)
+{
+    const auto found = shown().pictures.find(hBitmap);
+    if (found == shown().pictures.end()) {
+        return false;
+    }
+    *pSize = found->second.size;
+    if (pDib) {
+        *pDib = found->second.dib;
+    }
+    return true;
+}
+
+HCURSOR WINAPI LoadCursorW(HINSTANCE hInstance, LPCWSTR wcName)
+{
+    FAILS(LoadCursorW);
+    return IsSystemName(hInstance, wcName, LAST_SYSTEM_CURSOR) ? static_cast<HCURSOR>(SystemPicture(wcName))
+                                                               : nullptr;
+}
+
+HICON WINAPI LoadIconW(HINSTANCE hInstance, LPCWSTR wcName)
+{
+    FAILS(LoadIconW);
+    return IsSystemName(hInstance, wcName, LAST_SYSTEM_ICON) ? static_cast<HICON>(SystemPicture(wcName))
+                                                             : nullptr;
+}
+
+HCURSOR WINAPI GetCursor(void)
+{
+    FAILS(GetCursor);
+    return shown().hCursor;
+}
+
+HCURSOR WINAPI SetCursor(HCURSOR hCursor)
+{
+    FAILS(SetCursor);
+    const HCURSOR hOld = shown().hCursor;
+    shown().hCursor = hCursor;
+    return hOld;
+}
+
+BOOL WINAPI SetForegroundWindow(HWND hWnd)
+{
+    FAILS(SetForegroundWindow);
+    if (!FindWindowState(hWnd)) {
+        return 0;
+    }
+    shown().hForeground = hWnd;
+    return 1;
+}
+
+HWND ForegroundWindow()
+{
+    return shown().hForeground;
+}
+
+int WINAPI MessageBoxW(HWND hOwner, LPCWSTR wcText, LPCWSTR wcCaption, UINT uType)
+{
+    FAILS(MessageBoxW);
+    if (hOwner && !FindWindowState(hOwner)) {
+        return 0;
+    }
+    shown().messages.push_back({wcText ? wcText : u"", wcCaption ? wcCaption : u"", uType});
+    const UINT uButtons = uType & MB_TYPEMASK;
+    const int nFirst = uButtons == MB_YESNO || uButtons == MB_YESNOCANCEL ? IDYES : IDOK;
+    return shown().nAnswer ? shown().nAnswer : nFirst;
+}
+
+const std::vector<ShownMessage>& ShownMessages()
+{
+    return shown().messages;
+}
+
+void AnswerMessages(int nAnswer)
+{
+    shown().nAnswer = nAnswer;
+}
+
+LRESULT WINAPI SendMessageTimeoutW(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam, UINT, UINT,
+                                   PDWORD_PTR pResult)
+{
+    FAILS(SendMessageTimeoutW);
+    DWORD_PTR nResult = 0;
+    if (hWnd == HWND_BROADCAST) {
+        const auto wcText = reinterpret_cast<LPCWSTR>(lParam);
+        const bool bText = uMessage == WM_DEVMODECHANGE && wcText;
+        shown().broadcasts.push_back({uMessage, wParam, bText ? WideText(wcText) : WideText()});
+    } else if (!FindWindowState(hWnd)) {
+        return 0;
+    } else {
+        nResult = static_cast<DWORD_PTR>(Send(hWnd, uMessage, wParam, lParam));
+    }
+    if (pResult) {
+        *pResult = nResult;
+    }
+    return 1;
+}
+
+const std::vector<BroadcastMessage>& Broadcasts()
+{
+    return shown().broadcasts;
+}
+
+void ResetObjects()
+{
+    shown() = Shown();
+    shown().hCursor = static_cast<HCURSOR>(SystemPicture(IDC_ARROW));
+    liveCounts.nGdiObjects = 0;
+    ResetDialogs();
+    ResetInput();
+}

@@ -1,0 +1,109 @@
+/* The About box: what the model says of itself, and the version of the rendering half. */
+#include "sheet/about.h"
+
+#include <cstring>
+
+#include "base/format.h"
+#include "description/xpi_text.h"
+#include "sheet/dialog_services.h"
+#include "sheet/notices.h"
+#include "sheet/version_text.h"
+
+namespace {
+
+constexpr int TEMPLATE_ABOUT = 1099, STRING_ABOUT = 1099, STRING_VERSION = 1918;
+constexpr int FIRST_LINE = 1896, LOGO = 1692, BUTTON_OK = 1732;
+constexpr i32 TEXTS_ABOVE = 3; /* texts of the model above the version, at most */
+constexpr int DIALOG_TOP = 25; /* below the parent's upper edge, in pixels */
+
+/* The logo is the box's own, since the pages' goes with the last of them. */
+struct AboutBox {
+    UiSession* pSession;
+    HBITMAP hLogo;
+};
+
+/* Number of the model's text nRow; 0 for none. */
+i16 AboutText(const UiSession* pSession, i32 nRow)
+{
+    const XpiModel* pModel = pSession->pXpi.get();
+    if (!pModel || !pModel->pAboutStrings) {
+        return 0;
+    }
+    i16 sId;
+    std::memcpy(&sId, RowAt(pModel, pModel->pAboutStrings, nRow, sizeof sId), sizeof sId);
+    return sId;
+}
+
+void ShowModelText(HWND hDialog, UiSession* pSession, int nControl, i16 sId)
+{
+    WCHAR wcText[TEXT_CHARS];
+    ReadXpiString(pSession->rXpiFile, pSession->rLanguage.usPrimary,
+                  static_cast<HMODULE>(pSession->hLanguageDll.get()), sId, wcText, TEXT_CHARS);
+    SetDlgItemTextW(hDialog, nControl, wcText);
+}
+
+INT_PTR CALLBACK AboutProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    switch (uMessage) {
+    case WM_INITDIALOG: {
+        const AboutBox* pBox = reinterpret_cast<const AboutBox*>(lParam);
+        WCHAR wcTitle[TEXT_CHARS];
+        SetWindowLongPtrW(hDialog, DWLP_USER, reinterpret_cast<LONG_PTR>(pBox->pSession));
+        LabelControls(hDialog, pBox->pSession);
+        LoadUiText(pBox->pSession, STRING_ABOUT, wcTitle, TEXT_CHARS);
+        SetWindowTextW(hDialog, wcTitle);
+        if (pBox->hLogo) {
+            SendDlgItemMessageW(hDialog, LOGO, STM_SETIMAGE, IMAGE_BITMAP,
+                                reinterpret_cast<LPARAM>(pBox->hLogo));
+        }
+        FillAbout(hDialog, pBox->pSession);
+        return 1;
+    }
+    case WM_COMMAND:
+        if (LOWORD(wParam) == BUTTON_OK || LOWORD(wParam) == IDCANCEL) {
+            EndDialog(hDialog, 0);
+        }
+        return 1;
+    default: return 0;
+    }
+}
+
+} // namespace
+
+void FillAbout(HWND hDialog, UiSession* pSession)
+{
+    i32 nTexts = 0;
+    for (i16 sId; nTexts < TEXTS_ABOVE && (sId = AboutText(pSession, nTexts)) != 0; nTexts++) {
+        ShowModelText(hDialog, pSession, FIRST_LINE + nTexts, sId);
+    }
+    WCHAR tcCore[PATH_CHARS], wcVersion[VERSION_CHARS];
+    PrinterCall call(pSession->hPrinter);
+    if (GetRenderCorePath(call, tcCore) && ReadVersionText(tcCore, wcVersion)) {
+        int nLine = FIRST_LINE + nTexts;
+        ShowModelText(hDialog, pSession, nLine, AboutText(pSession, nTexts));
+        if (wcVersion[0]) {
+            WCHAR wcName[TEXT_CHARS], wcLine[TEXT_CHARS + VERSION_CHARS];
+            LoadUiText(pSession, STRING_VERSION, wcName, TEXT_CHARS);
+            FormatWide(wcLine, TEXT_CHARS + VERSION_CHARS, TEXT("%s %s"), static_cast<const WCHAR*>(wcName),
+                       static_cast<const WCHAR*>(wcVersion));
+            SetDlgItemTextW(hDialog, nLine + 1, wcLine);
+        }
+        ShowModelText(hDialog, pSession, nLine + 2, AboutText(pSession, nTexts + 2));
+    }
+    CentreDialog(hDialog, CENTRE_X, DIALOG_TOP);
+}
+
+void ShowAbout(UiSession* pSession, HWND hOwner)
+{
+    HMODULE hLibrary = static_cast<HMODULE>(pSession->hLanguageDll.get());
+    if (!hLibrary) {
+        return; /* the program that we are loaded into may have a dialog of that number */
+    }
+    AboutBox box = {pSession, static_cast<HBITMAP>(LoadImageW(hLibrary, TEXT("LOGOBITMAP"), IMAGE_BITMAP, 0,
+                                                              0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT))};
+    DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(TEMPLATE_ABOUT), hOwner, AboutProc,
+                    reinterpret_cast<LPARAM>(&box));
+    if (box.hLogo) {
+        DeleteObject(box.hLogo);
+    }
+}

@@ -1,0 +1,12 @@
+/* What the About box and the About page have alike. */
+#ifndef TQUI_SHEET_ABOUT_H
+#define TQUI_SHEET_ABOUT_H
+
+#include "sheet/session.h"
+
+/* Fills the lines from 1896 on: up to three texts of the model, then a text of the model, the version of the rendering
+   half and another text, which are there only when that half tells its version; places the window below its
+   parent's upper edge. Without a model only the version is shown. */
+void FillAbout(HWND hDialog, UiSession* pSession);
+
+#endif

@@ -1,0 +1,70 @@
+/* The commit: pages write the record one by one, the last one with edits hands it to the host. */
+#include "description/printer_store.h"
+#include "sheet/notices.h"
+#include "sheet/page.h"
+
+namespace {
+
+constexpr u32 LAST_KNOWN_METHOD = 256; /* dmICMMethod: above it are methods of drivers, none of them ours */
+constexpr UINT BROADCAST_MILLISECONDS = 500; /* for each window that does not answer */
+
+int IsAnyDirty(const UiSession* pSession)
+{
+    for (u32 bDirty : pSession->bPageDirty) {
+        if (bDirty) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+void TellAllWindows(const UiSession* pSession)
+{
+    DWORD_PTR dwIgnored;
+    SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0,
+                        reinterpret_cast<LPARAM>(pSession->wcPrinterName), SMTO_ABORTIFHUNG,
+                        BROADCAST_MILLISECONDS, &dwIgnored);
+}
+
+} // namespace
+
+void CommitPage(UiSession* pSession, int nSlot)
+{
+    pSession->bPageDirty[nSlot] = 0;
+    if (IsAnyDirty(pSession)) {
+        return;
+    }
+    /* A dialog has no page of its own: the Paper page speaks for it. What it edited is stored already. */
+    int bPage = pSession->hPage[nSlot] != nullptr;
+    int nSpeaker = bPage ? nSlot : SLOT_PAPER;
+    HWND hPage = pSession->hPageWnd[nSpeaker];
+    if (CheckConstraints(hPage, pSession)) {
+        pSession->bStickyChange = 1;
+        if (bPage) {
+            pSession->bPageDirty[nSlot] = 1;
+            SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
+        }
+        return;
+    }
+    if (pSession->pRecord->dmICMMethod > LAST_KNOWN_METHOD) {
+        pSession->pRecord->dmICMMethod = 1;
+    }
+    if (bPage) {
+        SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_NOERROR);
+    }
+    if (pSession->bSettingsLoaded) {
+        PrinterCall call(pSession->hPrinter);
+        pSession->bSettingsLoaded = 0;
+        SetProfileName(call, pSession->wcProfileFile);
+        SetScreenName(call, pSession->wcScreenFile);
+    }
+    pSession->bStickyChange = 0;
+    pSession->pfnComPropSheet(pSession->hComPropSheet, CPSFUNC_SET_RESULT,
+                              reinterpret_cast<LPARAM>(pSession->hPage[nSpeaker]), CPSUI_OK);
+    if (pSession->bDeviceSheet) {
+        TellAllWindows(pSession);
+    }
+    pSession->rSnapshot = *pSession->pRecord;
+    CopyWide(pSession->wcProfileFileSnapshot, PATH_CHARS, pSession->wcProfileFile);
+    CopyWide(pSession->wcScreenFileSnapshot, PATH_CHARS, pSession->wcScreenFile);
+}

@@ -1,0 +1,214 @@
+/* Numeric edit controls: measures and whole numbers in them, their spin buttons, and the keys that step them. */
+#include "base/wide.h"
+#include "sheet/dialog_services.h"
+
+namespace {
+
+/* Paging through booklet groups goes by whole sheets of four pages. */
+constexpr int BOOKLET_EDIT = 1513;
+constexpr i32 BOOKLET_STEP = 4;
+
+constexpr i32 FARTHEST_METRIC = 25000, FARTHEST_INCH = 25400; /* from the middle of the page */
+
+enum NumberKind : u8 { WHOLE_NUMBER, PAPER_WIDTH, PAPER_LENGTH, POSITION };
+
+struct SpinRow {
+    u16 usSpin, usEdit;
+    i32 lMin, lMax;
+    NumberKind kind; /* of the others the limits are the model's or the unit's */
+};
+constexpr SpinRow aSpins[] = {
+    {1601, 1501, 1, 99, WHOLE_NUMBER},
+    {1603, 1508, 8, 300, WHOLE_NUMBER},
+    {1604, 1509, 0, 359, WHOLE_NUMBER},
+    {1605, 1510, 1, 100, WHOLE_NUMBER},
+    {1606, BOOKLET_EDIT, 0, 32764, WHOLE_NUMBER},
+    {1607, 1515, 25, 400, WHOLE_NUMBER},
+    {1608, 1520, 0, 100, WHOLE_NUMBER},
+    {1612, 1530, -50, 50, WHOLE_NUMBER},
+    {1613, 1531, -50, 50, WHOLE_NUMBER},
+    {1622, 1504, 0, 0, PAPER_WIDTH},
+    {1623, 1505, 0, 0, PAPER_LENGTH},
+    {1624, 1511, 0, 0, POSITION},
+    {1625, 1512, 0, 0, POSITION},
+    {},
+};
+
+struct KeyRow {
+    u16 usEdit;
+    NumberKind kind;
+    NumberRange range;
+};
+constexpr KeyRow aKeyRanges[] = {
+    {1501, WHOLE_NUMBER, {1, 1, 99}},
+    {1504, PAPER_WIDTH, {}},
+    {1505, PAPER_LENGTH, {}},
+    {1506, WHOLE_NUMBER, {25, 100, 400}},
+    {1508, WHOLE_NUMBER, {8, 72, 300}},
+    {1509, WHOLE_NUMBER, {0, 45, 359}},
+    {1510, WHOLE_NUMBER, {0, 25, 100}},
+    {1511, POSITION, {}},
+    {1512, POSITION, {}},
+    {1515, WHOLE_NUMBER, {25, 100, 400}},
+    {1530, WHOLE_NUMBER, {-50, 0, 50}},
+    {1531, WHOLE_NUMBER, {-50, 0, 50}},
+    {},
+};
+
+/* Range of a measure; 0 for the sides of a paper without a model. */
+int MeasureRange(const UiSession* pSession, NumberKind kind, int bMetric, NumberRange* pRange)
+{
+    if (kind == POSITION) {
+        i32 lFarthest = bMetric ? FARTHEST_METRIC : FARTHEST_INCH;
+        *pRange = {-lFarthest, 0, lFarthest};
+        return 1;
+    }
+    const XpiModel* pModel = pSession->pXpi.get();
+    if (!pModel) {
+        return 0;
+    }
+    *pRange = kind == PAPER_WIDTH
+                  ? PaperSideRange(pModel->sMinCustomWidth, pModel->sMaxCustomWidth, bMetric)
+                  : PaperSideRange(pModel->sMinCustomLength, pModel->sMaxCustomLength, bMetric);
+    return 1;
+}
+
+/* 1 when the key is one that steps this control. */
+int PressKey(HWND hEdit, UiSession* pSession, int nKey)
+{
+    HWND hDialog = GetParent(hEdit);
+    int nControl = GetDlgCtrlID(hEdit);
+    const KeyRow* pRow = aKeyRanges;
+    while (pRow->usEdit && pRow->usEdit != nControl) {
+        pRow++;
+    }
+    if (!pRow->usEdit) {
+        return 0;
+    }
+    if (pRow->kind == WHOLE_NUMBER) {
+        i32 lOld = ReadNumber(hDialog, nControl);
+        i32 lNew = lOld;
+        int bOurs = PressNumberKey(nKey, pRow->range, &lNew);
+        if (lNew != lOld) {
+            SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lNew), 1);
+        }
+        return bOurs;
+    }
+    NumberRange range;
+    int bMetric = pSession->pbEditMetric && *pSession->pbEditMetric;
+    if (!MeasureRange(pSession, pRow->kind, bMetric, &range)) {
+        return 0;
+    }
+    RoundingMode mode = ROUND_NEAREST;
+    i32 lOld = ReadMeasure(hDialog, pSession, nControl, bMetric);
+    i32 lNew = lOld;
+    int bOurs = PressMeasureKey(nKey, range, bMetric, &lNew, &mode);
+    if (lNew != lOld) {
+        ShowMeasure(hDialog, pSession, nControl, lNew, bMetric, mode);
+    }
+    return bOurs;
+}
+
+/* The procedure of all numeric edit controls. The session stands in the control itself: its dialog is told of the end
+   before its controls are. */
+LRESULT CALLBACK NumericEditProc(HWND hEdit, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    UiSession* pSession = reinterpret_cast<UiSession*>(GetWindowLongPtrW(hEdit, GWLP_USERDATA));
+    if (!pSession) {
+        return 0;
+    }
+    WNDPROC pfnEdit = pSession->pfnEditProc;
+    if (uMessage == WM_KEYDOWN && PressKey(hEdit, pSession, static_cast<int>(wParam & 0xFFFF))) {
+        return 0;
+    }
+    if (uMessage == WM_DESTROY) {
+        SetWindowLongPtrW(hEdit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(pfnEdit));
+        SetWindowLongPtrW(hEdit, GWLP_USERDATA, 0);
+    }
+    return CallWindowProcW(pfnEdit, hEdit, uMessage, wParam, lParam);
+}
+
+} // namespace
+
+i32 ReadMeasure(HWND hDialog, const UiSession* pSession, int nControl, int bMetric)
+{
+    WCHAR wcText[TEXT_CHARS];
+    UINT nGot = GetDlgItemTextW(hDialog, nControl, wcText, TEXT_CHARS);
+    wcText[nGot < TEXT_CHARS ? nGot : TEXT_CHARS - 1] = 0;
+    return MeasureOfText(wcText, pSession->rLanguage.wcDecimal, bMetric);
+}
+
+void ShowMeasure(HWND hDialog, const UiSession* pSession, int nControl, i32 lValue, int bMetric,
+                 RoundingMode mode)
+{
+    WCHAR wcText[TEXT_CHARS];
+    FormatMeasure(lValue, bMetric, mode, pSession->rLanguage.wcDecimal, wcText, TEXT_CHARS);
+    SetDlgItemTextW(hDialog, nControl, wcText);
+}
+
+i32 ReadNumber(HWND hDialog, int nControl)
+{
+    return static_cast<i32>(GetDlgItemInt(hDialog, nControl, nullptr, 1));
+}
+
+void StepMeasureEdit(HWND hDialog, const UiSession* pSession, int nCode, int nControl, i32 lMin, i32 lMax,
+                     int bMetric)
+{
+    RoundingMode mode;
+    i32 lValue = ReadMeasure(hDialog, pSession, nControl, bMetric);
+    lValue = StepMeasure(lValue, nCode, lMin, lMax, bMetric, &mode);
+    ShowMeasure(hDialog, pSession, nControl, lValue, bMetric, mode);
+}
+
+void SpinEdit(HWND hDialog, int nCode, int nControl, i32 lMin, i32 lMax)
+{
+    i32 lStep = nControl == BOOKLET_EDIT ? BOOKLET_STEP : 1;
+    i32 lValue = StepNumber(ReadNumber(hDialog, nControl), nCode, lStep, lMin, lMax);
+    SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lValue), 1);
+}
+
+int HandleSpin(HWND hDialog, const UiSession* pSession, WPARAM wParam, LPARAM lParam, int bMetric)
+{
+    int nSpin = GetDlgCtrlID(reinterpret_cast<HWND>(lParam));
+    int nCode = LOWORD(wParam);
+    for (const SpinRow* pRow = aSpins; pRow->usSpin; pRow++) {
+        if (pRow->usSpin != nSpin) {
+            continue;
+        }
+        NumberRange range;
+        if (pRow->kind == WHOLE_NUMBER) {
+            SpinEdit(hDialog, nCode, pRow->usEdit, pRow->lMin, pRow->lMax);
+        } else if (MeasureRange(pSession, pRow->kind, bMetric, &range)) {
+            StepMeasureEdit(hDialog, pSession, nCode, pRow->usEdit, range.lMin, range.lMax, bMetric);
+        } else {
+            return 0;
+        }
+        return pRow->usEdit;
+    }
+    return 0;
+}
+
+void SubclassNumberEdit(HWND hDialog, UiSession* pSession, int nControl)
+{
+    HWND hEdit = GetDlgItem(hDialog, nControl);
+    LONG_PTR lOwn = reinterpret_cast<LONG_PTR>(&NumericEditProc);
+    LONG_PTR lBefore = hEdit ? GetWindowLongPtrW(hEdit, GWLP_WNDPROC) : 0;
+    if (!lBefore || lBefore == lOwn) {
+        return; /* not there, or a page that fills its controls once more */
+    }
+    LONG_PTR lSession = reinterpret_cast<LONG_PTR>(pSession);
+    SetWindowLongPtrW(hEdit, GWLP_USERDATA, lSession);
+    if (GetWindowLongPtrW(hEdit, GWLP_USERDATA) != lSession) {
+        return;
+    }
+    if (!pSession->pfnEditProc) {
+        pSession->pfnEditProc = reinterpret_cast<WNDPROC>(lBefore);
+    }
+    SetWindowLongPtrW(hEdit, GWLP_WNDPROC, lOwn);
+}
+
+void SubclassMeasureEdit(HWND hDialog, UiSession* pSession, int nControl, const u32* pbMetric)
+{
+    pSession->pbEditMetric = pbMetric;
+    SubclassNumberEdit(hDialog, pSession, nControl);
+}

@@ -1,0 +1,185 @@
+/* The driver's one message box: five notices, told by a table, in two dialogs. */
+#include "sheet/notices.h"
+
+#include "base/format.h"
+#include "description/paper.h"
+#include "description/xpi_text.h"
+#include "entry/notice.h"
+#include "sheet/conflicts.h"
+#include "sheet/dialog_services.h"
+
+namespace {
+
+constexpr int ICON_PLACE = 1652, FIRST_LINE = 1921, LINES = 4, LARGE_TEXT = 1916;
+constexpr int BUTTON_YES = 1702, BUTTON_NO = 1703, BUTTON_OK = 1732;
+constexpr int TEMPLATE_TELL = 1090, TEMPLATE_ASK = 1091;
+constexpr int DIALOG_TOP = 25; /* below the parent's upper edge, in pixels */
+
+enum NoticeIcon : u8 { SHOWS_STOP, SHOWS_WARNING };
+enum NoticeBody : u8 { FIXED_LINES, CONFLICT_TEXT, PAPER_LIMITS };
+
+struct NoticeRow {
+    NoticeId id;
+    u16 usTemplate;
+    NoticeIcon icon;
+    NoticeBody body;
+    u16 usFirstString; /* of the lines, numbered on from here */
+    u8 nLines;
+    u8 bDuringJob; /* without an owner: brought to the foreground in place of being centred */
+};
+constexpr NoticeRow aNotices[] = {
+    {NOTICE_CONFLICT, TEMPLATE_TELL, SHOWS_STOP, CONFLICT_TEXT, 2509, 4, 0},
+    {NOTICE_PAPER_SIZE, TEMPLATE_TELL, SHOWS_STOP, PAPER_LIMITS, 2513, 4, 0},
+    {NOTICE_OUTLINE, TEMPLATE_ASK, SHOWS_WARNING, FIXED_LINES, 2505, 4, 0},
+    {NOTICE_NAME, TEMPLATE_TELL, SHOWS_WARNING, FIXED_LINES, 2509, 1, 0},
+    {NOTICE_NOT_PRINTED, TEMPLATE_TELL, SHOWS_STOP, FIXED_LINES, 2529, 4, 1},
+};
+
+const NoticeRow* FindNotice(i16 sId)
+{
+    for (const NoticeRow& row : aNotices) {
+        if (row.id == sId) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+void Show(HWND hDialog, int nControl, int nHow)
+{
+    if (HWND hControl = GetDlgItem(hDialog, nControl)) {
+        ShowWindow(hControl, nHow);
+    }
+}
+
+/* A limit of the model's own paper sizes, in both units, by a format of the library. */
+void FormatLimit(const UiSession* pSession, const NoticeRow& row, int nLine, WCHAR* wcOut, int cch)
+{
+    const XpiModel* pModel = pSession->pXpi.get();
+    wcOut[0] = 0;
+    if (!pModel) {
+        return;
+    }
+    const i16 asLimits[LINES] = {pModel->sMinCustomWidth, pModel->sMaxCustomWidth, pModel->sMinCustomLength,
+                                 pModel->sMaxCustomLength};
+    i32 lLimit = asLimits[nLine], lInches, lHundredths;
+    WCHAR wcFormat[TEXT_CHARS];
+    SplitMeasure(lLimit * 10, 0, nLine % 2 ? ROUND_DOWN : ROUND_UP, &lInches, &lHundredths);
+    LoadUiText(pSession, row.usFirstString + nLine, wcFormat, TEXT_CHARS);
+    FormatWide(wcOut, cch, wcFormat, lInches, lHundredths, lLimit / 10, lLimit % 10);
+}
+
+/* The text of a conflict stands alone; all else is lines. */
+void FillBody(HWND hDialog, UiSession* pSession, const NoticeRow& row)
+{
+    WCHAR wcText[2 * TEXT_CHARS];
+    int nLines = row.nLines;
+    if (row.body == CONFLICT_TEXT && pSession->sNoticeText) {
+        ReadXpiString(pSession->rXpiFile, pSession->rLanguage.usPrimary,
+                      static_cast<HMODULE>(pSession->hLanguageDll.get()), pSession->sNoticeText, wcText,
+                      TEXT_CHARS);
+        SetDlgItemTextW(hDialog, LARGE_TEXT, wcText);
+        Show(hDialog, LARGE_TEXT, SW_SHOW);
+        nLines = 0;
+    }
+    for (int i = 0; i < LINES; i++) {
+        if (i >= nLines) {
+            Show(hDialog, FIRST_LINE + i, SW_HIDE);
+            continue;
+        }
+        if (row.body == PAPER_LIMITS) {
+            FormatLimit(pSession, row, i, wcText, 2 * TEXT_CHARS);
+        } else {
+            LoadUiText(pSession, row.usFirstString + i, wcText, TEXT_CHARS);
+        }
+        SetDlgItemTextW(hDialog, FIRST_LINE + i, wcText);
+    }
+}
+
+void InitNotice(HWND hDialog, UiSession* pSession)
+{
+    const NoticeRow* pRow = FindNotice(pSession->sDialogArg);
+    if (!pRow) {
+        return;
+    }
+    WCHAR wcTitle[TEXT_CHARS];
+    LabelControls(hDialog, pSession);
+    LoadUiText(pSession, pRow->id, wcTitle, TEXT_CHARS);
+    SetWindowTextW(hDialog, wcTitle);
+    Show(hDialog, LARGE_TEXT, SW_HIDE);
+    HICON hIcon = LoadIconW(nullptr, pRow->icon == SHOWS_STOP ? IDI_HAND : IDI_EXCLAMATION);
+    SendDlgItemMessageW(hDialog, ICON_PLACE, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
+    FillBody(hDialog, pSession, *pRow);
+    if (pRow->bDuringJob) {
+        SetForegroundWindow(hDialog);
+    } else {
+        CentreDialog(hDialog, CENTRE_X, DIALOG_TOP);
+    }
+}
+
+/* Ends with the number of the button, which no failure of the opening gives. */
+INT_PTR CALLBACK NoticeProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    switch (uMessage) {
+    case WM_INITDIALOG:
+        SetWindowLongPtrW(hDialog, DWLP_USER, lParam);
+        InitNotice(hDialog, reinterpret_cast<UiSession*>(lParam));
+        return 1;
+    case WM_COMMAND:
+        switch (LOWORD(wParam)) {
+        case BUTTON_YES:
+        case BUTTON_NO:
+        case BUTTON_OK:
+        case IDCANCEL: EndDialog(hDialog, LOWORD(wParam)); break;
+        default: break;
+        }
+        return 1;
+    default: return 0;
+    }
+}
+
+} // namespace
+
+INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice)
+{
+    HMODULE hLibrary = static_cast<HMODULE>(pSession->hLanguageDll.get());
+    const NoticeRow* pRow = FindNotice(notice);
+    if (!hLibrary || !pRow) {
+        return 1; /* with a null module the template would be looked for in the program that we are loaded into */
+    }
+    i16 sBefore = pSession->sDialogArg;
+    pSession->sDialogArg = notice;
+    INT_PTR nEnd = DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(pRow->usTemplate), hOwner, NoticeProc,
+                                   reinterpret_cast<LPARAM>(pSession));
+    pSession->sDialogArg = sBefore;
+    return nEnd != BUTTON_YES;
+}
+
+int ShowJobNotice(HMODULE hLanguageDll, const LanguageChoice& choice)
+{
+    OwnedBlock<UiSession> pBlock(static_cast<UiSession*>(AllocateBlock(sizeof(UiSession))));
+    if (!pBlock) {
+        return 0;
+    }
+    UiSession* pSession = std::construct_at(pBlock.get());
+    pSession->rLanguage = choice;
+    pSession->hLanguageDll.reset(hLanguageDll);
+    ShowNotice(pSession, nullptr, NOTICE_NOT_PRINTED);
+    (void)pSession->hLanguageDll.release(); /* the caller's */
+    std::destroy_at(pSession);
+    return 1;
+}
+
+int CheckConstraints(HWND hPage, UiSession* pSession)
+{
+    PrinterCall call(pSession->hPrinter);
+    Conflict conflict;
+    i32 lKnownEnd = FIRST_SAVED_CODE + pSession->sCustomPaperCount + pSession->sFormCount;
+    if (!FindConflict(call, pSession->pRecord, &pSession->rDeviceInfo, pSession->pXpi.get(), lKnownEnd,
+                      &conflict)) {
+        return 0;
+    }
+    pSession->sNoticeText = conflict.sMessageId;
+    ShowNotice(pSession, hPage, NOTICE_CONFLICT);
+    return 1;
+}

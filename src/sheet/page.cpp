@@ -1,0 +1,320 @@
+/* The pages of a sheet: how they come to the host, and what every one of them does with its messages. */
+#include "sheet/page.h"
+
+#include "sheet/dialog_services.h"
+#include "sheet/notices.h"
+#include "sheet/page_extras.h"
+
+namespace {
+
+enum : int {
+    CONTROL_PREVIEW = 1651,
+    CONTROL_DUPLEX_PICTURE = 1653, /* Layout page */
+    CONTROL_LOGO = 1692,
+    BUTTON_ABOUT = 1701,
+    BUTTON_PRESET = 1720,
+    CONTROL_SIZE_LINE = 1920
+};
+
+/* 1 when the model has what the page is about. */
+int IsPageWanted(const UiSession* pSession, int nSlot)
+{
+    switch (nSlot) {
+    case SLOT_WATERMARKS: return pSession->bFontFamilies != 0;
+    case SLOT_FONTS: return pSession->bFontFamilies && pSession->pXpi->sResFontCount != 0;
+    default: return 1;
+    }
+}
+
+/* 1 when the host took the page. */
+int AddPage(UiSession* pSession, const PageTableRow& row, u16 usTemplate)
+{
+    PROPSHEETPAGEW page = {};
+    LoadUiText(pSession, row.sTitle, pSession->wcPageTitle[row.sSlot], TEXT_CHARS);
+    page.dwSize = sizeof page;
+    page.dwFlags = PSP_USETITLE;
+    page.hInstance = static_cast<HINSTANCE>(pSession->hLanguageDll.get());
+    page.pszTemplate = MAKEINTRESOURCEW(usTemplate);
+    page.pszTitle = pSession->wcPageTitle[row.sSlot];
+    page.pfnDlgProc = row.pfnDialogProc;
+    page.lParam = reinterpret_cast<LPARAM>(pSession);
+    LONG_PTR lHandle = pSession->pfnComPropSheet(pSession->hComPropSheet, CPSFUNC_ADD_PROPSHEETPAGEW,
+                                                 reinterpret_cast<LPARAM>(&page), 0);
+    pSession->hPage[row.sSlot] = reinterpret_cast<HPROPSHEETPAGE>(lHandle);
+    return lHandle != 0;
+}
+
+/* Adds the pages of the table and counts them. 0 when the host refused one. */
+int AddTablePages(UiSession* pSession, const PageTableRow* pTable, int* pnAdded)
+{
+    *pnAdded = 0;
+    for (const PageTableRow* pRow = pTable; pRow->sTitle; pRow++) {
+        u16 usTemplate = pSession->bDeviceSheet ? pRow->sDevTemplate : pRow->sDocTemplate;
+        if (!usTemplate) {
+            continue;
+        }
+        pSession->pfnPageCommand[pRow->sSlot] = pRow->pfnCommand;
+        if (!IsPageWanted(pSession, pRow->sSlot)) {
+            continue;
+        }
+        if (!AddPage(pSession, *pRow, usTemplate)) {
+            return 0;
+        }
+        ++*pnAdded;
+    }
+    return 1;
+}
+
+void ShowLogo(HWND hPage, UiSession* pSession)
+{
+    if (!pSession->hLogoBitmap) {
+        pSession->hLogoBitmap = static_cast<HBITMAP>(
+            LoadImageW(static_cast<HINSTANCE>(pSession->hLanguageDll.get()), TEXT("LOGOBITMAP"), IMAGE_BITMAP,
+                       0, 0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT));
+    }
+    if (pSession->hLogoBitmap) {
+        SendDlgItemMessageW(hPage, CONTROL_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
+                            reinterpret_cast<LPARAM>(pSession->hLogoBitmap));
+    }
+}
+
+/* The logo goes with the last page, and no control holds it then. */
+void ReleaseLogo(HWND hPage, UiSession* pSession)
+{
+    if (!pSession->hLogoBitmap) {
+        return;
+    }
+    SendDlgItemMessageW(hPage, CONTROL_LOGO, STM_SETIMAGE, IMAGE_BITMAP, 0);
+    for (HWND hOther : pSession->hPageWnd) {
+        if (hOther) {
+            return;
+        }
+    }
+    DeleteObject(pSession->hLogoBitmap);
+    pSession->hLogoBitmap = nullptr;
+}
+
+/* Right and bottom edge belong to the area. */
+int IsOver(HWND hPage, int nControl, LPARAM lPoint)
+{
+    RECT area;
+    LONG x = static_cast<i16>(LOWORD(lPoint)), y = static_cast<i16>(HIWORD(lPoint));
+    return ControlRect(hPage, nControl, &area) && x >= area.left && x <= area.right && y >= area.top &&
+           y <= area.bottom;
+}
+
+void MoveOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
+{
+    HCURSOR hNow = GetCursor();
+    if (IsOver(hPage, CONTROL_SIZE_LINE, lPoint) || IsOver(hPage, CONTROL_LOGO, lPoint)) {
+        if (hNow != pSession->hCursorHand) {
+            pSession->hCursorSaved = hNow;
+            SetCursor(pSession->hCursorHand);
+        }
+    } else if (hNow == pSession->hCursorHand) {
+        SetCursor(pSession->hCursorSaved);
+    }
+}
+
+/* The size line turns between the units, the logo leads to the maker's page. */
+void ReleaseOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
+{
+    if (IsOver(hPage, CONTROL_SIZE_LINE, lPoint)) {
+        pSession->bPreviewMetric = !pSession->bPreviewMetric;
+        SetCursor(pSession->hCursorHand);
+        RepaintControl(hPage, CONTROL_PREVIEW);
+    } else if (IsOver(hPage, CONTROL_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
+        OpenWebPage(pSession);
+    }
+}
+
+INT_PTR InitPage(const PageRoutines& routines, HWND hPage, LPARAM lParam)
+{
+    InitPageCommon(hPage, reinterpret_cast<const PROPSHEETPAGEW*>(lParam), routines.slot);
+    UiSession* pSession = SessionOf(hPage);
+    if (pSession && routines.pfnInit) {
+        u32 bFilling = pSession->bFilling;
+        pSession->bFilling = 1;
+        routines.pfnInit(hPage, pSession);
+        pSession->bFilling = bFilling;
+    }
+    return routines.slot == SLOT_ABOUT;
+}
+
+/* An earlier refusal must not answer for this apply. */
+void ApplyPage(const PageRoutines& routines, HWND hPage, UiSession* pSession)
+{
+    SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_NOERROR);
+    if (!pSession->bPageDirty[routines.slot]) {
+        return;
+    }
+    if (routines.pfnApply && !routines.pfnApply(hPage, pSession)) {
+        SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
+        return;
+    }
+    CommitPage(pSession, routines.slot);
+}
+
+INT_PTR Notified(const PageRoutines& routines, HWND hPage, UiSession* pSession, LPARAM lParam)
+{
+    const NMHDR* pNote = reinterpret_cast<const NMHDR*>(lParam);
+    switch (pNote ? pNote->code : 0) {
+    case PSN_APPLY: ApplyPage(routines, hPage, pSession); return 1;
+    case PSN_HELP: ShowPageTopic(hPage, pSession, routines.nHelpKey); return 0;
+    case PSN_SETACTIVE:
+        RepaintControl(hPage, CONTROL_PREVIEW);
+        if (routines.slot == SLOT_LAYOUT) {
+            RepaintControl(hPage, CONTROL_DUPLEX_PICTURE);
+        }
+        return 0;
+    default: return 0;
+    }
+}
+
+INT_PTR Commanded(const PageRoutines& routines, HWND hPage, WPARAM wParam, LPARAM lParam)
+{
+    if (DispatchPageCommand(hPage, wParam, lParam, routines.slot) && routines.pfnDiffers) {
+        UiSession* pSession = SessionOf(hPage); /* a dialog of the command may have outlived the page */
+        if (pSession && !pSession->bFilling) {
+            TrackChange(hPage, pSession, routines.slot, routines.pfnDiffers(hPage, pSession));
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo, const PageTableRow* pTable,
+                    const PageTableRow& lonePage)
+{
+    pSession->bSheetBuilt = 1;
+    pSession->hComPropSheet = pInfo->hComPropSheet;
+    pSession->pfnComPropSheet = pInfo->pfnComPropSheet;
+    pInfo->UserData = reinterpret_cast<ULONG_PTR>(pSession);
+    pInfo->Result = 1;
+    int nAdded;
+    if (!pSession->pfnComPropSheet || !AddTablePages(pSession, pTable, &nAdded) ||
+        (!nAdded && !AddPage(pSession, lonePage, lonePage.sDevTemplate))) {
+        pInfo->Result = 0;
+        return 0;
+    }
+    return 1;
+}
+
+void InitPageCommon(HWND hPage, const PROPSHEETPAGEW* pPage, int nSlot)
+{
+    UiSession* pSession = pPage ? reinterpret_cast<UiSession*>(pPage->lParam) : nullptr;
+    if (!pSession) {
+        return;
+    }
+    SetWindowLongPtrW(hPage, DWLP_USER, pPage->lParam);
+    pSession->hPageWnd[nSlot] = hPage;
+    LabelControls(hPage, pSession);
+    if (!pSession->bDeviceSheet) {
+        InitPresets(hPage, pSession);
+    }
+    ShowLogo(hPage, pSession);
+}
+
+void PageDestroyed(HWND hDialog, int nSlot)
+{
+    UiSession* pSession = SessionOf(hDialog);
+    if (!pSession || nSlot < 0 || nSlot >= SLOT_COUNT) {
+        return;
+    }
+    SetWindowLongPtrW(hDialog, DWLP_USER, 0);
+    pSession->hPageWnd[nSlot] = nullptr;
+    if (nSlot == SLOT_WATERMARKS) {
+        pSession->pDeletedWatermarks.reset();
+        pSession->sDeletedWatermarkCount = 0;
+    } else if (nSlot == SLOT_FONTS) {
+        pSession->pFontSubsSnapshot.reset();
+        pSession->sFontSubsSnapshotCount = 0;
+    }
+    ReleaseLogo(hDialog, pSession);
+}
+
+int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot)
+{
+    UiSession* pSession = SessionOf(hPage);
+    if (!pSession) {
+        return 0;
+    }
+    int bClicked = HIWORD(wParam) == BN_CLICKED;
+    switch (LOWORD(wParam)) {
+    case CONTROL_LOGO:
+        if (bClicked && pSession->pXpi->sWebLinkCmdId) {
+            OpenWebPage(pSession);
+        }
+        return 0;
+    case BUTTON_ABOUT:
+        if (bClicked) {
+            ShowAbout(pSession, hPage);
+        }
+        return 0;
+    case BUTTON_PRESET:
+        if (bClicked) {
+            ApplyPreset(hPage, pSession);
+        }
+        return 0;
+    default:
+        if (!pSession->pfnPageCommand[nSlot]) {
+            return 0;
+        }
+        pSession->pfnPageCommand[nSlot](hPage, pSession, wParam, lParam);
+        return 1;
+    }
+}
+
+void TrackChange(HWND hPage, UiSession* pSession, int nSlot, int bDiffers)
+{
+    int bHeld = pSession->bSettingsLoaded || pSession->bStickyChange;
+    SendMessageW(GetParent(hPage), bDiffers || bHeld ? PSM_CHANGED : PSM_UNCHANGED,
+                 reinterpret_cast<WPARAM>(hPage), 0);
+    if (bDiffers) {
+        pSession->bPageDirty[nSlot] = 1;
+    } else if (!bHeld) {
+        pSession->bPageDirty[nSlot] = 0;
+    }
+}
+
+INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessage, WPARAM wParam,
+                          LPARAM lParam)
+{
+    if (uMessage == WM_INITDIALOG) {
+        return InitPage(routines, hPage, lParam);
+    }
+    UiSession* pSession = SessionOf(hPage);
+    if (!pSession) {
+        return 0;
+    }
+    switch (uMessage) {
+    case WM_DESTROY: PageDestroyed(hPage, routines.slot); return 0;
+    case WM_PAINT:
+        if (!routines.pfnPaint) {
+            return 0;
+        }
+        routines.pfnPaint(hPage, pSession);
+        return 1;
+    case WM_NOTIFY: return Notified(routines, hPage, pSession, lParam);
+    case WM_HELP:
+    case WM_CONTEXTMENU: return ShowContextHelp(hPage, pSession, uMessage, wParam, lParam);
+    case WM_COMMAND: return Commanded(routines, hPage, wParam, lParam);
+    case WM_VSCROLL: /* spin buttons on a page move whole numbers only */
+        HandleSpin(hPage, pSession, wParam, lParam, 0);
+        return 0;
+    case WM_HSCROLL:
+        if (routines.pfnScroll) {
+            routines.pfnScroll(hPage, pSession, wParam, lParam);
+        }
+        return 0;
+    case WM_MOUSEMOVE: MoveOverPage(hPage, pSession, lParam); return 0;
+    case WM_LBUTTONDOWN:
+        if (IsOver(hPage, CONTROL_SIZE_LINE, lParam)) {
+            SetCursor(pSession->hCursorHand);
+        }
+        return 0;
+    case WM_LBUTTONUP: ReleaseOverPage(hPage, pSession, lParam); return 0;
+    default: return 0;
+    }
+}

@@ -1,0 +1,17 @@
+/* Empty until presets, help and preview are built. */
+#include "sheet/page_extras.h"
+
+void InitPresets(HWND, UiSession*) {}
+
+void ApplyPreset(HWND, UiSession*) {}
+
+void ShowPageTopic(HWND, UiSession*, int) {}
+
+INT_PTR ShowContextHelp(HWND, UiSession*, UINT, WPARAM, LPARAM)
+{
+    return 0;
+}
+
+void OpenWebPage(UiSession*) {}
+
+void FreePreview(UiSession*) {}

@@ -1,0 +1,26 @@
+/* What belongs to every page and is not built yet: presets, help, web page, preview. Each is called where it will act
+   and does nothing now. */
+#ifndef TQUI_SHEET_PAGE_EXTRAS_H
+#define TQUI_SHEET_PAGE_EXTRAS_H
+
+#include "sheet/session.h"
+
+/* Start of a page in a document sheet: the list of presets. */
+void InitPresets(HWND hPage, UiSession* pSession);
+
+/* Button 1720. */
+void ApplyPreset(HWND hPage, UiSession* pSession);
+
+/* The sheet's Help button, by the key of the page. */
+void ShowPageTopic(HWND hPage, UiSession* pSession, int nHelpKey);
+
+/* WM_HELP and WM_CONTEXTMENU. Result: 1 when help was shown. */
+INT_PTR ShowContextHelp(HWND hPage, UiSession* pSession, UINT uMessage, WPARAM wParam, LPARAM lParam);
+
+/* A click on the logo, of a model with an address. */
+void OpenWebPage(UiSession* pSession);
+
+/* Releases what the preview holds, at the session's end. */
+void FreePreview(UiSession* pSession);
+
+#endif

@@ -1,0 +1,12 @@
+/* All pages there are, in the order of their tabs. */
+#ifndef TQUI_SHEET_PAGES_H
+#define TQUI_SHEET_PAGES_H
+
+#include "sheet/page.h"
+
+extern const PageTableRow aPageTable[];
+
+/* The About page: of a sheet that has no other. */
+extern const PageTableRow rAboutPage;
+
+#endif

@@ -1,0 +1,393 @@
+/* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
+#include "entry/exports.h"
+#include "settings/defaults.h"
+#include "settingsfile/settings_reader.h"
+#include "support/sample_machine.h"
+#include "tools/tq/machine_text.h"
+
+namespace {
+
+enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER };
+
+const WideText tcUsers = u"C:\\Users\\";
+const WideText tcOurFolder = u"\\Application Data\\Corvantis Optics\\";
+
+class PrinterEvents : public MachineTest {
+  protected:
+    BOOL Raise(int nEvent)
+    {
+        WideText wcName = wcPrinter;
+        return DrvPrinterEvent(wcName.data(), nEvent, 0, 0);
+    }
+
+    void InstallSample(const char* cStem)
+    {
+        AddSample(cStem);
+        tcFontFile = GetPrinterSetup(wcPrinter).tcDataFile;
+        PutFile(tcFontFile, Bytes(1000, 0x46));
+    }
+
+    Bytes Value(std::u16string_view wcValue)
+    {
+        DWORD dwType;
+        Bytes bytes;
+        GetPrinterValue(wcPrinter, wcValue, &dwType, &bytes);
+        return bytes;
+    }
+
+    std::string Text(std::u16string_view wcValue)
+    {
+        Bytes bytes = Value(wcValue);
+        WideText wcText(bytes.size() / 2, u'\0');
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<u8*>(wcText.data()));
+        return Narrow(wcText.substr(0, wcText.find(u'\0')));
+    }
+
+    /* Folder of the driver's settings in a profile. */
+    WideText UserFolder(std::u16string_view wcUser) const
+    {
+        return tcUsers + WideText(wcUser) + tcOurFolder + wcPrinter;
+    }
+
+    std::vector<std::string> FormNames() const
+    {
+        std::vector<std::string> names;
+        for (const MachineForm& form : MachineForms()) {
+            names.push_back(Narrow(form.wcName));
+        }
+        return names;
+    }
+
+    WideText tcFontFile;
+};
+
+/* The lines that tell files' sizes are other tests' business. */
+std::string WithoutFiles(const std::string& text)
+{
+    return text.substr(0, text.find("\nfile ") + 1);
+}
+
+} // namespace
+
+TEST_F(PrinterEvents, InitializeLeavesWithEachSampleWhatItsDescriptionSays)
+{
+    for (const char* cStem : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+        SCOPED_TRACE(cStem);
+        DropMachineForms();
+        SetPrintProcessors({"winprint=localspl.dll"});
+        InstallSample(cStem);
+        ASSERT_EQ(Raise(INITIALIZE), 1);
+        Bytes golden = ReadDiskFile(std::string(TQUI_SOURCE_DIR "/tests/golden/install/") + cStem + ".txt");
+        EXPECT_EQ(WithoutFiles(DescribePrinter(wcPrinter)) + "font file " +
+                      std::to_string(GetFile(tcFontFile).size()) + " bytes\n",
+                  std::string(golden.begin(), golden.end()));
+        /* The stored record is the built default, and the user's file reads back into it. */
+        PrinterSetup setup = GetPrinterSetup(wcPrinter);
+        DriverDevmode record;
+        PrinterCall call(hPrinter);
+        BuildDefaultRecord(call, wcPrinter.data(), &record, 1);
+        ASSERT_EQ(setup.devmode.size(), sizeof record);
+        EXPECT_EQ(std::memcmp(setup.devmode.data(), &record, sizeof record), 0);
+        EXPECT_TRUE(HasFile(UserFolder(u"worker") + u"\\00abcdef.tqs"));
+        EXPECT_EQ(AnnouncedPrinters().back(), Narrow(wcPrinter));
+        EXPECT_EQ(StartedPrograms().back(), "C:\\WINDOWS\\SYSTEM32\\SPOOL\\DRIVERS\\X64\\3\\GLYF.EXE|hidden");
+    }
+}
+
+TEST_F(PrinterEvents, TheFontFileGetsHalftonesThenFontsBehindItsBaseAndOnlyOnce)
+{
+    InstallSample("QP5");
+    Bytes wanted(1000, 0x46);
+    wanted.resize(1000 + 32 * (64 + 256 + 1024));
+    const std::pair<size_t, u8> fonts[] = {{20000, 0x51}, {12767, 0x52}, {1, 0x53},
+                                           {30000, 0x54}, {2767, 0x55},  {1, 0x56}};
+    size_t cbFonts = 0;
+    for (const auto& [cb, bFill] : fonts) {
+        cbFonts += cb;
+    }
+    SetReadOnly(tcFontFile, true);
+    Raise(INITIALIZE);
+    Bytes extended = GetFile(tcFontFile);
+    ASSERT_EQ(extended.size(), wanted.size() + cbFonts);
+    EXPECT_TRUE(std::equal(wanted.begin(), wanted.end(), extended.begin()));
+    size_t nEnd = wanted.size();
+    for (const auto& [cb, bFill] : fonts) {
+        nEnd += cb;
+        EXPECT_EQ(extended[nEnd - 1], bFill);
+    }
+    /* The value tells the size before; neither a second setting-up nor a connection adds again. */
+    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), 1000u);
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(GetFile(tcFontFile), extended);
+    Raise(INITIALIZE);
+    EXPECT_EQ(GetFile(tcFontFile), extended);
+    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), extended.size());
+    /* Another machine has the file as shipped, or less of it. */
+    SetPrinterValue(wcPrinter, u"BasePDFSize", REG_DWORD, {0xE8, 3, 0, 0});
+    PutFile(tcFontFile, Bytes(900, 0x46));
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
+    /* A base as large as the additions is never extended; nor is a file that somebody holds open. */
+    PutFile(tcFontFile, Bytes(extended.size(), 0x47));
+    Raise(INITIALIZE);
+    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
+    PutFile(tcFontFile, Bytes(1000, 0x46));
+    HANDLE hHeld = CreateFileW(tcFontFile.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, 0, nullptr);
+    Raise(INITIALIZE);
+    CloseHandle(hHeld);
+    EXPECT_EQ(GetFile(tcFontFile), Bytes(1000, 0x46));
+    EXPECT_FALSE(HasFile(tcFontFile + u".new"));
+}
+
+TEST_F(PrinterEvents, LostPowerLeavesTheFontFileBaseOrWhole)
+{
+    InstallSample("QP5");
+    const Bytes base(1000, 0x46);
+    Raise(INITIALIZE);
+    const Bytes whole = GetFile(tcFontFile);
+    PutFile(tcFontFile, base);
+    LogDisk();
+    Raise(INITIALIZE);
+    const std::vector<PowerCut> cuts = PowerCuts(8);
+    int nBase = 0, nWhole = 0;
+    for (const PowerCut& cut : cuts) {
+        CutPower(cut);
+        Bytes left = GetFile(tcFontFile);
+        nBase += left == base;
+        nWhole += left == whole;
+        /* What was left beside it stands in nobody's way. */
+        if (left == base && nBase % 16 == 1) {
+            Raise(INITIALIZE);
+            EXPECT_EQ(GetFile(tcFontFile), whole);
+            EXPECT_FALSE(HasFile(tcFontFile + u".new"));
+        }
+    }
+    EXPECT_EQ(nBase + nWhole, static_cast<int>(cuts.size()));
+    EXPECT_GT(nBase, 0);
+    EXPECT_GT(nWhole, 0);
+}
+
+TEST_F(PrinterEvents, ASecondSettingUpStartsTheLoadOfFormsAndSizesAnew)
+{
+    InstallSample("K100");
+    Raise(INITIALIZE);
+    const Bytes sizes = Value(u"PaperSizes");
+    const std::vector<std::string> forms = FormNames();
+    ResetCallCounts();
+    Raise(INITIALIZE);
+    EXPECT_EQ(Value(u"PaperSizes"), sizes) << "the digest starts the rows, the import appends to them";
+    EXPECT_EQ(FormNames().size(), forms.size());
+    EXPECT_EQ(CallCount(CALL_AddPrintProcessorW), 0);
+    EXPECT_EQ(CallCount(CALL_SetPrinterW), 1) << "the record; the print processor is the right one already";
+    /* A value whose condition is gone stays as it was. */
+    SetPrinterValue(wcPrinter, u"Margin", REG_BINARY, {1, 2, 3});
+    Raise(INITIALIZE);
+    EXPECT_EQ(Value(u"Margin"), Bytes({1, 2, 3}));
+    /* A file that is there already means that nothing is imported by a connection. */
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(Value(u"PaperSizes"), sizes);
+    std::filesystem::remove(HostPath(UserFolder(u"worker") + u"\\00abcdef.tqs"));
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(Value(u"PaperSizes").size(), sizes.size() + 12);
+}
+
+TEST_F(PrinterEvents, ASecondImagePrinterImportsWatermarksAsFiles)
+{
+    for (const auto& [cStem, bFiles] : {std::pair("T440B", true), std::pair("K100", false)}) {
+        InstallSample(cStem);
+        Raise(INITIALIZE);
+        Bytes file = GetFile(UserFolder(u"worker") + u"\\00abcdef.tqs");
+        WideText wcText(file.size() / 2, u'\0');
+        std::copy(file.begin(), file.end(), reinterpret_cast<u8*>(wcText.data()));
+        EXPECT_EQ(wcText.find(u"WMFileName0=VERTRAULICH\r\n") != wcText.npos, bFiles);
+        EXPECT_EQ(wcText.find(u"WMWidth0=1\r\n") != wcText.npos, bFiles);
+        EXPECT_NE(wcText.find(u"NumWatermarks=2\r\n"), wcText.npos);
+    }
+}
+
+TEST_F(PrinterEvents, NamesOfTheSettingsFileAndOfTheUserModeDriver)
+{
+    InstallSample("T410A");
+    PutFile(UserFolder(u"worker") + u"\\00001234.tqs", "taken");
+    SetTickCount(0x1234);
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(Text(u"Settings"), "00001235.TQS");
+    /* A value that leads elsewhere is none; sixteen taken names are an end. */
+    SetPrinterText(wcPrinter, u"Settings", u"..\\..\\x.ini");
+    for (int i = 0; i < 16; i++) {
+        char cName[32];
+        std::snprintf(cName, sizeof cName, "\\%08X.tqs", 0xFFFFFFF8u + static_cast<unsigned>(i));
+        PutFile(UserFolder(u"worker") + Widen(cName), "taken");
+    }
+    SetTickCount(0xFFFFFFF8);
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(Text(u"Settings"), "..\\..\\x.ini");
+    EXPECT_FALSE(HasFile(tcUsers + u"worker\\x.ini"));
+
+    /* An empty key is no key; one with a text makes the search unnecessary. */
+    const WideText tcIni = wcDriverFolder + WideText(u"T410A.INI");
+    PutFile(tcIni, "[PrinterDriver]\r\nSPLUserModePrinterDriver=\r\nA b=1\r\nLong=" + std::string(200, 'x'));
+    Raise(INITIALIZE);
+    EXPECT_EQ(Text(u"SPLUserModePrinterDriver"), "KRND.DLL");
+    EXPECT_EQ(Text(u"A b"), "1");
+    EXPECT_EQ(Text(u"Long"), std::string(127, 'x'));
+    PutFile(tcIni, "[PrinterDriver]\r\nsplusermodeprinterdriver=OWN.DLL\r\n");
+    Raise(INITIALIZE);
+    EXPECT_EQ(Text(u"SPLUserModePrinterDriver"), "OWN.DLL");
+}
+
+TEST_F(PrinterEvents, OnlySettingUpCanFailAndOnlyForThreeReasons)
+{
+    InstallSample("T410A");
+    for (int nEvent : {-1, 0, 1, 2, 4, 5, 7}) {
+        EXPECT_EQ(DrvPrinterEvent(nullptr, nEvent, 0, 0), 1) << nEvent;
+        WideText wcNone = u"No such printer";
+        EXPECT_EQ(DrvPrinterEvent(wcNone.data(), nEvent, 0, 0), 1) << nEvent;
+    }
+    EXPECT_EQ(DrvPrinterEvent(nullptr, INITIALIZE, 0, 0), 0);
+    FailCall(CALL_SetPrinterDataW, 1);
+    EXPECT_EQ(Raise(INITIALIZE), 0);
+    StopFaults();
+    EXPECT_EQ(PrinterValues(wcPrinter).size(), 0u) << "nothing behind it has happened";
+    EXPECT_EQ(GetFile(tcFontFile).size(), 1000u);
+    for (int nEvent : {0, 5, 6, 7}) {
+        ResetCallCounts();
+        EXPECT_EQ(Raise(nEvent), 1);
+        EXPECT_EQ(CallCount(ANY_CALL), 0);
+    }
+}
+
+TEST_F(PrinterEvents, AnIsolatedHostThatForbidsMostStillGetsItsDigest)
+{
+    InstallSample("K100");
+    AddMachineForm(u"Card", FORM_USER, 100000, 150000);
+    Raise(INITIALIZE);
+    std::string honest = DescribePrinter(wcPrinter);
+    PrinterSetup setup = GetPrinterSetup(wcPrinter);
+    RemovePrinter(wcPrinter);
+    setup.devmode.clear();
+    setup.wcPrintProcessor = u"winprint";
+    AddPrinter(setup);
+    RefuseCalls({CALL_AddFormW, CALL_DeleteFormW, CALL_AddPrintProcessorW, CALL_SetPrinterW, CALL_WinExec,
+                 CALL_WriteFile, CALL_MoveFileExW, CALL_CreateDirectoryW, CALL_LoadLibraryExW});
+    EXPECT_EQ(Raise(INITIALIZE), 1);
+    RefuseCalls({});
+    std::string text = DescribePrinter(wcPrinter);
+    for (const char* cValue : {"deviceinfo", "mediatypes", "papersizes", "pdfname"}) {
+        size_t nAt = honest.find(std::string("value ") + cValue);
+        ASSERT_NE(nAt, honest.npos);
+        EXPECT_NE(text.find(honest.substr(nAt, honest.find("\nvalue", nAt) - nAt)), text.npos) << cValue;
+    }
+    EXPECT_EQ(StartedPrograms().size(), 1u);
+}
+
+TEST_F(PrinterEvents, TheFontInstallerIsStartedOnlyByAPathThatConverts)
+{
+    InstallSample("T410A");
+    PrinterSetup setup = GetPrinterSetup(wcPrinter);
+    for (const auto& [tcPath, command] :
+         {std::pair<WideText, std::string>(u"C:\\Prog Files\\glyf.exe",
+                                           "\"C:\\PROG FILES\\GLYF.EXE\"|hidden"),
+          {u"C:\\Gr\u00FC\\glyf.exe", "C:\\GR\xDC\\GLYF.EXE|hidden"},
+          {u"C:\\\u4E2D\\glyf.exe", ""}}) {
+        setup.atcDependentFiles = {tcPath};
+        AddPrinter(setup);
+        size_t nStarted = StartedPrograms().size();
+        Raise(ADD_CONNECTION);
+        ASSERT_EQ(StartedPrograms().size(), nStarted + !command.empty()) << command;
+        EXPECT_TRUE(command.empty() || StartedPrograms().back() == command);
+    }
+}
+
+TEST_F(PrinterEvents, DeletionTakesTheSettingsOfAllUsersAndNothingElse)
+{
+    InstallSample("T410A");
+    Raise(INITIALIZE);
+    const WideText wcFile = u"\\00abcdef.tqs";
+    auto rows = [&](const WideText& tcFolder) {
+        std::string text = "[Watermarks]\r\n";
+        const char* aFiles[] = {"\\a.wm",  "\\B.CWM", "\\..\\up.wm", "\\sub\\c.wm",
+                                "\\d.txt", "\\.wm",   "\\e.wm:s.wm"};
+        int n = 0;
+        auto row = [&](const std::string& path) {
+            std::string index = std::to_string(n++);
+            text += "WMType" + index + "=2\r\nWMString" + index + "=x\r\nWMImageName" + index +
+                    "=y\r\nWMResolution" + index + "=1\r\nWMWidth" + index + "=1\r\nWMHeight" + index +
+                    "=1\r\nWMFileName" + index + "=" + path + "\r\n";
+        };
+        for (const char* cFile : aFiles) {
+            row(Narrow(tcFolder) + cFile);
+        }
+        row("C:\\Users\\other\\own.wm");
+        row("NOTES");
+        row("g.wm");
+        return text + "NumWatermarks=" + std::to_string(n) + "\r\n";
+    };
+    for (const char16_t* wcUser : {u"worker", u"second"}) {
+        WideText tcFolder = UserFolder(wcUser);
+        PutFile(tcFolder + wcFile, std::string_view(rows(tcFolder)));
+        for (const char16_t* wcName :
+             {u"a.wm", u"b.cwm", u"d.txt", u"e.wm", u"g.wm", u"notes", u"sub\\c.wm"}) {
+            PutFile(tcFolder + u"\\" + wcName, "x");
+        }
+        PutFile(tcUsers + wcUser + tcOurFolder + u"up.wm", "x");
+    }
+    PutFile(u"C:\\Users\\other\\own.wm", "x");
+    PutFile(u"C:\\Users\\plain", "a file, no profile");
+    /* A profile, and our folders in two, that lead elsewhere. */
+    namespace fs = std::filesystem;
+    const WideText tcElsewhere = u"C:\\Elsewhere";
+    PutFile(tcElsewhere + tcOurFolder + wcPrinter + wcFile, "kept");
+    PutFile(tcElsewhere + u"\\" + wcPrinter + wcFile, "kept");
+    fs::create_directories(HostPath(u"C:\\Users\\third\\Application Data"));
+    fs::create_directories(HostPath(u"C:\\Users\\fourth" + tcOurFolder));
+    fs::create_directories(HostPath(u"C:\\Users\\fifth"));
+    fs::create_directories(HostPath(u"C:\\Users\\fifth\\roaming"));
+    fs::create_directory_symlink(HostPath(tcElsewhere), HostPath(u"C:\\Users\\linked"));
+    fs::create_directory_symlink(HostPath(tcElsewhere),
+                                 HostPath(u"C:\\Users\\third\\Application Data\\Corvantis Optics"));
+    fs::create_directory_symlink(HostPath(tcElsewhere + u"\\" + wcPrinter), HostPath(UserFolder(u"fourth")));
+    /* "Application Data" itself may be a link. */
+    PutFile(u"C:\\Users\\fifth\\roaming\\Corvantis Optics\\" + wcPrinter + wcFile, "goes");
+    fs::create_directory_symlink(HostPath(u"C:\\Users\\fifth\\roaming"),
+                                 HostPath(u"C:\\Users\\fifth\\Application Data"));
+    EXPECT_EQ(Raise(DELETE_PRINTER), 1);
+    for (const char16_t* wcUser : {u"worker", u"second"}) {
+        WideText tcFolder = UserFolder(wcUser);
+        for (const char16_t* wcName : {u"00abcdef.tqs", u"a.wm", u"b.cwm"}) {
+            EXPECT_FALSE(HasFile(tcFolder + u"\\" + wcName)) << Narrow(wcName);
+        }
+        for (const char16_t* wcName : {u"d.txt", u"e.wm", u"g.wm", u"notes", u"sub\\c.wm"}) {
+            EXPECT_TRUE(HasFile(tcFolder + u"\\" + wcName)) << Narrow(wcName);
+        }
+        EXPECT_TRUE(HasFile(tcUsers + wcUser + tcOurFolder + u"up.wm"));
+    }
+    EXPECT_TRUE(HasFile(u"C:\\Users\\other\\own.wm"));
+    EXPECT_TRUE(HasFile(tcElsewhere + tcOurFolder + wcPrinter + wcFile));
+    EXPECT_TRUE(HasFile(tcElsewhere + u"\\" + wcPrinter + wcFile));
+    EXPECT_FALSE(HasFile(u"C:\\Users\\fifth\\roaming\\Corvantis Optics\\" + wcPrinter + wcFile));
+}
+
+TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
+{
+    InstallSample("K100");
+    SetSystemVersion(4, 0);
+    Raise(ADD_CONNECTION);
+    EXPECT_EQ(DescribeValue(REG_MULTI_SZ, Value(u"TQNetworkInstall")), "multi \"WORKPC\\0\\0\"");
+    const WideText wcFile = u"\\00abcdef.tqs";
+    ASSERT_TRUE(HasFile(UserFolder(u"worker") + wcFile));
+    PutFile(UserFolder(u"second") + wcFile, "stays");
+    Raise(DELETE_CONNECTION);
+    EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
+    EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));
+    EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
+    /* A name that leads elsewhere deletes nothing, at either event. */
+    for (const char16_t* wcName : {u"..\\x", u"c:x", u"a/b", u"..", u" . "}) {
+        SetPrinterText(wcPrinter, u"Settings", wcName);
+        ResetCallCounts();
+        Raise(DELETE_CONNECTION);
+        Raise(DELETE_PRINTER);
+        EXPECT_EQ(CallCount(CALL_DeleteFileW), 0) << Narrow(wcName);
+    }
+}

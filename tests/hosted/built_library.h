@@ -1,0 +1,39 @@
+/* The language libraries that the build made, for tests of what is in them. */
+#ifndef TQUI_TEST_BUILT_LIBRARY_H
+#define TQUI_TEST_BUILT_LIBRARY_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/hosted/pe_resources.h"
+#include "platform/hosted/standin.h"
+
+inline Bytes ReadDisk(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file) << path;
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/* TXT.DLL or ENUS.DLL. */
+inline Bytes BuiltLibrary(const char* cName)
+{
+    const char* cFolder = std::getenv("TQUI_BUILT");
+    return ReadDisk(std::filesystem::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
+}
+
+inline std::u16string TextAt(std::span<const u8> file, const PeText& text)
+{
+    std::u16string wcText(text.cch, u'\0');
+    for (size_t n = 0; n < text.cch; n++) {
+        wcText[n] = static_cast<char16_t>(file[text.nOffset + 2 * n] | file[text.nOffset + 2 * n + 1] << 8);
+    }
+    return wcText;
+}
+
+#endif

@@ -1,0 +1,143 @@
+/* The sheets in the system's own host. Variables beside those of end_to_end_test.cpp: TQUI_SHEET_CYCLES, how often the
+   test of what is held opens and closes one (50). */
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "sheet_user.h"
+
+namespace {
+
+using Record = std::vector<BYTE>;
+
+constexpr size_t cbRecord = 4088, nCopiesAt = 86; /* dmCopies */
+
+InstalledPrinter Install(const char* cModel)
+{
+    const auto tcPackage = PathFromEnvironment("TQUI_BUILT");
+    static const std::vector<InfModel> models = ReadInf(tcPackage / "tqui.inf");
+    return {FindInfModel(models, cModel), tcPackage, PathFromEnvironment("TQUI_TEST_LIBRARY")};
+}
+
+DEVMODEW* AsDevmode(Record& record)
+{
+    return reinterpret_cast<DEVMODEW*>(record.data());
+}
+
+/* What the sheet edits when it gets no record. */
+Record Current(const InstalledPrinter& printer)
+{
+    Record record(cbRecord);
+    const SheetVisit visit = VisitDocumentSheet(printer, AsDevmode(record), nullptr, PressCancel);
+    EXPECT_TRUE(visit.bShown);
+    return record;
+}
+
+struct Held {
+    DWORD dwHandles, dwGdi, dwUser;
+    bool operator==(const Held&) const = default;
+};
+
+Held CountHeld()
+{
+    Held held{};
+    GetProcessHandleCount(GetCurrentProcess(), &held.dwHandles);
+    held.dwGdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    held.dwUser = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    return held;
+}
+
+bool IsGerman()
+{
+    return PRIMARYLANGID(GetUserDefaultLangID()) == LANG_GERMAN;
+}
+
+} // namespace
+
+/* The tabs of both sheets, in the user's language, with the texts of the library on them. */
+TEST(Sheets, ShowTheirPages)
+{
+    const std::vector<std::wstring> english = {L"Layout", L"Paper", L"Quality", L"Watermarks"};
+    for (const char* cModel : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+        SCOPED_TRACE(cModel);
+        const InstalledPrinter printer = Install(cModel);
+        const std::string model = cModel;
+        const bool bFonts = model == "T410A" || model == "QP5" || model == "IX300";
+        Record record(cbRecord);
+        std::vector<std::wstring> tabs, labels, deviceTabs;
+        const SheetVisit document = VisitDocumentSheet(printer, AsDevmode(record), nullptr, [&](HWND hSheet) {
+            tabs = SheetTabs(hSheet);
+            for (size_t n = 0; n < tabs.size(); n++) {
+                labels.push_back(ControlText(ShowTab(hSheet, static_cast<int>(n)), 1720));
+            }
+            PressOk(hSheet);
+        });
+        EXPECT_TRUE(document.bShown);
+        EXPECT_EQ(tabs.size(), bFonts ? 5u : 4u);
+        for (size_t n = 0; n < tabs.size(); n++) {
+            EXPECT_EQ(labels[n].empty(), false) << n;
+            if (!IsGerman() && n < english.size()) {
+                EXPECT_EQ(tabs[n], english[n]);
+                EXPECT_EQ(labels[n], L"Apply Preset");
+            }
+        }
+        EXPECT_TRUE(VisitDeviceSheet(printer, [&](HWND hSheet) {
+                        deviceTabs = SheetTabs(hSheet);
+                        PressCancel(hSheet);
+                    }).bShown);
+        ASSERT_EQ(deviceTabs.size(), 1u);
+        EXPECT_EQ(deviceTabs[0],
+                  IsGerman() ? (bFonts ? L"Schriften" : L"Info") : (bFonts ? L"Fonts" : L"About"));
+    }
+}
+
+/* The record comes back through the host: merged from what went in, whichever way the sheet is left. */
+TEST(Sheets, GiveTheRecordBack)
+{
+    const InstalledPrinter printer = Install("T410A");
+    const Record current = Current(printer);
+    Record in = current;
+    in[nCopiesAt] = 7;
+    for (const SheetUser& leave : {SheetUser(PressOk), SheetUser(PressCancel)}) {
+        Record out(cbRecord, 0xA5);
+        EXPECT_TRUE(VisitDocumentSheet(printer, AsDevmode(out), AsDevmode(in), leave).bShown);
+        EXPECT_EQ(out, in);
+    }
+    Record refused = in, wanted = in, out(cbRecord, 0xA5);
+    refused[68] = 0; /* dmSpecVersion */
+    EXPECT_TRUE(VisitDocumentSheet(printer, AsDevmode(out), AsDevmode(refused), PressOk).bShown);
+    EXPECT_EQ(out, current);
+}
+
+/* Nothing stays behind a sheet. */
+TEST(Sheets, HoldNothingWhenTheyAreClosed)
+{
+    const char* cCycles = std::getenv("TQUI_SHEET_CYCLES");
+    const int nCycles = cCycles ? std::atoi(cCycles) : 50;
+    ASSERT_GT(nCycles, 0);
+    const InstalledPrinter printer = Install("T410A");
+    Record record(cbRecord);
+    auto visit = [&] {
+        return VisitDocumentSheet(printer, AsDevmode(record), nullptr,
+                                  [](HWND hSheet) {
+                                      for (int n = 0; n < 5; n++) {
+                                          ShowTab(hSheet, n);
+                                      }
+                                      PressOk(hSheet);
+                                  })
+            .bShown;
+    };
+    for (int n = 0; n < 5; n++) { /* what the system keeps for itself after the first ones */
+        ASSERT_TRUE(visit());
+    }
+    const Held before = CountHeld();
+    for (int n = 0; n < nCycles; n++) {
+        ASSERT_TRUE(visit()) << n;
+    }
+    const Held after = CountHeld();
+    std::printf("%d sheets: handles %lu to %lu, GDI objects %lu to %lu, USER objects %lu to %lu\n", nCycles,
+                before.dwHandles, after.dwHandles, before.dwGdi, after.dwGdi, before.dwUser, after.dwUser);
+    EXPECT_EQ(after.dwHandles, before.dwHandles);
+    EXPECT_EQ(after.dwGdi, before.dwGdi);
+    EXPECT_EQ(after.dwUser, before.dwUser);
+}
