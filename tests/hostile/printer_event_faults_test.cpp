@@ -119,7 +119,7 @@ TEST_F(PrinterEventFaults, EveryCallFailsOnceAndFromThereOn)
     Use("QP5");
     int nFaults = 0;
     for (int nEvent : {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER}) {
-        nFaults += SweepEvent(nEvent, {ANY_CALL, CALL_HeapAlloc});
+        nFaults += SweepEvent(nEvent, {ANY_CALL}); /* allocations among them */
     }
     EXPECT_GT(nFaults, 1000);
     DropSemaphores();
