@@ -1,5 +1,7 @@
 /* The hosted windows beyond what both builds state: modal dialogs that the tests drive, pictures of the real
    library, what the tests see of messages to the user, faults, and that nothing outlives its dialog. */
+#include "hosted/built_library.h"
+#include "platform/hosted/dialog_template.h"
 #include "platform/hosted/sheet_host.h"
 #include "platform/resources.h"
 #include "support/dialog_user.h"
@@ -93,11 +95,12 @@ TEST_F(HostedWindows, ModalStepsGoToTheDialogThatIsUp)
 TEST_F(HostedWindows, ControlsMayEndTheirDialog)
 {
     /* A procedure that destroys everything at any notification: nobody looks at a freed record. */
+    static bool bAtInit;
     const DLGPROC vanish = [](HWND hDialog, UINT uMessage, WPARAM, LPARAM) -> INT_PTR {
         if (uMessage == WM_COMMAND || uMessage == WM_VSCROLL) {
             DestroyWindow(hDialog);
         }
-        return TRUE;
+        return uMessage != WM_INITDIALOG || bAtInit; /* true: the edit control gets the focus, and tells it */
     };
     static const DialogBuilder form(WS_POPUP | WS_VISIBLE, 200, 100,
                                     {{1, u"Edit", WS_TABSTOP, 0, 0, 50, 14},
@@ -132,6 +135,11 @@ TEST_F(HostedWindows, ControlsMayEndTheirDialog)
         EXPECT_FALSE(IsWindow(hDialog));
         EXPECT_EQ(CountLive().nWindows, 0);
     }
+    bAtInit = true;
+    EXPECT_EQ(CreateDialogIndirectParamW(nullptr, form.Data(), nullptr, vanish, 0), nullptr);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, form.Data(), nullptr, vanish, 0), -1);
+    EXPECT_EQ(CountLive().nWindows, 0);
+
     /* A click on a radio button that cannot be reached comes to an end. */
     const HWND hDialog = CreateDialogIndirectParamW(nullptr, form.Data(), nullptr, FormProc, 0);
     EnableWindow(GetDlgItem(hDialog, 2), FALSE);
@@ -167,7 +175,7 @@ TEST_F(HostedWindows, MouseAndHelp)
 
 TEST_F(HostedWindows, PicturesOfTheLibrary)
 {
-    PutFile(u"C:\\Driver\\TXT.DLL", SampleFile("TXT.DLL"));
+    PutFile(u"C:\\Driver\\TXT.DLL", BuiltLibrary("TXT.DLL"));
     const HMODULE hLibrary = LoadLibraryExW(u"C:\\Driver\\TXT.DLL", nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(hLibrary, nullptr);
     const auto hLogo = static_cast<HBITMAP>(
@@ -193,6 +201,50 @@ TEST_F(HostedWindows, PicturesOfTheLibrary)
     TakeHeard();
 }
 
+TEST_F(HostedWindows, TemplatesOfTheLibrary)
+{
+    const Bytes library = BuiltLibrary("TXT.DLL");
+    PutFile(u"C:\\Driver\\TXT.DLL", library);
+    const HMODULE hLibrary = LoadLibraryExW(u"C:\\Driver\\TXT.DLL", nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    int nTemplates = 0;
+    for (const PeResource& resource : ListPeResources(library, 1000)) {
+        DialogTemplate form;
+        if (!(resource.type == PeName(PE_DIALOG)) || resource.usLanguage != 0x0409) {
+            continue;
+        }
+        const std::span<const u8> bytes(library);
+        ASSERT_TRUE(ReadDialogTemplate(bytes.subspan(resource.data.nOffset, resource.data.cbSize), &form));
+        nTemplates++;
+        QueueModalStep([&](HWND hDialog) {
+            std::vector<HWND> items;
+            EnumChildWindows(
+                hDialog,
+                [](HWND hItem, LPARAM lParam) {
+                    reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hItem);
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(&items));
+            ASSERT_EQ(items.size(), form.items.size());
+            for (size_t i = 0; i < items.size(); i++) {
+                EXPECT_EQ(GetDlgCtrlID(items[i]), static_cast<i32>(form.items[i].ulId));
+                EXPECT_EQ(static_cast<u32>(GetWindowLongPtrW(items[i], GWL_STYLE)),
+                          form.items[i].ulStyle | WS_CHILD);
+                WCHAR wcText[128];
+                GetWindowTextW(items[i], wcText, 128);
+                if (HostedClassName(items[i]) != u"ComboBox") {
+                    EXPECT_EQ(WideText(wcText), form.items[i].text.wcName);
+                }
+            }
+        });
+        DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(resource.name.usId), nullptr, FormProc, 0);
+    }
+    EXPECT_EQ(nTemplates, 18);
+    EXPECT_EQ(DialogsOpened(), 18);
+    EXPECT_EQ(DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(1), nullptr, FormProc, 0), -1);
+    FreeLibrary(hLibrary);
+    TakeHeard();
+}
+
 TEST_F(HostedWindows, WhatTheUserIsShown)
 {
     EXPECT_EQ(MessageBoxW(nullptr, u"text", u"caption", MB_ICONASTERISK), IDOK);
@@ -200,9 +252,9 @@ TEST_F(HostedWindows, WhatTheUserIsShown)
     EXPECT_EQ(MessageBoxW(nullptr, u"again", nullptr, MB_OKCANCEL), IDCANCEL);
     ASSERT_EQ(ShownMessages().size(), 2u);
     EXPECT_EQ(ShownMessages()[0].wcText, u"text");
-    WCHAR wcPrinter[] = u"Printer";
+    WCHAR wcChanged[] = u"Printer";
     DWORD_PTR nResult = 7;
-    EXPECT_EQ(SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(wcPrinter),
+    EXPECT_EQ(SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(wcChanged),
                                   SMTO_ABORTIFHUNG, 1000, &nResult),
               1);
     ASSERT_EQ(Broadcasts().size(), 1u);

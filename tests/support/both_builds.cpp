@@ -76,6 +76,8 @@ void BothBuilds::TearDown()
     EXPECT_EQ(CountLive().nSearches, 0);
     EXPECT_EQ(CountLive().nContexts, 0);
     EXPECT_EQ(CountLive().nSemaphores, 0);
+    EXPECT_EQ(CountLive().nWindows, 0);
+    EXPECT_EQ(CountLive().nGdiObjects, 0);
     StopMachine();
 }
 

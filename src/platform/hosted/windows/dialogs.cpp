@@ -217,6 +217,7 @@ INT_PTR OpenModal(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, 
 HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DLGPROC pfnDialog,
                 LPARAM lParam, DialogMode mode)
 {
+    const KeepRecords keep;
     DialogTemplate form;
     if (!pfnDialog || !ReadDialogTemplate(bytes, &form)) {
         SetHostedError(ERROR_RESOURCE_NAME_NOT_FOUND);
@@ -271,7 +272,7 @@ HWND MakeDialog(HINSTANCE hInstance, std::span<const u8> bytes, HWND hParent, DL
     if (bShow && !pDialog->bGone) {
         ShowState(pDialog, true);
     }
-    return hDialog;
+    return pDialog->bGone ? nullptr : hDialog;
 }
 
 void FocusFirst(HWND hDialog)
