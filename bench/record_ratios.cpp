@@ -10,13 +10,18 @@
 #include "settings/check_core.h"
 #include "settings/defaults.h"
 #include "settings/merge.h"
+#include "sheet/conflicts.h"
+#include "tests/support/description_builder.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {
 
-constexpr double RULES_FIGURE = 6.0;  /* times one pass of comparisons */
-constexpr double CALLS_FIGURE = 1.75; /* times one load of the model */
-constexpr double MERGE_FIGURE = 2.0;  /* times its own reads */
+constexpr double MERGE_FIGURE = 2.0;    /* times its own reads */
+constexpr double RULES_FIGURE = 6.0;    /* times one pass of comparisons */
+constexpr double CALLS_FIGURE = 1.75;   /* times one load of the model */
+constexpr double CONFLICT_FIGURE = 3.0; /* times a plain pass over the rules for each kind of sheet */
+constexpr double CONFLICT_NANOSECONDS = 1e6;
+constexpr int RULES = 1000;
 constexpr int COMPARISONS = 300;
 constexpr const char* acSections[] = {"T410A", "QP5", "K100", "IX300", "T440B"};
 
@@ -123,6 +128,77 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
            Report(cSection, "merge of a full record", merge.best, ownReads.best, MERGE_FIGURE);
 }
 
+/* Every rule's masks and its bit of one paper, one rule behind the other. */
+int CountPlain(const ConstraintRow* aRules, int nCode, u32 ulInput, u32 ulOptions)
+{
+    int nHits = 0;
+    for (int i = 0; i < RULES; i++) {
+        const ConstraintRow& rule = aRules[i];
+        nHits += (rule.bPapers[nCode / 8] >> (7 - nCode % 8) & 1) && (rule.ulInputs & ulInput) &&
+                 (rule.ulOptions & ulOptions);
+    }
+    return nHits;
+}
+
+/* A thousand rules of which each is held against everything and none hits, on a job with all kinds of sheet. */
+int MeasureConflicts()
+{
+    DescriptionBuilder builder;
+    ConstraintRow rule = {};
+    rule.usUsed = 1;
+    rule = WithPapers(rule, {9});
+    rule.ulInputs = rule.ulOptions = 1;
+    std::vector<ConstraintRow> rules(RULES, rule);
+    rules.push_back({});
+    builder.Table(offsetof(XpiModel, pConstraints), rules);
+    builder.Table<BinRow>(offsetof(XpiModel, pInputBins), {{1, 1025, 1}, {}});
+    PutFile(u"C:\\drv\\rules.xpi", builder.Build());
+    XpiFile file = {};
+    Require(OpenXpiPath(file, u"C:\\drv\\rules.xpi"), "rules", "cannot be opened");
+    OwnedModel pModel = LoadXpiModel(file);
+    Require(pModel && Row(pModel.get(), pModel->pConstraints, RULES - 1)->usUsed, "rules",
+            "cannot be loaded");
+
+    DriverDevmode record = recordTemplate;
+    PrivateDevmode& part = record.rPrivate;
+    record.dmPaperSize = 9;
+    record.dmDefaultSource = 1025;
+    record.dmDuplex = 1; /* what keeps each rule from a hit is tested last */
+    part.sScale = 0;
+    part.sFrontCover = part.sBackCover = part.sSeparators = part.sInsertPages = 1;
+    part.sFrontPaperSize = part.sBackPaperSize = part.sSeparatorPaper = part.sInsertPaper = 0xFFFF;
+    part.sFrontBin = part.sBackBin = part.sSeparatorBin = part.sInsertPageBin = 1025;
+    DeviceInfo installed = {1, 1, 1, 0};
+    PrinterCall call(nullptr);
+    Conflict conflict;
+    Require(!FindConflict(call, &record, &installed, pModel.get(), 448, &conflict), "rules", "one hits");
+    record.dmDuplex = 2;
+    Require(FindConflict(call, &record, &installed, pModel.get(), 448, &conflict), "rules", "none can hit");
+    record.dmDuplex = 1;
+
+    Watch plain, check;
+    for (int nRound = 0; nRound < 60; nRound++) {
+        plain.Round(50, [&] {
+            Use(rules);
+            for (int nKind = 0; nKind < SHEET_KINDS; nKind++) {
+                int nHits = CountPlain(rules.data(), record.dmPaperSize, 1, 1);
+                Use(nHits);
+            }
+        });
+        check.Round(50, [&] {
+            Use(record);
+            int bFound = FindConflict(call, &record, &installed, pModel.get(), 448, &conflict);
+            Use(bFound);
+        });
+    }
+    int bSlow = check.best > CONFLICT_NANOSECONDS;
+    if (bSlow) {
+        std::printf("the check of %d rules takes a millisecond and more\n", RULES);
+    }
+    return bSlow |
+           Report("rules", "conflicts of five kinds of sheet", check.best, plain.best, CONFLICT_FIGURE);
+}
+
 } // namespace
 
 int main()
@@ -134,5 +210,8 @@ int main()
         nOver |= Measure(cSection, models);
         StopMachine();
     }
+    StartMachine();
+    nOver |= MeasureConflicts();
+    StopMachine();
     return nOver;
 }
