@@ -114,7 +114,8 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks, nFiles, nPrinters, nKeys, nModules, nSemaphores;
+    int nBlocks, nFiles, nPrinters, nKeys, nModules;
+    int nSemaphores = 0; /* handles of named ones */
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();
