@@ -79,8 +79,7 @@ Given TakeRecord(Input* pInput, const DriverDevmode& standard, u8 bFlags)
 
 bool IsSound(const DriverDevmode& record, bool bLies)
 {
-    return IsWellFormed(record) ||
-           (bLies && std::memcmp(&record.rPrivate, &recordTemplate.rPrivate, PRIVATE_BYTES) == 0);
+    return IsWellFormed(record) || (bLies && HasSameBytes(record.rPrivate, recordTemplate.rPrivate));
 }
 
 void CallOnce(Input* pInput, Sample& sample)

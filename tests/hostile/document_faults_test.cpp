@@ -30,7 +30,7 @@ std::string Verdict(const DriverDevmode& out, bool bMayBeUntouched)
 /* Where nothing can be asked GDI gets the built-in private part. */
 bool IsTemplate(const DriverDevmode& record)
 {
-    return std::memcmp(&record.rPrivate, &recordTemplate.rPrivate, PRIVATE_BYTES) == 0;
+    return HasSameBytes(record.rPrivate, recordTemplate.rPrivate);
 }
 
 } // namespace

@@ -109,7 +109,7 @@ class ThreadsTest : public MachineTest {};
 TEST_F(ThreadsTest, EightThreadsOfMixedCallsKeepToTheirRecords)
 {
     const char* cCalls = std::getenv("TQUI_THREAD_CALLS");
-    int nCalls = cCalls ? std::atoi(cCalls) : SETTLED_CALLS;
+    int nCalls = cCalls ? static_cast<int>(std::strtol(cCalls, nullptr, 10)) : SETTLED_CALLS;
     ASSERT_GT(nCalls, 100);
     std::vector<Worker> workers;
     for (int i = 0; i < THREADS; i++) {

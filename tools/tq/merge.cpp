@@ -25,7 +25,7 @@ MergedRecord MergeOnce(HANDLE hPrinter, const WideText& wcPrinter, DriverDevmode
     header.cbOut = RECORD_SIZE;
     header.fMode = uMode;
     DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
-    merged.bWritten = std::memcmp(&merged.record, &before, sizeof before) != 0;
+    merged.bWritten = !DifferingFields(before, merged.record).empty();
     return merged;
 }
 
