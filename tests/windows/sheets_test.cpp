@@ -33,19 +33,71 @@ Record Current(const InstalledPrinter& printer)
     return record;
 }
 
+/* Wine tells 0 where a system counts: so objects are made until there is no room for one more. */
+template <class Make, class Drop> size_t RoomFor(Make make, Drop drop)
+{
+    constexpr size_t LIMIT = 0x20000; /* beyond any table of handles */
+    std::vector<decltype(make())> made;
+    while (made.size() < LIMIT) {
+        const auto hObject = make();
+        if (!hObject) {
+            break;
+        }
+        made.push_back(hObject);
+    }
+    for (const auto hObject : made) {
+        drop(hObject);
+    }
+    return made.size();
+}
+
+/* Open handles of the process. */
+size_t CountHandles()
+{
+    struct Row {
+        void* pObject;
+        ULONG_PTR ulProcess, ulHandle;
+        ULONG ulAccess;
+        USHORT usTrace, usType;
+        ULONG ulAttributes, ulReserved;
+    };
+    using Query = LONG(WINAPI*)(int, void*, ULONG, ULONG*);
+    constexpr int EXTENDED_HANDLES = 64;
+    const auto fnQuery = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    std::vector<BYTE> block(4 << 20);
+    ULONG cb = 0;
+    if (fnQuery(EXTENDED_HANDLES, block.data(), static_cast<ULONG>(block.size()), &cb) != 0) {
+        return 0;
+    }
+    const ULONG_PTR nRows = *reinterpret_cast<const ULONG_PTR*>(block.data());
+    const auto* pRows = reinterpret_cast<const Row*>(block.data() + 2 * sizeof(ULONG_PTR));
+    size_t nHandles = 0;
+    for (ULONG_PTR n = 0; n < nRows; n++) {
+        nHandles += pRows[n].ulProcess == GetCurrentProcessId();
+    }
+    return nHandles;
+}
+
 struct Held {
-    DWORD dwHandles, dwGdi, dwUser;
-    bool operator==(const Held&) const = default;
+    size_t nHandles, nGdiRoom, nUserRoom;
 };
 
 Held CountHeld()
 {
-    Held held{};
-    GetProcessHandleCount(GetCurrentProcess(), &held.dwHandles);
-    held.dwGdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    held.dwUser = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    return held;
+    return {CountHandles(), RoomFor([] { return CreateSolidBrush(1); }, [](HBRUSH h) { DeleteObject(h); }),
+            RoomFor([] { return CreateMenu(); }, [](HMENU h) { DestroyMenu(h); })};
 }
+
+/* Without a window manager Wine waits for one whenever a window goes. Read when the first window is made. */
+class WithoutManager : public ::testing::Environment {
+    void SetUp() override
+    {
+        RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\end_to_end_test.exe\\X11 Driver",
+                        L"Managed", REG_SZ, L"N", 4);
+    }
+};
+[[maybe_unused]] const auto* pEnvironment = ::testing::AddGlobalTestEnvironment(new WithoutManager);
 
 bool IsGerman()
 {
@@ -131,13 +183,30 @@ TEST(Sheets, HoldNothingWhenTheyAreClosed)
         ASSERT_TRUE(visit());
     }
     const Held before = CountHeld();
+    {
+        const HBRUSH hBrush = CreateSolidBrush(2); /* the counts count */
+        const HMENU hMenu = CreateMenu();
+        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        const Held more = CountHeld();
+        EXPECT_EQ(more.nGdiRoom + 1, before.nGdiRoom);
+        EXPECT_EQ(more.nUserRoom + 1, before.nUserRoom);
+        EXPECT_EQ(more.nHandles, before.nHandles + 1);
+        DeleteObject(hBrush);
+        DestroyMenu(hMenu);
+        CloseHandle(hEvent);
+    }
     for (int n = 0; n < nCycles; n++) {
         ASSERT_TRUE(visit()) << n;
+        if (n % 100 == 99) {
+            std::printf("%d sheets: room for GDI objects %zu\n", n + 1, CountHeld().nGdiRoom);
+        }
     }
     const Held after = CountHeld();
-    std::printf("%d sheets: handles %lu to %lu, GDI objects %lu to %lu, USER objects %lu to %lu\n", nCycles,
-                before.dwHandles, after.dwHandles, before.dwGdi, after.dwGdi, before.dwUser, after.dwUser);
-    EXPECT_EQ(after.dwHandles, before.dwHandles);
-    EXPECT_EQ(after.dwGdi, before.dwGdi);
-    EXPECT_EQ(after.dwUser, before.dwUser);
+    std::printf(
+        "%d sheets: handles %zu to %zu, room for GDI objects %zu to %zu, for USER objects %zu to %zu\n",
+        nCycles, before.nHandles, after.nHandles, before.nGdiRoom, after.nGdiRoom, before.nUserRoom,
+        after.nUserRoom);
+    EXPECT_EQ(after.nHandles, before.nHandles);
+    EXPECT_EQ(after.nGdiRoom, before.nGdiRoom);
+    EXPECT_EQ(after.nUserRoom, before.nUserRoom);
 }

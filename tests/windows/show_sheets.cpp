@@ -6,6 +6,8 @@
    --prepare has Wine draw the title bars, which no window manager does here. */
 #include <cstdio>
 
+#include <windows.h>
+
 #include <commctrl.h>
 
 #include "sheet_user.h"
