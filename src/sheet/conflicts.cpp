@@ -165,13 +165,10 @@ int IsAnyPaper(const ConstraintRow* pRule)
 
 int PaperMatches(ConflictTest* pTest, const ConstraintRow* pRule)
 {
-    if (IsAnyPaper(pRule)) {
-        return 1;
-    }
     Sheet& sheet = pTest->rSheet;
     i32 lBit = sheet.lPaper < FIRST_SIZED_CODE ? sheet.lPaper : 0;
     if (!IsBitSet(pRule->bPapers, sizeof pRule->bPapers * 8, lBit)) {
-        return 0;
+        return IsAnyPaper(pRule);
     }
     if (sheet.lPaper < FIRST_SIZED_CODE) {
         return 1;

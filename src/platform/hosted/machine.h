@@ -182,10 +182,6 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 struct LiveCounts {
     int nBlocks = 0, nFiles = 0, nPrinters = 0, nKeys = 0, nModules = 0, nSearches = 0, nContexts = 0;
     int nSemaphores = 0, nWindows = 0, nGdiObjects = 0;
-    int nBlocks, nFiles, nPrinters, nKeys, nModules;
-    int nSemaphores = 0; /* handles of named ones */
-    int nBlocks = 0, nFiles = 0, nPrinters = 0, nKeys = 0, nModules = 0, nSemaphores = 0, nSearches = 0,
-        nContexts = 0;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();
