@@ -115,12 +115,12 @@ HWND ShowTab(HWND hSheet, int nTab)
 
 void PressOk(HWND hSheet)
 {
-    SendMessageW(hSheet, PSM_PRESSBUTTON, PSBTN_OK, 0);
+    PostMessageW(hSheet, PSM_PRESSBUTTON, PSBTN_OK, 0);
 }
 
 void PressCancel(HWND hSheet)
 {
-    SendMessageW(hSheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+    PostMessageW(hSheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
 }
 
 std::wstring ControlText(HWND hPage, int nControl)
