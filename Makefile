@@ -4,7 +4,7 @@ SHELL := /bin/bash
 SECONDS ?= 60
 JOBS := $(shell nproc)
 
-.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan windows
+.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan tsan windows
 
 help:
 	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
@@ -36,14 +36,18 @@ demo: hosted
 package: hosted windows
 	@scripts/package build/hosted build/windows build/package
 
-test: package asan
+tsan:
+	@scripts/setup hosted windows
+	@scripts/build hosted-tsan threads_test
+
+test: package asan tsan
 	@scripts/setup wine
 	@scripts/run-tests
 
 bench:
 	@scripts/setup hosted windows bench
 	@scripts/build hosted-release
-	@build/hosted/bench/ratios && build/hosted/bench/record_ratios && build/hosted/bench/sheet_ratios && build/hosted/bench/write_ratios
+	@failed=0; for program in build/hosted/bench/*ratios; do $$program || failed=1; done; exit $$failed
 
 fuzz:
 	@scripts/setup hosted windows fuzz

@@ -91,3 +91,47 @@ void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom)
     }
     GiveBlock(pDriver);
 }
+
+void FloorOfJobStart(HANDLE hPrinter, DWORD dwJobId, const WCHAR* tcPath, const JobSections& sections,
+                     int bImage)
+{
+    constexpr u32 ANSWER_BYTES = 4096, PRINTER_BYTES = 8192;
+    u8 abHeader[HEADER_BYTES], abRows[LIST_BYTES], abCommands[LIST_BYTES];
+    DWORD cb;
+    Require(sections.rows.cb <= LIST_BYTES && sections.commands.cb <= LIST_BYTES &&
+            sections.fonts.cb <= LIST_BYTES);
+    AskValue(hPrinter, TEXT("XPI"));
+    BYTE* pAnswer = static_cast<BYTE*>(TakeBlock(ANSWER_BYTES));
+    Require(GetPrinterDriverW(hPrinter, nullptr, 3, pAnswer, ANSWER_BYTES, &cb));
+    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    Require(hFile != INVALID_HANDLE_VALUE);
+    ReadSpan(hFile, {0, HEADER_BYTES}, abHeader);
+    void* pBody = TakeBlock(sections.body.cb);
+    ReadSpan(hFile, sections.body, pBody);
+    if (sections.fonts.cb) {
+        ReadSpan(hFile, sections.fonts, abRows);
+    }
+    AskValue(hPrinter, TEXT("DeviceInfo"));
+    if (bImage) {
+        BYTE* pPrinter = static_cast<BYTE*>(TakeBlock(PRINTER_BYTES));
+        Require(GetPrinterW(hPrinter, 2, pPrinter, PRINTER_BYTES, &cb));
+        BYTE* pJob = static_cast<BYTE*>(TakeBlock(ANSWER_BYTES));
+        Require(GetJobW(hPrinter, dwJobId, 2, pJob, ANSWER_BYTES, &cb));
+        GiveBlock(pJob);
+        GiveBlock(pPrinter);
+    }
+    if (sections.rows.cb) {
+        ReadSpan(hFile, sections.rows, abRows);
+        ReadSpan(hFile, sections.commands, abCommands);
+    }
+    GiveBlock(pBody);
+    CloseHandle(hFile);
+    GiveBlock(pAnswer);
+}
+
+void FloorOfMerge(HANDLE hPrinter, const WCHAR* tcXpi, FileSpan body)
+{
+    FloorOfPrinterCalls(hPrinter, nullptr, 0);
+    FloorOfModelLoad(tcXpi, body);
+    AskValue(hPrinter, TEXT("DeviceInfo"));
+}

@@ -9,9 +9,11 @@
 
 #include "description/driver_files.h"
 #include "entry/exports.h"
+#include "entry/job_records.h"
 #include "settings/checks.h"
 #include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
+#include "settingsfile/settings_writer.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/sample_printer.h"
 
@@ -77,6 +79,75 @@ void BuildDefault(PrinterCall& call, DriverDevmode* pRecord)
     BuildDefaultRecord(call, wcName, pRecord, 1);
 }
 
+/* The head of a job into a buffer with room for it. */
+std::function<void()> JobHead(const char* cSection)
+{
+    auto bench = std::make_shared<Bench>(cSection);
+    return [bench] {
+        DriverDevmode copy = bench->record;
+        GuiJobRecord job = {};
+        char cBuffer[8192] = "";
+        DWORD cb = sizeof cBuffer;
+        job.hPrinter = bench->printer.hPrinter;
+        if (GuiStartJob(&copy, cBuffer, &cb, &job) != JOB_DONE) {
+            std::abort();
+        }
+        HeapFree(GetProcessHeap(), 0, job.pJobName);
+    };
+}
+
+PDEVMODEW AsDevmode(DriverDevmode* pRecord)
+{
+    return reinterpret_cast<PDEVMODEW>(pRecord);
+}
+
+/* What an application's record becomes, as GDI asks for it. */
+std::function<void()> Merge(const char* cSection)
+{
+    auto bench = std::make_shared<Bench>(cSection);
+    return [bench] {
+        DriverDevmode in = bench->record, out;
+        DOCUMENTPROPERTYHEADER header = {};
+        header.cbSize = sizeof header;
+        header.hPrinter = bench->printer.hPrinter;
+        header.pszPrinterName = bench->setup.wcName.data();
+        header.pdmIn = AsDevmode(&in);
+        header.pdmOut = AsDevmode(&out);
+        header.cbOut = sizeof out;
+        header.fMode = 2 | 8; /* copy out what came in */
+        DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
+    };
+}
+
+std::function<void()> Initialise(const char* cSection)
+{
+    auto bench = std::make_shared<Bench>(cSection);
+    return [bench] {
+        if (!DrvPrinterEvent(bench->setup.wcName.data(), 3, 0, 0)) {
+            std::abort();
+        }
+    };
+}
+
+void WriteSettings(PrinterCall&, DriverDevmode* pRecord)
+{
+    if (!WritePrinterSettings(TEXT("C:\\drv\\user.ini"), pRecord, 0)) {
+        std::abort();
+    }
+}
+
+void ReadSettings(PrinterCall&, DriverDevmode* pRecord)
+{
+    ReadPrinterSettings(TEXT("C:\\drv\\user.ini"), pRecord, 0, 0);
+}
+
+std::function<void()> ReadBack(const char* cSection)
+{
+    PutFile(u"C:\\drv\\none.txt", std::string_view("")); /* its folder */
+    WithRecord(cSection, WriteSettings)();
+    return WithRecord(cSection, ReadSettings);
+}
+
 using Path = std::function<std::function<void()>()>;
 const std::map<std::string, Path>& Paths()
 {
@@ -85,6 +156,18 @@ const std::map<std::string, Path>& Paths()
         {"paper-names", [] { return ListOf("T410A", DC_PAPERNAMES); }},
         {"checks", [] { return WithRecord("T410A", CheckBoth); }},
         {"default", [] { return WithRecord("K100", BuildDefault); }},
+        {"job-head", [] { return JobHead("T410A"); }},
+        {"job-texts", [] { return JobHead("K100"); }},
+        {"job-record", [] { return JobHead("IX300"); }},
+        {"merge", [] { return Merge("T410A"); }},
+        {"initialise", [] { return Initialise("T410A"); }},
+        {"initialise-image", [] { return Initialise("K100"); }},
+        {"read-settings", [] { return ReadBack("T410A"); }},
+        {"write-settings",
+         [] {
+             ReadBack("T410A");
+             return WithRecord("T410A", WriteSettings);
+         }},
     };
     return paths;
 }

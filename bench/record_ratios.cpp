@@ -1,50 +1,30 @@
 /* What the two checks of a record cost, as ratios to floors measured in the same run: the rules alone against
-   one pass of two-sided comparisons, the whole calls against the loading of the model. Exit code 1 when a
+   one pass of two-sided comparisons, the whole calls against the loading of the model, the merge against its own
+   reads. Exit code 1 when a
    ratio is over its figure. */
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "bench/floors.h"
+#include "bench/watch.h"
 #include "description/driver_files.h"
 #include "settings/check_core.h"
 #include "settings/defaults.h"
+#include "settings/merge.h"
 #include "sheet/conflicts.h"
 #include "tests/support/description_builder.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {
 
+constexpr double MERGE_FIGURE = 2.0;  /* times its own reads */
 constexpr double RULES_FIGURE = 6.0;  /* times one pass of comparisons */
 constexpr double CALLS_FIGURE = 1.75; /* times one load of the model */
-constexpr double CONFLICT_FIGURE =
-    10.0; /* times a plain pass for each kind: each row is reached by the checked way */
+/* times a plain pass for each kind of sheet: each row is reached by the checked way */
+constexpr double CONFLICT_FIGURE = 10.0;
 constexpr double CONFLICT_NANOSECONDS = 1e6;
 constexpr int RULES = 1000;
 constexpr int COMPARISONS = 300;
 constexpr const char* acSections[] = {"T410A", "QP5", "K100", "IX300", "T440B"};
-
-/* Nothing of what is measured may be left out by the compiler. */
-template <class T> void Use(T& value)
-{
-    asm volatile("" : : "g"(&value) : "memory");
-}
-
-/* Nanoseconds of one call: the best of many rounds, which are taken in turns with those of its rival. */
-struct Watch {
-    double best = 1e18;
-
-    template <class Body> void Round(int nTimes, Body body)
-    {
-        auto begun = std::chrono::steady_clock::now();
-        for (int i = 0; i < nTimes; i++) {
-            body();
-        }
-        std::chrono::duration<double, std::nano> took = std::chrono::steady_clock::now() - begun;
-        best = std::min(best, took.count() / nTimes);
-    }
-};
 
 /* A range for every so many bytes of the record. */
 struct Comparison {
@@ -63,22 +43,6 @@ int CountWithin(const DriverDevmode& record, const Comparison* aRanges)
         }
     }
     return nWithin;
-}
-
-int Report(const char* cSection, const char* cWhat, double nanoseconds, double floor, double figure)
-{
-    double ratio = nanoseconds / floor;
-    std::printf("%-6s %-38s %9.0f ns  %5.2f times (at most %.2f)%s\n", cSection, cWhat, nanoseconds, ratio,
-                figure, ratio > figure ? "  OVER" : "");
-    return ratio > figure;
-}
-
-void Require(bool bTrue, const char* cSection, const char* cWhat)
-{
-    if (!bTrue) {
-        std::printf("%s: %s\n", cSection, cWhat);
-        std::exit(1);
-    }
 }
 
 int Measure(const char* cSection, const std::vector<InfModel>& models)
@@ -106,7 +70,17 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
         aRanges[i] = {static_cast<u16>(i * static_cast<int>(sizeof record - 4) / COMPARISONS), -50,
                       0x7FFFFFF0};
     }
-    Watch rules, comparisons, load, bothChecks, eachByItself;
+    Watch rules, comparisons, load, bothChecks, eachByItself, merge, ownReads;
+    SetPrinterValue(setup.wcName, u"DeviceInfo", REG_BINARY, Bytes(16));
+    DOCUMENTPROPERTYHEADER header = {};
+    DriverDevmode merged;
+    header.hPrinter = printer.hPrinter;
+    header.pdmIn = reinterpret_cast<PDEVMODEW>(&record);
+    header.pdmOut = reinterpret_cast<PDEVMODEW>(&merged);
+    header.cbOut = sizeof merged;
+    header.fMode = 10; /* DM_MODIFY and DM_COPY */
+    const XpiHeader* pHeader = ReadXpiHeader(*OpenXpiFile(call));
+    FileSpan body = {pHeader->dwBodyOffset, pHeader->dwStringBaseOffset - pHeader->dwBodyOffset};
     int nRepairs = 0;
     for (int nRound = 0; nRound < 60; nRound++) {
         comparisons.Round(2000, [&] {
@@ -139,12 +113,20 @@ int Measure(const char* cSection, const std::vector<InfModel>& models)
             ValidatePublicPart(fresh, &record, nullptr);
             ValidatePrivatePart(fresh, &record.rPrivate, nullptr);
         });
+        ownReads.Round(50, [&] { FloorOfMerge(printer.hPrinter, GetXpiPath(call), body); });
+        merge.Round(50, [&] {
+            PrinterCall fresh(printer.hPrinter);
+            MergeDocumentSettings(fresh, header);
+            Use(merged);
+        });
     }
+    Require(merged.dmSize == PUBLIC_BYTES, cSection, "nothing was merged");
     Require(nRepairs == 0, cSection, "the record needs repairs at each check: there is nothing to compare");
     return Report(cSection, "rules of both checks", rules.best, comparisons.best, RULES_FIGURE) |
            Report(cSection, "load and both checks", bothChecks.best, load.best, CALLS_FIGURE) |
            Report(cSection, "both checks, each loading the model", eachByItself.best, load.best,
-                  CALLS_FIGURE);
+                  CALLS_FIGURE) |
+           Report(cSection, "merge of a full record", merge.best, ownReads.best, MERGE_FIGURE);
 }
 
 /* Every rule's masks and its bit of one paper, one rule behind the other. */

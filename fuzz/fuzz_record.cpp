@@ -6,6 +6,7 @@
 
 #include "description/driver_files.h"
 #include "settings/check_core.h"
+#include "support/well_formed.h"
 #include "tools/tq/sample_printer.h"
 #include "xpi_format.h"
 
@@ -53,13 +54,9 @@ void StartSamples()
 bool IsSettled(const DriverDevmode& record)
 {
     const PrivateDevmode part = record.rPrivate;
-    return record.dmSize == 220 && record.dmDriverExtra == 3868 && part.ulVersion == 0xCACA0001 &&
-           part.sOverlayDirOffset == 332 && part.sGenColorCmdOffset == 660 && part.tcXPIName[159] == 0 &&
-           part.tcOverlayDir[159] == 0 && part.cStartJobPJL[639] == 0 && part.cEndJobPJL[255] == 0 &&
-           part.cCollatePJL[11] == 0 && part.cJobComment[127] == 0 && part.sContrast >= -50 &&
-           part.sContrast <= 50 && part.lPagesPerSheet >= 1 && part.lPagesPerSheet <= 25 &&
-           part.sMargins == 0 && part.bStyleCount == 0 && part.bBlockCount == 0 &&
-           static_cast<u16>(part.sColorCorrection) <= 3;
+    return IsWellFormed(record) && part.sContrast >= -50 && part.sContrast <= 50 &&
+           part.lPagesPerSheet >= 1 && part.lPagesPerSheet <= 25 && part.sMargins == 0 &&
+           part.bStyleCount == 0 && part.bBlockCount == 0 && static_cast<u16>(part.sColorCorrection) <= 3;
 }
 
 } // namespace

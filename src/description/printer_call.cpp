@@ -119,9 +119,30 @@ const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call)
     return call.pPrinterInfo.get();
 }
 
+namespace {
+
+/* 1 when the record that the spooler gave lies in its answer with all the bytes that it tells of itself. */
+int IsWholeRecord(const PrinterCall& call, const void* pRecord)
+{
+    constexpr u32 SIZES_AT = 68; /* u16 dmSize, u16 dmDriverExtra */
+    u16 ausSizes[2];
+    const void* pHead = PrinterBytes(call, pRecord, SIZES_AT + sizeof ausSizes);
+    if (!pHead) {
+        return 0;
+    }
+    std::memcpy(ausSizes, static_cast<const u8*>(pHead) + SIZES_AT, sizeof ausSizes);
+    return PrinterBytes(call, pRecord, static_cast<u32>(ausSizes[0]) + ausSizes[1]) != nullptr;
+}
+
+} // namespace
+
 int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info)
 {
     PRINTER_INFO_2W copy = info;
+    if (call.pPrinterInfo && copy.pDevMode == call.pPrinterInfo->pDevMode &&
+        !IsWholeRecord(call, copy.pDevMode)) {
+        copy.pDevMode = nullptr; /* the spooler would read what is not there; without one it keeps its own */
+    }
     int bSet = SetPrinterW(call.hPrinter, 2, reinterpret_cast<BYTE*>(&copy), 0) != 0;
     call.pPrinterInfo.reset();
     call.printerState = NOT_ASKED;

@@ -51,7 +51,8 @@ using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
 const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call);
 const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 
-/* Writes the printer's information back. The call asks anew for it afterwards. 1 when the spooler took it. */
+/* Writes the printer's information back, without its record where that is cut. The call asks anew for it afterwards.
+   1 when the spooler took it. */
 int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info);
 
 /* A text member of one of the two blocks: "" for null and for what does not lie in the block. The text ends
@@ -59,8 +60,8 @@ int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info);
 const WCHAR* DriverText(const PrinterCall& call, const WCHAR* wcMember);
 const WCHAR* PrinterText(const PrinterCall& call, const WCHAR* wcMember);
 
-/* A member of PRINTER_INFO_2 that leads to cb bytes: null for null, and for what does not lie in the block with
-   all of them. It may lie at any address. */
+/* A member of PRINTER_INFO_2 that leads to cb bytes: null for null, and for what does not lie in the block
+   with all of them. It may lie at any address. */
 const void* PrinterBytes(const PrinterCall& call, const void* pMember, u32 cb);
 
 /* A text member of any answer of cb bytes that AskSpooler gave. */
@@ -72,8 +73,8 @@ const WCHAR* AnswerText(const void* pBlock, u32 cb, const WCHAR* wcMember);
 using AskFunction = BOOL (*)(HANDLE hPrinter, BYTE* pOut, DWORD cbOut, DWORD* pcbNeeded, DWORD* pnRows);
 void* AskSpooler(HANDLE hPrinter, AskFunction fnAsk, u32 cbFirst, u32* pcb, DWORD* pnRows, AskState* pState);
 
-/* Document name of a job in the printer's queue, a new block of its own, the caller's. Null when the spooler has no
-   such job, the job has no name, or memory fails. */
+/* Document name of a job in the printer's queue, a new block of its own, the caller's. Null when the spooler
+   has no such job, the job has no name, or memory fails. */
 OwnedBlock<WCHAR> ReadDocumentName(PrinterCall& call, DWORD dwJobId);
 
 /* Reads a text value of the printer into cch characters. 1 when it is there, of type REG_SZ, and fits; the

@@ -37,8 +37,8 @@ const XpiHeader* ReadXpiHeader(XpiFile& file)
 
 namespace {
 
-/* Offset of a command among the command bytes; 0 when the table does not have it. Rows are held from a multiple of
-   their number on. */
+/* Offset of a command among the command bytes; 0 when the table does not have it. Rows are held from a
+   multiple of their number on. */
 int FindCommand(XpiCommands& commands, u16 usId, u16* pusOffset)
 {
     constexpr u32 HELD_ROWS = sizeof commands.ausRows / sizeof *commands.ausRows;
@@ -58,8 +58,9 @@ int FindCommand(XpiCommands& commands, u16 usId, u16* pusOffset)
     return usId - nFirst < commands.nRows;
 }
 
-/* Command bytes from a place in the file on, up to nMost; *pcb is how many there are. Null after a failed read. Bytes
-   are held from a multiple of the longest command on, so that one always lies whole in what is held. */
+/* Command bytes from a place in the file on, up to nMost; *pcb is how many there are. Null after a failed
+   read. Bytes are held from a multiple of the longest command on, so that one always lies whole in what is
+   held. */
 const char* HoldCommandBytes(XpiCommands& commands, u64 ullStart, u32 nMost, u32* pcb)
 {
     u64 ullFirst = ullStart - ullStart % COMMAND_BYTES;

@@ -60,8 +60,8 @@ int ReadXpiBytes(XpiFile& file, u64 ullOffset, void* pOut, u32 cb, u32* pcbGot);
 int ReadXpiCommand(XpiFile& file, u16 usId, char* cOut, int cbOut);
 int ReadXpiShortCommand(XpiFile& file, u16 usId, char* cOut, int cbOut);
 
-/* The same for many commands of one file: what was read for one serves those beside it, so that a list costs about as
-   much as two reads. Lives as long as the call that reads the list. */
+/* The same for many commands of one file: what was read for one serves those beside it, so that a list costs
+   about as much as two reads. Lives as long as the call that reads the list. */
 struct XpiCommands {
     XpiFile& file;
     u32 nFirstRow, nRows; /* rows of the offset table that are held */

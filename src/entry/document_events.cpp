@@ -100,10 +100,10 @@ void WriteLargePaper(const char* cEvent, int bLarge)
 }
 
 /* GDI's slot for a record may lie at any address. */
-void StorePointer(void* pvOut, const DriverDevmode* pRecord)
+void StorePointer(void* pvOut, const void* pvRecord)
 {
     if (pvOut) {
-        std::memcpy(pvOut, &pRecord, sizeof pRecord);
+        std::memcpy(pvOut, &pvRecord, sizeof pvRecord);
     }
 }
 
@@ -135,14 +135,14 @@ void BeforeCreate(PrinterCall& call, const void* pvIn, void* pvOut)
 
 void BeforeReset(PrinterCall& call, const void* pvIn, void* pvOut)
 {
-    DriverDevmode* pGiven = nullptr;
+    void* pvGiven = nullptr;
     if (pvIn) {
-        std::memcpy(&pGiven, pvIn, sizeof pGiven);
+        std::memcpy(&pvGiven, pvIn, sizeof pvGiven);
     }
-    if (!pGiven) {
+    if (!pvGiven) {
         return;
     }
-    const DriverDevmode* pMerged = MergeDocumentRecord(call, pGiven);
+    const DriverDevmode* pMerged = MergeDocumentRecord(call, static_cast<DriverDevmode*>(pvGiven));
     StorePointer(pvOut, pMerged);
     if (!pMerged) {
         return;

@@ -76,7 +76,8 @@ int WINAPI DrvDocumentEvent(HANDLE hPrinter, void* hDc, int iEsc, u32 cbIn, void
    image printer the render parameters. The rendering half calls; docs/job.md is written for it.
    pRecord     IO  4088 bytes of settings, settled in place. Null: nothing is done, the answer is 1
    pBuffer     O   may be null. A text is appended behind the NUL that the buffer begins with
-   pcbLength   IO  size of the buffer; bytes used or needed, NUL included. Unchanged with result 0 and a null record
+   pcbLength   IO  size of the buffer; bytes used or needed, NUL included. Unchanged with result 0 and
+                   for a null record
    pJob        IO  see job_records.h; pJobName is the caller's to free
    Result: one of JobResult; 0 too when pcbLength, pJob or pSheet is null. */
 DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, GuiJobRecord* pJob);

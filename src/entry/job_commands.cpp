@@ -1,5 +1,6 @@
-/* What the rendering half asks for at a job's start, before a sheet and at the job's end. The three calls share
-   nothing: each opens the description, settles the record that it was given, builds its bytes and releases all. */
+/* What the rendering half asks for at a job's start, before a sheet and at the job's end. The three calls
+   share nothing: each opens the description, settles the record that it was given, builds its bytes and
+   releases all. */
 #include <cstring>
 
 #include "base/wide.h"
@@ -33,7 +34,8 @@ DWORD FitResult(int bFitted)
     return bFitted ? JOB_DONE : JOB_TOO_SMALL;
 }
 
-/* Without a language library there is no dialog: its template would be looked for in the program's own resources. */
+/* Without a language library there is no dialog: its template would be looked for in the program's own
+   resources. */
 DWORD ShowNotice(PrinterCall& call)
 {
     LanguageChoice choice;
@@ -42,8 +44,9 @@ DWORD ShowNotice(PrinterCall& call)
     return !hModule || ShowJobNotice(hModule, choice) ? JOB_NOTICE : JOB_FAILED;
 }
 
-/* Opens the description that the record names for the job's end: a whole path on a drive of this computer. Another
-   computer's, a device's or a path that depends on the current folder is none. 0 when it cannot be opened. */
+/* Opens the description that the record names for the job's end: a whole path on a drive of this computer.
+   Another computer's, a device's or a path that depends on the current folder is none. 0 when it cannot be
+   opened. */
 int OpenNamedDescription(const PrivateDevmode& part, XpiFile& file)
 {
     WCHAR tcName[XPI_NAME_CHARS];
@@ -53,8 +56,8 @@ int OpenNamedDescription(const PrivateDevmode& part, XpiFile& file)
            tcName[1] == ':' && tcName[2] == '\\' && OpenXpiPath(file, tcName);
 }
 
-/* The description for the job's end: the record's own, unless overlays are at work, else the printer's. Null when
-   neither can be opened. */
+/* The description for the job's end: the record's own, unless overlays are at work, else the printer's. Null
+   when neither can be opened. */
 XpiFile* ChooseDescription(PrinterCall& call, const PrivateDevmode& part, XpiFile& named)
 {
     WCHAR tcName[XPI_NAME_CHARS];
@@ -88,7 +91,7 @@ DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength
         return JOB_FAILED;
     }
     XpiFile& file = *OpenXpiFile(call);
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), 1);
     u32 cbLength = LoadLength(pcbLength);
     int bFitted;
     if (pModel->usLanguage == KIND_IMAGE) {
@@ -118,7 +121,7 @@ DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, 
     if (!pModel) {
         return JOB_FAILED;
     }
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), pFile != &named);
     u32 cbLength = LoadLength(pcbLength);
     int bFitted =
         pModel->usLanguage == KIND_IMAGE
@@ -141,7 +144,7 @@ DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet)
     if (!pModel) {
         return JOB_FAILED;
     }
-    SettleRecord(call, pRecord, pModel.get());
+    SettleRecord(call, pRecord, pModel.get(), 1);
     u32 cbLength = pModel->usLanguage == KIND_IMAGE ? pSheet->cbBuffer : 0;
     int bFitted = 1;
     if (pModel->usLanguage == KIND_IMAGE) {

@@ -1,5 +1,6 @@
-/* The two request records of the rendering half. Each is a wire format between two modules that are built by themselves:
-   packed, little-endian, at any address. Bytes that have no name are neither read nor written here.
+/* The two request records of the rendering half. Each is a wire format between two modules that are built by
+   themselves: packed, little-endian, at any address. Bytes that have no name are neither read nor written
+   here.
 
    GuiJobRecord (GuiStartJob, GuiEndJob)          GuiSheetRecord (GuiStartSheet)
      10  handle   hPrinter       in                 10  handle   hPrinter  in
@@ -32,8 +33,8 @@ struct GuiJobRecord {
     u8 bReserved34[8];
     u32 dwReservedOut; /* GuiStartJob sets it to 0 in every case */
     u8 bReserved46[2];
-    /* GuiStartJob on an image printer: the document's name, a block of the process heap that the rendering half frees
-       with HeapFree; null without one. Written by each call that does not answer 0. */
+    /* GuiStartJob on an image printer: the document's name, a block of the process heap that the rendering
+       half frees with HeapFree; null without one. Written by each call that does not answer 0. */
     WCHAR* pJobName;
 };
 

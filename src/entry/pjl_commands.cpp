@@ -17,6 +17,19 @@ constexpr int WORD_BYTES = SHORT_COMMAND_BYTES; /* a key or a value */
 constexpr char cBareHead[] = "%!PS-Adobe-3.0\r\n";
 constexpr char cJobEnd[] = "@PJL EOJ\r\n";
 
+/* cText has nText bytes and a NUL. */
+size_t AppendPiece(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cText, size_t nText)
+{
+    if (cBuffer && nOffset + nText + 1 <= cbBuffer) {
+        const void* pEnd = std::memchr(cBuffer, 0, cbBuffer);
+        size_t nUsed = pEnd ? static_cast<size_t>(static_cast<const char*>(pEnd) - cBuffer) : cbBuffer;
+        if (nUsed + nText + 1 <= cbBuffer) {
+            std::memcpy(cBuffer + nUsed, cText, nText + 1);
+        }
+    }
+    return nText;
+}
+
 /* A text in the making. */
 struct PjlText {
     char* cBuffer;
@@ -41,23 +54,9 @@ int EndText(const PjlText& text, u32* pcbLength)
     return text.nLength + 1 <= text.cbBuffer;
 }
 
-/* "@PJL SET key=value". */
 void AppendSetting(PjlText& text, const char* cKey, const char* cValue)
 {
-    static constexpr char cSet[] = "@PJL SET ";
-    static_assert(sizeof cSet + 2 * WORD_BYTES + sizeof "=\r\n" <= LINE_BYTES);
-    char cLine[LINE_BYTES];
-    char* cAt = cLine;
-    const auto put = [&cAt](const char* cPiece, size_t nPiece) {
-        std::memcpy(cAt, cPiece, nPiece);
-        cAt += nPiece;
-    };
-    put(cSet, sizeof cSet - 1);
-    put(cKey, std::strlen(cKey));
-    put("=", 1);
-    put(cValue, std::strlen(cValue));
-    put("\r\n", sizeof "\r\n");
-    Append(text, cLine);
+    text.nLength += AppendPjlSetting(text.cBuffer, text.cbBuffer, text.nLength, cKey, cValue);
 }
 
 /* A command as the description has it, line ends included; 0 is none. */
@@ -117,8 +116,9 @@ void AppendFeatures(PjlText& text, const PrivateDevmode& part, u32 ulOptions, co
         }
         ReadFeatureValue(part, i, pRow, pModel, commands, cValue);
         if (cValue[0]) {
-            ReadShortCommand(commands, pRow->usCmdId, cKey, WORD_BYTES);
-            AppendSetting(text, cKey, cValue);
+            if (ReadSettingKey(commands, pRow->usCmdId, cKey)) {
+                AppendSetting(text, cKey, cValue);
+            }
         }
     }
 }
@@ -130,17 +130,33 @@ int IsBareJob(const PrivateDevmode& part, const XpiModel* pModel)
 
 } // namespace
 
+int ReadSettingKey(XpiCommands& commands, u16 usId, char (&cKey)[SHORT_COMMAND_BYTES])
+{
+    return ReadShortCommand(commands, usId, cKey, SHORT_COMMAND_BYTES) || !usId;
+}
+
 size_t AppendPjlText(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cText)
 {
-    size_t nText = std::strlen(cText);
-    if (cBuffer && nOffset + nText + 1 <= cbBuffer) {
-        const void* pEnd = std::memchr(cBuffer, 0, cbBuffer);
-        size_t nUsed = pEnd ? static_cast<size_t>(static_cast<const char*>(pEnd) - cBuffer) : cbBuffer;
-        if (nUsed + nText + 1 <= cbBuffer) {
-            std::memcpy(cBuffer + nUsed, cText, nText + 1);
-        }
+    return AppendPiece(cBuffer, cbBuffer, nOffset, cText, std::strlen(cText));
+}
+
+size_t AppendPjlSetting(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cKey, const char* cValue)
+{
+    static constexpr char cSet[] = "@PJL SET ";
+    char cLine[LINE_BYTES];
+    size_t nKey = std::strlen(cKey), nValue = std::strlen(cValue);
+    char* cAt = cLine + sizeof cSet - 1;
+    static_assert(sizeof cSet + 2 * WORD_BYTES + sizeof "=\r\n" <= LINE_BYTES);
+    if (nKey >= WORD_BYTES || nValue >= WORD_BYTES) {
+        return 0;
     }
-    return nText;
+    std::memcpy(cLine, cSet, sizeof cSet - 1);
+    std::memcpy(cAt, cKey, nKey);
+    cAt[nKey] = '=';
+    std::memcpy(cAt + nKey + 1, cValue, nValue);
+    std::memcpy(cAt + nKey + 1 + nValue, "\r\n", sizeof "\r\n");
+    return AppendPiece(cBuffer, cbBuffer, nOffset, cLine,
+                       sizeof cSet - 1 + nKey + 1 + nValue + sizeof "\r\n" - 1);
 }
 
 void ReadTypedValue(const PrivateDevmode& part, i16 sChoice, char (&cOut)[TYPED_BYTES])
@@ -181,9 +197,10 @@ int BuildPjlJobHead(PrinterCall& call, char* cBuffer, u32* pcbLength, const Driv
     AppendCommand(text, commands, pMedia ? pMedia->usCmdId : u16{0});
     if (part.sOutputPJLsid) {
         char cKey[WORD_BYTES], cValue[WORD_BYTES];
-        ReadShortCommand(commands, pModel->sOutputBinCmdId, cKey, WORD_BYTES);
-        ReadShortCommand(commands, part.sOutputPJLsid, cValue, WORD_BYTES);
-        AppendSetting(text, cKey, cValue);
+        if (ReadShortCommand(commands, part.sOutputPJLsid, cValue, WORD_BYTES) &&
+            ReadSettingKey(commands, pModel->sOutputBinCmdId, cKey)) {
+            AppendSetting(text, cKey, cValue);
+        }
     }
     AppendFeatures(text, part, ulOptions, pModel, commands);
     return EndText(text, pcbLength);

@@ -218,8 +218,9 @@ void PutFeatures(ParameterText& text, const PrivateDevmode& part, u32 ulOptions,
         ReadTypedValue(part, sChoice, cTyped); /* empty unless the choice is a typed value */
         const char* cChosen = sChoice < 0 ? cTyped : cValue;
         if (cChosen[0]) {
-            ReadShortCommand(commands, pRow->usCmdId, cKey, WORD_BYTES);
-            Put(text, cKey, cChosen);
+            if (ReadSettingKey(commands, pRow->usCmdId, cKey)) {
+                Put(text, cKey, cChosen);
+            }
         }
     }
 }
@@ -228,10 +229,13 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
               const WCHAR* wcJobName, const DriverDevmode* pRecord, const XpiModel* pModel, XpiFile& file)
 {
     const PrivateDevmode& part = pRecord->rPrivate;
+    const WCHAR* wcProfile = part.sProfile == PROFILE_NAMED ? names.wcProfile : nullptr;
+    const WCHAR* wcScreen = part.sScreen == SCREEN_NAMED ? names.wcScreen : nullptr;
     OwnedBlock<char> cModel = NarrowText(names.wcModel), cXpi = NarrowText(names.tcXpi);
-    OwnedBlock<char> cProfile = NarrowText(names.wcProfile), cScreen = NarrowText(names.wcScreen);
-    OwnedBlock<char> cJobName = NarrowText(wcJobName ? wcJobName : TEXT(""));
-    if (!cModel || !cXpi || !cProfile || !cScreen || !cJobName) {
+    OwnedBlock<char> cProfile = wcProfile ? NarrowText(wcProfile) : nullptr;
+    OwnedBlock<char> cScreen = wcScreen ? NarrowText(wcScreen) : nullptr;
+    OwnedBlock<char> cJobName = wcJobName ? NarrowText(wcJobName) : nullptr;
+    if (!cModel || !cXpi || !cProfile != !wcProfile || !cScreen != !wcScreen || !cJobName != !wcJobName) {
         return 0;
     }
     ParameterText text = {cBuffer, cbBuffer, 0};
@@ -245,10 +249,10 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
         PutOptions(text, *pList, pModel, commands);
     }
     Put(text, "cmm", part.sProfile == PROFILE_OFF ? "FALSE" : "TRUE");
-    if (part.sProfile == PROFILE_NAMED) {
+    if (cProfile) {
         Put(text, "profile", cProfile.get());
     }
-    if (part.sScreen == SCREEN_NAMED) {
+    if (cScreen) {
         Put(text, "halftone", cScreen.get());
     }
     const ResolutionRow* pResolution = CountedRow(pModel, pModel->pResolutions, part.sResolution);
@@ -256,14 +260,15 @@ int BuildText(PrinterCall& call, char* cBuffer, size_t cbBuffer, u32* pcbLength,
     Put(text, "dpi.y", pResolution ? static_cast<i16>(pResolution->usDpiY) : 0);
     Put(text, "contrast", part.sContrast);
     Put(text, "brightness", part.sBrightness);
-    if (wcJobName) {
+    if (cJobName) {
         Put(text, "jobName", cJobName.get());
     }
     if (pModel->pOutputBins && pModel->sOutputBinCmdId) {
         char cKey[WORD_BYTES], cValue[WORD_BYTES];
-        ReadShortCommand(commands, pModel->sOutputBinCmdId, cKey, WORD_BYTES);
-        ReadShortCommand(commands, part.sOutputOCMsid, cValue, WORD_BYTES);
-        Put(text, cKey, cValue);
+        ReadShortCommand(commands, part.sOutputOCMsid, cValue, WORD_BYTES); /* goes out empty too */
+        if (ReadSettingKey(commands, pModel->sOutputBinCmdId, cKey)) {
+            Put(text, cKey, cValue);
+        }
     }
     PutFeatures(text, part, GetDeviceInfo(call, pModel)->ulOptions, pModel, commands);
     size_t cbText = text.nLength + 1; /* the closing NUL is there: the buffer was cleared */

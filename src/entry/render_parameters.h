@@ -1,11 +1,12 @@
-/* The parameters that an image printer's rendering half gets, at the job's start, for each sheet and at its end. The
-   model chooses between two forms, which do not hold the same data:
+/* The parameters that an image printer's rendering half gets, at the job's start, for each sheet and at its
+   end. The model chooses between two forms, which do not hold the same data:
 
-   Text     "key=value" texts, each with its NUL, and one NUL more. ANSI code page, numbers in decimal, in this order:
-            modelName, xpiName, format; hts, errDiff with a screen table; for each row of the four option lists
-            intent/preserveK/correction2/correction3 + Text, Image, Graphics, and correctionGeneral0 to 3; cmm; profile,
-            halftone where the record wants them; dpi.x, dpi.y, contrast, brightness; jobName at the job's start; the
-            output bin under its own key; the printer's features under theirs.
+   Text     "key=value" texts, each with its NUL, and one NUL more. ANSI code page, numbers in decimal, in
+            this order: modelName, xpiName, format; hts, errDiff with a screen table; for each row of the
+            four option lists intent/preserveK/correction2/correction3 + Text, Image, Graphics, and
+            correctionGeneral0 to 3; cmm; profile, halftone where the record wants them; dpi.x, dpi.y,
+            contrast, brightness; jobName at the job's start; the output bin under its own key; the printer's
+            features under theirs.
    Binary   RenderParameterRecord. */
 #ifndef TQUI_ENTRY_RENDER_PARAMETERS_H
 #define TQUI_ENTRY_RENDER_PARAMETERS_H
@@ -15,8 +16,8 @@
 
 #pragma pack(push, 1)
 
-/* Little-endian, zero where nothing is said. Names are narrow, in the ANSI code page, ended by a NUL; what does not fit
-   loses whole characters at its end. */
+/* Little-endian, zero where nothing is said. Names are narrow, in the ANSI code page, ended by a NUL; what
+   does not fit loses whole characters at its end. */
 struct RenderParameterRecord {
     char cModelName[32]; /* the printer's driver */
     char cXpiName[200];  /* the record's tcXPIName */
@@ -80,17 +81,17 @@ static_assert(sizeof(RenderParameterRecord) == 1040 && alignof(RenderParameterRe
 
 /* Builds the parameters from a settled record and sets the record's dmICMMethod to 2.
    pBuffer     O   null counts as of no size; all *pcbLength bytes are cleared first
-   pcbLength   IO  size of the buffer; needed size. A text that did not fit asks for some bytes more than it will take
-                   (about 4 an entry), so a second call with that size succeeds and tells the true one. A text never
-                   takes 1040 bytes, so that the length tells the form.
+   pcbLength   IO  size of the buffer; needed size. A text that did not fit asks for some bytes more than it
+                   will take (about 4 an entry), so a second call with that size succeeds and tells the true
+                   one. A text never takes 1040 bytes, so that the length tells the form.
    wcJobName   the document's name at the job's start, else null
-   Result: 1 when all was written; 0 with the new length when it does not fit, and with the old one, the buffer cleared,
-   when a name could not be converted. */
+   Result: 1 when all was written; 0 with the new length when it does not fit, and with the old one, the
+   buffer cleared, when a name could not be converted. */
 int BuildRenderParameters(PrinterCall& call, void* pBuffer, u32* pcbLength, const WCHAR* wcJobName,
                           DriverDevmode* pRecord, const XpiModel* pModel, XpiFile& file);
 
-/* Each writes one entry of the text at an offset and gives its bytes with the NUL. An entry that does not leave room for
-   6 bytes beside key and value is not written, and those are its bytes then. */
+/* Each writes one entry of the text at an offset and gives its bytes with the NUL. An entry that does not
+   leave room for 6 bytes beside key and value is not written, and those are its bytes then. */
 size_t AppendKeyValue(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cKey, const char* cValue);
 size_t AppendKeyNumber(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cKey, i32 lNumber);
 /* Key and index without a gap; nIndex from 0 to 9999, which the 6 bytes cover. */

@@ -4,14 +4,14 @@
 #include "settings/checks.h"
 #include "settings/defaults.h"
 
-void SettleRecord(PrinterCall& call, DriverDevmode* pRecord, const XpiModel* pModel)
+void SettleRecord(PrinterCall& call, DriverDevmode* pRecord, const XpiModel* pModel, int bOwnModel)
 {
     int bPublicGood = ValidatePublicPart(call, pRecord, pModel);
     if (bPublicGood && ValidatePrivatePart(call, &pRecord->rPrivate, pModel)) {
         return;
     }
     DriverDevmode defaults;
-    if (FindPrinterDefaults(call, &defaults) == DEFAULT_NONE) {
+    if (FindPrinterDefaults(call, &defaults, bOwnModel ? pModel : nullptr) == DEFAULT_NONE) {
         return;
     }
     if (bPublicGood) {

@@ -18,13 +18,13 @@
     X(BOOL, FlsSetValue, (DWORD, LPVOID), 0) \
     X(BOOL, FlsFree, (DWORD), 0) \
     X(DWORD, GetVersion, (void), 0) \
+    X(void, Sleep, (DWORD), 0) \
     X(DWORD, GetTickCount, (void), 0) \
     X(UINT, WinExec, (LPCSTR, UINT), 0) \
     X(LCID, GetUserDefaultLCID, (void), 0) \
     X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
     X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
     X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
-    X(void, Sleep, (DWORD), 0) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)

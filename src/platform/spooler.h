@@ -80,28 +80,15 @@ struct SYSTEMTIME {
 
 struct JOB_INFO_2W {
     DWORD JobId;
-    LPWSTR pPrinterName;
-    LPWSTR pMachineName;
-    LPWSTR pUserName;
+    LPWSTR pPrinterName, pMachineName, pUserName;
     LPWSTR pDocument; /* null when the job has no name */
-    LPWSTR pNotifyName;
-    LPWSTR pDatatype;
-    LPWSTR pPrintProcessor;
-    LPWSTR pParameters;
-    LPWSTR pDriverName;
+    LPWSTR pNotifyName, pDatatype, pPrintProcessor, pParameters, pDriverName;
     LPDEVMODEW pDevMode;
     LPWSTR pStatus;
     PSECURITY_DESCRIPTOR pSecurityDescriptor;
-    DWORD Status;
-    DWORD Priority;
-    DWORD Position;
-    DWORD StartTime;
-    DWORD UntilTime;
-    DWORD TotalPages;
-    DWORD Size;
+    DWORD Status, Priority, Position, StartTime, UntilTime, TotalPages, Size;
     SYSTEMTIME Submitted;
-    DWORD Time;
-    DWORD PagesPrinted;
+    DWORD Time, PagesPrinted;
 };
 
 constexpr DWORD FORM_USER = 0;

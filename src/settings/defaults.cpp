@@ -255,7 +255,7 @@ void BuildModelRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmo
     FillRecord(call, wcPrinterName, pRecord, bApplySettingsFile, pModel);
 }
 
-DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord)
+DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord, const XpiModel* pModel)
 {
     const PRINTER_INFO_2W* pInfo = GetPrinterInfo(call);
     if (!pInfo) {
@@ -263,20 +263,21 @@ DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord)
     }
     const WCHAR* wcName = PrinterText(call, pInfo->pPrinterName);
     if (!pInfo->pDevMode) {
-        FillRecord(call, wcName, pRecord, 1, nullptr);
+        FillRecord(call, wcName, pRecord, 1, pModel);
         return DEFAULT_BUILT;
     }
-    OwnedModel pModel = LoadPrinterModel(call);
+    OwnedModel pLoaded = pModel ? nullptr : LoadPrinterModel(call);
+    pModel = pModel ? pModel : pLoaded.get();
     const void* pStored = PrinterBytes(call, pInfo->pDevMode, RECORD_SIZE);
     if (pStored && pModel) {
         /* On a copy: a second look within this call finds the stored record as it was. */
         std::memcpy(pRecord, pStored, RECORD_SIZE);
-        if (ValidatePublicPart(call, pRecord, pModel.get()) &&
-            ValidatePrivatePart(call, &pRecord->rPrivate, pModel.get())) {
+        if (ValidatePublicPart(call, pRecord, pModel) &&
+            ValidatePrivatePart(call, &pRecord->rPrivate, pModel)) {
             return DEFAULT_STORED;
         }
     }
-    FillRecord(call, wcName, pRecord, 1, pModel.get());
+    FillRecord(call, wcName, pRecord, 1, pModel);
     return DEFAULT_STORED;
 }
 

@@ -21,8 +21,10 @@ void BuildModelRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmo
 
 /* The printer's stored default, checked, or a built one where there is none or it was refused.
    DEFAULT_NONE: the printer cannot be asked, *pRecord is untouched. DEFAULT_BUILT: the printer has no stored
-   record. DEFAULT_STORED: the stored one, also when it was refused and built anew. */
-DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord);
+   record. DEFAULT_STORED: the stored one, also when it was refused and built anew.
+   pModel   the printer's own model where the caller has it; null: loaded here */
+DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord,
+                                  const XpiModel* pModel = nullptr);
 
 /* The same as 1 for DEFAULT_STORED, else 0. */
 int GetPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord);

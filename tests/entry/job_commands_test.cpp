@@ -1,5 +1,5 @@
-/* The job path: whole jobs of the samples against their goldens; the buffer protocol at every size; what settling does;
-   each rule of the head and of both forms of the render parameters on small descriptions. */
+/* The job path: whole jobs of the samples against their goldens; the buffer protocol at every size; what
+   settling does; each rule of the head and of both forms of the render parameters on small descriptions. */
 #include <set>
 
 #include "base/narrow.h"
@@ -99,7 +99,8 @@ TEST_F(JobCommands, WholeJobsOfTheSamples)
     EXPECT_GE(nGoldens, 11);
 }
 
-/* Every size from none to two more than needed: result, length and whole pieces from the front, nothing beyond. */
+/* Every size from none to two more than needed: result, length and whole pieces from the front, nothing
+   beyond. */
 TEST_F(JobCommands, EverySizeOfABuffer)
 {
     for (const char* cSection : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
@@ -268,8 +269,8 @@ TEST_F(JobCommands, TheRecordIsSettledInPlace)
     EXPECT_EQ(output.tail.bytes.substr(0, 11), std::string("modelName=\0", 11));
 }
 
-/* The record's own description serves the job's end unless overlays are at work; another computer's, a device's or a
-   relative path is never opened. */
+/* The record's own description serves the job's end unless overlays are at work; another computer's, a
+   device's or a relative path is never opened. */
 TEST_F(JobCommands, TheEndTakesTheRecordsDescription)
 {
     AddTestPrinter(Small(KIND_PCL6).Build());
@@ -585,7 +586,8 @@ TEST_F(JobCommands, ANameThatCannotBeConverted)
     }
 }
 
-/* What a call asks for, it asks for once; one block for each thing that is asked, none that grows with the job. */
+/* What a call asks for, it asks for once; one block for each thing that is asked, none that grows with the
+   job. */
 TEST_F(JobCommands, EachFactOfThePrinterIsAskedOnceACall)
 {
     for (const char* cSection : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {

@@ -378,6 +378,8 @@ TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
     const WideText wcFile = u"\\00abcdef.tqs";
     ASSERT_TRUE(HasFile(UserFolder(u"worker") + wcFile));
     PutFile(UserFolder(u"second") + wcFile, "stays");
+    EXPECT_TRUE(HasSemaphore(wcPrinter));
+    DropSemaphores();
     Raise(DELETE_CONNECTION);
     EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
     EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));

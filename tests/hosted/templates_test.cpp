@@ -355,6 +355,13 @@ TEST(Templates, LieInTheirDialogsWithoutOverlap)
             EXPECT_TRUE(item.rect.cx > 0 && item.rect.cy > 0) << item.ulId;
             for (size_t k = n + 1; k < read.items.size(); k++) {
                 const DialogItem& other = read.items[k];
+                const bool bField = SeenTogether(usId, item.ulId, other.ulId) &&
+                                    std::string("eov").find(Kind(other)) != std::string::npos;
+                if (Kind(item) == 't' && !item.text.wcName.empty() && bField &&
+                    item.rect.y < Bottom(Seen(other)) && other.rect.y < Bottom(item.rect)) {
+                    EXPECT_EQ(item.rect.y, other.rect.y + 3)
+                        << item.ulId << " is not level with " << other.ulId;
+                }
                 if (!SeenTogether(usId, item.ulId, other.ulId) || !Overlap(Seen(item), Seen(other))) {
                     continue;
                 }

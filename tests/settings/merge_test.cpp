@@ -10,6 +10,7 @@
 #include "settings/check_support.h"
 #include "settings/defaults.h"
 #include "support/guarded_pages.h"
+#include "support/well_formed.h"
 
 namespace {
 
@@ -375,7 +376,7 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
     in.rPrivate.sContrast = 51;
     out = Merged(in);
     EXPECT_EQ(out.dmCopies, 7) << "a bad private part is replaced alone";
-    EXPECT_EQ(std::memcmp(&out.rPrivate, &standard.rPrivate, PRIVATE_BYTES), 0);
+    EXPECT_TRUE(HasSameBytes(out.rPrivate, standard.rPrivate));
     in.dmSpecVersion = 1024;
     EXPECT_EQ(FirstDifference(Merged(in), fitted), -1) << "a bad public part takes all with it";
 

@@ -28,7 +28,7 @@ namespace {
 constexpr WCHAR SETTINGS_FILE[] = u"C:\\set\\a.ini";
 constexpr int REGION_AT = 2980, REGION_END = 3716;
 
-using KeyValues = std::vector<std::pair<std::string, std::string>>;
+using KeyLines = std::vector<std::pair<std::string, std::string>>;
 
 /* The text of the file. */
 std::string FileText(const WideText& tcPath = SETTINGS_FILE)
@@ -42,9 +42,9 @@ std::string FileText(const WideText& tcPath = SETTINGS_FILE)
 }
 
 /* The lines of its one section. */
-KeyValues Lines()
+KeyLines Lines()
 {
-    KeyValues lines;
+    KeyLines lines;
     std::istringstream text(FileText());
     std::string line;
     std::getline(text, line);
@@ -55,7 +55,7 @@ KeyValues Lines()
     return lines;
 }
 
-size_t CountStem(const KeyValues& lines, const std::string& stem)
+size_t CountStem(const KeyLines& lines, const std::string& stem)
 {
     return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const auto& line) {
         return line.first.rfind(stem, 0) == 0 && line.first.size() > stem.size();
@@ -125,7 +125,7 @@ void PutStyles(Dice& dice, DriverDevmode* pRecord)
 
 DriverDevmode RandomRecord(Dice& dice, u16 usKind)
 {
-    DriverDevmode record;
+    DriverDevmode record = recordTemplate;
     for (size_t i = 0; i < sizeof record; i += 4) {
         u32 ulWord = dice.Word();
         PutAt(&record, static_cast<int>(i), &ulWord, 4);
@@ -196,7 +196,7 @@ class SettingsWriter : public MachineTest {
         PutFile(u"C:\\set\\keep.txt", std::string_view("x"));
     }
 
-    KeyValues Written(const DriverDevmode& record, u16 usKind)
+    KeyLines Written(const DriverDevmode& record, u16 usKind)
     {
         EXPECT_EQ(WritePrinterSettings(SETTINGS_FILE, &record, usKind), 1);
         return Lines();
@@ -303,7 +303,7 @@ TEST_F(SettingsWriter, NumberOfKeys)
         record.rPrivate.ulWMType = one.ulType;
         record.dmCollate = 1;
         std::map<std::string, std::string> keys;
-        KeyValues lines = Written(record, one.usKind);
+        KeyLines lines = Written(record, one.usKind);
         keys.insert(lines.begin(), lines.end());
         EXPECT_EQ(lines.size(), one.nKeys) << "kind " << one.usKind;
         EXPECT_EQ(keys.size(), lines.size()) << "a key stands twice";
@@ -323,9 +323,9 @@ TEST_F(SettingsWriter, WhatIsWrittenReadAndWrittenAgainIsTheSame)
         for (unsigned nSeed = 0; nSeed < 60; nSeed++) {
             Dice dice(nSeed * 5 + usKind);
             DriverDevmode record = RandomRecord(dice, usKind), read = RandomRecord(dice, usKind);
-            KeyValues before = Written(record, usKind);
+            KeyLines before = Written(record, usKind);
             ASSERT_EQ(ReadPrinterSettings(SETTINGS_FILE, &read, 0, usKind), 1);
-            KeyValues after = Written(read, usKind);
+            KeyLines after = Written(read, usKind);
             ASSERT_EQ(before.size(), after.size());
             for (size_t i = 0; i < before.size(); i++) {
                 ASSERT_EQ(before[i].first, after[i].first);
@@ -353,7 +353,7 @@ TEST_F(SettingsWriter, StylesOfAnUncheckedRecordStayInTheRegion)
         pRegion[0] = static_cast<u8>(dice.Word());
         pRegion[1] = static_cast<u8>(dice.Word());
         std::map<std::string, std::string> keys;
-        KeyValues lines = Written(record, 3);
+        KeyLines lines = Written(record, 3);
         keys.insert(lines.begin(), lines.end());
         EXPECT_EQ(std::stoul(keys["StyleCount"]), CountStem(lines, "StyleType"));
         EXPECT_EQ(std::stoul(keys["BlockCount"]), CountStem(lines, "BlockPageCount"));
@@ -399,7 +399,7 @@ TEST_F(SettingsWriter, TextsEndWithTheirFieldAndHoldNoLines)
     PutAt(&record, 232, wcFont, sizeof wcFont);
     std::memset(record.rPrivate.tcXPIName, 'X', sizeof record.rPrivate.tcXPIName);
     std::map<std::string, std::string> keys;
-    KeyValues lines = Written(record, 0);
+    KeyLines lines = Written(record, 0);
     keys.insert(lines.begin(), lines.end());
     EXPECT_EQ(keys["OverlayFile"], std::string(13, 'o'));
     EXPECT_EQ(keys["DefaultFont"], "a  Scale=99 ");

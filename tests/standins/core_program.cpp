@@ -2,9 +2,9 @@
 
      CORE.EXE DLL PRINTER RECORD [DOCUMENT]
 
-   RECORD is a file of 4088 bytes. With a document the job is one of the spooler's, begun and given up again. Prints what
-   JobLines says and, with a job name, a line "name" with it in UTF-8. Exit code 0, 2 for wrong arguments, 1 for what
-   cannot be opened. */
+   RECORD is a file of 4088 bytes. With a document the job is one of the spooler's, begun and given up again.
+   Prints what JobLines says and, with a job name, a line "name" with it in UTF-8. Exit code 0, 2 for wrong
+   arguments, 1 for what cannot be opened. */
 #include <cstdio>
 #include <fstream>
 

@@ -1,5 +1,5 @@
-/* Stand-in for the rendering half as far as a job's commands go: calls the three exports as a rendering core does.
-   One source for both builds. */
+/* Stand-in for the rendering half as far as a job's commands go: calls the three exports as a rendering core
+   does. One source for both builds. */
 #ifndef TQUI_TESTS_JOB_CORE_H
 #define TQUI_TESTS_JOB_CORE_H
 
@@ -24,8 +24,9 @@ struct JobOutput {
     std::basic_string<WCHAR> wcJobName;
 };
 
-/* One job of one sheet. Each part is asked for its size first and then with a buffer of just that size, which begins
-   with a NUL; pJobName is freed after each call that gave one. The record goes through all calls, as a job's does. */
+/* One job of one sheet. Each part is asked for its size first and then with a buffer of just that size, which
+   begins with a NUL; pJobName is freed after each call that gave one. The record goes through all calls, as a
+   job's does. */
 JobOutput RunJob(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord);
 
 /* "head 1 HEX", "sheet ...", "tail ...": a line a part, '-' for no bytes. */

@@ -1,4 +1,5 @@
-/* What the tests of the job path share: default records, a job between guard bytes, comparison with the goldens. */
+/* What the tests of the job path share: default records, a job between guard bytes, comparison with the
+   goldens. */
 #ifndef TQUI_TESTS_JOB_MACHINE_H
 #define TQUI_TESTS_JOB_MACHINE_H
 
@@ -44,7 +45,8 @@ class JobTest : public MachineTest {
     }
 };
 
-/* One call with a buffer of cbSize bytes between guards; call(pBuffer, pcbLength, pRecord). Result: what is wrong. */
+/* One call with a buffer of cbSize bytes between guards; call(pBuffer, pcbLength, pRecord). Result: what is
+   wrong. */
 template <class Call>
 std::string CheckSize(Call call, DWORD cbSize, DriverDevmode record, const std::string& whole, bool bText)
 {

@@ -6,8 +6,10 @@
 
 #include "support/sample_machine.h"
 #include "tools/tq/explain.h"
+#include "tools/tq/merge.h"
 #include "tools/tq/record.h"
 #include "tools/tq/record_text.h"
+#include "tools/tq/scripting.h"
 
 namespace {
 
@@ -110,4 +112,33 @@ TEST_F(RecordCommands, WhatIsNoRecordOrNoModelIsTold)
     std::ofstream(FOLDER / "a.rec") << "dmCopies 86 1\n";
     EXPECT_THROW(Explain("T999", 1), std::exception);
     EXPECT_NE(Explain("T410A", 1).find("refused"), std::string::npos) << "the template names no description";
+}
+
+TEST_F(RecordCommands, MergeTellsWhatAPrinterMakesOfARecord)
+{
+    const auto merge = [](const std::string& model, const std::string& record, unsigned uMode, int nCode,
+                          const std::string& file = "") {
+        std::ostringstream out;
+        MergeOptions options = {model, TQUI_SAMPLES, true, record, uMode, file};
+        EXPECT_EQ(RunMerge(options, out), nCode);
+        return out.str();
+    };
+    Record("T410A", {"dmPaperSize=8", "dmScale=50"}, true);
+    std::string record = (FOLDER / "a.rec").string(), merged = (FOLDER / "b.rec").string();
+    std::string text = merge("T410A", record, 10, 0);
+    EXPECT_NE(text.find("the caller's record: dmScale 50 -> 100\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("dmPaperWidth                       82  2100 -> 2970\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("0 -> 33\n"), std::string::npos) << text;
+    EXPECT_EQ(merge("T410A", record, 8, 1), "the caller's record: dmScale 50 -> 100\nnothing was written\n");
+    EXPECT_EQ(merge("T410A", record, 10, 0, merged), "");
+    EXPECT_EQ(merge("T410A", merged, 10, 0), "the record is as it was\n");
+    EXPECT_EQ(merge("T410A", "", 2, 0, merged), "");
+    EXPECT_EQ(ReadRecordFile(merged).dmPaperSize, 9);
+}
+
+TEST_F(RecordCommands, ThePageForScriptsIsWhatThePrintersDo)
+{
+    Bytes page = ReadDiskFile(TQUI_SOURCE_DIR "/docs/scripting.md");
+    EXPECT_EQ(std::string(page.begin(), page.end()), ScriptingPage(TQUI_SAMPLES))
+        << "docs/scripting.md is stale: tq scripting > docs/scripting.md";
 }

@@ -1,6 +1,7 @@
 /* The library in the system's own spooler: installed from the built package as an installer does it, asked
    as applications ask. Variables: TQUI_BUILT, the package; TQUI_TEST_LIBRARY, the copy of TQUI.dll that takes
-   its spooler calls from the supplement; TQUI_HOSTED_CAPS, a folder with what the hosted build answers. */
+   its spooler calls from the supplement; TQUI_HOSTED_CAPS, a folder with what the hosted build answers and
+   with a settings record for each golden of TQUI_JOB_GOLDENS; TQUI_CORE, the stand-in rendering core. */
 #include <algorithm>
 #include <fstream>
 
@@ -8,6 +9,8 @@
 
 #include "capability_text.h"
 #include "installed_printer.h"
+#include "standins/job_core.h"
+#include "support/job_golden.h"
 
 namespace fs = std::filesystem;
 
@@ -95,6 +98,42 @@ BOOL AddUserForm(HANDLE hPrinter, const WCHAR* wcName, LONG lWidth, LONG lLength
 {
     FORM_INFO_1W form{FORM_USER, const_cast<LPWSTR>(wcName), {lWidth, lLength}, {0, 0, lWidth, lLength}};
     return AddFormW(hPrinter, 1, reinterpret_cast<LPBYTE>(&form));
+}
+
+constexpr WCHAR wcDocument[] = L"Brief an Gr\u00F6\u00DFe";
+
+/* A document of that name, begun on a printer as an application begins one, and ended without a page. */
+struct SpooledJob {
+    HANDLE hPrinter = nullptr;
+    DWORD dwJobId = 0;
+    fs::path tcOutput = fs::temp_directory_path() / "tqui-job.prn";
+
+    explicit SpooledJob(const InstalledPrinter& printer)
+    {
+        WCHAR wcRaw[] = L"RAW";
+        std::wstring wcName = wcDocument, wcOutput = tcOutput.wstring();
+        DOC_INFO_1W document = {wcName.data(), wcOutput.data(), wcRaw};
+        if (OpenPrinterW(const_cast<LPWSTR>(printer.Name()), &hPrinter, nullptr)) {
+            dwJobId = StartDocPrinterW(hPrinter, 1, reinterpret_cast<LPBYTE>(&document));
+        }
+    }
+    ~SpooledJob()
+    {
+        EndDocPrinter(hPrinter);
+        ClosePrinter(hPrinter);
+        DeleteFileW(tcOutput.c_str());
+    }
+    SpooledJob(const SpooledJob&) = delete;
+    SpooledJob& operator=(const SpooledJob&) = delete;
+};
+
+void ExpectSameBytes(const std::string& found, const std::string& wanted, const char* cPart)
+{
+    const size_t nAt = static_cast<size_t>(
+        std::mismatch(found.begin(), found.end(), wanted.begin(), wanted.end()).first - found.begin());
+    EXPECT_TRUE(found == wanted) << cPart << " of " << found.size() << " bytes, wanted " << wanted.size()
+                                 << ", differs at byte " << nAt << "\n  found  " << found.substr(nAt, 60)
+                                 << "\n  wanted " << (nAt < wanted.size() ? wanted.substr(nAt, 60) : "");
 }
 
 class EveryModel : public ::testing::TestWithParam<std::string> {};
@@ -191,6 +230,59 @@ TEST(UserForms, ArePapersBehindTheModels)
     EXPECT_EQ(sizes[before.size() + 1].y, 2000);
     EXPECT_EQ(seen, papers);
     EXPECT_EQ(stillNot, without);
+}
+
+/* The library as it ships, called by the stand-in rendering core for a document in the spooler: the same
+   bytes as on the hosted build. */
+TEST(Jobs, GiveTheGoldensBytes)
+{
+    int nGoldens = 0;
+    for (const auto& entry : fs::directory_iterator(PathFromEnvironment("TQUI_JOB_GOLDENS"))) {
+        SCOPED_TRACE(entry.path().filename().string());
+        const InstalledPrinter printer = Install(ReadJobGolden(entry.path(), 0).section, nullptr);
+        const SpooledJob job(printer);
+        ASSERT_NE(job.dwJobId, 0u) << GetLastError();
+        const JobGolden golden = ReadJobGolden(entry.path(), job.dwJobId);
+        DriverDevmode record = {};
+        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (golden.stem + ".record"),
+                           std::ios::binary);
+        ASSERT_TRUE(file.read(reinterpret_cast<char*>(&record), sizeof record));
+        const JobExports exports = {printer.Export<decltype(&GuiStartJob)>("GuiStartJob"),
+                                    printer.Export<decltype(&GuiStartSheet)>("GuiStartSheet"),
+                                    printer.Export<decltype(&GuiEndJob)>("GuiEndJob")};
+        const JobOutput output = RunJob(exports, job.hPrinter, job.dwJobId, &record);
+        ExpectSameBytes(output.head.bytes, golden.parts.at("head"), "head");
+        ExpectSameBytes(output.sheet.bytes, golden.parts.at("sheet"), "sheet");
+        ExpectSameBytes(output.tail.bytes, golden.parts.at("tail"), "tail");
+        EXPECT_EQ(output.head.dwResult + output.sheet.dwResult + output.tail.dwResult, 3u);
+        const bool bImage = golden.section == "K100" || golden.section == "IX300";
+        EXPECT_EQ(output.wcJobName, bImage ? wcDocument : L"");
+        nGoldens++;
+    }
+    EXPECT_GE(nGoldens, 11);
+}
+
+/* The program, as somebody calls it by hand. */
+TEST(Jobs, ArePlayedByTheCoreProgram)
+{
+    const InstalledPrinter printer = Install("T410A", nullptr);
+    const fs::path tcRecord = PathFromEnvironment("TQUI_HOSTED_CAPS") / "T410A-busy.record";
+    const fs::path tcOutput = fs::temp_directory_path() / "tqui-core.txt";
+    const std::wstring wcCommand = L"cmd /c \"\"" + PathFromEnvironment("TQUI_CORE").wstring() + L"\" \"" +
+                                   printer.Files().at(1).wstring() + L"\" \"" + printer.Name() + L"\" \"" +
+                                   tcRecord.wstring() + L"\" > \"" + tcOutput.wstring() + L"\"\"";
+    EXPECT_EQ(_wsystem(wcCommand.c_str()), 0);
+    const JobGolden golden = ReadJobGolden(PathFromEnvironment("TQUI_JOB_GOLDENS") / "T410A-busy.txt", 0);
+    JobOutput wanted = {};
+    wanted.head = {1, golden.parts.at("head")};
+    wanted.sheet = {1, golden.parts.at("sheet")};
+    wanted.tail = {1, golden.parts.at("tail")};
+    std::string found;
+    for (const std::string& line : ReadLines(tcOutput)) {
+        found += line + "\n";
+    }
+    EXPECT_EQ(found, JobLines(wanted));
+    DeleteFileW(tcOutput.c_str());
 }
 
 /* What the supplement has to do itself: the library's tests stand on it. */

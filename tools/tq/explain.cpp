@@ -88,21 +88,6 @@ std::string Verdict(const char* cPart, int bAccepted, const Account& account, co
                        : "accepted with " + std::to_string(account.nRepairs) + " repairs\n");
 }
 
-DriverDevmode ReadRecord(const std::string& file)
-{
-    Bytes bytes = ReadDiskFile(file);
-    DriverDevmode record;
-    if (bytes.size() == sizeof record) {
-        std::memcpy(&record, bytes.data(), sizeof record);
-        return record;
-    }
-    if (std::find(bytes.begin(), bytes.end(), u8{0}) != bytes.end()) {
-        throw std::runtime_error(file + ": a record has " + std::to_string(sizeof record) +
-                                 " bytes, this has " + std::to_string(bytes.size()));
-    }
-    return RecordFromText({bytes.begin(), bytes.end()});
-}
-
 void PrintLines(const std::vector<Line>& lines, std::ostream& out)
 {
     std::array<size_t, 5> widths = {};
@@ -167,7 +152,7 @@ std::string ConflictVerdict(PrinterCall& call, const DriverDevmode& record, cons
 
 int RunExplain(const ExplainOptions& options, std::ostream& out)
 {
-    DriverDevmode record = ReadRecord(options.file);
+    DriverDevmode record = ReadRecordFile(options.file);
     Account account = {&record, record, 0, false, {}};
     std::string verdicts;
     int bAccepted;

@@ -13,6 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr size_t STANDIN_BYTES = 1000;
+
 enum : int { EVENT_INITIALIZE = 3, EVENT_DELETE = 4 };
 
 /* The machine while one command runs; Keep stores it again. */
@@ -74,10 +76,12 @@ void ShowEffects(std::ostream& out)
 int RunInstall(const MachineOptions& options, std::ostream& out)
 {
     KeptMachine machine(options.machine);
-    WideText wcName =
-        InstallSample(FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.model),
-                      options.package)
-            .wcName;
+    PrinterSetup setup = InstallSample(
+        FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.model), options.package);
+    WideText wcName = setup.wcName;
+    if (!HasFile(setup.tcDataFile)) {
+        PutFile(setup.tcDataFile, Bytes(STANDIN_BYTES, ' ')); /* the samples have no font description file */
+    }
     BOOL bResult = DrvPrinterEvent(wcName.data(), EVENT_INITIALIZE, 0, 0);
     machine.Keep();
     out << Narrow(wcName) << (bResult ? " is installed\n" : " could not be installed\n");

@@ -26,7 +26,7 @@ std::string MachineText();
 void ReadMachineText(const std::string& text);
 
 /* For readers: a printer's values, texts as text, numbers as numbers and the rest in rows of hex; its forms, its print
-   processor, and the files of all users with their first bytes. bRecord: the stored record's size as well. */
+   processor, and the files of all users with their sizes. */
 std::string DescribePrinter(const WideText& wcPrinter);
 
 /* One value as a reader wants it: "sz \"text\"", "dword 64", "multi ...", "binary 12: 01 00 ..." */

@@ -9,9 +9,12 @@
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/install.h"
+#include "tools/tq/job.h"
 #include "tools/tq/lint.h"
+#include "tools/tq/merge.h"
 #include "tools/tq/record.h"
 #include "tools/tq/sample_printer.h"
+#include "tools/tq/scripting.h"
 
 namespace {
 
@@ -108,6 +111,39 @@ int main(int argc, char** argv)
         ->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pExplain->add_flag("--metric", explain.bMetric, "The user's locale is metric");
+
+    JobOptions job;
+    bool bLayout = false;
+    CLI::App* pJob = app.add_subcommand("job", "What goes to the printer round a job and before a sheet");
+    pJob->add_option("--model", job.model, "A description file, or a sample's name or section");
+    pJob->add_option("--package", job.package, "Folder with tqui.inf, descriptions and settings files")
+        ->check(CLI::ExistingDirectory);
+    pJob->add_option("--record", job.record, "A record: its 4088 bytes, or the text of tq record");
+    pJob->add_option("--set", job.assignments, "field=value; several times");
+    pJob->add_option("--job-name", job.jobName, "Name of the document in the spooler");
+    pJob->add_flag("--metric", job.bMetric, "The user's locale is metric");
+    pJob->add_flag("--hex", job.bHex, "All bytes, sixteen a line");
+    pJob->add_flag("--layout", bLayout, "The layout of the binary render parameters, and nothing else");
+    job.package = TQUI_SAMPLES;
+    MergeOptions merge;
+    CLI::App* pMerge =
+        app.add_subcommand("merge", "What a printer makes of an application's record, or of its own default");
+    pMerge->add_option("--model", merge.model, "A description file, or a sample's name or section")
+        ->required();
+    pMerge->add_option(
+        "--record", merge.record,
+        "The record: its 4088 bytes, or the text of tq record; without one the printer's default");
+    pMerge->add_option("--mode", merge.uMode, "DM_UPDATE 1, DM_COPY 2, DM_MODIFY 8, added up (default 10)");
+    pMerge->add_option("--out", merge.file, "File for the merged record; without it the difference as text");
+    pMerge->add_option("--package", merge.package, "Folder with tqui.inf, descriptions and settings files")
+        ->check(CLI::ExistingDirectory);
+    pMerge->add_flag("--metric", merge.bMetric, "The user's locale is metric");
+
+    std::string scriptingPackage = TQUI_SAMPLES;
+    CLI::App* pScripting = app.add_subcommand("scripting", "The page docs/scripting.md");
+    pScripting->add_option("--package", scriptingPackage, "Folder with tqui.inf and the samples' files")
+        ->check(CLI::ExistingDirectory);
+    merge.package = TQUI_SAMPLES;
     record.package = TQUI_SAMPLES;
     explain.package = TQUI_SAMPLES;
 
@@ -132,6 +168,9 @@ int main(int argc, char** argv)
 
     try {
         app.parse(argc, argv);
+        if (*pJob && !bLayout && job.model.empty()) {
+            throw CLI::RequiredError("--model");
+        }
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error);
@@ -143,8 +182,22 @@ int main(int argc, char** argv)
         if (*pRecord) {
             return RunRecord(record, std::cout);
         }
+        if (*pJob && bLayout) {
+            std::cout << RenderRecordTable();
+            return 0;
+        }
+        if (*pJob) {
+            return RunJobCommand(job, std::cout);
+        }
         if (*pExplain) {
             return RunExplain(explain, std::cout);
+        }
+        if (*pMerge) {
+            return RunMerge(merge, std::cout);
+        }
+        if (*pScripting) {
+            std::cout << ScriptingPage(scriptingPackage);
+            return 0;
         }
         if (*pInstall) {
             return RunInstall(install, std::cout);

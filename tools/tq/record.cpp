@@ -1,6 +1,8 @@
 /* The command `tq record`. */
 #include "tools/tq/record.h"
 
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <ostream>
 
@@ -20,6 +22,30 @@ PrinterSetup StartModel(const std::string& model, const std::string& package, bo
     return InstallSample(FindInfModel(ReadInf(fs::path(package) / "tqui.inf"), model), package);
 }
 
+DriverDevmode ReadRecordFile(const std::string& file)
+{
+    Bytes bytes = ReadDiskFile(file);
+    DriverDevmode record;
+    if (bytes.size() == sizeof record) {
+        std::memcpy(&record, bytes.data(), sizeof record);
+        return record;
+    }
+    if (std::find(bytes.begin(), bytes.end(), u8{0}) != bytes.end()) {
+        throw std::runtime_error(file + ": a record has " + std::to_string(sizeof record) +
+                                 " bytes, this has " + std::to_string(bytes.size()));
+    }
+    return RecordFromText({bytes.begin(), bytes.end()});
+}
+
+void WriteRecordFile(const std::string& path, const DriverDevmode& record)
+{
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(&record), sizeof record);
+    if (!file.flush()) {
+        throw std::runtime_error(path + ": cannot be written");
+    }
+}
+
 int RunRecord(const RecordOptions& options, std::ostream& out)
 {
     DriverDevmode record;
@@ -37,10 +63,6 @@ int RunRecord(const RecordOptions& options, std::ostream& out)
         out << (options.bAll ? FieldLines(RecordFields(record)) : RecordText(record));
         return 0;
     }
-    std::ofstream file(options.file, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(&record), sizeof record);
-    if (!file.flush()) {
-        throw std::runtime_error(options.file + ": cannot be written");
-    }
+    WriteRecordFile(options.file, record);
     return 0;
 }

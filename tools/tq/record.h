@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "settings/driver_devmode.h"
 #include "tools/tq/sample_printer.h"
 
 struct RecordOptions {
@@ -19,6 +20,10 @@ struct RecordOptions {
 
 /* Starts the machine and installs a printer: of a description file with its name, or of a sample. */
 PrinterSetup StartModel(const std::string& model, const std::string& package, bool bMetric);
+
+/* A record from a file with its bytes, or with its text, and back. Throw an exception. */
+DriverDevmode ReadRecordFile(const std::string& path);
+void WriteRecordFile(const std::string& path, const DriverDevmode& record);
 
 /* Result: the exit code. Throws RecordTextError for a wrong assignment, another exception for a model or
    file that is not to be had. */

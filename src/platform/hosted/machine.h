@@ -180,8 +180,8 @@ void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
 
 /* ---- what is held ---- */
 struct LiveCounts {
-    int nBlocks = 0, nFiles = 0, nPrinters = 0, nKeys = 0, nModules = 0, nSearches = 0, nContexts = 0,
-        nSemaphores = 0, nWindows = 0, nGdiObjects = 0;
+    int nBlocks = 0, nFiles = 0, nPrinters = 0, nKeys = 0, nModules = 0, nSearches = 0, nContexts = 0;
+    int nSemaphores = 0, nWindows = 0, nGdiObjects = 0;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

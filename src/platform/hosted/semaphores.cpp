@@ -12,9 +12,6 @@ std::uintptr_t nLastSemaphore = 0;
 /* Only the two prefixes of sessions may stand in front of a backslash. */
 DWORD NameError(std::u16string_view wcName)
 {
-    if (wcName.size() >= 260) {
-        return ERROR_FILENAME_EXCED_RANGE;
-    }
     for (std::u16string_view wcPrefix : {u"Global\\", u"Local\\"}) {
         if (wcName.starts_with(wcPrefix)) {
             wcName.remove_prefix(wcPrefix.size());

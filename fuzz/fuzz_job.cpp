@@ -1,0 +1,147 @@
+/* Any bytes as what a job is made from: the first picks a sample, the second what is done to its description,
+   the third the size of the buffer, then come patches of the description and the rest lies over a record. The
+   sizing call and a call with what it told are the oracle: the second succeeds, writes no more than it tells
+   and nothing outside. */
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include "base/owned.h"
+#include "entry/exports.h"
+#include "settings/defaults.h"
+#include "tools/tq/sample_printer.h"
+#include "xpi_format.h"
+
+namespace {
+
+constexpr const char* acStems[] = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
+constexpr size_t SAMPLES = std::size(acStems);
+constexpr size_t PATCH_BYTES = 4; /* offset in the file, u16; value; reserved */
+constexpr DWORD JOB_ID = 7;
+
+void Require(bool bTrue)
+{
+    if (!bTrue) {
+        std::abort();
+    }
+}
+
+struct Sample {
+    WideText wcName, tcXpi;
+    Bytes description;
+    std::optional<OpenSample> printer;
+    DriverDevmode record;
+};
+Sample* const aSamples = new Sample[SAMPLES]; /* held to the end: the machine may go first */
+
+void StartSamples()
+{
+    StartMachine();
+    for (size_t i = 0; i < SAMPLES; i++) {
+        std::string path = std::string(TQUI_SOURCE_DIR "/package/models/") + acStems[i] + ".toml";
+        Bytes text = ReadDiskFile(path);
+        Sample& sample = aSamples[i];
+        sample.description =
+            CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path).bytes;
+        Require(!sample.description.empty());
+        PrinterSetup setup;
+        setup.wcName = setup.wcDriverName = WideText(1, static_cast<WCHAR>(u'A' + i));
+        setup.tcDriverPath = u"C:\\FUZZ\\DRIVER.DLL";
+        sample.tcXpi = u"C:\\FUZZ\\" + setup.wcName + u".XPI";
+        setup.atcDependentFiles = {sample.tcXpi};
+        PutFile(sample.tcXpi, sample.description);
+        AddPrinter(setup);
+        AddJob(setup.wcName, JOB_ID, u"Fuzz \u00E9");
+        sample.printer.emplace(setup.wcName);
+        WideText wcName = setup.wcName;
+        PrinterCall call(sample.printer->hPrinter);
+        BuildDefaultRecord(call, wcName.data(), &sample.record, 0);
+    }
+}
+
+/* One call with a block of just cb bytes, so that a sanitizer sees each byte too many. */
+DWORD Call(int nCall, const Sample& sample, DriverDevmode* pRecord, DWORD cb, DWORD* pcbLength,
+           Bytes* pWritten)
+{
+    OwnedBlock<char> pBuffer(static_cast<char*>(AllocateBlock(cb)));
+    GuiJobRecord job = {};
+    GuiSheetRecord sheet = {};
+    job.hPrinter = sheet.hPrinter = sample.printer->hPrinter;
+    job.dwJobId = JOB_ID;
+    sheet.pBuffer = pBuffer.get();
+    sheet.cbBuffer = cb;
+    *pcbLength = cb;
+    DWORD dwResult;
+    if (nCall == 1) {
+        dwResult = GuiStartSheet(pRecord, &sheet);
+        *pcbLength = sheet.cbBuffer;
+    } else {
+        dwResult = (nCall ? GuiEndJob : GuiStartJob)(pRecord, pBuffer.get(), pcbLength, &job);
+    }
+    FreeBlock(job.pJobName);
+    pWritten->assign(pBuffer.get(), pBuffer.get() + (pBuffer ? cb : 0));
+    return dwResult;
+}
+
+void CheckTwoCalls(int nCall, const Sample& sample, const DriverDevmode& record, DWORD cbSmall)
+{
+    DriverDevmode first = record, second = record, small = record;
+    DWORD cbNeeded, cbUsed, cbTold;
+    Bytes written, whole;
+    DWORD dwSizing = Call(nCall, sample, &first, 0, &cbNeeded, &written);
+    Require(dwSizing == 2 || (dwSizing <= 1 && cbNeeded == 0));
+    DWORD dwResult = Call(nCall, sample, &second, cbNeeded, &cbUsed, &whole);
+    Require(dwSizing == 2 ? dwResult == 1 && cbUsed <= cbNeeded && cbUsed > 0 : dwResult == dwSizing);
+    Require(std::memcmp(&first, &second, sizeof first) == 0);
+    if (dwSizing != 2) {
+        return;
+    }
+    whole.resize(cbUsed);
+    Require(whole.back() == 0);
+    DWORD dwSmall = Call(nCall, sample, &small, cbSmall, &cbTold, &written);
+    if (dwSmall == 1) {
+        Require(cbTold == cbUsed && cbTold <= cbSmall &&
+                std::memcmp(written.data(), whole.data(), cbTold) == 0);
+    } else {
+        Require(dwSmall == 2 && cbTold > cbSmall && cbTold >= cbUsed);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
+{
+    static bool bStarted = false;
+    if (!bStarted) {
+        StartSamples();
+        bStarted = true;
+    }
+    if (cb < 3) {
+        return 0;
+    }
+    Sample& sample = aSamples[pBytes[0] % SAMPLES];
+    size_t nPatches = pBytes[1] % 16, nAt = 3;
+    Bytes description = sample.description;
+    for (; nPatches > 0 && nAt + PATCH_BYTES <= cb; nPatches--, nAt += PATCH_BYTES) {
+        u16 usPlace;
+        std::memcpy(&usPlace, pBytes + nAt, sizeof usPlace);
+        description[usPlace % description.size()] = pBytes[nAt + 2];
+    }
+    PutFile(sample.tcXpi, description);
+    DriverDevmode record = sample.record;
+    /* Either the bytes themselves, or pairs of place and value, which a check lets pass more often. */
+    size_t cbRest = cb - nAt;
+    if (pBytes[1] & 0x80) {
+        std::memcpy(&record, pBytes + nAt, cbRest < sizeof record ? cbRest : sizeof record);
+    } else {
+        for (; nAt + 3 <= cb; nAt += 3) {
+            u16 usPlace;
+            std::memcpy(&usPlace, pBytes + nAt, sizeof usPlace);
+            reinterpret_cast<u8*>(&record)[usPlace % sizeof record] = pBytes[nAt + 2];
+        }
+    }
+    for (int nCall = 0; nCall < 3; nCall++) {
+        CheckTwoCalls(nCall, sample, record, pBytes[2] * 8u);
+    }
+    return 0;
+}

@@ -1,0 +1,209 @@
+/* The job path while the system fails or lies, on all kinds of printers, with a good record and with one that
+   has to be replaced: a documented answer, whole lines that an honest machine would send too, nothing held
+   behind the call but the job's name, which the stand-in rendering core frees. */
+#include <set>
+
+#include "support/job_machine.h"
+#include "support/sweep.h"
+
+namespace {
+
+constexpr int RUN_LIMIT = 2000;
+constexpr DWORD ROOM = 4096;
+const JobExports OWN = {GuiStartJob, GuiStartSheet, GuiEndJob};
+
+bool IsText(const JobOutput& output)
+{
+    return output.sheet.bytes.empty();
+}
+
+/* Lines of a text in job language, entries of parameters; the binary form is one piece. */
+std::set<std::string> PiecesOf(const std::string& bytes, bool bText)
+{
+    std::set<std::string> pieces;
+    if (!bText && bytes.size() == 1040) {
+        return {bytes};
+    }
+    size_t nAt = 0;
+    while (nAt < bytes.size()) {
+        size_t nEnd = bytes.find(bText ? '\n' : '\0', nAt);
+        nEnd = nEnd == std::string::npos ? bytes.size() : nEnd + 1;
+        pieces.insert(bytes.substr(nAt, nEnd - nAt));
+        nAt = nEnd;
+    }
+    return pieces;
+}
+
+} // namespace
+
+class JobFaults : public JobTest {
+  protected:
+    void Use(const char* cSection)
+    {
+        StartMachine();
+        AddSample(cSection);
+        SetEnvironmentValue(u"USERPROFILE", u"C:\\Users\\ada");
+        AddJob(wcPrinter, 7, u"Brief an Gr\u00F6\u00DFe");
+        good = DefaultRecord();
+        DriverDevmode copy = good;
+        honest = RunJob(OWN, hPrinter, 7, &copy);
+        /* What a fault can make of it: a refused record that stays for want of a default, a default without
+           its description (the template) or with zeros from its .INI file, a path that was not brought into
+           capitals. */
+        others.clear();
+        const DriverDevmode zero = {}, refused = Refused();
+        for (const DriverDevmode& record : {zero, refused, recordTemplate, good}) {
+            for (CallId call : {CALL_GetPrinterW, CALL_CharUpperBuffW}) {
+                copy = record;
+                FailCall(call, 1, FAIL_FROM_THERE);
+                JobOutput output = RunJob(OWN, hPrinter, 7, &copy);
+                StopFaults();
+                for (const JobPart* pPart : {&output.head, &output.sheet, &output.tail}) {
+                    others.merge(PiecesOf(pPart->bytes, IsText(honest)));
+                }
+            }
+        }
+    }
+
+    DriverDevmode Refused() const
+    {
+        DriverDevmode record = good;
+        record.rPrivate.sContrast = 51;
+        return record;
+    }
+
+    /* A piece of an honest machine, with its value missing where that could not be read, or with the other
+       answer of a decision that hangs on a command. */
+    bool IsHonest(const std::string& piece, const std::set<std::string>& pieces) const
+    {
+        if (pieces.count(piece) || piece == std::string(1, '\0') || IsText(honest)) {
+            return pieces.count(piece) || piece == std::string(1, '\0');
+        }
+        if (piece.size() == 1040) { /* names may be missing, and the job's number with its name */
+            const auto strip = [](std::string record) {
+                for (auto [nAt, nBytes] :
+                     {std::pair<size_t, size_t>{0, 232}, {496, 200}, {698, 200}, {996, 4}}) {
+                    record.replace(nAt, nBytes, nBytes, '\0');
+                }
+                return record;
+            };
+            return std::any_of(pieces.begin(), pieces.end(),
+                               [&](const std::string& other) { return strip(piece) == strip(other); });
+        }
+        std::string key = piece.substr(0, piece.find('=') + 1);
+        bool bKnown = std::any_of(pieces.begin(), pieces.end(), [&](const std::string& other) {
+            return other.substr(0, key.size()) == key;
+        });
+        return bKnown && (piece == key + '\0' || key == "hts=" || key == "errDiff=");
+    }
+
+    std::string Judge(const char* cPart, DWORD dwResult, DWORD cbLength, const std::string& bytes,
+                      const JobPart& whole) const
+    {
+        if (dwResult == 0) {
+            return cbLength == ROOM ? "" : std::string(cPart) + ": failed and told a length; ";
+        }
+        if (dwResult == 2) { /* a name that could not be converted */
+            return !IsText(honest) && cbLength == ROOM ? ""
+                                                       : std::string(cPart) + ": no room in a large buffer; ";
+        }
+        std::string fault = dwResult == 1 && cbLength <= ROOM ? "" : std::string(cPart) + ": wrong answer; ";
+        std::set<std::string> pieces = others;
+        pieces.merge(PiecesOf(whole.bytes, IsText(honest)));
+        for (const std::string& piece : PiecesOf(bytes.substr(0, cbLength), IsText(honest))) {
+            if (!IsHonest(piece, pieces)) {
+                fault += std::string(cPart) + ": " + piece + "; ";
+            }
+        }
+        return fault;
+    }
+
+    /* The three calls, each with a large buffer between guards. */
+    std::string PlayJob(DriverDevmode record)
+    {
+        std::string fault;
+        for (int nCall = 0; nCall < 3; nCall++) {
+            std::string buffer(ROOM + 128, '#');
+            buffer.replace(64, ROOM, ROOM, '\0');
+            DWORD cbLength = ROOM, dwResult;
+            GuiJobRecord job = {};
+            GuiSheetRecord sheet = {};
+            job.hPrinter = sheet.hPrinter = hPrinter;
+            job.dwJobId = 7;
+            sheet.pBuffer = buffer.data() + 64;
+            sheet.cbBuffer = ROOM;
+            if (nCall == 1) {
+                dwResult = GuiStartSheet(&record, &sheet);
+                cbLength = sheet.cbBuffer;
+            } else {
+                dwResult = (nCall ? GuiEndJob : GuiStartJob)(&record, buffer.data() + 64, &cbLength, &job);
+            }
+            if (job.pJobName) {
+                WideText wcName = job.pJobName;
+                HeapFree(GetProcessHeap(), 0, job.pJobName);
+                fault += bLying || wcName == u"Brief an Gr\u00F6\u00DFe" ? "" : "another job name; ";
+            }
+            if (buffer.substr(0, 64) + buffer.substr(64 + ROOM) != std::string(128, '#')) {
+                fault += "wrote outside; ";
+            }
+            if (!bLying) {
+                JobPart JobOutput::*const aParts[] = {&JobOutput::head, &JobOutput::sheet, &JobOutput::tail};
+                fault += Judge(nCall == 0   ? "head"
+                               : nCall == 1 ? "sheet"
+                                            : "tail",
+                               dwResult, cbLength, buffer.substr(64, ROOM), honest.*aParts[nCall]);
+            } else if (dwResult > 2 || cbLength > ROOM) {
+                fault += "wrong answer; ";
+            }
+        }
+        return fault;
+    }
+
+    DriverDevmode good;
+    JobOutput honest;
+    std::set<std::string> others; /* pieces of machines on which something is not to be had */
+    bool bLying = false;
+};
+
+TEST_F(JobFaults, EveryCallFailsOnceAndFromThenOn)
+{
+    for (const char* cSection : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+        Use(cSection);
+        const DriverDevmode zero = {};
+        int nFaults = 0;
+        for (const DriverDevmode& record : {good, zero, Refused()}) {
+            for (CallId call : {ANY_CALL, CALL_HeapAlloc, CALL_ReadFile}) {
+                for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
+                    FaultSweep sweep = SweepFaults(call, mode, RUN_LIMIT, [&] { return PlayJob(record); });
+                    EXPECT_EQ(sweep.fault, "") << cSection;
+                    nFaults += sweep.nFaults;
+                }
+            }
+        }
+        EXPECT_GT(nFaults, 300) << cSection;
+    }
+}
+
+TEST_F(JobFaults, LyingCalls)
+{
+    bLying = true;
+    for (const char* cSection : {"T410A", "QPS", "K100", "IX300"}) {
+        Use(cSection);
+        DriverDevmode refused = {};
+        for (int nLie = LIE_NONE + 1; nLie < LIE_KIND_COUNT; nLie++) {
+            for (int nCall = ANY_CALL; nCall < CALL_COUNT; nCall++) {
+                for (const DriverDevmode& record : {good, refused}) {
+                    EXPECT_EQ(HoldsNothing([&] {
+                                  TellLies(static_cast<LieKind>(nLie), static_cast<CallId>(nCall));
+                                  std::string bounds;
+                                  std::string fault = WithinBounds([&] { bounds = PlayJob(record); });
+                                  TellLies(LIE_NONE);
+                                  return fault + bounds;
+                              }),
+                              "")
+                        << cSection << ", lie " << nLie << " of " << CallName(static_cast<CallId>(nCall));
+                }
+            }
+        }
+    }
+}

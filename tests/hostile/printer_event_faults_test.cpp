@@ -1,0 +1,197 @@
+/* The four events while the system fails or lies: each call that they make fails once, and from then on, at each of
+   its turns; every call gives each kind of false answer; the disk is full, names lead elsewhere. */
+#include <map>
+
+#include "support/sample_machine.h"
+#include "support/sweep.h"
+
+namespace {
+
+constexpr int RUN_LIMIT = 20000;
+enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER };
+
+const WideText tcOther = u"C:\\Users\\worker\\other.ini";
+
+class PrinterEventFaults : public MachineTest {
+  protected:
+    void Use(const char* cStem)
+    {
+        AddSample(cStem);
+        setup = GetPrinterSetup(wcPrinter);
+        tcFolder = u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\" + wcPrinter;
+        Arrange(INITIALIZE);
+        Raise(INITIALIZE);
+        whole = GetFile(setup.tcDataFile);
+        values = PrinterValues(wcPrinter);
+        settings = GetFile(tcFolder + u"\\00abcdef.tqs");
+        ASSERT_FALSE(settings.empty());
+    }
+
+    int Raise(int nEvent)
+    {
+        WideText wcName = wcPrinter;
+        return DrvPrinterEvent(wcName.data(), nEvent, 0, 0);
+    }
+
+    /* The machine as the event finds it: empty for INITIALIZE, without a settings file for a new connection, whole for
+       the others. */
+    void Arrange(int nEvent)
+    {
+        AddPrinter(setup);
+        DropMachineForms();
+        SetPrintProcessors({"winprint=localspl.dll"});
+        std::filesystem::remove_all(HostPath(u"C:\\Users"));
+        PutFile(tcOther, "other");
+        PutFile(tcFolder + u"\\a.wm", "watermark");
+        SetReadOnly(tcFolder + u"\\a.wm", false);
+        PutFile(setup.tcDataFile, base);
+        for (const MachineValue& value : values) {
+            if (nEvent != INITIALIZE) {
+                SetPrinterValue(wcPrinter, value.wcName, value.dwType, value.bytes);
+            }
+        }
+        if (nEvent == DELETE_CONNECTION || nEvent == DELETE_PRINTER) {
+            std::string rows =
+                "[Watermarks]\r\nNumWatermarks=1\r\nWMType0=2\r\nWMString0=x\r\nWMImageName0=y\r\n"
+                "WMResolution0=1\r\nWMWidth0=1\r\nWMHeight0=1\r\nWMFileName0=" +
+                Narrow(tcFolder) + "\\a.wm\r\nWMColorFile0=" + Narrow(tcOther) + "\r\n";
+            PutFile(tcFolder + u"\\00abcdef.tqs", std::string_view(rows));
+        }
+    }
+
+    std::string Verdict(int nEvent, int bResult)
+    {
+        std::string fault;
+        if (bResult != 1 && (nEvent != INITIALIZE || bResult != 0)) {
+            fault += "result " + std::to_string(bResult) + "; ";
+        }
+        Bytes left = GetFile(setup.tcDataFile);
+        if (left != base && left != whole) {
+            fault += "a font file of " + std::to_string(left.size()) + " bytes; ";
+        }
+        if (GetFile(tcOther) != Bytes({'o', 't', 'h', 'e', 'r'})) {
+            fault += "another file was touched; ";
+        }
+        if (nEvent != DELETE_CONNECTION && nEvent != DELETE_PRINTER && !HasFile(tcFolder + u"\\a.wm")) {
+            fault += "a watermark is gone; ";
+        }
+        return fault;
+    }
+
+    int SweepEvent(int nEvent, std::initializer_list<CallId> calls)
+    {
+        int nFaults = 0;
+        for (CallId call : calls) {
+            for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
+                FaultSweep sweep = SweepFaults(call, mode, RUN_LIMIT, [&] {
+                    StopFaultsAround([&] { Arrange(nEvent); });
+                    int bResult = Raise(nEvent);
+                    DropSemaphores();
+                    return Verdict(nEvent, bResult);
+                });
+                EXPECT_EQ(sweep.fault, "") << "event " << nEvent;
+                nFaults += sweep.nFaults;
+            }
+        }
+        return nFaults;
+    }
+
+    /* Arranging makes no counted call; said once, so that a change of that is noticed. */
+    void StopFaultsAround(const std::function<void()>& body)
+    {
+        int nBefore = CallCount(ANY_CALL);
+        body();
+        EXPECT_EQ(CallCount(ANY_CALL), nBefore);
+    }
+
+    PrinterSetup setup;
+    WideText tcFolder;
+    const Bytes base = Bytes(1000, 0x46);
+    Bytes whole, settings;
+    std::vector<MachineValue> values;
+};
+
+} // namespace
+
+TEST_F(PrinterEventFaults, EveryCallFailsOnceAndFromThereOn)
+{
+    SetSystemVersion(4, 0);
+    Use("QP5");
+    int nFaults = 0;
+    for (int nEvent : {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER}) {
+        nFaults += SweepEvent(nEvent, {ANY_CALL}); /* allocations among them */
+    }
+    EXPECT_GT(nFaults, 1000);
+    DropSemaphores();
+}
+
+TEST_F(PrinterEventFaults, CallsOfTheOtherKindsFail)
+{
+    for (const char* cStem : {"T410A", "K100", "T440B"}) {
+        Use(cStem);
+        EXPECT_GT(
+            SweepEvent(INITIALIZE, {CALL_HeapAlloc, CALL_SetPrinterDataW, CALL_CreateFileW, CALL_ReadFile,
+                                    CALL_WriteFile, CALL_MoveFileExW, CALL_GetPrinterW, CALL_SetPrinterW,
+                                    CALL_AddFormW, CALL_EnumPrintProcessorsW, CALL_GetPrinterDriverW}),
+            100)
+            << cStem;
+    }
+}
+
+TEST_F(PrinterEventFaults, FalseAnswers)
+{
+    for (const char* cStem : {"T410A", "QP5", "K100", "T440B"}) {
+        Use(cStem);
+        for (int nLie = LIE_SHORT; nLie < LIE_KIND_COUNT; nLie++) {
+            for (int nEvent : {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER}) {
+                for (int nTurn = 0; nTurn < 3; nTurn++) {
+                    SCOPED_TRACE(std::string(cStem) + " lie " + std::to_string(nLie) + " event " +
+                                 std::to_string(nEvent));
+                    Arrange(nEvent);
+                    EXPECT_EQ(HoldsNothing([&] {
+                                  TellLies(static_cast<LieKind>(nLie));
+                                  int bResult = 0;
+                                  std::string fault = WithinBounds([&] { bResult = Raise(nEvent); });
+                                  TellLies(LIE_NONE);
+                                  /* A file that is told shorter than it is is taken for its own base. */
+                                  return fault + (nLie == LIE_SHORT || nLie == LIE_HUGE
+                                                      ? ""
+                                                      : Verdict(nEvent, bResult));
+                              }),
+                              "");
+                }
+            }
+        }
+    }
+}
+
+TEST_F(PrinterEventFaults, AFullDiskLeavesWholeFilesOrNone)
+{
+    Use("QP5");
+    for (i64 lRoom : {i64{0}, i64{1}, i64{999}, i64{1000}, i64{4096}, i64{50000}, i64{109000}, i64{200000}}) {
+        Arrange(INITIALIZE);
+        SetDiskRoom(lRoom);
+        int bResult = Raise(INITIALIZE);
+        SetDiskRoom(-1);
+        EXPECT_EQ(Verdict(INITIALIZE, bResult), "") << lRoom;
+        Bytes left = GetFile(tcFolder + u"\\00abcdef.tqs");
+        EXPECT_TRUE(left.empty() || left == settings) << lRoom << ": " << left.size();
+        EXPECT_FALSE(HasFile(setup.tcDataFile + u".new")) << lRoom;
+    }
+}
+
+TEST_F(PrinterEventFaults, LinksInTheFontFilesPlaceAreNotFollowed)
+{
+    Use("QP5");
+    namespace fs = std::filesystem;
+    Arrange(INITIALIZE);
+    /* What lies where the new file is made goes, not what it leads to. */
+    fs::create_symlink(HostPath(tcOther), HostPath(setup.tcDataFile + u".new"));
+    EXPECT_EQ(Verdict(INITIALIZE, Raise(INITIALIZE)), "");
+    EXPECT_EQ(GetFile(setup.tcDataFile), whole);
+    /* A folder there stands in the way: the file stays as shipped. */
+    Arrange(INITIALIZE);
+    fs::create_directories(HostPath(setup.tcDataFile + u".new"));
+    EXPECT_EQ(Verdict(INITIALIZE, Raise(INITIALIZE)), "");
+    EXPECT_EQ(GetFile(setup.tcDataFile), base);
+}
