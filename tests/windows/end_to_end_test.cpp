@@ -318,7 +318,7 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
               static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(DeletePrinterDataW(hPrinter, wcValue), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 
-    WCHAR tcFile[] = L"JOB.DLL", wcProcessor[] = L"JOB", tcFolder[MAX_PATH];
+    WCHAR tcFile[] = L"SUP.DLL", wcProcessor[] = L"SUP", tcFolder[MAX_PATH];
     ASSERT_TRUE(GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder),
                                             sizeof tcFolder, &cbNeeded));
     EXPECT_FALSE(AddPrintProcessorW(nullptr, nullptr, tcFile, wcProcessor)) << "the file is not there yet";
@@ -340,7 +340,7 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
     const auto processorsBefore = processors();
     EXPECT_TRUE(AddPrintProcessorW(nullptr, nullptr, tcFile, wcProcessor));
     EXPECT_EQ(processors().size(), processorsBefore.size() + 1);
-    EXPECT_EQ(std::ranges::count(processors(), L"JOB"), 1);
+    EXPECT_EQ(std::ranges::count(processors(), std::wstring(wcProcessor)), 1);
     EXPECT_TRUE(DeletePrintProcessorW(nullptr, nullptr, wcProcessor));
     EXPECT_EQ(processors(), processorsBefore);
     DeleteFileW(tcProcessor.c_str());
