@@ -1,4 +1,4 @@
-/* Empty until presets, help and preview are built. */
+/* Empty until presets and help are built. */
 #include "sheet/page_extras.h"
 
 void InitPresets(HWND, UiSession*) {}
@@ -13,5 +13,3 @@ INT_PTR ShowContextHelp(HWND, UiSession*, UINT, WPARAM, LPARAM)
 }
 
 void OpenWebPage(UiSession*) {}
-
-void FreePreview(UiSession*) {}

@@ -1,4 +1,4 @@
-/* What belongs to every page and is not built yet: presets, help, web page, preview. Each is called where it will act
+/* What belongs to every page and is not built yet: presets, help, web page. Each is called where it will act
    and does nothing now. */
 #ifndef TQUI_SHEET_PAGE_EXTRAS_H
 #define TQUI_SHEET_PAGE_EXTRAS_H
@@ -19,8 +19,5 @@ INT_PTR ShowContextHelp(HWND hPage, UiSession* pSession, UINT uMessage, WPARAM w
 
 /* A click on the logo, of a model with an address. */
 void OpenWebPage(UiSession* pSession);
-
-/* Releases what the preview holds, at the session's end. */
-void FreePreview(UiSession* pSession);
 
 #endif

@@ -11,7 +11,6 @@
 #include "entry/install_import.h"
 #include "entry/settings_file.h"
 #include "platform/text.h"
-#include "sheet/page_extras.h"
 #include "watermark/watermark_store.h"
 
 namespace {
@@ -165,7 +164,7 @@ void DestroyUiSession(UiSession* pSession)
     pSession->pForms.reset();
     pSession->rXpiFile.hFile.reset();
     pSession->hLanguageDll.reset();
-    FreePreview(pSession);
+    /* What the preview holds will go here. */
     if (pSession->hLogoBitmap) {
         DeleteObject(pSession->hLogoBitmap);
     }

@@ -321,9 +321,11 @@ TEST(Supplement, KeepsFormsValuesAndProcessors)
     WCHAR tcFile[] = L"SUP.DLL", wcProcessor[] = L"SUP", tcFolder[MAX_PATH];
     ASSERT_TRUE(GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder),
                                             sizeof tcFolder, &cbNeeded));
+    const fs::path tcProcessor = fs::path(tcFolder) / tcFile;
+    DeletePrintProcessorW(nullptr, nullptr, wcProcessor); /* that an earlier run's printer events brought */
+    DeleteFileW(tcProcessor.c_str());
     EXPECT_FALSE(AddPrintProcessorW(nullptr, nullptr, tcFile, wcProcessor)) << "the file is not there yet";
     fs::create_directories(tcFolder);
-    const fs::path tcProcessor = fs::path(tcFolder) / tcFile;
     ASSERT_TRUE(
         CopyFileW((PathFromEnvironment("TQUI_BUILT") / "JOB.DLL").c_str(), tcProcessor.c_str(), FALSE));
     const auto processors = [] {

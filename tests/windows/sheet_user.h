@@ -27,7 +27,8 @@ SheetVisit VisitDeviceSheet(const InstalledPrinter& printer, const SheetUser& us
 /* ---- what the user can do and see ---- */
 std::vector<std::wstring> SheetTabs(HWND hSheet);
 HWND ShowTab(HWND hSheet, int nTab); /* the page's window */
-void PressOk(HWND hSheet); /* posted: the host's loop looks at its end only behind a message that it fetched */
+void PressOk(
+    HWND hSheet); /* posted: the host's loop looks at its end only behind a message that it fetched */
 void PressCancel(HWND hSheet);
 std::wstring ControlText(HWND hPage, int nControl);
 
