@@ -92,7 +92,9 @@ std::function<void()> JobHead(const char* cSection)
         if (GuiStartJob(&copy, cBuffer, &cb, &job) != JOB_DONE) {
             std::abort();
         }
-        HeapFree(GetProcessHeap(), 0, job.pJobName);
+        if (job.pJobName) {
+            HeapFree(GetProcessHeap(), 0, job.pJobName);
+        }
     };
 }
 
