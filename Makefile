@@ -40,7 +40,9 @@ tsan:
 	@scripts/setup hosted windows
 	@scripts/build hosted-tsan threads_test
 
-test: package asan tsan
+# The tools of the build under sanitizers make the package here, so that nothing is built twice.
+test: asan windows tsan
+	@scripts/package build/hosted-asan build/windows build/package
 	@scripts/setup wine
 	@scripts/run-tests
 
