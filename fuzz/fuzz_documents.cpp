@@ -9,6 +9,7 @@
 
 #include "entry/connection.h"
 #include "entry/exports.h"
+#include "fuzz/require.h"
 #include "platform/hosted/standin.h"
 #include "support/well_formed.h"
 #include "tools/tq/sample_printer.h"
@@ -17,13 +18,6 @@ namespace {
 
 constexpr u32 HEADER_BYTES = 72;
 constexpr int MOST_CALLS = 12, MOST_POKES = 8;
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 struct Input {
     const u8* pBytes;

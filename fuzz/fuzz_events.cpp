@@ -4,19 +4,13 @@
 #include <cstdlib>
 
 #include "entry/exports.h"
+#include "fuzz/require.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {
 
 constexpr u8 CUT = 0xFE;
 const WideText tcOther = u"C:\\Users\\worker\\other.wm";
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 struct Sample {
     PrinterSetup setup;

@@ -8,23 +8,13 @@
 
 #include "base/owned.h"
 #include "entry/exports.h"
+#include "fuzz/fuzz_samples.h"
 #include "settings/defaults.h"
-#include "tools/tq/sample_printer.h"
-#include "xpi_format.h"
 
 namespace {
 
-constexpr const char* acStems[] = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
-constexpr size_t SAMPLES = std::size(acStems);
 constexpr size_t PATCH_BYTES = 4; /* offset in the file, u16; value; reserved */
 constexpr DWORD JOB_ID = 7;
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 struct Sample {
     WideText wcName, tcXpi;
@@ -38,19 +28,10 @@ void StartSamples()
 {
     StartMachine();
     for (size_t i = 0; i < SAMPLES; i++) {
-        std::string path = std::string(TQUI_SOURCE_DIR "/package/models/") + acStems[i] + ".toml";
-        Bytes text = ReadDiskFile(path);
-        Sample& sample = aSamples[i];
-        sample.description =
-            CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path).bytes;
-        Require(!sample.description.empty());
         PrinterSetup setup;
-        setup.wcName = setup.wcDriverName = WideText(1, static_cast<WCHAR>(u'A' + i));
-        setup.tcDriverPath = u"C:\\FUZZ\\DRIVER.DLL";
-        sample.tcXpi = u"C:\\FUZZ\\" + setup.wcName + u".XPI";
-        setup.atcDependentFiles = {sample.tcXpi};
-        PutFile(sample.tcXpi, sample.description);
-        AddPrinter(setup);
+        Sample& sample = aSamples[i];
+        sample.description = AddFuzzSample(i, &setup);
+        sample.tcXpi = setup.atcDependentFiles[0];
         AddJob(setup.wcName, JOB_ID, u"Fuzz \u00E9");
         sample.printer.emplace(setup.wcName);
         WideText wcName = setup.wcName;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "fuzz/require.h"
 #include "platform/hosted/standin.h"
 #include "platform/profile.h"
 #include "settingsfile/section_file.h"
@@ -12,13 +13,6 @@ namespace {
 constexpr char16_t FUZZ_FILE[] = u"C:\\fuzz\\f.ini";
 constexpr DWORD LIST_CHARS = 300;
 constexpr int NAME_LIMIT = 8; /* names of a list that are read and written */
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 /* Reads into a block of just cchOut characters, so that the sanitizer sees the first one behind it. */
 WideText Read(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, DWORD cchOut)

@@ -5,22 +5,11 @@
 #include <optional>
 
 #include "description/driver_files.h"
+#include "fuzz/fuzz_samples.h"
 #include "settings/check_core.h"
 #include "support/well_formed.h"
-#include "tools/tq/sample_printer.h"
-#include "xpi_format.h"
 
 namespace {
-
-constexpr const char* acStems[] = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
-constexpr size_t SAMPLES = std::size(acStems);
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 struct Sample {
     std::optional<OpenSample> printer;
@@ -33,16 +22,8 @@ void StartSamples()
 {
     StartMachine();
     for (size_t i = 0; i < SAMPLES; i++) {
-        std::string path = std::string(TQUI_SOURCE_DIR "/package/models/") + acStems[i] + ".toml";
-        Bytes text = ReadDiskFile(path);
-        XpiCompiled compiled = CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path);
-        Require(!compiled.bytes.empty());
         PrinterSetup setup;
-        setup.wcName = setup.wcDriverName = WideText(1, static_cast<WCHAR>(u'A' + i));
-        setup.tcDriverPath = u"C:\\FUZZ\\DRIVER.DLL";
-        setup.atcDependentFiles = {u"C:\\FUZZ\\" + setup.wcName + u".XPI"};
-        PutFile(setup.atcDependentFiles[0], compiled.bytes);
-        AddPrinter(setup);
+        AddFuzzSample(i, &setup);
         Sample& sample = aOfStem[i];
         sample.printer.emplace(setup.wcName);
         sample.call.emplace(sample.printer->hPrinter);

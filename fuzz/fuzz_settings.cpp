@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "fuzz/require.h"
 #include "platform/hosted/machine.h"
 #include "settingsfile/custom_sizes.h"
 #include "settingsfile/font_substitutions.h"
@@ -16,13 +17,6 @@
 namespace {
 
 constexpr char16_t FUZZ_FILE[] = u"C:\\fuzz\\s.ini";
-
-void Require(bool bTrue)
-{
-    if (!bTrue) {
-        std::abort();
-    }
-}
 
 constexpr char16_t COPY_FILE[] = u"C:\\fuzz\\copy.ini";
 

@@ -95,6 +95,38 @@ const FeatureValueRow* PjlValueRow(const XpiModel* pModel, i32 nIndex)
         RowAt(pModel, pModel ? pModel->pPjlValues : nullptr, nIndex, cbRow));
 }
 
+namespace {
+
+/* The row of a table, ended by a mask of 0, that the test takes; null for none. A pointer to a member would forget that
+   rows lie at any address. */
+template <class RowType, class Test>
+const RowType* FindMaskedRow(const XpiModel* pModel, const RowType* pTable, Test test)
+{
+    for (i32 i = 0;; i++) {
+        const RowType* pRow = Row(pModel, pTable, i);
+        if (!pRow->ulMask) {
+            return nullptr;
+        }
+        if (test(pRow)) {
+            return pRow;
+        }
+    }
+}
+
+} // namespace
+
+const BinRow* FindBin(const XpiModel* pModel, u16 usBinId)
+{
+    return FindMaskedRow(pModel, pModel->pInputBins,
+                         [usBinId](const BinRow* pRow) { return pRow->usBinId == usBinId; });
+}
+
+const OutputBinRow* FindOutputBin(const XpiModel* pModel, u16 usCmdId)
+{
+    return FindMaskedRow(pModel, pModel->pOutputBins,
+                         [usCmdId](const OutputBinRow* pRow) { return pRow->usCmdId == usCmdId; });
+}
+
 u16 LookupXpiMemory(const XpiModel* pModel, u16 usKey)
 {
     if (!pModel) {

@@ -141,6 +141,10 @@ const char* BodyText(const XpiModel* pModel, const char* pText);
 /* Row of pPjlValues: 6 bytes wide on an image model, 4 on all others. */
 const FeatureValueRow* PjlValueRow(const XpiModel* pModel, i32 nIndex);
 
+/* The row of an input bin by its id, and of an output bin by its command id; null when the model has none. */
+const BinRow* FindBin(const XpiModel* pModel, u16 usBinId);
+const OutputBinRow* FindOutputBin(const XpiModel* pModel, u16 usCmdId);
+
 /* The value that the model's memory table has for a key; the first row's value when no row has the key, 0
    without a table. */
 u16 LookupXpiMemory(const XpiModel* pModel, u16 usKey);

@@ -85,15 +85,7 @@ int OutputBinFits(const PrivateDevmode* pPrivate, const XpiModel* pModel)
     if (!pModel->pOutputBins) {
         return usBin == 0;
     }
-    for (i32 i = 0;; i++) {
-        const OutputBinRow* pRow = Row(pModel, pModel->pOutputBins, i);
-        if (!pRow->ulMask) {
-            return 0;
-        }
-        if (pRow->usCmdId == usBin) {
-            return static_cast<i16>(usBin) >= 0;
-        }
-    }
+    return static_cast<i16>(usBin) >= 0 && FindOutputBin(pModel, usBin);
 }
 
 /* The border that goes with a resolution; other resolutions keep what they have. */

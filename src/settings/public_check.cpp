@@ -38,25 +38,12 @@ int VersionFits(u16 usVersion)
            (usVersion >> 8 == DRIVER_VERSION >> 8 && (usVersion & 0xFF) <= (DRIVER_VERSION & 0xFF));
 }
 
-int HasBin(const XpiModel* pModel, u16 usBin)
-{
-    for (i32 i = 0;; i++) {
-        const BinRow* pRow = Row(pModel, pModel->pInputBins, i);
-        if (!pRow->ulMask) {
-            return 0;
-        }
-        if (pRow->usBinId == usBin) {
-            return 1;
-        }
-    }
-}
-
 int SourceFits(const XpiModel* pModel, const PublicLimits& limits, i16 sSource)
 {
     if (sSource >= FIRST_MEDIA_SOURCE) {
         return sSource - FIRST_MEDIA_SOURCE < limits.nMedia;
     }
-    return sSource == BIN_USER_SIZED || HasBin(pModel, static_cast<u16>(sSource));
+    return sSource == BIN_USER_SIZED || FindBin(pModel, static_cast<u16>(sSource));
 }
 
 int HasResolution(const XpiModel* pModel, u16 usDpiX, u16 usDpiY)

@@ -3,6 +3,7 @@
 #include "base/arithmetic.h"
 #include "base/wide.h"
 #include "description/paper.h"
+#include "settings/counted_row.h"
 
 namespace {
 
@@ -109,37 +110,24 @@ struct ConflictTest {
     int bSized; /* the size of the paper is known */
 };
 
+/* Only the first rows of the table count. */
 u32 OutputMask(const XpiModel* pModel, u16 usCmdId)
 {
-    for (i32 i = 0; i < BIN_LIMIT; i++) {
-        const OutputBinRow* pRow = Row(pModel, pModel->pOutputBins, i);
-        if (!pRow->ulMask) {
-            break;
-        }
-        if (pRow->usCmdId == usCmdId) {
-            return pRow->ulMask;
-        }
-    }
-    return 0;
+    const OutputBinRow* pRow = FindOutputBin(pModel, usCmdId);
+    return pRow && pRow - pModel->pOutputBins < BIN_LIMIT ? pRow->ulMask : 0;
 }
 
+/* A medium as source is no bin. */
 u32 InputMask(const XpiModel* pModel, u16 usSource)
 {
-    for (i32 i = 0; usSource < FIRST_MEDIA_SOURCE; i++) {
-        const BinRow* pRow = Row(pModel, pModel->pInputBins, i);
-        if (!pRow->ulMask) {
-            break;
-        }
-        if (pRow->usBinId == usSource) {
-            return pRow->ulMask;
-        }
-    }
-    return 0;
+    const BinRow* pRow = usSource < FIRST_MEDIA_SOURCE ? FindBin(pModel, usSource) : nullptr;
+    return pRow ? pRow->ulMask : 0;
 }
 
 u32 MediaMask(const XpiModel* pModel, i16 sMedia)
 {
-    return pModel->pMediaTypes && sMedia >= 1 ? Row(pModel, pModel->pMediaTypes, sMedia - 1)->ulMask : 0;
+    const MediaRow* pRow = CountedRow(pModel, pModel->pMediaTypes, sMedia - 1);
+    return pRow ? pRow->ulMask : 0;
 }
 
 /* The size is asked for when the first rule wants it: most rules name a paper that the sheet has not. */

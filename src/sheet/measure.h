@@ -11,7 +11,7 @@
 /* Rounding to what is shown. In metric both directions cut. */
 enum RoundingMode : int { ROUND_NEAREST, ROUND_DOWN, ROUND_UP };
 
-/* Splits a measure. A negative value with whole part 0 gives a negative fraction. */
+/* Splits a measure. A negative value below one unit gives a negative fraction. */
 void SplitMeasure(i32 lValue, int bMetric, RoundingMode mode, i32* plWhole, i32* plFraction);
 
 /* The measure as text of at most cch - 1 characters. */

@@ -226,4 +226,26 @@ class CheckTest : public MachineTest {
     DriverDevmode good;
 };
 
+/* For rows about the private part. */
+class PrivateCheckTest : public CheckTest {
+  protected:
+    /* Fields that are bad at 0x7777 and cost one repair each. */
+    const std::vector<size_t> aFillers = {1802, 1810, 384, 386, 1800};
+
+    template <size_t n> void RunRows(const CheckRow (&aRows)[n])
+    {
+        for (const CheckRow& row : aRows) {
+            Run(row);
+        }
+    }
+    void Run(const CheckRow& row) { RunRow(row, &PrivateCheckTest::CheckPrivate, aFillers); }
+
+    void SetPath(DriverDevmode* pRecord, const WideText& tcPath)
+    {
+        WideText tcWhole = tcPath;
+        tcWhole.resize(160);
+        std::memcpy(reinterpret_cast<u8*>(pRecord) + 2052, tcWhole.data(), 320);
+    }
+};
+
 #endif

@@ -91,8 +91,11 @@ TEST_F(ConflictsTest, PapersBinsAndMediaOfTheBody)
     EXPECT_FALSE(Ask(rule));
     record.rPrivate.sMediaTypeIndex = 2;
     EXPECT_TRUE(Ask(rule));
-    record.rPrivate.sMediaTypeIndex = -3;
-    EXPECT_FALSE(Ask(rule));
+    for (i16 sBehind : {i16{-3}, i16{0}, i16{3}, i16{4}, i16{5}}) {
+        record.rPrivate.sMediaTypeIndex = sBehind; /* what lies behind the table is another's */
+        rule.ulMedia = 0xFFFFFFFF;
+        EXPECT_FALSE(Ask(rule)) << sBehind;
+    }
     record.dmPaperSize = -9;
     EXPECT_FALSE(Ask(RuleFor({0, 9})));
 }

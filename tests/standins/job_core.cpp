@@ -25,44 +25,58 @@ JobPart AskPart(const std::function<DWORD(void*, DWORD*)>& call)
     return part;
 }
 
-void TakeJobName(GuiJobRecord* pJob, JobOutput* pOutput)
+} // namespace
+
+DWORD CallStart(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord,
+                void* pBuffer, DWORD* pcbLength, JobOutput* pOutput)
 {
-    WCHAR* wcName = pJob->pJobName;
-    pOutput->bNamed = wcName != nullptr;
-    if (wcName) {
-        pOutput->wcJobName = wcName;
-        HeapFree(GetProcessHeap(), 0, wcName);
-        pJob->pJobName = nullptr;
+    GuiJobRecord job = {};
+    job.hPrinter = hPrinter;
+    job.dwJobId = dwJobId;
+    DWORD dwResult = exports.pStartJob(pRecord, pBuffer, pcbLength, &job);
+    WCHAR* wcName = job.pJobName;
+    if (pOutput) {
+        pOutput->bNamed = wcName != nullptr;
+        pOutput->wcJobName = wcName ? wcName : std::basic_string<WCHAR>();
     }
+    if (wcName) {
+        HeapFree(GetProcessHeap(), 0, wcName);
+    }
+    return dwResult;
 }
 
-} // namespace
+DWORD CallSheet(const JobExports& exports, HANDLE hPrinter, DriverDevmode* pRecord, void* pBuffer,
+                DWORD* pcbLength)
+{
+    GuiSheetRecord sheet = {};
+    sheet.hPrinter = hPrinter;
+    sheet.pBuffer = pBuffer;
+    sheet.cbBuffer = *pcbLength;
+    DWORD dwResult = exports.pStartSheet(pRecord, &sheet);
+    *pcbLength = sheet.cbBuffer;
+    return dwResult;
+}
+
+DWORD CallEnd(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord,
+              void* pBuffer, DWORD* pcbLength)
+{
+    GuiJobRecord job = {};
+    job.hPrinter = hPrinter;
+    job.dwJobId = dwJobId;
+    return exports.pEndJob(pRecord, pBuffer, pcbLength, &job);
+}
 
 JobOutput RunJob(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord)
 {
     JobOutput output = {};
     output.head = AskPart([&](void* pBuffer, DWORD* pcbLength) {
-        GuiJobRecord job = {};
-        job.hPrinter = hPrinter;
-        job.dwJobId = dwJobId;
-        DWORD dwResult = exports.pStartJob(pRecord, pBuffer, pcbLength, &job);
-        TakeJobName(&job, &output);
-        return dwResult;
+        return CallStart(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength, &output);
     });
     output.sheet = AskPart([&](void* pBuffer, DWORD* pcbLength) {
-        GuiSheetRecord sheet = {};
-        sheet.hPrinter = hPrinter;
-        sheet.pBuffer = pBuffer;
-        sheet.cbBuffer = *pcbLength;
-        DWORD dwResult = exports.pStartSheet(pRecord, &sheet);
-        *pcbLength = sheet.cbBuffer;
-        return dwResult;
+        return CallSheet(exports, hPrinter, pRecord, pBuffer, pcbLength);
     });
     output.tail = AskPart([&](void* pBuffer, DWORD* pcbLength) {
-        GuiJobRecord job = {};
-        job.hPrinter = hPrinter;
-        job.dwJobId = dwJobId;
-        return exports.pEndJob(pRecord, pBuffer, pcbLength, &job);
+        return CallEnd(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength);
     });
     return output;
 }

@@ -24,6 +24,15 @@ struct JobOutput {
     std::basic_string<WCHAR> wcJobName;
 };
 
+/* One call each, as the rendering half makes it. pOutput, which may be null, gets the job's name; the block that held
+   it is freed. */
+DWORD CallStart(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord,
+                void* pBuffer, DWORD* pcbLength, JobOutput* pOutput);
+DWORD CallSheet(const JobExports& exports, HANDLE hPrinter, DriverDevmode* pRecord, void* pBuffer,
+                DWORD* pcbLength);
+DWORD CallEnd(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId, DriverDevmode* pRecord,
+              void* pBuffer, DWORD* pcbLength);
+
 /* One job of one sheet. Each part is asked for its size first and then with a buffer of just that size, which
    begins with a NUL; pJobName is freed after each call that gave one. The record goes through all calls, as a
    job's does. */

@@ -87,26 +87,13 @@ inline std::string CheckEverySize(const JobExports& exports, HANDLE hPrinter, DW
 {
     std::string fault;
     const auto start = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        GuiJobRecord job = {};
-        job.hPrinter = hPrinter;
-        job.dwJobId = dwJobId;
-        DWORD dwResult = exports.pStartJob(pRecord, pBuffer, pcbLength, &job);
-        FreeBlock(job.pJobName);
-        return dwResult;
+        return CallStart(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength, nullptr);
     };
     const auto sheet = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        GuiSheetRecord request = {};
-        request.hPrinter = hPrinter;
-        request.pBuffer = pBuffer;
-        request.cbBuffer = *pcbLength;
-        DWORD dwResult = exports.pStartSheet(pRecord, &request);
-        *pcbLength = request.cbBuffer;
-        return dwResult;
+        return CallSheet(exports, hPrinter, pRecord, pBuffer, pcbLength);
     };
     const auto end = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        GuiJobRecord job = {};
-        job.hPrinter = hPrinter;
-        return exports.pEndJob(pRecord, pBuffer, pcbLength, &job);
+        return CallEnd(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength);
     };
     bool bText = whole.sheet.bytes.empty(); /* printer job language, which has nothing for a sheet */
     for (DWORD cbSize = 0; cbSize <= whole.head.bytes.size() + 8; cbSize++) {
