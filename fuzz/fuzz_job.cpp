@@ -10,6 +10,7 @@
 #include "entry/exports.h"
 #include "fuzz/fuzz_samples.h"
 #include "settings/defaults.h"
+#include "support/same_bytes.h"
 
 namespace {
 
@@ -73,7 +74,7 @@ void CheckTwoCalls(int nCall, const Sample& sample, const DriverDevmode& record,
     Require(dwSizing == 2 || (dwSizing <= 1 && cbNeeded == 0));
     DWORD dwResult = Call(nCall, sample, &second, cbNeeded, &cbUsed, &whole);
     Require(dwSizing == 2 ? dwResult == 1 && cbUsed <= cbNeeded && cbUsed > 0 : dwResult == dwSizing);
-    Require(std::memcmp(&first, &second, sizeof first) == 0);
+    Require(SameBytes(first, second));
     if (dwSizing != 2) {
         return;
     }

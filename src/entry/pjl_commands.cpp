@@ -1,6 +1,7 @@
 /* Writes the job head and the job's end. */
 #include "entry/pjl_commands.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "description/installed_set.h"
@@ -151,9 +152,9 @@ size_t AppendPjlSetting(char* cBuffer, size_t cbBuffer, size_t nOffset, const ch
         return 0;
     }
     std::memcpy(cLine, cSet, sizeof cSet - 1);
-    std::memcpy(cAt, cKey, nKey);
+    std::copy_n(cKey, nKey, cAt);
     cAt[nKey] = '=';
-    std::memcpy(cAt + nKey + 1, cValue, nValue);
+    std::copy_n(cValue, nValue, cAt + nKey + 1);
     std::memcpy(cAt + nKey + 1 + nValue, "\r\n", sizeof "\r\n");
     return AppendPiece(cBuffer, cbBuffer, nOffset, cLine,
                        sizeof cSet - 1 + nKey + 1 + nValue + sizeof "\r\n" - 1);
@@ -161,8 +162,8 @@ size_t AppendPjlSetting(char* cBuffer, size_t cbBuffer, size_t nOffset, const ch
 
 void ReadTypedValue(const PrivateDevmode& part, i16 sChoice, char (&cOut)[TYPED_BYTES])
 {
-    constexpr int TYPED_VALUES = sizeof part.cPJLUserValue / sizeof *part.cPJLUserValue;
-    static_assert(sizeof *part.cPJLUserValue == TYPED_BYTES);
+    constexpr int TYPED_VALUES = 8;
+    static_assert(sizeof part.cPJLUserValue == TYPED_VALUES * TYPED_BYTES);
     cOut[0] = 0;
     int nRow = -1 - sChoice;
     if (nRow < 0 || nRow >= TYPED_VALUES) {

@@ -1,6 +1,7 @@
 /* Writes the render parameters in both forms. */
 #include "entry/render_parameters.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/format.h"
@@ -142,8 +143,8 @@ size_t PutEntry(char* cBuffer, size_t cbBuffer, size_t nOffset, const char* cKey
         return nEstimate;
     }
     char* cAt = cBuffer + nOffset;
-    std::memcpy(cAt, cKey, nKey);
-    std::memcpy(cAt + nKey, cIndex, nDigits);
+    std::copy_n(cKey, nKey, cAt);
+    std::copy_n(cIndex, nDigits, cAt + nKey);
     cAt[nKey + nDigits] = '=';
     std::memcpy(cAt + nKey + nDigits + 1, cValue, nValue + 1);
     return nEntry;

@@ -3,6 +3,7 @@
 #include "base/arithmetic.h"
 #include "base/wide.h"
 #include "description/paper.h"
+#include "entry/pjl_commands.h"
 #include "settings/counted_row.h"
 
 namespace {
@@ -175,25 +176,13 @@ int PaperMatches(ConflictTest* pTest, const ConstraintRow* pRule)
 int IsFeatureOn(const ConflictTest& test, i32 nFeature, i16 sFirstValue)
 {
     const PrivateDevmode& part = test.pRecord->rPrivate;
-    i32 lChosen = part.sPJLValueIndex[nFeature];
-    if (lChosen >= 0) {
-        return PjlValueRow(test.pModel, sFirstValue + lChosen)->usCmdId != 0;
+    i16 sChosen = part.sPJLValueIndex[nFeature];
+    if (sChosen >= 0) {
+        return PjlValueRow(test.pModel, sFirstValue + sChosen)->usCmdId != 0;
     }
-    i32 nTyped = -1 - lChosen;
-    if (nTyped >= static_cast<i32>(std::size(part.cPJLUserValue))) {
-        return 0;
-    }
-    int nLength = 0;
-    for (char c : part.cPJLUserValue[nTyped]) {
-        if (!c) {
-            break;
-        }
-        if (static_cast<u8>(c) < 0x20 || c == 0x7F) {
-            return 0;
-        }
-        nLength++;
-    }
-    return nLength > 0;
+    char cTyped[TYPED_BYTES];
+    ReadTypedValue(part, sChosen, cTyped);
+    return cTyped[0] != 0;
 }
 
 int OptionsMatch(const ConflictTest& test, u32 ulOptions)

@@ -8,6 +8,7 @@
 #include "entry/render_parameters.h"
 #include "platform/hosted/windows.h"
 #include "support/job_machine.h"
+#include "support/same_bytes.h"
 #include "support/sweep.h"
 
 namespace {
@@ -177,7 +178,7 @@ TEST_F(JobCommands, NullsAndTheOrderOfTheFirstSteps)
     EXPECT_EQ(GuiStartSheet(&record, &sheet), 0u);
     EXPECT_EQ(cbLength, 77u);
     EXPECT_EQ(u32{sheet.cbBuffer}, 5u);
-    EXPECT_EQ(std::memcmp(&record, &before, sizeof record), 0);
+    EXPECT_TRUE(SameBytes(record, before));
 }
 
 TEST_F(JobCommands, TheNoticeTakesThePlaceOfTheHead)

@@ -86,8 +86,8 @@ TEST_F(PrinterEvents, InitializeLeavesWithEachSampleWhatItsDescriptionSays)
         DriverDevmode record;
         PrinterCall call(hPrinter);
         BuildDefaultRecord(call, wcPrinter.data(), &record, 1);
-        ASSERT_EQ(setup.devmode.size(), sizeof record);
-        EXPECT_EQ(std::memcmp(setup.devmode.data(), &record, sizeof record), 0);
+        const u8* pRecord = reinterpret_cast<const u8*>(&record);
+        EXPECT_EQ(setup.devmode, Bytes(pRecord, pRecord + sizeof record));
         EXPECT_TRUE(HasFile(UserFolder(u"worker") + u"\\00abcdef.tqs"));
         EXPECT_EQ(AnnouncedPrinters().back(), Narrow(wcPrinter));
         EXPECT_EQ(StartedPrograms().back(), "C:\\WINDOWS\\SYSTEM32\\SPOOL\\DRIVERS\\X64\\3\\GLYF.EXE|hidden");

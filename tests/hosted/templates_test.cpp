@@ -278,12 +278,12 @@ int TextRoom(const DialogItem& item)
 {
     switch (Kind(item)) {
     case 'r':
-    case 'c': return item.rect.cx - 12;
+    case 'c':
     case 'g': return item.rect.cx - 12;
     case 'b':
-    case 'd': return item.rect.cx - 4;
-    case 'o': return item.rect.cx - 16;
+    case 'd':
     case 'l': return item.rect.cx - 4;
+    case 'o': return item.rect.cx - 16;
     default: return item.rect.cx;
     }
 }

@@ -3,7 +3,7 @@
 
 #include "platform/hosted/standin.h"
 #include "settingsfile/font_substitutions.h"
-#include "settingsfile/same_bytes.h"
+#include "support/same_bytes.h"
 #include "settingsfile/watermark_rows.h"
 #include "support/both_builds.h"
 #include "support/sweep.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "platform/hosted/standin.h"
-#include "settingsfile/same_bytes.h"
+#include "support/same_bytes.h"
 #include "settingsfile/settings_key_rows.h"
 #include "support/both_builds.h"
 #include "support/sweep.h"

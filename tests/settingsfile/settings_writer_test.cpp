@@ -13,7 +13,7 @@
 #include "description/paper.h"
 #include "description/printer_store.h"
 #include "settingsfile/custom_sizes.h"
-#include "settingsfile/same_bytes.h"
+#include "support/same_bytes.h"
 #include "settingsfile/section_file.h"
 #include "settingsfile/settings_key_rows.h"
 #include "settingsfile/settings_reader.h"

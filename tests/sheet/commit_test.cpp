@@ -3,6 +3,7 @@
 #include "description/printer_store.h"
 #include "sheet/dialog_services.h"
 #include "sheet/pages.h"
+#include "support/same_bytes.h"
 #include "support/sheet_machine.h"
 #include "support/sweep.h"
 
@@ -93,10 +94,7 @@ class CommitTest : public SheetTest {
         ASSERT_TRUE(TypeText(Page(1), 1501, wcText));
     }
     bool IsDirty(int nSlot) const { return Session()->bPageDirty[nSlot] != 0; }
-    bool IsSnapshotOf(const DriverDevmode& wanted) const
-    {
-        return std::memcmp(&Session()->rSnapshot, &wanted, RECORD_SIZE) == 0;
-    }
+    bool IsSnapshotOf(const DriverDevmode& wanted) const { return SameBytes(Session()->rSnapshot, wanted); }
     /* Makes the record one that the model forbids, with a text of its own. */
     void ForbidPaper() { record.dmPaperSize = 118; }
 };
@@ -140,7 +138,7 @@ TEST_F(CommitTest, CancelLeavesTheRecordAsItWas)
     EditFrames();
     EditCopies(u"9");
     ASSERT_TRUE(PressSheetCancel(pSheet));
-    EXPECT_EQ(std::memcmp(&before, &record, RECORD_SIZE), 0);
+    EXPECT_TRUE(SameBytes(before, record));
     EXPECT_EQ(Close(), CPSUI_CANCEL);
 }
 

@@ -3,6 +3,7 @@
 #include "description/printer_store.h"
 #include "sheet/dialog_services.h"
 #include "sheet/pages.h"
+#include "support/same_bytes.h"
 #include "support/sheet_machine.h"
 
 namespace {
@@ -26,7 +27,7 @@ class SessionTest : public SheetTest {
         std::memcpy(in.rPrivate.tcOverlayDir, wcFolder.data(), wcFolder.size() * sizeof(WCHAR));
         OpenDocument(&in);
         EXPECT_TRUE(IsSheetOpen(pSheet));
-        EXPECT_EQ(std::memcmp(&Session()->rSnapshot, &record, RECORD_SIZE), 0);
+        EXPECT_TRUE(SameBytes(Session()->rSnapshot, record));
         return OverlayFolder();
     }
 };
@@ -214,9 +215,9 @@ TEST_F(SessionTest, KnowsUserAndPrinter)
     EXPECT_EQ(Session()->bOnServer, 0u);
     EXPECT_EQ(OverlayFolder(), WideText(Session()->wcUserFolder));
     EXPECT_NE(WideText(Session()->wcUserFolder).find(u"\\Application Data\\"), WideText::npos);
-    EXPECT_EQ(Narrow(Session()->wcRenderLib),
-              Session()->wcRenderLib[0] ? Narrow(Session()->wcRenderLib) : "");
-    EXPECT_EQ(std::memcmp(&Session()->rSnapshot, &record, RECORD_SIZE), 0);
+    EXPECT_EQ(WideText(Session()->wcRenderLib), u"C:\\WINDOWS\\SYSTEM32\\SPOOL\\DRIVERS\\X64\\3\\RDR.DLL");
+    EXPECT_EQ(std::string(Session()->cOverlayLib), "C:\\WINDOWS\\SYSTEM32\\SPOOL\\DRIVERS\\X64\\3\\LAY.DLL");
+    EXPECT_TRUE(SameBytes(Session()->rSnapshot, record));
 }
 
 TEST_F(SessionTest, MakesAnOverlayFolderOnlyWhereItIsPlainlyNamed)

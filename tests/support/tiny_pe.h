@@ -164,7 +164,8 @@ inline Bytes VersionResource(const std::u16string& wcTable, const std::u16string
 {
     const Bytes text = VersionPart(u"FileVersion", WideBytes(wcVersion + u'\0'), true);
     const Bytes table =
-        VersionPart(wcTable, {}, true, {VersionPart(u"InternalName", WideBytes(u"X\0"), true), text});
+        VersionPart(wcTable, {}, true,
+                    {VersionPart(u"InternalName", WideBytes(std::u16string(u"X") + u'\0'), true), text});
     std::vector<Bytes> below = {VersionPart(u"StringFileInfo", {}, true, {table})};
     if (!translation.empty()) {
         below.push_back(

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "settingsfile/same_bytes.h"
+#include "support/same_bytes.h"
 #include "settingsfile/watermark_rows.h"
 #include "support/sample_machine.h"
 

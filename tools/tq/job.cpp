@@ -103,7 +103,7 @@ std::string Fields(const std::string& bytes)
                      (field.bSigned ? std::to_string(static_cast<i16>(ulNumber)) : std::to_string(ulNumber));
         }
         if (field.cbEach == 1) {
-            value = "\"" + Visible(part.c_str()) + "\"";
+            value = "\"" + Visible(part.substr(0, part.find('\0'))) + "\"";
         }
         while (value.size() > 2 && value.substr(value.size() - 2) == " 0") {
             value.resize(value.size() - 2); /* a row of numbers up to its last that is not zero */
