@@ -3,9 +3,9 @@
 
 #include "platform/hosted/standin.h"
 #include "settingsfile/font_substitutions.h"
-#include "support/same_bytes.h"
 #include "settingsfile/watermark_rows.h"
 #include "support/both_builds.h"
+#include "support/same_bytes.h"
 #include "support/sweep.h"
 
 namespace {

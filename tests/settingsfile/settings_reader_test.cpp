@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "platform/hosted/standin.h"
-#include "support/same_bytes.h"
 #include "settingsfile/settings_key_rows.h"
 #include "support/both_builds.h"
+#include "support/same_bytes.h"
 #include "support/sweep.h"
 
 namespace {

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "support/same_bytes.h"
 #include "settingsfile/watermark_rows.h"
+#include "support/same_bytes.h"
 #include "support/sample_machine.h"
 
 namespace {
