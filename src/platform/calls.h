@@ -142,6 +142,44 @@
     X(BOOL, DeleteDC, (HDC), 0) \
     X(int, EnumFontFamiliesW, (HDC, LPCWSTR, FONTENUMPROCW, LPARAM), 0)
 
+#define DRAWING_CALLS(X) \
+    X(BOOL, BitBlt, (HDC, int, int, int, int, HDC, int, int, DWORD), 0) \
+    X(HBITMAP, CreateCompatibleBitmap, (HDC, int, int), nullptr) \
+    X(HDC, CreateCompatibleDC, (HDC), nullptr) \
+    X(HBITMAP, CreateDIBitmap, (HDC, const BITMAPINFOHEADER*, DWORD, const void*, const BITMAPINFO*, UINT), \
+      nullptr) \
+    X(HPEN, CreatePen, (int, int, COLORREF), nullptr) \
+    X(HBRUSH, CreateSolidBrush, (COLORREF), nullptr) \
+    X(BOOL, DPtoLP, (HDC, LPPOINT, int), 0) \
+    X(HPEN, ExtCreatePen, (DWORD, DWORD, const LOGBRUSH*, DWORD, const DWORD*), nullptr) \
+    X(int, GetMapMode, (HDC), 0) \
+    X(int, GetObjectW, (HANDLE, int, LPVOID), 0) \
+    X(HGDIOBJ, GetStockObject, (int), nullptr) \
+    X(DWORD, GetSysColor, (int), 0) \
+    X(HBRUSH, GetSysColorBrush, (int), nullptr) \
+    X(BOOL, LineTo, (HDC, int, int), 0) \
+    X(BOOL, MoveToEx, (HDC, int, int, LPPOINT), 0) \
+    X(BOOL, Pie, (HDC, int, int, int, int, int, int, int, int), 0) \
+    X(BOOL, PolyBezier, (HDC, const POINT*, DWORD), 0) \
+    X(BOOL, Rectangle, (HDC, int, int, int, int), 0) \
+    X(HGDIOBJ, SelectObject, (HDC, HGDIOBJ), nullptr) \
+    X(int, SetBkMode, (HDC, int), 0) \
+    X(int, SetDIBits, (HDC, HBITMAP, UINT, UINT, const void*, const BITMAPINFO*, UINT), 0) \
+    X(int, SetMapMode, (HDC, int), 0) \
+    X(BOOL, StretchBlt, (HDC, int, int, int, int, HDC, int, int, int, int, DWORD), 0)
+
+#define GLYPH_CALLS(X) \
+    X(HFONT, CreateFontIndirectW, (const LOGFONTW*), nullptr) \
+    X(int, DrawTextW, (HDC, LPCWSTR, int, LPRECT, UINT), 0) \
+    X(BOOL, ExtTextOutW, (HDC, int, int, UINT, const RECT*, LPCWSTR, UINT, const INT*), 0) \
+    X(DWORD, GetCharacterPlacementW, (HDC, LPCWSTR, int, int, GCP_RESULTSW*, DWORD), 0) \
+    X(DWORD, GetFontLanguageInfo, (HDC), GCP_ERROR) \
+    X(DWORD, GetGlyphOutlineW, (HDC, UINT, UINT, GLYPHMETRICS*, DWORD, LPVOID, const MAT2*), GDI_ERROR) \
+    X(BOOL, GetTextExtentPoint32W, (HDC, LPCWSTR, int, SIZE*), 0) \
+    X(BOOL, GetTextExtentPointW, (HDC, LPCWSTR, int, SIZE*), 0) \
+    X(UINT, SetTextAlign, (HDC, UINT), GDI_ERROR) \
+    X(COLORREF, SetTextColor, (HDC, COLORREF), CLR_INVALID)
+
 #define TEXT_CALLS(X) \
     X(int, MultiByteToWideChar, (UINT, DWORD, LPCSTR, int, LPWSTR, int), 0) \
     X(int, WideCharToMultiByte, (UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL), 0) \
@@ -158,6 +196,8 @@
     VERSION_CALLS(X) \
     WINDOW_CALLS(X) \
     GDI_CALLS(X) \
+    DRAWING_CALLS(X) \
+    GLYPH_CALLS(X) \
     TEXT_CALLS(X)
 
 #endif

@@ -6,8 +6,10 @@
 #include <mutex>
 
 #include "platform/calls.h"
+#include "platform/drawing.h"
 #include "platform/files.h"
 #include "platform/gdi.h"
+#include "platform/glyphs.h"
 #include "platform/hosted/machine.h"
 #include "platform/process.h"
 #include "platform/profile.h"

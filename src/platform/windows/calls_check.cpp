@@ -2,8 +2,10 @@
 #include <type_traits>
 
 #include "platform/calls.h"
+#include "platform/drawing.h"
 #include "platform/files.h"
 #include "platform/gdi.h"
+#include "platform/glyphs.h"
 #include "platform/process.h"
 #include "platform/profile.h"
 #include "platform/registry.h"

@@ -1,0 +1,34 @@
+/* Drawing objects of the preview, made when first needed and kept for all paints of a session. */
+#ifndef TQUI_PREVIEW_PREVIEW_TOOLS_H
+#define TQUI_PREVIEW_PREVIEW_TOOLS_H
+
+#include "platform/glyphs.h"
+#include "preview/preview_request.h"
+
+struct PreviewTools {
+    HDC hPreviewDC;         /* draws on hPreviewBitmap while a picture is composed */
+    HDC hImageDC;           /* for watermark images */
+    HBITMAP hPreviewBitmap; /* ten times the first sheet */
+    HPEN hFramePen, hSheetPen, hCellPen, hEnvelopePen, hPosterPen;
+    HPEN ahPiePen[2][3]; /* grey, colour; left half, lower right, upper right quarter */
+    HBRUSH ahPieBrush[2][3];
+    HFONT hLogoFont; /* of the last mock page */
+    WCHAR wcLogoFace[32];
+    HFONT hWatermarkFont; /* of DrawSolidText, made for rWatermarkFontEntry */
+    WatermarkEntry rWatermarkFontEntry;
+};
+
+/* Deletes all of them; the structure is zero afterwards. */
+void ReleasePreviewTools(PreviewTools* pTools);
+
+/* Draws the request's picture into a frame of hdc: works out the geometry, composes off screen and copies the sheet in
+   one operation. The request and its watermark are changed. A drawing object that cannot be made ends it without
+   a picture; the frame is then empty. hdc keeps the objects it had. */
+void ComposePreview(PreviewTools& tools, const PreviewDevice& device, HDC hdc, const RECT& rFrame,
+                    PreviewRequest* pRequest);
+
+/* Draws the request's watermark, whose position and size are pixels by now, into an inner rectangle of a cell. */
+void DrawWatermark(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell);
+void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell);
+
+#endif
