@@ -1,6 +1,7 @@
 /* Stand-ins for the display's list of font families. A list of the machine's own, the same on every computer. */
 #include <set>
 
+#include "platform/hosted/drawing/glyph_source.h"
 #include "platform/hosted/standin.h"
 
 namespace {
@@ -25,6 +26,7 @@ Display& display()
 
 void ResetFonts()
 {
+    ResetGlyphs();
     display() = Display();
     liveCounts.nContexts = 0;
 }
