@@ -41,13 +41,7 @@ Steps Visible(Steps all, i64 lFirst, int nStep, i64 lLow, i64 lHigh)
 bool TakesFarther(i64 lDx, i64 lDy)
 {
     const bool bWide = std::abs(lDx) > std::abs(lDy);
-    if (lDy > 0) {
-        return !bWide && lDx <= 0;
-    }
-    if (lDx < 0) {
-        return bWide;
-    }
-    return true;
+    return lDy > 0 ? lDx < 0 && !bWide : lDx < 0 || bWide;
 }
 
 /* A pen of more than a pixel, flat ended: a box along an axis, else the pixels whose centres lie in the slanted one. */
