@@ -45,23 +45,27 @@ void FillCell(DrawingContext& context, const GlyphFont& font, double x, double y
     }
 }
 
+/* Each letter is set at the nearest pixel to where those before it end. */
 void DrawGlyphs(DrawingContext& context, const GlyphFont& font, const std::vector<u32>& glyphs, int x, int y,
                 const INT* aDx, const RECT* pClip)
 {
+    i64 lAlong = 0;
     for (size_t i = 0; i < glyphs.size(); i++) {
         GlyphPixels pixels;
         if (!LoadGlyphPixels(font, glyphs[i], &pixels)) {
             continue;
         }
+        auto dAlong = static_cast<double>(lAlong);
+        int nLeft = x + static_cast<int>(std::lround(dAlong * std::cos(font.dAngle))) + pixels.box.nLeft;
+        int nTop = y - static_cast<int>(std::lround(dAlong * std::sin(font.dAngle))) - pixels.box.nTop;
         int nWidth = pixels.box.nRight - pixels.box.nLeft;
         for (size_t j = 0; j < pixels.ink.size(); j++) {
             if (pixels.ink[j]) {
-                PutPixel(context, x + pixels.box.nLeft + static_cast<int>(j) % nWidth,
-                         y - pixels.box.nTop + static_cast<int>(j) / nWidth, context.textColor, pClip);
+                PutPixel(context, nLeft + static_cast<int>(j) % nWidth, nTop + static_cast<int>(j) / nWidth,
+                         context.textColor, pClip);
             }
         }
-        x += aDx ? static_cast<int>(aDx[i] * std::cos(font.dAngle)) : pixels.box.nStepX;
-        y += aDx ? static_cast<int>(-aDx[i] * std::sin(font.dAngle)) : pixels.box.nStepY;
+        lAlong += aDx ? aDx[i] : pixels.nAlong;
     }
 }
 
