@@ -292,7 +292,6 @@ bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels)
     GlyphBox box = BoxOf(font, true);
     int nWidth = box.nRight - box.nLeft, nRows = box.nTop - box.nBottom;
     pPixels->box = box;
-    pPixels->nAlong = BoxOf(font, false).nStepX;
     pPixels->ink.assign(static_cast<size_t>(nWidth) * static_cast<size_t>(nRows), false);
     FT_Outline outline = TurnedOutline(font);
     FT_Outline_Translate(&outline, -box.nLeft * 64, -box.nBottom * 64);
