@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr int DEFAULT_CELL = 16, MOST_PPEM = 4096;
+constexpr int DEFAULT_CELL = 16, MOST_PPEM = 4096, MOST_CELL = 0x10000;
 constexpr size_t MOST_FONTS = 32;
 
 struct FontKey {
@@ -64,14 +64,16 @@ int Up(FT_Pos lPos)
     return static_cast<int>((lPos + 63) >> 6);
 }
 
+/* Of a cell's height: the nearest, or one less when the nearest makes the cell too high. */
 int PixelsPerEm(FT_Face face, LONG lHeight, int nWinHeight)
 {
-    i64 lPpem = -static_cast<i64>(lHeight);
-    if (lHeight >= 0) { /* of the cell: rounded to the nearest */
-        i64 lCell = lHeight ? lHeight : DEFAULT_CELL;
-        lPpem = (lCell * face->units_per_EM * 2 + nWinHeight) / (2 * nWinHeight);
+    i64 lPpem = -static_cast<i64>(lHeight), lEm = face->units_per_EM;
+    if (lHeight >= 0) {
+        i64 lCell = std::min(lHeight ? lHeight : DEFAULT_CELL, MOST_CELL);
+        lPpem = (lCell * lEm * 2 + nWinHeight) / (2 * nWinHeight);
+        lPpem -= (lPpem * nWinHeight * 2 + lEm) / (2 * lEm) > lCell;
     }
-    return static_cast<int>(lPpem < 1 ? 1 : lPpem > MOST_PPEM ? MOST_PPEM : lPpem);
+    return static_cast<int>(std::clamp<i64>(lPpem, 1, MOST_PPEM));
 }
 
 void SetMatrices(const FontKey& key, int nUsualWidth, GlyphFont* pFont)

@@ -1,6 +1,7 @@
 /* Stand-ins that draw and measure text: letters of one colour, without smoothing. */
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/hosted/drawing/drawing_state.h"
@@ -8,6 +9,9 @@
 
 namespace {
 
+/* Co-ordinates that the system draws in have 28 bits; texts are as long as it takes them. */
+constexpr int MOST_COORDINATE = 0x7FFFFFF, MOST_STEP = 0x3FFF;
+constexpr UINT MOST_TEXT = 0x2000;
 constexpr UINT TA_RIGHT = 2, TA_BOTTOM = 8;
 constexpr UINT DT_RIGHT = 2, DT_BOTTOM = 8, DT_NOCLIP = 0x100, DT_CALCRECT = 0x400, DT_NOPREFIX = 0x800;
 
@@ -20,6 +24,11 @@ const GlyphFont* SelectedFont(const DrawingContext* pContext)
         SetHostedError(pContext ? ERROR_GEN_FAILURE : ERROR_INVALID_HANDLE);
     }
     return pGlyphs;
+}
+
+bool Drawable(int x, int y)
+{
+    return std::abs(i64{x}) <= MOST_COORDINATE && std::abs(i64{y}) <= MOST_COORDINATE;
 }
 
 bool IsPlain(std::u16string_view wcText)
@@ -45,23 +54,31 @@ void FillCell(DrawingContext& context, const GlyphFont& font, double x, double y
     }
 }
 
+/* Upright letters follow one another by their own steps; in a turned line each is set where those before it end, by the
+   steps of the measured text. */
 void DrawGlyphs(DrawingContext& context, const GlyphFont& font, const std::vector<u32>& glyphs, int x, int y,
                 const INT* aDx, const RECT* pClip)
 {
+    double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
+    int nAlong = 0;
     for (size_t i = 0; i < glyphs.size(); i++) {
         GlyphPixels pixels;
-        if (!LoadGlyphPixels(font, glyphs[i], &pixels)) {
+        GlyphBox measured;
+        if (!LoadGlyphPixels(font, glyphs[i], &pixels) || !MeasureGlyph(font, glyphs[i], false, &measured)) {
             continue;
         }
+        int nLeft = x + static_cast<int>(dCos * nAlong) + pixels.box.nLeft;
+        int nTop = y + static_cast<int>(-dSin * nAlong) - pixels.box.nTop;
         int nWidth = pixels.box.nRight - pixels.box.nLeft;
         for (size_t j = 0; j < pixels.ink.size(); j++) {
             if (pixels.ink[j]) {
-                PutPixel(context, x + pixels.box.nLeft + static_cast<int>(j) % nWidth,
-                         y - pixels.box.nTop + static_cast<int>(j) / nWidth, context.textColor, pClip);
+                PutPixel(context, nLeft + static_cast<int>(j) % nWidth, nTop + static_cast<int>(j) / nWidth,
+                         context.textColor, pClip);
             }
         }
-        x += aDx ? static_cast<int>(aDx[i] * std::cos(font.dAngle)) : pixels.box.nStepX;
-        y += aDx ? static_cast<int>(-aDx[i] * std::sin(font.dAngle)) : pixels.box.nStepY;
+        nAlong += aDx            ? std::clamp(aDx[i], -MOST_STEP, MOST_STEP)
+                  : font.bTurned ? measured.nStepX
+                                 : pixels.box.nStepX;
     }
 }
 
@@ -70,12 +87,9 @@ void DrawAligned(DrawingContext& context, const GlyphFont& font, int x, int y, s
                  const INT* aDx, const RECT* pClip)
 {
     double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
-    int nWidth = TextWidth(font, wcText);
-    if (aDx) {
-        nWidth = 0;
-        for (size_t i = 0; i < wcText.size(); i++) {
-            nWidth += aDx[i];
-        }
+    int nWidth = aDx ? 0 : TextWidth(font, wcText);
+    for (size_t i = 0; aDx && i < wcText.size(); i++) {
+        nWidth += std::clamp(aDx[i], -MOST_STEP, MOST_STEP);
     }
     UINT uAcross = context.uTextAlign & TA_CENTER, uDown = context.uTextAlign & TA_BASELINE;
     if (uAcross) {
@@ -143,8 +157,8 @@ Line WithoutPrefix(std::u16string_view wcText, UINT uFormat)
     return line;
 }
 
-void DrawLine(DrawingContext& context, const GlyphFont& font, const Line& line, int x, int y,
-              const RECT* pClip)
+void DrawTextLine(DrawingContext& context, const GlyphFont& font, const Line& line, int x, int y,
+                  const RECT* pClip)
 {
     DrawAligned(context, font, x, y, line.wcText, nullptr, pClip);
     if (line.nUnderlined < line.wcText.size()) {
@@ -205,7 +219,7 @@ BOOL WINAPI ExtTextOutW(HDC hDc, int x, int y, UINT uOptions, const RECT* pRect,
     FAILS(ExtTextOutW);
     DrawingContext* pContext = FindContext(hDc);
     const GlyphFont* pFont = SelectedFont(pContext);
-    if (!pFont || (!wcText && uLength) || uLength > 0x2000) {
+    if (!pFont || (!wcText && uLength) || uLength > MOST_TEXT || !Drawable(x, y)) {
         return pFont ? Refuse(ERROR_INVALID_PARAMETER) : 0;
     }
     if (uLength) {
@@ -220,11 +234,13 @@ int WINAPI DrawTextW(HDC hDc, LPCWSTR wcText, int nLength, LPRECT pRect, UINT uF
     FAILS(DrawTextW);
     DrawingContext* pContext = FindContext(hDc);
     const GlyphFont* pFont = SelectedFont(pContext);
-    if (!pFont || !wcText || !pRect || nLength < -1) {
+    if (!pFont || !wcText || !pRect || nLength < -1 || !Drawable(pRect->left, pRect->top) ||
+        !Drawable(pRect->right, pRect->bottom)) {
         return 0;
     }
     std::u16string_view wcRest =
         nLength < 0 ? std::u16string_view(wcText) : std::u16string_view(wcText, static_cast<size_t>(nLength));
+    wcRest = wcRest.substr(0, MOST_TEXT);
     const RECT rect = *pRect;
     RECT rDrawn = {rect.left, rect.top, rect.left, rect.top};
     int nHeight = pFont->nAscent + pFont->nDescent, y = rect.top;
@@ -241,7 +257,7 @@ int WINAPI DrawTextW(HDC hDc, LPCWSTR wcText, int nLength, LPRECT pRect, UINT uF
         }
         x += uFormat & DT_CENTER ? (nRoom - nWidth) / 2 : uFormat & DT_RIGHT ? nRoom - nWidth : 0;
         if (!(uFormat & DT_CALCRECT) && !line.wcText.empty()) {
-            DrawLine(*pContext, *pFont, line, x, y, uFormat & DT_NOCLIP ? nullptr : &rect);
+            DrawTextLine(*pContext, *pFont, line, x, y, uFormat & DT_NOCLIP ? nullptr : &rect);
         }
         y += nHeight;
         rDrawn.right = std::max(rDrawn.right, rDrawn.left + nWidth);
