@@ -192,11 +192,12 @@ PictureDifference Compare(const Picture& golden, const Picture& got)
             }
             difference.nPixels++;
             for (int nShift = 0; nShift < 24; nShift += 8) {
-                const int nApart = static_cast<int>(one >> nShift & 255) - static_cast<int>(other >> nShift & 255);
+                const int nApart =
+                    static_cast<int>(one >> nShift & 255) - static_cast<int>(other >> nShift & 255);
                 difference.nLargest = std::max(difference.nLargest, std::abs(nApart));
             }
-            where = {std::min<LONG>(where.left, x), std::min<LONG>(where.top, y), std::max<LONG>(where.right, x + 1),
-                     std::max<LONG>(where.bottom, y + 1)};
+            where = {std::min<LONG>(where.left, x), std::min<LONG>(where.top, y),
+                     std::max<LONG>(where.right, x + 1), std::max<LONG>(where.bottom, y + 1)};
             difference.shown.At(x, y) = 0x0000FF;
         }
     }
@@ -223,6 +224,6 @@ std::string AgainstGolden(const std::string& name, const Picture& got)
     const RECT& where = difference.rWhere;
     return name + ": " + (bThere ? "" : "no golden; ") + std::to_string(difference.nPixels) +
            " pixels differ, by up to " + std::to_string(difference.nLargest) + ", within " +
-           std::to_string(where.left) + "," + std::to_string(where.top) + "," + std::to_string(where.right) + "," +
-           std::to_string(where.bottom) + "; see " + folder.string();
+           std::to_string(where.left) + "," + std::to_string(where.top) + "," + std::to_string(where.right) +
+           "," + std::to_string(where.bottom) + "; see " + folder.string();
 }

@@ -1,7 +1,7 @@
 /* Stand-ins for the display's list of font families. A list of the machine's own, the same on every computer. */
-#include "platform/hosted/drawing/drawing_state.h"
 #include <set>
 
+#include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/drawing/glyph_source.h"
 #include "platform/hosted/standin.h"
 
