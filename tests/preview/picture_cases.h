@@ -16,6 +16,7 @@
 constexpr RECT FRAME = {12, 20, 172, 180};
 constexpr int CANVAS_WIDTH = 184, CANVAS_HEIGHT = 200;
 constexpr COLORREF CANVAS_COLOR = 0x55AA33;
+constexpr DWORD FACE_COLOR = 0xF0F0F0; /* stands for what the system's frames have */
 
 struct PictureCase {
     std::string name;
@@ -150,7 +151,9 @@ inline Picture DrawCase(const PictureCase& sheet)
     Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
     Compose(tools, canvas.Dc(), sheet);
     ReleasePreviewTools(&tools);
-    return canvas.Pixels();
+    Picture picture = canvas.Pixels();
+    std::replace(picture.pixels.begin(), picture.pixels.end(), GetSysColor(COLOR_BTNFACE), FACE_COLOR);
+    return picture;
 }
 
 inline PreviewGeometry Arrange(const PictureCase& sheet)
