@@ -10,4 +10,9 @@
 void DrawOutlineText(HDC hdc, const WatermarkEntry& entry, const RECT& rCell); /* does not clip */
 void DrawSolidText(PreviewTools& tools, HDC hdc, const WatermarkEntry& entry, const RECT& rCell);
 
+/* Where the pen of an outline text starts, and the point that a text drawn by the system is aligned to; extent and cy are
+   the unturned text's. */
+POINT StartOfOutline(const WatermarkEntry& entry, SIZE extent, const RECT& rCell);
+POINT StartOfSolid(const WatermarkEntry& entry, LONG cy, const RECT& rCell);
+
 #endif

@@ -21,11 +21,21 @@ struct PreviewTools {
 /* Deletes all of them; the structure is zero afterwards. */
 void ReleasePreviewTools(PreviewTools* pTools);
 
+/* A pen one pixel wide or a brush of one colour, made when *pPen or *pBrush is still null. Null when it cannot be had. */
+HPEN NeedPen(HPEN* pPen, int nStyle, COLORREF color);
+HBRUSH NeedBrush(HBRUSH* pBrush, COLORREF color);
+
+/* Draws a rectangle with pen and brush; hdc keeps the objects it had. 0 when it does not take one of them. */
+int DrawFilledRectangle(HDC hdc, const RECT& rect, HPEN hPen, HBRUSH hBrush);
+
 /* Draws the request's picture into a frame of hdc: works out the geometry, composes off screen and copies the sheet in
    one operation. The request and its watermark are changed. A drawing object that cannot be made ends it without
    a picture; the frame is then empty. hdc keeps the objects it had. */
 void ComposePreview(PreviewTools& tools, const PreviewDevice& device, HDC hdc, const RECT& rFrame,
                     PreviewRequest* pRequest);
+
+/* Draws a rectangle of a colour with a black line around it; draws nothing when an object cannot be made. */
+void FillColorSwatch(PreviewTools& tools, HDC hdc, const RECT& rect, COLORREF color);
 
 /* Draws the request's watermark, whose position and size are pixels by now, into an inner rectangle of a cell. */
 void DrawWatermark(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell);

@@ -168,6 +168,11 @@ void DestroyUiSession(UiSession* pSession)
     if (pSession->hLogoBitmap) {
         DeleteObject(pSession->hLogoBitmap);
     }
+    for (HBITMAP hBitmap : pSession->ahDuplexPicture) {
+        if (hBitmap) {
+            DeleteObject(hBitmap);
+        }
+    }
     std::destroy_at(pSession);
     FreeBlock(pSession);
 }

@@ -28,6 +28,9 @@ enum PageSlot : int {
     SLOT_COUNT = 13
 };
 
+/* Pictures of the duplex binding: long edge, short edge, none. */
+constexpr int DUPLEX_PICTURES = 3;
+
 struct UiSession;
 using PageCommand = void (*)(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM lParam);
 
@@ -81,11 +84,12 @@ struct UiSession {
     u32 ulColorModeMask;             /* kinds of all colour modes */
     OwnedBlock<PaperSizeRow> pForms; /* the spooler's user forms */
     u16 sFormCount;
-    WNDPROC pfnEditProc;     /* that the numeric edit controls had before */
-    const u32* pbEditMetric; /* unit of the measures in the editor that is open; its own */
-    HANDLE hPrinter;         /* the host's */
-    HBITMAP hLogoBitmap;     /* shown by all pages */
-    u32 bOnServer;           /* the printer lives on another computer */
+    WNDPROC pfnEditProc;                      /* that the numeric edit controls had before */
+    const u32* pbEditMetric;                  /* unit of the measures in the editor that is open; its own */
+    HANDLE hPrinter;                          /* the host's */
+    HBITMAP hLogoBitmap;                      /* shown by all pages */
+    HBITMAP ahDuplexPicture[DUPLEX_PICTURES]; /* of the Layout page, as far as they were shown */
+    u32 bOnServer;                            /* the printer lives on another computer */
 };
 
 /* Builds the session of an open printer and reads what the pages show.

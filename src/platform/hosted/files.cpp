@@ -474,6 +474,19 @@ BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
     return 1;
 }
 
+DWORD WINAPI GetFileType(HANDLE hFile)
+{
+    FAILS(GetFileType);
+    OpenFile* pFile = FindFile(hFile);
+    struct stat there = {};
+    if (!pFile || fstat(pFile->nDescriptor, &there) != 0) {
+        Refuse(ERROR_INVALID_HANDLE);
+        return 0;
+    }
+    SetHostedError(ERROR_SUCCESS);
+    return S_ISREG(there.st_mode) ? FILE_TYPE_DISK : S_ISCHR(there.st_mode) ? FILE_TYPE_CHAR : FILE_TYPE_PIPE;
+}
+
 BOOL WINAPI CloseHandle(HANDLE hObject)
 {
     std::lock_guard held(machineLock);

@@ -1,4 +1,6 @@
 /* Stand-ins for the display's list of font families. A list of the machine's own, the same on every computer. */
+#include <set>
+
 #include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/drawing/glyph_source.h"
 

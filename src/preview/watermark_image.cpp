@@ -1,0 +1,316 @@
+/* Reads bitmap files row by row and draws them into cells. */
+#include "preview/watermark_image.h"
+
+#include <cstring>
+
+#include "base/owned.h"
+#include "platform/files.h"
+#include "preview/preview_tools.h"
+#include "preview/short_path.h"
+
+namespace {
+
+constexpr WORD BITMAP_FILE_TYPE = 0x4D42;
+constexpr u32 FIRST_ROWS = FILE_HEADER_BYTES + INFO_BYTES, LAST_ROWS = 0x10000;
+constexpr LONG LONGEST_SIDE = 0x7FFF;
+constexpr i64 LONGEST_ROW = 0xFFFF;
+constexpr i32 MASK_COUNT = 3;
+constexpr u16 LAST_PLACEMENT = 9;
+constexpr i64 LARGEST_SIDE =
+    0x7FFFFFFF;                   /* of an image on screen; beyond it no pixel of a cell would differ */
+constexpr i64 MOST_TILES = 20000; /* in a cell */
+constexpr i64 MEASURES_AN_INCH = 2540;
+
+int ReadWhole(HANDLE hFile, void* pOut, u32 cb)
+{
+    DWORD cbGot = 0;
+    return cb == 0 || (ReadFile(hFile, pOut, cb, &cbGot, nullptr) && cbGot == cb);
+}
+
+/* Only a file of a disk: nothing else is sure to answer. */
+OwnedFile OpenImage(const WatermarkEntry& entry, i64* plSize)
+{
+    WCHAR tcPath[PATH_CHARS];
+    LARGE_INTEGER size;
+    std::memcpy(tcPath, entry.WMImageName, sizeof tcPath);
+    tcPath[PATH_CHARS - 1] = 0;
+    ShortPathName(tcPath, PATH_CHARS);
+    OwnedFile hFile(CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!IsOpen(hFile.get()) || GetFileType(hFile.get()) != FILE_TYPE_DISK ||
+        !GetFileSizeEx(hFile.get(), &size)) {
+        return nullptr;
+    }
+    *plSize = size.QuadPart;
+    return hFile;
+}
+
+/* Leaves the file at its first row. */
+int ReadHead(HANDLE hFile, i64 lFileSize, BitmapHead* pHead)
+{
+    u8 abFileHeader[FILE_HEADER_BYTES], abHead[HEAD_BYTES];
+    if (!ReadWhole(hFile, abFileHeader, FILE_HEADER_BYTES)) {
+        return 0;
+    }
+    u32 ulRows = RowsOfBitmapFile(abFileHeader, lFileSize);
+    if (!ulRows) {
+        return 0;
+    }
+    u32 cbHead = ulRows - FILE_HEADER_BYTES < HEAD_BYTES ? ulRows - FILE_HEADER_BYTES : HEAD_BYTES;
+    LARGE_INTEGER rows;
+    rows.QuadPart = ulRows;
+    return ReadWhole(hFile, abHead, cbHead) && ReadBitmapHead(abHead, cbHead, ulRows, lFileSize, pHead) &&
+           SetFilePointerEx(hFile, rows, nullptr, FILE_BEGIN);
+}
+
+/* A row of the file may be shorter than what the system reads of it: the rest is zero. */
+int CopyRows(HANDLE hFile, HDC hdc, HBITMAP hBitmap, const BitmapHead& head)
+{
+    OwnedBlock<u8> pRow(static_cast<u8*>(AllocateBlock(head.cbRow)));
+    const auto* pInfo = reinterpret_cast<const BITMAPINFO*>(&head);
+    for (LONG y = 0; y < head.rInfo.biHeight; y++) {
+        if (!pRow || !ReadWhole(hFile, pRow.get(), head.cbFileRow) ||
+            SetDIBits(hdc, hBitmap, static_cast<UINT>(y), 1, pRow.get(), pInfo, DIB_RGB_COLORS) != 1) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+/* Makes the second context and reads the file into a bitmap like hdc's, the caller's; null when anything fails. */
+HBITMAP ReadImage(PreviewTools& tools, HDC hdc, const WatermarkEntry& entry)
+{
+    i64 lFileSize;
+    BitmapHead head;
+    OwnedFile hFile = OpenImage(entry, &lFileSize);
+    if (!hFile || !ReadHead(hFile.get(), lFileSize, &head)) {
+        return nullptr;
+    }
+    if (!tools.hImageDC) {
+        tools.hImageDC = CreateCompatibleDC(hdc);
+    }
+    if (!tools.hImageDC || !SetMapMode(tools.hImageDC, GetMapMode(hdc))) {
+        return nullptr;
+    }
+    HBITMAP hBitmap = CreateDIBitmap(hdc, &head.rInfo, 0, nullptr, nullptr, DIB_RGB_COLORS);
+    if (hBitmap && !CopyRows(hFile.get(), hdc, hBitmap, head)) {
+        DeleteObject(hBitmap);
+        return nullptr;
+    }
+    return hBitmap;
+}
+
+void CopyOne(HDC hdc, HDC hImageDc, StretchArea source, StretchArea target, const RECT& rCell)
+{
+    if (ClipStretch(&source, &target, rCell)) {
+        StretchBlt(hdc, static_cast<int>(target.x), static_cast<int>(target.y), static_cast<int>(target.cx),
+                   static_cast<int>(target.cy), hImageDc, static_cast<int>(source.x),
+                   static_cast<int>(source.y), static_cast<int>(source.cx), static_cast<int>(source.cy),
+                   SRCCOPY);
+    }
+}
+
+void CopyTiles(HDC hdc, HDC hImageDc, const StretchArea& source, const StretchArea& first, const RECT& rCell)
+{
+    i64 lLeft = FirstTile(first.x, first.cx, rCell.left), lTop = FirstTile(first.y, first.cy, rCell.top);
+    i64 nColumns = (rCell.right - lLeft + first.cx - 1) / first.cx;
+    i64 nRows = (rCell.bottom - lTop + first.cy - 1) / first.cy;
+    if (nColumns < 1 || nRows < 1 || nColumns > MOST_TILES || nRows > MOST_TILES ||
+        nColumns * nRows > MOST_TILES) {
+        return;
+    }
+    for (i64 y = lTop; y < rCell.bottom; y += first.cy) {
+        for (i64 x = lLeft; x < rCell.right; x += first.cx) {
+            CopyOne(hdc, hImageDc, source, {x, y, first.cx, first.cy}, rCell);
+        }
+    }
+}
+
+/* The bitmap is in the context of images. */
+void CopyImage(HDC hdc, HDC hImageDc, HBITMAP hBitmap, const PreviewRequest& request, const RECT& rCell)
+{
+    BITMAP bitmap = {};
+    StretchArea target;
+    if (!SetBkMode(hImageDc, TRANSPARENT) || !GetObjectW(hBitmap, sizeof bitmap, &bitmap)) {
+        return;
+    }
+    POINT corner = {bitmap.bmWidth, bitmap.bmHeight};
+    if (!DPtoLP(hImageDc, &corner, 1) ||
+        !PlaceWatermarkImage(request, rCell, bitmap.bmWidth, bitmap.bmHeight, &target)) {
+        return;
+    }
+    StretchArea source = {0, 0, corner.x, corner.y};
+    if (PlacementOf(*request.pWatermark) == PLACEMENT_TILED) {
+        CopyTiles(hdc, hImageDc, source, target, rCell);
+    } else {
+        CopyOne(hdc, hImageDc, source, target, rCell);
+    }
+}
+
+/* Clips one axis to lLow..lHigh: place and size on the target, on the source. Each step sees what the one before it has
+   left. 0 when nothing is left. */
+int ClipAxis(i64* plTarget, i64* plTargetSize, i64* plSource, i64* plSourceSize, i64 lLow, i64 lHigh)
+{
+    if (*plTargetSize < 1 || *plSourceSize < 1 || lLow - *plTarget >= *plTargetSize || *plTarget >= lHigh) {
+        return 0;
+    }
+    if (*plTarget < lLow) {
+        i64 lCut = (lLow - *plTarget) * *plSourceSize / *plTargetSize;
+        *plSource += lCut;
+        *plSourceSize -= lCut;
+        *plTargetSize -= lLow - *plTarget;
+        *plTarget = lLow;
+    }
+    if (*plTarget + *plTargetSize > lHigh) {
+        *plSourceSize -= (*plTarget + *plTargetSize - lHigh) * *plSourceSize / *plTargetSize;
+        *plTargetSize = lHigh - *plTarget;
+    }
+    return *plTargetSize >= 1 && *plSourceSize >= 1;
+}
+
+/* Pixels of one side on screen, in which an image of cxImage pixels has this many by its resolution. */
+i64 SideOnScreen(i64 lPixels, u32 ulScale)
+{
+    if (ulScale != 100) {
+        i64 lLimit = LARGEST_SIDE * LARGEST_SIDE / (static_cast<i64>(ulScale) + 1);
+        lPixels = static_cast<i64>(ulScale) * (lPixels < lLimit ? lPixels : lLimit) / 100;
+    }
+    return lPixels < LARGEST_SIDE ? lPixels : LARGEST_SIDE;
+}
+
+} // namespace
+
+u32 RowsOfBitmapFile(const u8* pFileHeader, i64 lFileSize)
+{
+    BITMAPFILEHEADER header;
+    std::memcpy(&header, pFileHeader, sizeof header);
+    u32 ulRows = header.bfOffBits;
+    return header.bfType == BITMAP_FILE_TYPE && ulRows >= FIRST_ROWS && ulRows <= LAST_ROWS &&
+                   ulRows <= lFileSize
+               ? ulRows
+               : 0;
+}
+
+int ReadBitmapHead(const u8* pBytes, u32 cbBytes, u32 ulRows, i64 lFileSize, BitmapHead* pHead)
+{
+    *pHead = {};
+    BITMAPINFOHEADER& info = pHead->rInfo;
+    if (cbBytes < INFO_BYTES) {
+        return 0;
+    }
+    std::memcpy(&info, pBytes, INFO_BYTES);
+    if (info.biSize < INFO_BYTES || info.biSize > LONGEST_INFO || info.biSize > cbBytes ||
+        info.biPlanes != 1 || info.biWidth < 1 || info.biWidth > LONGEST_SIDE || info.biHeight < 1 ||
+        info.biHeight > LONGEST_SIDE) {
+        return 0;
+    }
+    u32 nColors = 0, ulColors = info.biSize;
+    switch (info.biBitCount) {
+    case 1:
+    case 4:
+    case 8:
+        nColors = 1u << info.biBitCount;
+        nColors = info.biClrUsed && info.biClrUsed < nColors ? info.biClrUsed : nColors;
+        [[fallthrough]];
+    case 24:
+        if (info.biCompression != BI_RGB) {
+            return 0;
+        }
+        break;
+    case 16:
+    case 32:
+        if (info.biCompression == BI_BITFIELDS) { /* behind the shortest header and in all longer ones */
+            nColors = MASK_COUNT;
+            ulColors = INFO_BYTES;
+        } else if (info.biCompression != BI_RGB) {
+            return 0;
+        }
+        break;
+    default: return 0;
+    }
+    u32 cbColors = nColors * static_cast<u32>(sizeof(RGBQUAD));
+    u32 cbThere = cbBytes - ulColors < cbColors ? cbBytes - ulColors : cbColors;
+    std::memcpy(pHead->aColors, pBytes + ulColors, cbThere);
+    if (info.biCompression == BI_BITFIELDS) {
+        u32 aulMasks[MASK_COUNT];
+        std::memcpy(aulMasks, pHead->aColors, sizeof aulMasks);
+        if (!aulMasks[0] || !aulMasks[1] || !aulMasks[2]) {
+            return 0;
+        }
+        nColors = 0;
+    }
+    i64 lBits = static_cast<i64>(info.biBitCount) * info.biWidth, lRow = (lBits + 31) / 32 * 4;
+    if (lRow > LONGEST_ROW) {
+        return 0;
+    }
+    pHead->cbRow = static_cast<u32>(lRow);
+    pHead->cbFileRow = static_cast<u32>(lBits / 8 + 3) & ~3u; /* whole bytes of the row only */
+    info.biSize = INFO_BYTES;
+    info.biClrUsed = nColors;
+    info.biClrImportant = 0;
+    info.biSizeImage = pHead->cbRow * static_cast<u32>(info.biHeight);
+    return ulRows + static_cast<i64>(pHead->cbFileRow) * info.biHeight <= lFileSize;
+}
+
+int ClipStretch(StretchArea* pSource, StretchArea* pTarget, const RECT& rClip)
+{
+    return ClipAxis(&pTarget->x, &pTarget->cx, &pSource->x, &pSource->cx, rClip.left, rClip.right) &&
+           ClipAxis(&pTarget->y, &pTarget->cy, &pSource->y, &pSource->cy, rClip.top, rClip.bottom);
+}
+
+u16 PlacementOf(const WatermarkEntry& entry)
+{
+    return entry.WMPlacement <= LAST_PLACEMENT ? entry.WMPlacement : u16{0};
+}
+
+i64 FirstTile(i64 lAt, i64 lStep, i64 lEdge)
+{
+    i64 lAway = lAt - lEdge;
+    if (lAway > 0) {
+        return lAt - (lAway + lStep - 1) / lStep * lStep;
+    }
+    return lAway < 0 ? lAt + (-lAway - 1) / lStep * lStep : lAt;
+}
+
+int PlaceWatermarkImage(const PreviewRequest& request, const RECT& rCell, i32 cxImage, i32 cyImage,
+                        StretchArea* pTarget)
+{
+    const WatermarkEntry& entry = *request.pWatermark;
+    i64 lResolution = entry.WMResolution ? entry.WMResolution : request.sResolution;
+    i64 lDivisor = lResolution * request.lPageWidth, lCell = rCell.right - rCell.left;
+    if (lDivisor < 1 || lCell < 1) {
+        return 0;
+    }
+    i64 W = SideOnScreen(lCell * cxImage * MEASURES_AN_INCH / lDivisor, entry.WMScaleX);
+    i64 H = SideOnScreen(lCell * cyImage * MEASURES_AN_INCH / lDivisor, entry.WMScaleY);
+    i64 lMiddle = rCell.left + (lCell - W) / 2, lRight = rCell.right - W;
+    i64 lCentre = rCell.top + (rCell.bottom - rCell.top - H) / 2, lBottom = rCell.bottom - H;
+    const struct {
+        i64 x, y;
+    } aPlaces[] = {
+        {lMiddle, lCentre},    {rCell.left, rCell.top}, {lMiddle, rCell.top},    {lRight, lCentre},
+        {lMiddle, lBottom},    {rCell.left, lCentre},   {rCell.left, rCell.top}, {lRight, rCell.top},
+        {rCell.left, lBottom}, {lRight, lBottom},
+    };
+    static_assert(sizeof aPlaces / sizeof aPlaces[0] == LAST_PLACEMENT + 1);
+    pTarget->x = aPlaces[PlacementOf(entry)].x + entry.WMPositionX;
+    pTarget->y = aPlaces[PlacementOf(entry)].y - entry.WMPositionY;
+    pTarget->cx = W;
+    pTarget->cy = H;
+    return W >= 1 && H >= 1;
+}
+
+void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell)
+{
+    HBITMAP hBitmap = request.pWatermark ? ReadImage(tools, hdc, *request.pWatermark) : nullptr;
+    if (!hBitmap) {
+        return;
+    }
+    if (HGDIOBJ hOld = SelectObject(tools.hImageDC, hBitmap)) {
+        CopyImage(hdc, tools.hImageDC, hBitmap, request, rCell);
+        if (!SelectObject(tools.hImageDC, hOld)) {
+            DeleteDC(tools.hImageDC); /* which lets go of the bitmap, too */
+            tools.hImageDC = nullptr;
+        }
+    }
+    DeleteObject(hBitmap);
+}
