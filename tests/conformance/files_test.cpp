@@ -278,6 +278,7 @@ TEST_F(Files, ReadingAndSeeking)
     LARGE_INTEGER size;
     EXPECT_TRUE(GetFileSizeEx(hFile, &size));
     EXPECT_EQ(size.QuadPart, 10);
+    EXPECT_EQ(GetFileType(hFile), DWORD{FILE_TYPE_DISK});
     CloseHandle(hFile);
 
     HANDLE hWriting = Open(Path("a.txt"), GENERIC_WRITE);
@@ -311,6 +312,7 @@ TEST_F(Files, HandlesThatAreNoneAreRefused)
         EXPECT_EQ(Seek(hFile, 0, FILE_BEGIN), -static_cast<long long>(ERROR_INVALID_HANDLE)) << hFile;
         EXPECT_FALSE(GetFileSizeEx(hFile, &size)) << hFile;
         EXPECT_EQ(size.QuadPart, -99) << hFile;
+        EXPECT_EQ(GetFileType(hFile), 0u) << hFile;
         /* The invalid handle stands for the process itself, and closing that does nothing. */
         EXPECT_EQ(CloseHandle(hFile) != 0, hFile == INVALID_HANDLE_VALUE) << hFile;
     }
