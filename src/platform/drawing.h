@@ -19,7 +19,7 @@ constexpr int WHITE_BRUSH = 0, BLACK_BRUSH = 4, NULL_BRUSH = 5, WHITE_PEN = 6, B
               SYSTEM_FONT = 13;
 
 /* GetSysColor, GetSysColorBrush. */
-constexpr int COLOR_BTNFACE = 15;
+constexpr int COLOR_WINDOW = 5, COLOR_BTNFACE = 15, COLOR_3DSHADOW = 16, COLOR_3DLIGHT = 22;
 
 /* Styles of a pen; the geometric ones are for ExtCreatePen. */
 constexpr int PS_SOLID = 0, PS_DASH = 1, PS_DOT = 2, PS_NULL = 5;

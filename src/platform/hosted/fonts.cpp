@@ -1,7 +1,5 @@
 /* Stand-ins for the display's list of font families. A list of the machine's own, the same on every computer. */
-#include <set>
-
-#include "platform/hosted/standin.h"
+#include "platform/hosted/drawing/drawing_state.h"
 
 namespace {
 
@@ -11,8 +9,6 @@ struct Display {
                                         {u"Times New Roman", TRUETYPE_FONTTYPE, 0},
                                         {u"Symbol", TRUETYPE_FONTTYPE, 2},
                                         {u"Terminal", RASTER_FONTTYPE, 255}};
-    std::set<HDC> contexts;
-    std::uintptr_t nLast = 0;
 };
 
 Display& display()
@@ -26,7 +22,6 @@ Display& display()
 void ResetFonts()
 {
     display() = Display();
-    liveCounts.nContexts = 0;
 }
 
 void SetFontFamilies(const std::vector<FontFamily>& families)
@@ -39,33 +34,10 @@ const std::vector<FontFamily>& FontFamilies()
     return display().families;
 }
 
-HDC WINAPI CreateDCW(LPCWSTR wcDriver, LPCWSTR, LPCWSTR, const DEVMODEW*)
-{
-    FAILS(CreateDCW);
-    if (!wcDriver || !SameName(wcDriver, u"DISPLAY")) {
-        SetHostedError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    HDC hDc = reinterpret_cast<HDC>(++display().nLast * 0x10000 + 1);
-    display().contexts.insert(hDc);
-    liveCounts.nContexts++;
-    return hDc;
-}
-
-BOOL WINAPI DeleteDC(HDC hDc)
-{
-    int bFails = CallFails(CALL_DeleteDC);
-    if (!display().contexts.erase(hDc)) {
-        return Refuse(ERROR_INVALID_HANDLE);
-    }
-    liveCounts.nContexts--;
-    return !bFails;
-}
-
 int WINAPI EnumFontFamiliesW(HDC hDc, LPCWSTR wcFamily, FONTENUMPROCW fnEach, LPARAM lParam)
 {
     FAILS(EnumFontFamiliesW);
-    if (!display().contexts.count(hDc) || wcFamily) {
+    if (!FindContext(hDc) || wcFamily) {
         return 0; /* nobody asks for one family */
     }
     std::vector<FontFamily> families = display().families;

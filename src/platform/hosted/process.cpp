@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/standin.h"
 
 std::filesystem::path machineRoot;
@@ -90,6 +91,8 @@ void StopMachine()
     ResetFiles();
     ResetPrograms();
     ResetFonts();
+    ResetContexts();
+    ResetDrawingObjects();
     ResetPowerCuts();
     SetDiskRoom(-1);
     ResetProcess();

@@ -1,28 +1,18 @@
-/* What windows show and tell beyond themselves: pictures from a library, cursors, icons, message boxes,
+/* What windows show and tell beyond themselves: cursors, icons, message boxes,
    messages to everybody, the foreground. */
 #include "platform/hosted/windows/window_state.h"
-
-#include <cstring>
-#include <map>
 
 #include "platform/hosted/windows.h"
 
 namespace {
 
-struct Picture {
-    PictureSize size;
-    Bytes dib;
-};
-
 struct Shown {
-    std::map<HANDLE, Picture> pictures;
     std::vector<ShownMessage> messages;
     std::vector<BroadcastMessage> broadcasts;
     int nAnswer = 0;
     HWND hForeground = nullptr;
     HCURSOR hCursor = nullptr;
 };
-std::uintptr_t nLastPicture = 0;
 
 Shown& shown()
 {
@@ -48,68 +38,7 @@ bool IsSystemName(HINSTANCE hInstance, LPCWSTR wcName, std::uintptr_t nLast)
     return false;
 }
 
-/* Header of a bitmap: size of the header, width, height (negative: rows from the top), planes, bits. */
-bool ReadPictureSize(const Bytes& dib, PictureSize* pSize)
-{
-    struct {
-        u32 cbHeader;
-        i32 lWidth, lHeight;
-    } header;
-    if (dib.size() < 40) {
-        return false;
-    }
-    std::memcpy(&header, dib.data(), sizeof header);
-    if (header.cbHeader < 40 || header.lWidth <= 0 || header.lWidth > 0x7FFF || header.lHeight == 0 ||
-        header.lHeight < -0x7FFF || header.lHeight > 0x7FFF) {
-        return false;
-    }
-    pSize->nWidth = header.lWidth;
-    pSize->nHeight = header.lHeight < 0 ? -header.lHeight : header.lHeight;
-    return true;
-}
-
 } // namespace
-
-HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR wcName, UINT uType, int nWidth, int nHeight,
-                         UINT uFlags)
-{
-    FAILS(LoadImageW);
-    Picture picture{};
-    if (uType != IMAGE_BITMAP || nWidth != 0 || nHeight != 0 || /* of its own size */
-        !FindModuleResource(hInstance, PE_BITMAP, wcName, &picture.dib) ||
-        !ReadPictureSize(picture.dib, &picture.size)) {
-        SetHostedError(ERROR_RESOURCE_NAME_NOT_FOUND);
-        return nullptr;
-    }
-    picture.size.uFlags = uFlags;
-    const auto hPicture = reinterpret_cast<HANDLE>(0x2000000 + ++nLastPicture * 4);
-    shown().pictures.emplace(hPicture, std::move(picture));
-    liveCounts.nGdiObjects++;
-    return hPicture;
-}
-
-BOOL WINAPI DeleteObject(HGDIOBJ hObject)
-{
-    const int bFails = CallFails(CALL_DeleteObject); /* a release that fails still releases */
-    if (shown().pictures.erase(hObject) == 0) {
-        return 0;
-    }
-    liveCounts.nGdiObjects--;
-    return !bFails;
-}
-
-bool GetPicture(HBITMAP hBitmap, PictureSize* pSize, Bytes* pDib)
-{
-    const auto found = shown().pictures.find(hBitmap);
-    if (found == shown().pictures.end()) {
-        return false;
-    }
-    *pSize = found->second.size;
-    if (pDib) {
-        *pDib = found->second.dib;
-    }
-    return true;
-}
 
 HCURSOR WINAPI LoadCursorW(HINSTANCE hInstance, LPCWSTR wcName)
 {
@@ -205,7 +134,6 @@ void ResetObjects()
 {
     shown() = Shown();
     shown().hCursor = static_cast<HCURSOR>(SystemPicture(IDC_ARROW));
-    liveCounts.nGdiObjects = 0;
     ResetDialogs();
     ResetInput();
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/windows.h"
 
 LRESULT WINAPI SendMessageW(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
@@ -362,8 +363,8 @@ HDC WINAPI BeginPaint(HWND hWnd, LPPAINTSTRUCT pPaint)
         return nullptr;
     }
     std::memset(pPaint, 0, sizeof *pPaint);
-    pPaint->hdc = reinterpret_cast<HDC>(reinterpret_cast<std::uintptr_t>(hWnd) + 1);
     pPaint->rcPaint = pWindow->bInvalid ? pWindow->invalid : RECT{};
+    pPaint->hdc = AddPaintContext(hWnd, pPaint->rcPaint);
     pWindow->bInvalid = false;
     pWindow->bPainting = true;
     liveCounts.nGdiObjects++;
@@ -374,9 +375,12 @@ HDC WINAPI BeginPaint(HWND hWnd, LPPAINTSTRUCT pPaint)
     return pPaint->hdc;
 }
 
-BOOL WINAPI EndPaint(HWND hWnd, const PAINTSTRUCT*)
+BOOL WINAPI EndPaint(HWND hWnd, const PAINTSTRUCT* pPaint)
 {
     const int bFails = CallFails(CALL_EndPaint); /* a release that fails still releases */
+    if (pPaint) {
+        DropPaintContext(pPaint->hdc);
+    }
     Window* pWindow = FindWindowState(hWnd);
     if (!pWindow || !pWindow->bPainting) {
         return 0;

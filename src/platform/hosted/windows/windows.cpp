@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 
+#include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/windows.h"
 
 namespace {
@@ -63,6 +64,7 @@ void DropTree(HWND hWnd)
     if (hFocusWindow == hWnd) {
         hFocusWindow = nullptr;
     }
+    DropWindowSurface(hWnd);
     pWindow->bGone = true;
     goneWindows.push_back(std::move(found->second));
     allWindows.erase(found);
