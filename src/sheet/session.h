@@ -12,6 +12,7 @@
 #include "entry/font_families.h"
 #include "platform/sheet.h"
 #include "platform/window.h"
+#include "preview/preview_tools.h"
 #include "settings/driver_devmode.h"
 #include "watermark/watermark_entry.h"
 
@@ -27,6 +28,9 @@ enum PageSlot : int {
     SLOT_ABOUT = 12,
     SLOT_COUNT = 13
 };
+
+/* Pictures of the duplex binding: long edge, short edge, none. */
+constexpr int DUPLEX_PICTURES = 3;
 
 struct UiSession;
 using PageCommand = void (*)(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM lParam);
@@ -75,17 +79,21 @@ struct UiSession {
     WCHAR wcScreenFile[PATH_CHARS], wcProfileFile[PATH_CHARS];
     WCHAR wcScreenFileSnapshot[PATH_CHARS], wcProfileFileSnapshot[PATH_CHARS];
     WCHAR wcRenderLib[PATH_CHARS];
-    char cOverlayLib[PATH_CHARS];    /* in the system's ANSI code page */
-    u32 bPaperHasTarget;             /* the current paper is scaled to another */
-    u32 bPreviewMetric;              /* unit of the preview's size line */
+    char cOverlayLib[PATH_CHARS]; /* in the system's ANSI code page */
+    u32 bPaperHasTarget;          /* the current paper is scaled to another */
+    u32 bPreviewMetric;           /* unit of the preview's size line */
+    u16 usPreviewPaper;           /* paper code that the size line showed last; 0: none yet */
+    PreviewTools rPreview;
+    PreviewDevice rPreviewDevice;
     u32 ulColorModeMask;             /* kinds of all colour modes */
     OwnedBlock<PaperSizeRow> pForms; /* the spooler's user forms */
     u16 sFormCount;
-    WNDPROC pfnEditProc;     /* that the numeric edit controls had before */
-    const u32* pbEditMetric; /* unit of the measures in the editor that is open; its own */
-    HANDLE hPrinter;         /* the host's */
-    HBITMAP hLogoBitmap;     /* shown by all pages */
-    u32 bOnServer;           /* the printer lives on another computer */
+    WNDPROC pfnEditProc;                      /* that the numeric edit controls had before */
+    const u32* pbEditMetric;                  /* unit of the measures in the editor that is open; its own */
+    HANDLE hPrinter;                          /* the host's */
+    HBITMAP hLogoBitmap;                      /* shown by all pages */
+    HBITMAP ahDuplexPicture[DUPLEX_PICTURES]; /* of the Layout page, as far as they were shown */
+    u32 bOnServer;                            /* the printer lives on another computer */
 };
 
 /* Builds the session of an open printer and reads what the pages show.

@@ -1,5 +1,9 @@
 /* Stand-ins for the display's list of font families. A list of the machine's own, the same on every computer. */
+#include <set>
+
 #include "platform/hosted/drawing/drawing_state.h"
+#include "platform/hosted/drawing/glyph_source.h"
+#include "platform/hosted/standin.h"
 
 namespace {
 
@@ -21,6 +25,7 @@ Display& display()
 
 void ResetFonts()
 {
+    ResetGlyphs();
     display() = Display();
 }
 

@@ -41,13 +41,7 @@ Steps Visible(Steps all, i64 lFirst, int nStep, i64 lLow, i64 lHigh)
 bool TakesFarther(i64 lDx, i64 lDy)
 {
     const bool bWide = std::abs(lDx) > std::abs(lDy);
-    if (lDy > 0) {
-        return !bWide && lDx <= 0;
-    }
-    if (lDx < 0) {
-        return bWide;
-    }
-    return true;
+    return lDy > 0 ? lDx < 0 && !bWide : lDx < 0 || bWide;
 }
 
 /* A pen of more than a pixel, flat ended: a box along an axis, else the pixels whose centres lie in the slanted one. */
@@ -211,6 +205,16 @@ BOOL WINAPI Rectangle(HDC hDc, int nLeft, int nTop, int nRight, int nBottom)
     last.y--;
     if (!pBrush->bNull) {
         FillBox(*pContext, first.x, first.y, last.x, last.y, pBrush->color);
+    }
+    if (pPen->bGeometric && pPen->nStyle != PS_NULL) { /* its corners are whole */
+        const i64 lWidth = std::max(pPen->nWidth, 1), lBefore = lWidth / 2;
+        const i64 lLeft = first.x - lBefore, lTop = first.y - lBefore, lRight = last.x - lBefore,
+                  lBottom = last.y - lBefore;
+        FillBox(*pContext, lLeft, lTop, lRight + lWidth, lTop + lWidth, pPen->color);
+        FillBox(*pContext, lLeft, lBottom, lRight + lWidth, lBottom + lWidth, pPen->color);
+        FillBox(*pContext, lLeft, lTop, lLeft + lWidth, lBottom + lWidth, pPen->color);
+        FillBox(*pContext, lRight, lTop, lRight + lWidth, lBottom + lWidth, pPen->color);
+        return 1;
     }
     /* From the top right, against the clock. */
     const Point64 aCorners[] = {{last.x, first.y}, first, {first.x, last.y}, last, {last.x, first.y}};
