@@ -36,22 +36,16 @@ bool IsPlain(std::u16string_view wcText)
     return std::all_of(wcText.begin(), wcText.end(), [](WCHAR wcChar) { return wcChar < 0x0300; });
 }
 
-/* The cell of a text whose upper left corner is at (x, y), turned about that corner. */
-void FillCell(DrawingContext& context, const GlyphFont& font, double x, double y, int nWidth,
-              const RECT* pClip)
+/* The ground of a text whose base line begins at (x, y): upright, however the text is turned. */
+void FillGround(DrawingContext& context, const GlyphFont& font, int x, int y, int nAcross, const RECT* pClip)
 {
-    int nHeight = font.nAscent + font.nDescent, nReach = std::min(nWidth, 4096) + nHeight;
-    double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
-    for (int nRow = -nReach; nRow <= nReach; nRow++) {
-        for (int nColumn = -nReach; nColumn <= nReach; nColumn++) {
-            double dAlong = (nColumn + 0.5) * dCos - (nRow + 0.5) * dSin;
-            double dDown = (nColumn + 0.5) * dSin + (nRow + 0.5) * dCos;
-            if (dAlong >= 0 && dAlong < nWidth && dDown >= 0 && dDown < nHeight) {
-                PutPixel(context, static_cast<int>(x) + nColumn, static_cast<int>(y) + nRow,
-                         context.backColor, pClip);
-            }
-        }
+    RECT ground = {x, y - font.nAscent, x + nAcross, y + font.nDescent};
+    if (pClip) {
+        ground = {std::max(ground.left, pClip->left), std::max(ground.top, pClip->top),
+                  std::min(ground.right, pClip->right), std::min(ground.bottom, pClip->bottom)};
     }
+    FillBox(context, i64{ground.left} + context.origin.x, i64{ground.top} + context.origin.y,
+            i64{ground.right} + context.origin.x, i64{ground.bottom} + context.origin.y, context.backColor);
 }
 
 /* Upright letters follow one another by their own steps; in a turned line each is set where those before it end, by the
@@ -103,7 +97,7 @@ void DrawAligned(DrawingContext& context, const GlyphFont& font, int x, int y, s
         y = static_cast<int>(y + nDown * dCos);
     }
     if (context.nBkMode == OPAQUE) {
-        FillCell(context, font, x - font.nAscent * dSin, y - font.nAscent * dCos, nWidth, pClip);
+        FillGround(context, font, x, y, static_cast<int>(nWidth * dCos), pClip);
     }
     std::vector<u32> glyphs;
     if (IsPlain(wcText)) {
