@@ -150,14 +150,15 @@ class DocumentFaults : public MachineTest {
         LONG lSize = 0, lMerged = 0;
         std::string fault = WithinBounds([&] {
             lSize = DrvDocumentProperties(nullptr, hPrinter, wcPrinter.data(), nullptr, nullptr, 0);
-            lMerged = DrvDocumentProperties(nullptr, hPrinter, wcPrinter.data(),
-                                            reinterpret_cast<PDEVMODEW>(&out),
-                                            reinterpret_cast<PDEVMODEW>(&in), 10);
+            lMerged =
+                DrvDocumentProperties(nullptr, hPrinter, wcPrinter.data(), reinterpret_cast<PDEVMODEW>(&out),
+                                      reinterpret_cast<PDEVMODEW>(&in), 10);
             DWORD dwReason = 0;
             DevQueryPrint(hPrinter, reinterpret_cast<PDEVMODEW>(&in), &dwReason);
         });
-        bool bFixed = DrvAdvancedDocumentProperties(nullptr, hPrinter, wcPrinter.data(), nullptr, nullptr) == 10 &&
-                      DevQueryPrintEx(nullptr) == 1 && DrvUpgradePrinter(1, nullptr) == 1;
+        bool bFixed =
+            DrvAdvancedDocumentProperties(nullptr, hPrinter, wcPrinter.data(), nullptr, nullptr) == 10 &&
+            DevQueryPrintEx(nullptr) == 1 && DrvUpgradePrinter(1, nullptr) == 1;
         return fault + (lSize == RECORD_SIZE && lMerged == 1 && bFixed ? "" : "another result; ") +
                Verdict(out, false);
     }

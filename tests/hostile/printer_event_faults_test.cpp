@@ -149,8 +149,7 @@ TEST_F(PrinterEventFaults, FalseAnswers)
                     EXPECT_EQ(SweepLie(static_cast<LieKind>(nLie), ANY_CALL,
                                        [&] {
                                            int bResult = 0;
-                                           std::string fault =
-                                               WithinBounds([&] { bResult = Raise(nEvent); });
+                                           std::string fault = WithinBounds([&] { bResult = Raise(nEvent); });
                                            StopLies();
                                            /* A file told shorter than it is is taken for its own base. */
                                            return fault + (nLie == LIE_SHORT || nLie == LIE_HUGE

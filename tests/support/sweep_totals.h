@@ -15,9 +15,10 @@ class TotalsPrinter : public ::testing::Environment {
     void TearDown() override
     {
         const SweepTotals& t = sweepTotals;
-        std::printf("[  TOTALS  ] %lld faults in %.0f s, %lld false answers in %.0f s, %lld loads in %.0f s\n",
-                    static_cast<long long>(t.nInjections), t.dFaultSeconds, static_cast<long long>(t.nLies),
-                    t.dLieSeconds, static_cast<long long>(t.nLoads), t.dLoadSeconds);
+        std::printf(
+            "[  TOTALS  ] %lld faults in %.0f s, %lld false answers in %.0f s, %lld loads in %.0f s\n",
+            static_cast<long long>(t.nInjections), t.dFaultSeconds, static_cast<long long>(t.nLies),
+            t.dLieSeconds, static_cast<long long>(t.nLoads), t.dLoadSeconds);
         if (GTEST_FLAG_GET(filter) == "*") {
             EXPECT_GE(t.nInjections, least.nInjections);
             EXPECT_GE(t.nLies, least.nLies);

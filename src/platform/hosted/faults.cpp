@@ -22,7 +22,7 @@ int nFailed = 0;
 bool abRefused[CALL_COUNT];
 LieKind lieKind = LIE_NONE;
 CallId lieCall = ANY_CALL;
-int nLieAt = 0;           /* the one turn at which to lie; 0: at all */
+int nLieAt = 0;            /* the one turn at which to lie; 0: at all */
 int nTurns = 0, nLies = 0; /* since TellLies: lies that could be told, and that were */
 bool abCouldLie[LIE_KIND_COUNT][CALL_COUNT];
 

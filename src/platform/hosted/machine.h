@@ -179,7 +179,7 @@ enum LieKind {
 };
 /* At every turn, or at the n-th of those at which the lie could be told; LIE_NONE stops them. */
 void TellLies(LieKind kind, CallId call = ANY_CALL, int nTh = 0);
-int StopLies();                          /* Result: how many were told since TellLies */
+int StopLies();                           /* Result: how many were told since TellLies */
 bool CouldLie(LieKind kind, CallId call); /* whether there was a turn for it since TellLies */
 
 /* ---- what is held ---- */
