@@ -112,12 +112,13 @@ Section Layouts(const char* cTitle, u16 usOrientation, int bBorders)
 Section Orders()
 {
     Section section = {"Orders of six and of two pages", {}};
-    for (const i16 sOrder : {0, 1, 2, 3, 16, 17, 18, 19}) {
+    constexpr i16 asOrders[] = {0, 1, 2, 3, 16, 17, 18, 19}, asTwoCells[] = {2, 99};
+    for (const i16 sOrder : asOrders) {
         PreviewRequest request = A4Request(6);
         request.sPageOrder = sOrder;
         section.tiles.push_back(TileOf("order " + std::to_string(sOrder), request));
     }
-    for (const i16 sLayout : {2, 99}) {
+    for (const i16 sLayout : asTwoCells) {
         PreviewRequest request = A4Request(sLayout);
         request.sPageOrder = 1;
         section.tiles.push_back(TileOf(sLayout == 99 ? "booklet, order 1" : "2 a sheet, order 1", request));
@@ -181,9 +182,10 @@ Section Scalings()
 
 Section Texts()
 {
+    constexpr u16 ausAngles[] = {0, 450, 900, 2250, 3150};
     Section section = {"Text watermarks, solid and outlined", {}};
     for (const bool bOutline : {false, true}) {
-        for (const u16 usAngle : {0, 450, 900, 2250, 3150}) {
+        for (const u16 usAngle : ausAngles) {
             Tile tile =
                 TileOf((bOutline ? "outline " : "solid ") + std::to_string(usAngle / 10), A4Request());
             tile.entry = TextEntry(TEXT("DRAFT"), usAngle, bOutline);
