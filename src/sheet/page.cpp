@@ -4,6 +4,7 @@
 #include "sheet/dialog_services.h"
 #include "sheet/notices.h"
 #include "sheet/page_extras.h"
+#include "sheet/preview_panel.h"
 
 namespace {
 
@@ -120,9 +121,8 @@ void MoveOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 void ReleaseOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 {
     if (IsOver(hPage, CONTROL_SIZE_LINE, lPoint)) {
-        pSession->bPreviewMetric = !pSession->bPreviewMetric;
         SetCursor(pSession->hCursorHand);
-        RepaintControl(hPage, CONTROL_PREVIEW);
+        FlipPreviewUnit(hPage, pSession);
     } else if (IsOver(hPage, CONTROL_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
         OpenWebPage(pSession);
     }

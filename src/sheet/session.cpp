@@ -11,6 +11,7 @@
 #include "entry/install_import.h"
 #include "entry/settings_file.h"
 #include "platform/text.h"
+#include "preview/preview_choice.h"
 #include "watermark/watermark_store.h"
 
 namespace {
@@ -146,6 +147,8 @@ UiSession* CreateUiSession(PrinterCall& call, OwnedModel pModel, DriverDevmode* 
     KnowRecord(call, pSession);
     pSession->rXpiFile = std::move(call.rXpiFile);
     call.xpiState = NOT_ASKED;
+    DescribePreviewDevice(pSession->rXpiFile, pSession->pXpi.get(), pSession->rLanguage.usPrimary,
+                          static_cast<HMODULE>(pSession->hLanguageDll.get()), &pSession->rPreviewDevice);
     return pSession;
 }
 
@@ -164,7 +167,7 @@ void DestroyUiSession(UiSession* pSession)
     pSession->pForms.reset();
     pSession->rXpiFile.hFile.reset();
     pSession->hLanguageDll.reset();
-    /* What the preview holds will go here. */
+    ReleasePreviewTools(&pSession->rPreview);
     if (pSession->hLogoBitmap) {
         DeleteObject(pSession->hLogoBitmap);
     }

@@ -12,6 +12,7 @@
 #include "entry/font_families.h"
 #include "platform/sheet.h"
 #include "platform/window.h"
+#include "preview/preview_tools.h"
 #include "settings/driver_devmode.h"
 #include "watermark/watermark_entry.h"
 
@@ -78,9 +79,12 @@ struct UiSession {
     WCHAR wcScreenFile[PATH_CHARS], wcProfileFile[PATH_CHARS];
     WCHAR wcScreenFileSnapshot[PATH_CHARS], wcProfileFileSnapshot[PATH_CHARS];
     WCHAR wcRenderLib[PATH_CHARS];
-    char cOverlayLib[PATH_CHARS];    /* in the system's ANSI code page */
-    u32 bPaperHasTarget;             /* the current paper is scaled to another */
-    u32 bPreviewMetric;              /* unit of the preview's size line */
+    char cOverlayLib[PATH_CHARS]; /* in the system's ANSI code page */
+    u32 bPaperHasTarget;          /* the current paper is scaled to another */
+    u32 bPreviewMetric;           /* unit of the preview's size line */
+    u16 usPreviewPaper;           /* paper code that the size line showed last; 0: none yet */
+    PreviewTools rPreview;
+    PreviewDevice rPreviewDevice;
     u32 ulColorModeMask;             /* kinds of all colour modes */
     OwnedBlock<PaperSizeRow> pForms; /* the spooler's user forms */
     u16 sFormCount;

@@ -3,6 +3,7 @@
 
 #include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/drawing/glyph_source.h"
+#include "platform/hosted/standin.h"
 
 namespace {
 

@@ -27,10 +27,12 @@ constexpr std::uintptr_t FIRST_OBJECT = 0x2000000, FIRST_STOCK = 0x1900000, FIRS
 constexpr int DEFAULT_BITMAP = 100; /* behind the stock objects that can be asked for */
 constexpr i64 MOST_PIXELS = i64{1} << 26;
 
-/* From scroll bars to the end of what a classic desktop has; light grey is the face of things. */
-constexpr COLORREF aSystemColors[] = {0xC8C8C8, 0x000000, 0xD1B499, 0xDBCDBF, 0xF0F0F0, 0xFFFFFF, 0x646464,
-                                      0x000000, 0x000000, 0x000000, 0xB4B4B4, 0xFCF7F4, 0xABABAB, 0xFF9933,
-                                      0xFFFFFF, 0xF0F0F0, 0xA0A0A0, 0x6D6D6D, 0x000000, 0x000000, 0xFFFFFF};
+/* By number, from the scroll bar on; light grey is the face of things. */
+constexpr COLORREF aSystemColors[] = {0xFFFFFF, 0x956F25, 0xFA9632, 0x808080, 0xFFFFFF, 0xFFFFFF, 0x9E9E9E,
+                                      0x000000, 0x000000, 0x000000, 0xFFFFFF, 0xFFFFFF, 0x808080, 0xFA9630,
+                                      0xFFFFFF, 0xF5F5F5, 0xA6A6A6, 0xA6A6A6, 0x000000, 0xC8C8C8, 0xFFFFFF,
+                                      0x6A6A6A, 0xE3E3E3, 0x000000, 0xFFFFFF, 0xFFFFFF, 0xE0E0E0, 0xFA9632,
+                                      0x808080, 0xFA9630, 0xFFFFFF};
 
 HGDIOBJ StockHandle(int nIndex)
 {
@@ -304,8 +306,8 @@ HPEN WINAPI ExtCreatePen(DWORD dwStyle, DWORD dwWidth, const LOGBRUSH* pBrush, D
     }
     Object object;
     object.kind = OBJECT_PEN;
-    object.pen = {PS_SOLID, static_cast<int>(std::min<DWORD>(dwWidth, 0x7FFF)), dwKind == PS_GEOMETRIC,
-                  pBrush->lbColor & 0xFFFFFF};
+    object.pen = {PS_SOLID, static_cast<int>(std::min<DWORD>(dwWidth, 0x7FFF)),
+                  dwKind == PS_GEOMETRIC && dwWidth > 1, pBrush->lbColor & 0xFFFFFF};
     return static_cast<HPEN>(AddObject(std::move(object)));
 }
 
