@@ -295,6 +295,7 @@ TEST_F(SessionTest, HotAreasFollowTheMouse)
     AddSample("T410A");
     OpenDocument();
     RECT area;
+    PaintWindows(Page(0)); /* the first painting takes the unit from the paper */
     ASSERT_TRUE(ControlRect(Page(0), 1920, &area));
     const HCURSOR hArrow = LoadCursorW(nullptr, IDC_ARROW);
     SetCursor(hArrow);

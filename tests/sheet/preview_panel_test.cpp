@@ -1,0 +1,224 @@
+/* The preview of a sheet that is open: pages win over the record, item by item, and text and picture say the same. */
+#include "platform/hosted/windows.h"
+
+#include <random>
+
+#include "sheet/preview_panel.h"
+#include "support/sheet_machine.h"
+
+namespace {
+
+constexpr int LINES[] = {1925, 1926, 1927, 1928, 1929};
+
+class PreviewPanelTest : public SheetTest {
+  protected:
+    void Open(const char* cSample, std::initializer_list<size_t> pages)
+    {
+        AddSample(cSample);
+        DriverDevmode in = Defaults();
+        OpenDocument(&in);
+        record.dmColor = 2;
+        for (size_t nPage : pages) {
+            ASSERT_TRUE(ShowSheetPage(pSheet, nPage));
+        }
+    }
+
+    /* Gives a list of a page these item data and selects a row. */
+    static void Fill(HWND hPage, int nControl, const std::vector<i32>& values, int nSelected)
+    {
+        const bool bList = nControl == 1405;
+        SendDlgItemMessageW(hPage, nControl, bList ? LB_RESETCONTENT : CB_RESETCONTENT, 0, 0);
+        for (i32 lValue : values) {
+            const LRESULT nRow = SendDlgItemMessageW(hPage, nControl, bList ? LB_ADDSTRING : CB_ADDSTRING, 0,
+                                                     reinterpret_cast<LPARAM>(u"row"));
+            SendDlgItemMessageW(hPage, nControl, bList ? LB_SETITEMDATA : CB_SETITEMDATA,
+                                static_cast<WPARAM>(nRow), lValue);
+        }
+        SendDlgItemMessageW(hPage, nControl, bList ? LB_SETCURSEL : CB_SETCURSEL,
+                            static_cast<WPARAM>(nSelected), 0);
+    }
+    static void Check(HWND hPage, int nControl, bool bChecked)
+    {
+        SendDlgItemMessageW(hPage, nControl, BM_SETCHECK, bChecked ? BST_CHECKED : BST_UNCHECKED, 0);
+    }
+    static void Type(HWND hPage, int nControl, const std::string& text)
+    {
+        SetDlgItemTextW(hPage, nControl, Widen(text).c_str());
+    }
+
+    /* The text panel after an update without painting, lines split by "|". */
+    std::string Panel(size_t nPage)
+    {
+        UpdatePreview(Page(nPage), nullptr, Session(), 0);
+        std::string text = Narrow(TextOf(Page(nPage), 1920));
+        for (int nLine : LINES) {
+            const std::string line = Narrow(TextOf(Page(nPage), nLine));
+            text += line.empty() ? "" : "|" + line;
+        }
+        return text;
+    }
+};
+
+} // namespace
+
+TEST_F(PreviewPanelTest, FollowsTheRecordWhereNoPageTells)
+{
+    Open("T410A", {2});
+    PrivateDevmode& part = record.rPrivate;
+    record.dmPaperSize = 9;
+    record.dmOrientation = 2;
+    part.lPagesPerSheet = 2;
+    part.sPosterGrowth = 3;
+    EXPECT_EQ(Panel(2), "210 x 297 mm");
+    EXPECT_EQ(GatherPreviewChoice(Session()).sPosterSize, 0);
+    SendMessageW(Page(2), WM_COMMAND, MAKEWPARAM(1746, BN_CLICKED), 0);
+    EXPECT_EQ(Panel(2), "8.27 x 11.69 in") << "a flip lasts as long as the paper";
+    PaintWindows(Page(2));
+    EXPECT_EQ(Panel(2), "8.27 x 11.69 in");
+    part.sScale = 4;
+    part.sScaleTarget = 1;
+    EXPECT_EQ(Panel(2), "8.5 x 11 in|Scaled") << "the target's is shown";
+    part.sScale = 0;
+    record.dmCopies = 4;
+    record.dmDuplex = 3;
+    EXPECT_EQ(Panel(2), "210 x 297 mm|4 copies|Two sides, short edge") << "another paper, its own unit";
+    ASSERT_TRUE(ShowSheetPage(pSheet, 0));
+    ASSERT_TRUE(ShowSheetPage(pSheet, 1));
+    EXPECT_EQ(Panel(2), "210 x 297 mm|4 copies|Two sides, short edge") << "pages whose lists say nothing";
+}
+
+TEST_F(PreviewPanelTest, TakesWhatThePaperPageShows)
+{
+    Open("T410A", {1});
+    record.rPrivate.sScale = 2;
+    record.rPrivate.sScaleTarget = 150;
+    Fill(Page(1), 1301, {9, 1}, 1);
+    Type(Page(1), 1501, "-3");
+    Type(Page(1), 1506, "100");
+    Check(Page(1), 1801, true);
+    EXPECT_EQ(Panel(1), "8.5 x 11 in|Scaled") << "the record's scaling stays until it is changed there";
+    EXPECT_EQ(GatherPreviewChoice(Session()).lCopies, 1);
+    EXPECT_EQ(GatherPreviewChoice(Session()).lZoom, 100);
+    record.rPrivate.sScale = 0;
+    EXPECT_EQ(Panel(1), "8.5 x 11 in");
+    Type(Page(1), 1506, "");
+    Type(Page(1), 1501, "12");
+    Check(Page(1), 1825, true);
+    EXPECT_EQ(Panel(1), "8.5 x 11 in|12 copies, collated|Scaled");
+    const PreviewChoice choice = GatherPreviewChoice(Session());
+    EXPECT_EQ(choice.lZoom, 0);
+    EXPECT_TRUE(choice.bCentred);
+}
+
+TEST_F(PreviewPanelTest, TakesWhatQualityAndWatermarkPagesShow)
+{
+    Open("IX300", {2, 3});
+    HWND hQuality = Page(2), hMarks = Page(3);
+    const XpiModel* pModel = Session()->pXpi.get();
+    record.rPrivate.ulResolution = 77;
+    record.rPrivate.ulColorMode = 0;
+    EXPECT_EQ(GatherPreviewChoice(Session()).usResolution, 77) << "no row, and the record tells";
+    Fill(hQuality, 1304, {0, 0}, 1);
+    EXPECT_EQ(GatherPreviewChoice(Session()).usResolution,
+              ResolutionOfRow(pModel, 1) ? ResolutionOfRow(pModel, 1) : 77)
+        << "the row itself, whatever its item data";
+    for (u16 usColor : {u16{1}, u16{2}}) {
+        record.dmColor = usColor;
+        Check(hQuality, 1208, false);
+        Check(hQuality, 1209, false);
+        EXPECT_EQ(GatherPreviewChoice(Session()).bColor, usColor == 2);
+        for (bool bColor : {false, true}) {
+            Check(hQuality, 1208, bColor);
+            Check(hQuality, 1209, !bColor);
+            EXPECT_EQ(GatherPreviewChoice(Session()).bColor, bColor);
+        }
+    }
+    Fill(hMarks, 1405, {-1, 0}, 0);
+    EXPECT_EQ(GatherPreviewChoice(Session()).lWatermark, -1);
+    Fill(hMarks, 1405, {-1, 0}, 1);
+    Check(hMarks, 1204, true);
+    EXPECT_EQ(GatherPreviewChoice(Session()).lWatermark, 0) << "its item data, not its row";
+    EXPECT_EQ(GatherPreviewChoice(Session()).bWMOnePage, 1);
+}
+
+/* Random states of the Layout and the Paper page: the lines are those of what the controls show, and the picture is
+   asked for with the same. */
+TEST_F(PreviewPanelTest, TextAndPictureShowTheSameStateOfTheControls)
+{
+    std::mt19937 random(6105);
+    const auto Any = [&](int nLimit) { return static_cast<int>(random() % static_cast<u32>(nLimit)); };
+    for (const char* cSample : {"T410A", "QP5", "QPS"}) {
+        Open(cSample, {0, 1});
+        HWND hLayout = Page(0), hPaper = Page(1);
+        const XpiModel* pModel = Session()->pXpi.get();
+        const bool bDuplexUnit =
+            ((pModel->ulStdOptions | pModel->ulOptOptions | pModel->ulMoreOptions) & 1) != 0;
+        for (int i = 0; i < 150; i++) {
+            const int nType = std::array{0, 1, 99}[size_t(Any(3))], nDuplex = Any(3), nCopies = Any(4);
+            const int nPages = std::array{1, 2, 4, 9, 16}[size_t(Any(5))], nZoom = Any(2) ? 100 : 60;
+            const bool bCollate = Any(2), bReverse = Any(2), bPortrait = Any(2), bBorders = Any(2),
+                       bBack = Any(2);
+            record.dmDuplex = static_cast<u16>(1 + Any(3));
+            record.dmColor = static_cast<u16>(1 + Any(2));
+            record.rPrivate.ulColorMode = 0;
+            record.rPrivate.sBackCover = static_cast<u16>(Any(3));
+            record.rPrivate.sBookletPrint = static_cast<i16>(Any(2) * 4);
+            Fill(hLayout, 1359, {0, 1, 99}, nType == 99 ? 2 : nType);
+            Fill(hLayout, 1306, {nPages}, 0);
+            Fill(hLayout, 1323, {0, 17}, Any(2));
+            Fill(hLayout, 1348, {0, 2, 3}, 2);
+            for (int nRadio = 0; nRadio < 3; nRadio++) {
+                Check(hLayout, 1205 + nRadio, nRadio == nDuplex);
+            }
+            Check(hLayout, 1221, bPortrait);
+            Check(hLayout, 1222, !bPortrait);
+            Check(hLayout, 1803, bBorders);
+            Check(hLayout, 1819, bBack);
+            Fill(hPaper, 1301, {9, 1}, 0);
+            Type(hPaper, 1501, std::to_string(nCopies));
+            Type(hPaper, 1506, std::to_string(nZoom));
+            Check(hPaper, 1801, bCollate);
+            Check(hPaper, 1808, bReverse);
+
+            std::string wanted;
+            int nFree = 5;
+            const auto Say = [&](bool bSaid, const std::string& line) {
+                wanted += bSaid && nFree > 0 ? "|" + line : "";
+                nFree -= bSaid;
+            };
+            const int nShown = bDuplexUnit ? nDuplex : 0;
+            Say(nType == 99, "Booklet");
+            Say(pModel->usColorClass == 0 && record.dmColor == 1, "Monochrome");
+            Say(nCopies > 1,
+                std::to_string(nCopies) + " copies" + (bCollate || nType == 99 ? ", collated" : ""));
+            Say(bReverse, "Last page first");
+            Say(record.rPrivate.sBackCover == 1, "Back cover");
+            Say(record.rPrivate.sBackCover == 2, "Back cover, empty");
+            Say(nType != 99 && nShown == 1, "Two sides, long edge");
+            Say(nType != 99 && nShown == 2, "Two sides, short edge");
+            Say(nZoom != 100, "Scaled");
+            const std::string panel = Panel(0);
+            ASSERT_EQ(panel.substr(std::min(panel.find('|'), panel.size())), wanted) << cSample << " " << i;
+            ASSERT_EQ(Panel(1), panel) << "all pages say the same";
+
+            const PreviewLists lists = SessionPreviewLists(Session());
+            const PreviewChoice choice = GatherPreviewChoice(Session());
+            PreviewRequest request;
+            WatermarkEntry copy;
+            RequestFromChoice(choice, FindPreviewSizes(lists, choice), lists, &copy, &request);
+            ASSERT_EQ(request.sLayout, nType == 0 ? nPages : nType);
+            ASSERT_EQ(request.sPosterSize, nType == 1 ? 3 : 0);
+            ASSERT_EQ(request.sPageOrder == 1, nType == 99 && bBack);
+            ASSERT_EQ(request.sOrientation, bPortrait ? 1 : 0);
+            ASSERT_EQ(request.bBorders, bBorders);
+            ASSERT_EQ(request.sZoom, nZoom);
+            ASSERT_EQ(request.bColor, record.dmColor == 2);
+            if (i % 10 == 0) {
+                InvalidateRect(hLayout, nullptr, 0);
+                PaintWindows(hLayout);
+            }
+        }
+        Close();
+        EXPECT_EQ(CountLive().nGdiObjects, 0) << "what the pictures were drawn with";
+    }
+}
