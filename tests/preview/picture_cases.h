@@ -2,6 +2,7 @@
 #ifndef TQUI_TESTS_PICTURE_CASES_H
 #define TQUI_TESTS_PICTURE_CASES_H
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@
 constexpr RECT FRAME = {12, 20, 172, 180};
 constexpr int CANVAS_WIDTH = 184, CANVAS_HEIGHT = 200;
 constexpr COLORREF CANVAS_COLOR = 0x55AA33;
+constexpr DWORD FACE_COLOR = 0xF0F0F0; /* stands for what the system's frames have */
 
 struct PictureCase {
     std::string name;
@@ -144,13 +146,21 @@ inline void Compose(PreviewTools& tools, HDC hDc, const PictureCase& sheet)
     ComposePreview(tools, drawn.device, hDc, drawn.rFrame, &drawn.request);
 }
 
+/* A canvas with the frame in the tests' colour. */
+inline Picture Shown(const Canvas& canvas)
+{
+    Picture picture = canvas.Pixels();
+    std::replace(picture.pixels.begin(), picture.pixels.end(), GetSysColor(COLOR_BTNFACE), FACE_COLOR);
+    return picture;
+}
+
 inline Picture DrawCase(const PictureCase& sheet)
 {
     PreviewTools tools = {};
     Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
     Compose(tools, canvas.Dc(), sheet);
     ReleasePreviewTools(&tools);
-    return canvas.Pixels();
+    return Shown(canvas);
 }
 
 inline PreviewGeometry Arrange(const PictureCase& sheet)

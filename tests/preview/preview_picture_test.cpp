@@ -1,7 +1,5 @@
 /* The preview's pictures, on both builds from one source: against goldens, with the boxes of letters left out, and what
    the letters in them are. */
-#include <fstream>
-
 #include "platform/glyphs.h"
 #include "preview/picture_cases.h"
 
@@ -25,7 +23,7 @@ TEST_F(PreviewPicture, AgreesWithItsGolden)
     for (const PictureCase& sheet : GoldenCases(Image(24))) {
         Picture got = DrawCase(sheet);
         for (const RECT& rBox : LabelBoxes(sheet)) {
-            got.Fill(rBox, MASK);
+            Fill(&got, rBox, MASK);
         }
         EXPECT_EQ(AgainstGolden(sheet.name, got), "");
     }
@@ -58,7 +56,7 @@ TEST_F(PreviewPicture, LabelsStandInTheMiddleOfTheirCells)
         EXPECT_NE(std::count(wanted.pixels.begin(), wanted.pixels.end(), 0u), 0) << "no ink";
         const RECT rOnCanvas = {rCell.left + geometry.rSheet.left, rCell.top + geometry.rSheet.top,
                                 rCell.right + geometry.rSheet.left, rCell.bottom + geometry.rSheet.top};
-        EXPECT_EQ(Compare(wanted, got.Part(rOnCanvas)).nPixels, 0) << "cell " << i;
+        EXPECT_EQ(Compare(wanted, PartOf(got, rOnCanvas)).nPixels, 0) << "cell " << i;
     }
 }
 
@@ -72,19 +70,19 @@ TEST_F(PreviewPicture, ALongLabelStandsAloneOnASinglePage)
     const RECT& rSheet = geometry.rSheet;
     const RECT rInner = {rSheet.left + 1, rSheet.top + 1, rSheet.right - 1, rSheet.bottom - 1};
     const Picture lettered = Lettered(rInner, TEXT("OK!"));
-    EXPECT_EQ(Compare(lettered, DrawCase(sheet).Part(rInner)).nPixels, 0);
+    EXPECT_EQ(Compare(lettered, PartOf(DrawCase(sheet), rInner)).nPixels, 0);
     const Picture blank = Lettered(rInner, TEXT(""));
     EXPECT_NE(Compare(lettered, blank).nPixels, 0);
 
     UseImage(sheet, TEXT("C:\\none.bmp"), 0);
-    EXPECT_EQ(Compare(blank, DrawCase(sheet).Part(rInner)).nPixels, 0)
+    EXPECT_EQ(Compare(blank, PartOf(DrawCase(sheet), rInner)).nPixels, 0)
         << "under a watermark that is not there";
 
     sheet = SheetCase("", 4);
     std::copy_n(TEXT("OK!"), 4, sheet.device.wcLabel);
     const Picture many = DrawCase(sheet);
     const LONG x = rSheet.left + 47, y = rSheet.top + 5; /* on the divider between columns */
-    EXPECT_EQ(many.Part({x, y, x + 1, y + 50}), Lettered({0, 0, 1, 50}, TEXT("")));
+    EXPECT_EQ(PartOf(many, {x, y, x + 1, y + 50}), Lettered({0, 0, 1, 50}, TEXT("")));
 }
 
 TEST_F(PreviewPicture, TheLogoIsOneLetterInTheSystemsFaceInRedOrBlack)
@@ -108,7 +106,7 @@ TEST_F(PreviewPicture, TheLogoIsOneLetterInTheSystemsFaceInRedOrBlack)
         DeleteObject(hFont);
         const Picture wanted = canvas.Pixels();
         EXPECT_GT(std::count(wanted.pixels.begin(), wanted.pixels.end(), bColor ? 0xFFu : 0u), 10);
-        EXPECT_EQ(Compare(wanted, DrawCase(sheet).Part(rBox)).nPixels, 0);
+        EXPECT_EQ(Compare(wanted, PartOf(DrawCase(sheet), rBox)).nPixels, 0);
     }
 }
 
@@ -117,7 +115,7 @@ TEST_F(PreviewPicture, ImagesOfAllDepthsShow)
 {
     PictureCase sheet = SheetCase("", 0);
     UseImage(sheet, Image(24), 6, 60 * 2540 / 21000 + 1);
-    Picture deep = DrawCase(sheet);
+    const Picture deep = DrawCase(sheet);
     const PreviewGeometry geometry = Arrange(sheet);
     EXPECT_EQ(deep.At(static_cast<int>(geometry.rSheet.left) + 3, static_cast<int>(geometry.rSheet.top) + 3),
               0xD08000u)
@@ -144,9 +142,9 @@ TEST_F(PreviewPicture, ASwatchIsFilledAndOutlined)
     EXPECT_EQ(SelectObject(canvas.Dc(), hPen), GetStockObject(WHITE_PEN));
     ReleasePreviewTools(&tools);
     Picture wanted = canvas.Pixels();
-    wanted.Fill({0, 0, 20, 20}, CANVAS_COLOR);
-    wanted.Fill({2, 3, 12, 9}, 0);
-    wanted.Fill({3, 4, 11, 8}, 0x123456);
+    Fill(&wanted, {0, 0, 20, 20}, CANVAS_COLOR);
+    Fill(&wanted, {2, 3, 12, 9}, 0);
+    Fill(&wanted, {3, 4, 11, 8}, 0x123456);
     EXPECT_EQ(Compare(wanted, canvas.Pixels()).nPixels, 0);
 }
 

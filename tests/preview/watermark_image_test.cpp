@@ -200,7 +200,7 @@ TEST(WatermarkImage, AHeaderOutsideItsBoundsIsNone)
     } fields[] = {{0, 2, {0, 0x4D41, 0x4142, 0xFFFF}, {0x4D42}},
                   {10, 4, {0, 14, 53, 0x10001, 0xFFFFFFFF}, {54}},
                   {14, 4, {0, 12, 39, 41, 124, 0xFFFFFFFF}, {40}},
-                  {18, 4, {0, 0x8000, 0x80000000, 0xFFFFFFFF, 0x7FFFFFFF, 6}, {1, 5}},
+                  {18, 4, {0, 0x8000, 0x80000000, 0xFFFFFFFF, 0x7FFFFFFF, 5}, {1, 4}},
                   {22, 4, {0, 5, 0x8000, 0x80000000, 0xFFFFFFFC, 0x7FFFFFFF}, {1, 4}},
                   {26, 2, {0, 2, 0xFFFF}, {1}},
                   {28, 2, {0, 2, 15, 25, 32, 64, 0xFFFF}, {1, 4, 8, 16, 24}},

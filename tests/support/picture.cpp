@@ -8,10 +8,6 @@
 #include <objidl.h>
 
 #include <gdiplus.h>
-#else
-#include <png.h>
-
-#include "platform/hosted/drawing/drawing_state.h"
 #endif
 
 namespace {
@@ -44,7 +40,7 @@ constexpr CLSID PNG_ENCODER = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x
 
 } // namespace
 
-bool ReadPng(const fs::path& path, Picture* pPicture)
+bool LoadPng(const fs::path& path, Picture* pPicture)
 {
     const GdiPlus started;
     Gdiplus::Bitmap bitmap(path.c_str());
@@ -62,7 +58,7 @@ bool ReadPng(const fs::path& path, Picture* pPicture)
     return true;
 }
 
-bool WritePng(const fs::path& path, const Picture& picture)
+bool SavePng(const fs::path& path, const Picture& picture)
 {
     const GdiPlus started;
     Gdiplus::Bitmap bitmap(picture.nWidth, picture.nHeight, PixelFormat24bppRGB);
@@ -89,62 +85,30 @@ Picture Canvas::Pixels() const
 
 #else
 
-bool ReadPng(const fs::path& path, Picture* pPicture)
-{
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_file(&image, path.c_str())) {
-        return false;
-    }
-    image.format = PNG_FORMAT_RGBA;
-    std::vector<u8> bytes(PNG_IMAGE_SIZE(image));
-    if (!png_image_finish_read(&image, nullptr, bytes.data(), 0, nullptr)) {
-        return false;
-    }
-    *pPicture = {static_cast<int>(image.width), static_cast<int>(image.height), {}};
-    for (size_t n = 0; n < bytes.size(); n += 4) {
-        pPicture->pixels.push_back(RgbOf(bytes[n], bytes[n + 1], bytes[n + 2]));
-    }
-    return true;
-}
-
-bool WritePng(const fs::path& path, const Picture& picture)
-{
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(picture.nWidth);
-    image.height = static_cast<png_uint_32>(picture.nHeight);
-    image.format = PNG_FORMAT_RGB;
-    std::vector<u8> bytes;
-    for (const COLORREF color : picture.pixels) {
-        bytes.insert(bytes.end(),
-                     {static_cast<u8>(color), static_cast<u8>(color >> 8), static_cast<u8>(color >> 16)});
-    }
-    return png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr) != 0;
-}
-
 Picture Canvas::Pixels() const
 {
-    return {nWidth, nHeight, FindContext(hDc)->pSurface->pixels};
+    Picture picture;
+    ReadContext(hDc, &picture);
+    return picture;
 }
 
 #endif
 
-void Picture::Fill(const RECT& rect, COLORREF color)
+void Fill(Picture* pPicture, const RECT& rect, COLORREF color)
 {
-    for (LONG y = std::max<LONG>(rect.top, 0); y < std::min<LONG>(rect.bottom, nHeight); y++) {
-        for (LONG x = std::max<LONG>(rect.left, 0); x < std::min<LONG>(rect.right, nWidth); x++) {
-            At(static_cast<int>(x), static_cast<int>(y)) = color;
+    for (LONG y = std::max<LONG>(rect.top, 0); y < std::min<LONG>(rect.bottom, pPicture->nHeight); y++) {
+        for (LONG x = std::max<LONG>(rect.left, 0); x < std::min<LONG>(rect.right, pPicture->nWidth); x++) {
+            pPicture->pixels[static_cast<size_t>(y * pPicture->nWidth + x)] = color;
         }
     }
 }
 
-Picture Picture::Part(const RECT& rect) const
+Picture PartOf(const Picture& picture, const RECT& rect)
 {
     Picture part = {static_cast<int>(rect.right - rect.left), static_cast<int>(rect.bottom - rect.top), {}};
     for (LONG y = rect.top; y < rect.bottom; y++) {
         for (LONG x = rect.left; x < rect.right; x++) {
-            part.pixels.push_back(At(static_cast<int>(x), static_cast<int>(y)));
+            part.pixels.push_back(picture.At(static_cast<int>(x), static_cast<int>(y)));
         }
     }
     return part;
@@ -198,7 +162,7 @@ PictureDifference Compare(const Picture& golden, const Picture& got)
             }
             where = {std::min<LONG>(where.left, x), std::min<LONG>(where.top, y),
                      std::max<LONG>(where.right, x + 1), std::max<LONG>(where.bottom, y + 1)};
-            difference.shown.At(x, y) = 0x0000FF;
+            difference.shown.pixels[static_cast<size_t>(y * got.nWidth + x)] = 0x0000FF;
         }
     }
     return difference;
@@ -209,18 +173,18 @@ std::string AgainstGolden(const std::string& name, const Picture& got)
     const fs::path golden = fs::path(TQUI_SOURCE_DIR "/tests/golden/preview") / (name + ".png");
     if (std::getenv("TQUI_WRITE_GOLDENS")) {
         fs::create_directories(golden.parent_path());
-        return WritePng(golden, got) ? "" : golden.string() + " cannot be written";
+        return SavePng(golden, got) ? "" : golden.string() + " cannot be written";
     }
     Picture wanted;
-    const bool bThere = ReadPng(golden, &wanted);
+    const bool bThere = LoadPng(golden, &wanted);
     const PictureDifference difference = Compare(wanted, got);
     if (bThere && difference.nPixels == 0) {
         return "";
     }
     const fs::path folder = fs::path(TQUI_SOURCE_DIR "/build/preview-differences") / BUILD_NAME;
     fs::create_directories(folder);
-    WritePng(folder / (name + "-got.png"), got);
-    WritePng(folder / (name + "-difference.png"), difference.shown);
+    SavePng(folder / (name + "-got.png"), got);
+    SavePng(folder / (name + "-difference.png"), difference.shown);
     const RECT& where = difference.rWhere;
     return name + ": " + (bThere ? "" : "no golden; ") + std::to_string(difference.nPixels) +
            " pixels differ, by up to " + std::to_string(difference.nLargest) + ", within " +

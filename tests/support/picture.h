@@ -8,21 +8,27 @@
 
 #include "platform/drawing.h"
 
+#ifdef _WIN32
+
+/* As the hosted machine's. */
 struct Picture {
     int nWidth = 0, nHeight = 0;
     std::vector<COLORREF> pixels; /* rows from the top */
-
-    COLORREF& At(int x, int y) { return pixels[static_cast<size_t>(y * nWidth + x)]; }
     COLORREF At(int x, int y) const { return pixels[static_cast<size_t>(y * nWidth + x)]; }
-    void Fill(const RECT& rect, COLORREF color); /* what of it lies inside */
-    Picture Part(const RECT& rect) const;        /* lies inside */
     bool operator==(const Picture&) const = default;
 };
+bool SavePng(const std::filesystem::path& path, const Picture& picture);
+bool LoadPng(const std::filesystem::path& path, Picture* pPicture);
 
-bool ReadPng(const std::filesystem::path& path, Picture* pPicture);
-bool WritePng(const std::filesystem::path& path, const Picture& picture);
+#else
+#include "platform/hosted/pictures.h"
+#endif
 
-/* Pixels that differ; the largest difference of one channel in them; and a picture that shows where. */
+/* What of the rectangle lies inside. */
+void Fill(Picture* pPicture, const RECT& rect, COLORREF color);
+Picture PartOf(const Picture& picture, const RECT& rect); /* lies inside */
+
+/* Pixels that differ; the largest difference of one channel in them; where they are; and a picture of it. */
 struct PictureDifference {
     int nPixels = 0, nLargest = 0;
     RECT rWhere{};

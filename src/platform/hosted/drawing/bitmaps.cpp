@@ -127,6 +127,11 @@ COLORREF PixelColor(const DibFormat& format, const u8* pRow, size_t x)
     }
 }
 
+COLORREF NearerOfTwo(COLORREF color)
+{
+    return (color & 0xFF) + (color >> 8 & 0xFF) + (color >> 16 & 0xFF) > 3 * 0x7F ? 0xFFFFFF : 0;
+}
+
 /* A row into a row of the surface; columns that one of them lacks are left alone. */
 void PutRow(const DibFormat& format, const u8* pRow, i64 y, Surface* pSurface)
 {
@@ -137,11 +142,11 @@ void PutRow(const DibFormat& format, const u8* pRow, i64 y, Surface* pSurface)
     const auto nWidth = static_cast<size_t>(std::min<i64>(format.lWidth, pSurface->nWidth));
     for (size_t x = 0; x < nWidth; x++) {
         const COLORREF color = PixelColor(format, pRow, x);
-        pOut[x] = pSurface->bMono ? SurfaceColor(*pSurface, color) : color;
+        pOut[x] = pSurface->bMono ? NearerOfTwo(color) : color;
     }
 }
 
-/* Copies nLines rows from uStart, counted as the bitmap counts them. Result: rows that were taken. */
+/* Copies nLines rows, the lowest of which is line uStart, counted from below. Result: rows that were taken. */
 int PutRows(const DibFormat& format, const u8* pBits, UINT uStart, UINT nLines, Surface* pSurface)
 {
     if (uStart >= format.lHeight) {
@@ -149,7 +154,8 @@ int PutRows(const DibFormat& format, const u8* pBits, UINT uStart, UINT nLines, 
     }
     const i64 lLines = std::min<i64>(nLines, format.lHeight - uStart);
     for (i64 i = 0; i < lLines; i++) {
-        const i64 y = format.bTopDown ? uStart + i : format.lHeight - 1 - uStart - i;
+        const i64 lFromBelow = uStart + (format.bTopDown ? lLines - 1 - i : i);
+        const i64 y = format.lHeight - 1 - lFromBelow;
         PutRow(format, pBits + static_cast<size_t>(i) * format.cbRow, y, pSurface);
     }
     return static_cast<int>(lLines);

@@ -18,12 +18,8 @@ struct Step {
     int nTarget, nSource;
 };
 
-i64 FloorDiv(i64 lValue, i64 lBy)
-{
-    return lValue >= 0 ? lValue / lBy : -((-lValue + lBy - 1) / lBy);
-}
-
-/* The steps of one side that both surfaces have, in ascending order of the target. */
+/* The steps of one side that both surfaces have, in ascending order of the target. A pixel goes where its centre falls;
+   on a border to the lower one. */
 std::vector<Step> StepsOf(const Side& side, i64 lTargetLow, i64 lTargetHigh, i64 lSourceLow, i64 lSourceHigh)
 {
     const i64 lInto = std::abs(side.lTargetSize), lFrom = std::abs(side.lSourceSize);
@@ -48,13 +44,13 @@ std::vector<Step> StepsOf(const Side& side, i64 lTargetLow, i64 lTargetHigh, i64
             lEnd = std::min(lInto - (lTargetLow - lTarget), lInto);
         }
         for (i64 i = lBegin; i < lEnd; i++) {
-            add(i, i * lFrom / lInto);
+            add(i, ((2 * i + 1) * lFrom - 1) / (2 * lInto));
         }
     } else {
         const i64 lBegin = std::max<i64>(lSourceLow - lSource, 0),
                   lEnd = std::min(lSourceHigh - lSource, lFrom);
         for (i64 i = lBegin; i < lEnd; i++) {
-            add(FloorDiv(i * lInto, lFrom), i);
+            add(((2 * i + 1) * lInto - 1) / (2 * lFrom), i);
         }
     }
     if (bTurned) {

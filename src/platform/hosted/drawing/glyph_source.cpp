@@ -21,16 +21,17 @@
 
 namespace {
 
-constexpr int DEFAULT_CELL = 16, MOST_PPEM = 4096;
+constexpr int DEFAULT_CELL = 16, MOST_PPEM = 4096, MOST_CELL = 0x10000;
 constexpr size_t MOST_FONTS = 32;
 
 struct FontKey {
     FontFile file;
-    int nPpem, nWidth, nAngle;
+    LONG nHeight;
+    int nWidth, nAngle;
     bool operator<(const FontKey& other) const
     {
-        return std::tie(file, nPpem, nWidth, nAngle) <
-               std::tie(other.file, other.nPpem, other.nWidth, other.nAngle);
+        return std::tie(file, nHeight, nWidth, nAngle) <
+               std::tie(other.file, other.nHeight, other.nWidth, other.nAngle);
     }
 };
 
@@ -64,14 +65,17 @@ int Up(FT_Pos lPos)
     return static_cast<int>((lPos + 63) >> 6);
 }
 
-int PixelsPerEm(FT_Face face, LONG lHeight, int nWinHeight)
+/* Of a cell's height: the nearest, or one less when the nearest makes the cell too high. lCell is the cell's height in
+   the font's own units. */
+int PixelsPerEm(LONG lHeight, i64 lCell, i64 lEm)
 {
     i64 lPpem = -static_cast<i64>(lHeight);
-    if (lHeight >= 0) { /* of the cell: rounded to the nearest */
-        i64 lCell = lHeight ? lHeight : DEFAULT_CELL;
-        lPpem = (lCell * face->units_per_EM * 2 + nWinHeight) / (2 * nWinHeight);
+    if (lHeight >= 0) {
+        i64 lWanted = std::min(lHeight ? lHeight : DEFAULT_CELL, MOST_CELL);
+        lPpem = (lWanted * lEm * 2 + lCell) / (2 * lCell);
+        lPpem -= (lPpem * lCell * 2 + lEm) / (2 * lEm) > lWanted;
     }
-    return static_cast<int>(lPpem < 1 ? 1 : lPpem > MOST_PPEM ? MOST_PPEM : lPpem);
+    return static_cast<int>(std::clamp<i64>(lPpem, 1, MOST_PPEM));
 }
 
 void SetMatrices(const FontKey& key, int nUsualWidth, GlyphFont* pFont)
@@ -95,32 +99,23 @@ void SetMatrices(const FontKey& key, int nUsualWidth, GlyphFont* pFont)
 bool SetUpFont(const FontKey& key, FT_Face face, GlyphFont* pFont)
 {
     const auto* pOs2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-    if (!pOs2 || FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(key.nPpem)) != 0) {
+    if (!pOs2) {
+        return false;
+    }
+    int nCell = pOs2->usWinAscent + pOs2->usWinDescent;
+    int nPpem = PixelsPerEm(key.nHeight, nCell ? nCell : face->units_per_EM, face->units_per_EM);
+    if (FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(nPpem)) != 0) {
         return false;
     }
     const FT_Size_Metrics& metrics = face->size->metrics;
     pFont->face = face;
     pFont->nAscent = Rounded(FT_MulFix(pOs2->usWinAscent, metrics.y_scale));
     pFont->nDescent = Rounded(FT_MulFix(pOs2->usWinDescent, metrics.y_scale));
-    pFont->nBolder = key.file.bBolder ? key.nPpem * 64 / 24 : 0;
-    pFont->aulCodePages[0] = pOs2->version >= 1 ? static_cast<u32>(pOs2->ulCodePageRange1) : 1;
-    pFont->aulCodePages[1] = pOs2->version >= 1 ? static_cast<u32>(pOs2->ulCodePageRange2) : 0;
+    pFont->nBolder = key.file.bBolder ? nPpem * 64 / 24 : 0;
+    std::copy_n(key.file.aulCodePages, 2, pFont->aulCodePages);
     SetMatrices(key, Rounded(FT_MulFix(pOs2->xAvgCharWidth, metrics.x_scale)), pFont);
     pFont->pShaper = hb_ft_font_create_referenced(face);
     return true;
-}
-
-bool OpenFace(const FontFile& file, FT_Face* pFace)
-{
-    return (cache().library || FT_Init_FreeType(&cache().library) == 0) &&
-           FT_New_Face(cache().library, file.path.c_str(), file.nIndex, pFace) == 0;
-}
-
-int WinHeight(FT_Face face)
-{
-    const auto* pOs2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-    int nHeight = pOs2 ? pOs2->usWinAscent + pOs2->usWinDescent : 0;
-    return nHeight ? nHeight : face->units_per_EM;
 }
 
 /* Loads a glyph, hinted, as it stands upright; bolder if need be. */
@@ -242,26 +237,29 @@ void PutContour(Bytes* pOut, const FT_Vector* aPoints, const unsigned char* acTa
 
 const GlyphFont* FindGlyphFont(const LOGFONTW& font)
 {
-    FontFile file;
-    FT_Face face = nullptr;
-    if (!FindFontFile(font, &file) || !OpenFace(file, &face)) {
+    FontKey key = {{},
+                   font.lfHeight,
+                   static_cast<int>(std::min<i64>(std::llabs(font.lfWidth), MOST_PPEM)),
+                   (font.lfEscapement % 3600 + 3600) % 3600};
+    if (!FindFontFile(font, &key.file)) {
         return nullptr;
     }
-    int nWidth = static_cast<int>(std::min<i64>(std::llabs(font.lfWidth), MOST_PPEM));
-    FontKey key = {file, PixelsPerEm(face, font.lfHeight, WinHeight(face)), nWidth,
-                   (font.lfEscapement % 3600 + 3600) % 3600};
     auto place = cache().fonts.find(key);
     if (place != cache().fonts.end()) {
-        FT_Done_Face(face);
         return &place->second;
-    }
-    GlyphFont made = {};
-    if (!SetUpFont(key, face, &made)) {
-        FT_Done_Face(face);
-        return nullptr;
     }
     if (cache().fonts.size() >= MOST_FONTS) {
         cache().Clear();
+    }
+    GlyphFont made = {};
+    FT_Face face = nullptr;
+    if ((!cache().library && FT_Init_FreeType(&cache().library) != 0) ||
+        FT_New_Face(cache().library, key.file.path.c_str(), key.file.nIndex, &face) != 0) {
+        return nullptr;
+    }
+    if (!SetUpFont(key, face, &made)) {
+        FT_Done_Face(face);
+        return nullptr;
     }
     return &cache().fonts.insert({key, made}).first->second;
 }

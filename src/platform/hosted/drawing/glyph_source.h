@@ -30,6 +30,7 @@ struct GlyphBox {
 
 struct GlyphPixels {
     GlyphBox box;
+    int nAlong;            /* to the next letter, along the line; of letters without smoothing */
     std::vector<bool> ink; /* rows of the box from the top */
 };
 

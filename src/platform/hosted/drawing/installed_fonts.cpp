@@ -197,8 +197,11 @@ bool FindFontFile(const LOGFONTW& font, FontFile* pFile)
         }
         place = found
                     .insert({key,
-                             {pFace->path, pFace->nIndex, bBold && pFace->nWeight < FC_WEIGHT_DEMIBOLD,
-                              bItalic && pFace->nSlant == FC_SLANT_ROMAN}})
+                             {pFace->path,
+                              pFace->nIndex,
+                              bBold && pFace->nWeight < FC_WEIGHT_DEMIBOLD,
+                              bItalic && pFace->nSlant == FC_SLANT_ROMAN,
+                              {pFace->aulCodePages[0], pFace->aulCodePages[1]}}})
                     .first;
     }
     *pFile = place->second;

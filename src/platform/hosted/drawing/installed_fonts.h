@@ -8,9 +8,10 @@
 
 struct FontFile {
     std::string path;
-    int nIndex;   /* of the face in the file */
-    bool bBolder; /* bold was asked for, and the family has no bold face */
-    bool bSlant;  /* the same of italics */
+    int nIndex;          /* of the face in the file */
+    bool bBolder;        /* bold was asked for, and the family has no bold face */
+    bool bSlant;         /* the same of italics */
+    u32 aulCodePages[2]; /* of its OS/2 table */
     bool operator<(const FontFile& other) const;
 };
 

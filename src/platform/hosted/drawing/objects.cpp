@@ -306,8 +306,8 @@ HPEN WINAPI ExtCreatePen(DWORD dwStyle, DWORD dwWidth, const LOGBRUSH* pBrush, D
     }
     Object object;
     object.kind = OBJECT_PEN;
-    object.pen = {PS_SOLID, static_cast<int>(std::min<DWORD>(dwWidth, 0x7FFF)), dwKind == PS_GEOMETRIC,
-                  pBrush->lbColor & 0xFFFFFF};
+    object.pen = {PS_SOLID, static_cast<int>(std::min<DWORD>(dwWidth, 0x7FFF)),
+                  dwKind == PS_GEOMETRIC && dwWidth > 1, pBrush->lbColor & 0xFFFFFF};
     return static_cast<HPEN>(AddObject(std::move(object)));
 }
 

@@ -41,13 +41,7 @@ Steps Visible(Steps all, i64 lFirst, int nStep, i64 lLow, i64 lHigh)
 bool TakesFarther(i64 lDx, i64 lDy)
 {
     const bool bWide = std::abs(lDx) > std::abs(lDy);
-    if (lDy > 0) {
-        return !bWide && lDx <= 0;
-    }
-    if (lDx < 0) {
-        return bWide;
-    }
-    return true;
+    return lDy > 0 ? lDx < 0 && !bWide : lDx < 0 || bWide;
 }
 
 /* A pen of more than a pixel, flat ended: a box along an axis, else the pixels whose centres lie in the slanted one. */
@@ -93,11 +87,7 @@ bool ToSurface(const DrawingContext& context, i64 x, i64 y, Point64* pPoint)
 
 COLORREF SurfaceColor(const Surface& surface, COLORREF color)
 {
-    if (!surface.bMono) {
-        return color & 0xFFFFFF;
-    }
-    const DWORD dwSum = (color & 0xFF) + (color >> 8 & 0xFF) + (color >> 16 & 0xFF);
-    return dwSum > 3 * 0x7F ? 0xFFFFFF : 0;
+    return !surface.bMono || color == 0xFFFFFF ? color & 0xFFFFFF : 0;
 }
 
 void FillBox(DrawingContext& context, i64 lLeft, i64 lTop, i64 lRight, i64 lBottom, COLORREF color)
@@ -209,8 +199,9 @@ BOOL WINAPI Rectangle(HDC hDc, int nLeft, int nTop, int nRight, int nBottom)
     }
     last.x--;
     last.y--;
-    if (!pBrush->bNull) {
-        FillBox(*pContext, first.x, first.y, last.x, last.y, pBrush->color);
+    if (!pBrush->bNull) { /* what a pen's gaps leave open stays as it was */
+        const i64 lPen = pPen->nStyle == PS_NULL ? 0 : 1;
+        FillBox(*pContext, first.x + lPen, first.y + lPen, last.x, last.y, pBrush->color);
     }
     if (pPen->bGeometric && pPen->nStyle != PS_NULL) { /* its corners are whole */
         const i64 lWidth = std::max(pPen->nWidth, 1), lBefore = lWidth / 2;

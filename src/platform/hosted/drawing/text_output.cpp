@@ -1,6 +1,7 @@
 /* Stand-ins that draw and measure text: letters of one colour, without smoothing. */
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/hosted/drawing/drawing_state.h"
@@ -8,6 +9,9 @@
 
 namespace {
 
+/* Co-ordinates that the system draws in have 28 bits; texts are as long as it takes them. */
+constexpr int MOST_COORDINATE = 0x7FFFFFF, MOST_STEP = 0x3FFF;
+constexpr UINT MOST_TEXT = 0x2000;
 constexpr UINT TA_RIGHT = 2, TA_BOTTOM = 8;
 constexpr UINT DT_RIGHT = 2, DT_BOTTOM = 8, DT_NOCLIP = 0x100, DT_CALCRECT = 0x400, DT_NOPREFIX = 0x800;
 
@@ -22,46 +26,53 @@ const GlyphFont* SelectedFont(const DrawingContext* pContext)
     return pGlyphs;
 }
 
+bool Drawable(int x, int y)
+{
+    return std::abs(i64{x}) <= MOST_COORDINATE && std::abs(i64{y}) <= MOST_COORDINATE;
+}
+
 bool IsPlain(std::u16string_view wcText)
 {
     return std::all_of(wcText.begin(), wcText.end(), [](WCHAR wcChar) { return wcChar < 0x0300; });
 }
 
-/* The cell of a text whose upper left corner is at (x, y), turned about that corner. */
-void FillCell(DrawingContext& context, const GlyphFont& font, double x, double y, int nWidth,
-              const RECT* pClip)
+/* The ground of a text whose base line begins at (x, y): upright, however the text is turned. */
+void FillGround(DrawingContext& context, const GlyphFont& font, int x, int y, int nAcross, const RECT* pClip)
 {
-    int nHeight = font.nAscent + font.nDescent, nReach = std::min(nWidth, 4096) + nHeight;
-    double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
-    for (int nRow = -nReach; nRow <= nReach; nRow++) {
-        for (int nColumn = -nReach; nColumn <= nReach; nColumn++) {
-            double dAlong = (nColumn + 0.5) * dCos - (nRow + 0.5) * dSin;
-            double dDown = (nColumn + 0.5) * dSin + (nRow + 0.5) * dCos;
-            if (dAlong >= 0 && dAlong < nWidth && dDown >= 0 && dDown < nHeight) {
-                PutPixel(context, static_cast<int>(x) + nColumn, static_cast<int>(y) + nRow,
-                         context.backColor, pClip);
-            }
-        }
+    RECT ground = {x, y - font.nAscent, x + nAcross, y + font.nDescent};
+    if (pClip) {
+        ground = {std::max(ground.left, pClip->left), std::max(ground.top, pClip->top),
+                  std::min(ground.right, pClip->right), std::min(ground.bottom, pClip->bottom)};
     }
+    FillBox(context, i64{ground.left} + context.origin.x, i64{ground.top} + context.origin.y,
+            i64{ground.right} + context.origin.x, i64{ground.bottom} + context.origin.y, context.backColor);
 }
 
+/* Upright letters follow one another by their own steps; in a turned line each is set where those before it end, by the
+   steps of the measured text. */
 void DrawGlyphs(DrawingContext& context, const GlyphFont& font, const std::vector<u32>& glyphs, int x, int y,
                 const INT* aDx, const RECT* pClip)
 {
+    double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
+    int nAlong = 0;
     for (size_t i = 0; i < glyphs.size(); i++) {
         GlyphPixels pixels;
-        if (!LoadGlyphPixels(font, glyphs[i], &pixels)) {
+        GlyphBox measured;
+        if (!LoadGlyphPixels(font, glyphs[i], &pixels) || !MeasureGlyph(font, glyphs[i], false, &measured)) {
             continue;
         }
+        int nLeft = x + static_cast<int>(dCos * nAlong) + pixels.box.nLeft;
+        int nTop = y + static_cast<int>(-dSin * nAlong) - pixels.box.nTop;
         int nWidth = pixels.box.nRight - pixels.box.nLeft;
         for (size_t j = 0; j < pixels.ink.size(); j++) {
             if (pixels.ink[j]) {
-                PutPixel(context, x + pixels.box.nLeft + static_cast<int>(j) % nWidth,
-                         y - pixels.box.nTop + static_cast<int>(j) / nWidth, context.textColor, pClip);
+                PutPixel(context, nLeft + static_cast<int>(j) % nWidth, nTop + static_cast<int>(j) / nWidth,
+                         context.textColor, pClip);
             }
         }
-        x += aDx ? static_cast<int>(aDx[i] * std::cos(font.dAngle)) : pixels.box.nStepX;
-        y += aDx ? static_cast<int>(-aDx[i] * std::sin(font.dAngle)) : pixels.box.nStepY;
+        nAlong += aDx            ? std::clamp(aDx[i], -MOST_STEP, MOST_STEP)
+                  : font.bTurned ? measured.nStepX
+                                 : pixels.box.nStepX;
     }
 }
 
@@ -70,12 +81,9 @@ void DrawAligned(DrawingContext& context, const GlyphFont& font, int x, int y, s
                  const INT* aDx, const RECT* pClip)
 {
     double dCos = std::cos(font.dAngle), dSin = std::sin(font.dAngle);
-    int nWidth = TextWidth(font, wcText);
-    if (aDx) {
-        nWidth = 0;
-        for (size_t i = 0; i < wcText.size(); i++) {
-            nWidth += aDx[i];
-        }
+    int nWidth = aDx ? 0 : TextWidth(font, wcText);
+    for (size_t i = 0; aDx && i < wcText.size(); i++) {
+        nWidth += std::clamp(aDx[i], -MOST_STEP, MOST_STEP);
     }
     UINT uAcross = context.uTextAlign & TA_CENTER, uDown = context.uTextAlign & TA_BASELINE;
     if (uAcross) {
@@ -89,7 +97,7 @@ void DrawAligned(DrawingContext& context, const GlyphFont& font, int x, int y, s
         y = static_cast<int>(y + nDown * dCos);
     }
     if (context.nBkMode == OPAQUE) {
-        FillCell(context, font, x - font.nAscent * dSin, y - font.nAscent * dCos, nWidth, pClip);
+        FillGround(context, font, x, y, static_cast<int>(nWidth * dCos), pClip);
     }
     std::vector<u32> glyphs;
     if (IsPlain(wcText)) {
@@ -143,8 +151,8 @@ Line WithoutPrefix(std::u16string_view wcText, UINT uFormat)
     return line;
 }
 
-void DrawLine(DrawingContext& context, const GlyphFont& font, const Line& line, int x, int y,
-              const RECT* pClip)
+void DrawTextLine(DrawingContext& context, const GlyphFont& font, const Line& line, int x, int y,
+                  const RECT* pClip)
 {
     DrawAligned(context, font, x, y, line.wcText, nullptr, pClip);
     if (line.nUnderlined < line.wcText.size()) {
@@ -205,7 +213,7 @@ BOOL WINAPI ExtTextOutW(HDC hDc, int x, int y, UINT uOptions, const RECT* pRect,
     FAILS(ExtTextOutW);
     DrawingContext* pContext = FindContext(hDc);
     const GlyphFont* pFont = SelectedFont(pContext);
-    if (!pFont || (!wcText && uLength) || uLength > 0x2000) {
+    if (!pFont || (!wcText && uLength) || uLength > MOST_TEXT || !Drawable(x, y)) {
         return pFont ? Refuse(ERROR_INVALID_PARAMETER) : 0;
     }
     if (uLength) {
@@ -220,11 +228,13 @@ int WINAPI DrawTextW(HDC hDc, LPCWSTR wcText, int nLength, LPRECT pRect, UINT uF
     FAILS(DrawTextW);
     DrawingContext* pContext = FindContext(hDc);
     const GlyphFont* pFont = SelectedFont(pContext);
-    if (!pFont || !wcText || !pRect || nLength < -1) {
+    if (!pFont || !wcText || !pRect || nLength < -1 || !Drawable(pRect->left, pRect->top) ||
+        !Drawable(pRect->right, pRect->bottom)) {
         return 0;
     }
     std::u16string_view wcRest =
         nLength < 0 ? std::u16string_view(wcText) : std::u16string_view(wcText, static_cast<size_t>(nLength));
+    wcRest = wcRest.substr(0, MOST_TEXT);
     const RECT rect = *pRect;
     RECT rDrawn = {rect.left, rect.top, rect.left, rect.top};
     int nHeight = pFont->nAscent + pFont->nDescent, y = rect.top;
@@ -241,7 +251,7 @@ int WINAPI DrawTextW(HDC hDc, LPCWSTR wcText, int nLength, LPRECT pRect, UINT uF
         }
         x += uFormat & DT_CENTER ? (nRoom - nWidth) / 2 : uFormat & DT_RIGHT ? nRoom - nWidth : 0;
         if (!(uFormat & DT_CALCRECT) && !line.wcText.empty()) {
-            DrawLine(*pContext, *pFont, line, x, y, uFormat & DT_NOCLIP ? nullptr : &rect);
+            DrawTextLine(*pContext, *pFont, line, x, y, uFormat & DT_NOCLIP ? nullptr : &rect);
         }
         y += nHeight;
         rDrawn.right = std::max(rDrawn.right, rDrawn.left + nWidth);

@@ -1,0 +1,339 @@
+/* The preview's drawing when something fails, and on files that are no good bitmaps. */
+#include <algorithm>
+#include <random>
+
+#include <unistd.h>
+
+#include "platform/hosted/drawing/drawing_state.h"
+#include "preview/picture_cases.h"
+#include "support/sample_machine.h"
+#include "support/sweep.h"
+
+namespace {
+
+class DrawingFaults : public MachineTest {
+  protected:
+    void SetUp() override
+    {
+        MachineTest::SetUp();
+        PutFile(IMAGE, FourColors(24));
+    }
+
+    static constexpr const WCHAR* IMAGE = u"C:\\Images\\Four.bmp";
+
+    /* Together they walk every step of a picture. */
+    static std::vector<PictureCase> Sheets()
+    {
+        std::vector<PictureCase> sheets = {
+            SheetCase("page"),  SheetCase("envelope"), SheetCase("dividers", 4), SheetCase("image", 2),
+            SheetCase("tiles"), SheetCase("solid"),    SheetCase("outline"),     SheetCase("poster")};
+        sheets[1].request.bEnvelope = 1;
+        UseImage(sheets[3], IMAGE, 9, 30);
+        sheets[3].request.bBorders = sheets[3].request.bWMOnePage = 1;
+        UseImage(sheets[4], IMAGE, 1, 10);
+        UseText(sheets[5], u"Draft", 0);
+        UseText(sheets[6], u"No", 1);
+        sheets[7].request.sPosterSize = 2;
+        sheets[7].request.bRotate180 = 1;
+        for (PictureCase& sheet : sheets) {
+            sheet.rFrame = {12, 20, 82, 90}; /* small, since there are so many */
+        }
+        return sheets;
+    }
+};
+
+/* What a canvas holds behind a picture that was given up: nothing, or the empty frame. */
+bool IsUntransferred(const Picture& picture, const RECT& rFrame)
+{
+    Picture framed = {CANVAS_WIDTH, CANVAS_HEIGHT,
+                      std::vector<COLORREF>(picture.pixels.size(), CANVAS_COLOR)};
+    const bool bBare = picture == framed;
+    Fill(&framed, rFrame, FACE_COLOR);
+    return bBare || picture == framed;
+}
+
+/* When one of these fails, what it would have drawn is missing; when any other does, a picture or its watermark is. */
+bool LeavesGaps(CallId call)
+{
+    switch (call) {
+    case ANY_CALL:
+    case CALL_LineTo:
+    case CALL_MoveToEx:
+    case CALL_Pie:
+    case CALL_PolyBezier:
+    case CALL_Rectangle:
+    case CALL_StretchBlt:
+    case CALL_DrawTextW:
+    case CALL_ExtTextOutW:
+    case CALL_SetBkMode:
+    case CALL_SetTextColor:
+    case CALL_SetTextAlign:
+    /* Letters in front of the one that fails stay, and a measure that fails is 0. */
+    case CALL_HeapAlloc:
+    case CALL_GetProcessHeap:
+    case CALL_GetGlyphOutlineW:
+    case CALL_GetFontLanguageInfo:
+    case CALL_GetCharacterPlacementW:
+    case CALL_GetTextExtentPointW:
+    case CALL_GetTextExtentPoint32W: return true;
+    default: return false;
+    }
+}
+
+struct Held {
+    HPEN hPen;
+    HBRUSH hBrush;
+    HFONT hFont;
+    bool operator==(const Held&) const = default;
+};
+Held HeldBy(HDC hDc)
+{
+    const DrawingContext* pContext = FindContext(hDc);
+    return {pContext->hPen, pContext->hBrush, pContext->hFont};
+}
+
+struct FaultyPaint {
+    int nHit = 0;
+    std::string fault;
+    bool bGivenUp = false;
+};
+
+/* One painting with a fault, and a good one behind it with the same objects. */
+FaultyPaint PaintWithFault(const PictureCase& sheet, const Picture& whole, const Picture& blank, CallId call,
+                           int nTh, FaultMode mode)
+{
+    FaultyPaint paint;
+    paint.fault = HoldsNothing([&] {
+        std::string fault;
+        PreviewTools tools = {};
+        {
+            const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
+            const Held before = HeldBy(canvas.Dc());
+            FailCall(call, nTh, mode);
+            Compose(tools, canvas.Dc(), sheet);
+            paint.nHit = StopFaults();
+            if (call != CALL_SelectObject && call != ANY_CALL && !(HeldBy(canvas.Dc()) == before)) {
+                fault += "the page's context holds other objects; ";
+            }
+            const Picture got = Shown(canvas);
+            paint.bGivenUp = IsUntransferred(got, sheet.rFrame);
+            if (!paint.bGivenUp && got != whole && got != blank && !LeavesGaps(call)) {
+                fault += "a part of the picture; ";
+            }
+        }
+        const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
+        Compose(tools, canvas.Dc(), sheet);
+        const PictureDifference apart = Compare(whole, Shown(canvas));
+        if (apart.nPixels) {
+            fault += "the next picture differs in " + std::to_string(apart.nPixels) + " pixels from " +
+                     std::to_string(apart.rWhere.left) + "," + std::to_string(apart.rWhere.top) + "; ";
+        }
+        ReleasePreviewTools(&tools);
+        return fault;
+    });
+    return paint;
+}
+
+TEST_F(DrawingFaults, AFailingObjectLeavesNoPartOfAPictureAndNothingBehind)
+{
+    int nFaults = 0, nGivenUp = 0;
+    for (const PictureCase& sheet : Sheets()) {
+        const Picture whole = DrawCase(sheet);
+        const Picture blank = DrawCase(With(sheet, [](PictureCase& plain) { plain.watermark = {}; }));
+        ASSERT_FALSE(IsUntransferred(blank, sheet.rFrame));
+        ASSERT_EQ(whole == blank, sheet.watermark.WMType == ENTRY_FREE) << sheet.name;
+        for (int nCall = ANY_CALL; nCall < CALL_COUNT; nCall++) {
+            const CallId call = static_cast<CallId>(nCall);
+            /* That a colour cannot be had is not to be seen: it is black. And a contour's font, which only its own call
+               knows, is lost when the context does not let go of it. */
+            const bool bContours = sheet.watermark.WMType == ENTRY_TEXT && sheet.watermark.WMOutline;
+            if (call == CALL_GetSysColor || (bContours && (call == ANY_CALL || call == CALL_SelectObject))) {
+                continue;
+            }
+            for (const FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
+                for (int n = call == ANY_CALL ? 2 : 1;; n++) {
+                    const FaultyPaint paint = PaintWithFault(sheet, whole, blank, call, n, mode);
+                    ASSERT_EQ(paint.fault, "") << sheet.name << ": " << CallName(call) << " number " << n
+                                               << (mode == FAIL_ONCE ? "" : " and all behind it");
+                    nFaults += paint.nHit;
+                    nGivenUp += paint.bGivenUp;
+                    if (!paint.nHit) {
+                        break;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(nFaults, 1000);
+    EXPECT_GT(nGivenUp, 100);
+    std::printf("%d faults, %d pictures given up\n", nFaults, nGivenUp);
+}
+
+TEST_F(DrawingFaults, ObjectsAreMadeOnceAndTheLogosFontAtEachMockPage)
+{
+    PreviewTools tools = {};
+    const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
+    PictureCase sheet = SheetCase("");
+    UseImage(sheet, IMAGE, 1);
+    sheet.request.sPosterSize = 2;
+    Compose(tools, canvas.Dc(), sheet);
+    const BITMAP surface = [&] {
+        BITMAP bitmap = {};
+        GetObjectW(tools.hPreviewBitmap, sizeof bitmap, &bitmap);
+        return bitmap;
+    }();
+    EXPECT_EQ(surface.bmWidth, 950);
+    EXPECT_EQ(surface.bmHeight, 1350);
+    const int nObjects = CountLive().nGdiObjects, nContexts = CountLive().nContexts;
+    ResetCallCounts();
+    for (int i = 0; i < 20; i++) {
+        Compose(tools, canvas.Dc(), sheet);
+    }
+    EXPECT_EQ(CountLive().nGdiObjects, nObjects);
+    EXPECT_EQ(CountLive().nContexts, nContexts);
+    EXPECT_EQ(CallCount(CALL_CreatePen) + CallCount(CALL_ExtCreatePen) + CallCount(CALL_CreateSolidBrush) +
+                  CallCount(CALL_CreateCompatibleDC) + CallCount(CALL_CreateCompatibleBitmap),
+              0);
+    EXPECT_EQ(CallCount(CALL_CreateFontIndirectW), 20);
+    EXPECT_EQ(CallCount(CALL_CreateDIBitmap), 20);
+    ReleasePreviewTools(&tools);
+}
+
+/* ---- files ---- */
+
+class HostileBitmaps : public DrawingFaults {
+  protected:
+    PictureCase Sheet()
+    {
+        PictureCase sheet = Small();
+        UseImage(sheet, IMAGE, 0, 20);
+        return sheet;
+    }
+    static PictureCase Small()
+    {
+        return With(SheetCase("", 0), [](PictureCase& sheet) { sheet.rFrame = {12, 20, 60, 68}; });
+    }
+    Picture Draw(const Bytes& file)
+    {
+        PutFile(IMAGE, file);
+        return DrawCase(Sheet());
+    }
+    Picture Blank() { return DrawCase(Small()); }
+};
+
+/* Fields of the headers at the ends of their ranges, alone and in pairs: within bounds of time and memory, and a sheet
+   comes out of it every time. */
+TEST_F(HostileBitmaps, HeaderFieldsAtTheEndsOfTheirRanges)
+{
+    const size_t anFields[] = {0, 2, 10, 14, 18, 22, 26, 28, 30, 34, 46, 50};
+    constexpr u32 aulValues[] = {0,      1,      2,       40,         54,         0x7FFF,
+                                 0x8000, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    const Picture blank = Blank();
+    std::string faults;
+    int nShown = 0;
+    for (const u16 usBits : {u16{1}, u16{8}, u16{24}}) {
+        const Bytes good = FourColors(usBits);
+        ASSERT_FALSE(Draw(good) == blank);
+        for (const size_t nOne : anFields) {
+            for (const u32 ulOne : aulValues) {
+                for (const size_t nOther : {size_t{18}, size_t{22}, size_t{28}}) {
+                    Bytes file = good;
+                    std::memcpy(file.data() + nOther, &aulValues[(nOne + ulOne) % std::size(aulValues)],
+                                nOther == 28 ? 2 : 4);
+                    std::memcpy(file.data() + nOne, &ulOne, nOne == 0 || nOne == 26 || nOne == 28 ? 2 : 4);
+                    Picture got;
+                    faults += WithinBounds([&] { got = Draw(file); });
+                    nShown += got != blank;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(faults, "");
+    EXPECT_GT(nShown, 0);
+}
+
+TEST_F(HostileBitmaps, AFileThatEndsEarlyShowsNothing)
+{
+    const Bytes good = FourColors(24);
+    const Picture blank = Blank();
+    for (size_t cb = 0; cb < good.size(); cb += cb < 60 ? 1 : 179) {
+        EXPECT_TRUE(Draw(Bytes(good.begin(), good.begin() + static_cast<long>(cb))) == blank) << cb;
+    }
+    Bytes longer = good;
+    longer.push_back(0);
+    EXPECT_FALSE(Draw(longer) == blank);
+    longer.pop_back();
+    Poke(&longer, 22, i32{-40}); /* rows from the top are not read */
+    EXPECT_TRUE(Draw(longer) == blank);
+}
+
+TEST_F(HostileBitmaps, OnlyFilesOfADiskAreRead)
+{
+    const Picture blank = Blank();
+    PictureCase sheet = Sheet();
+    ASSERT_EQ(symlink("/dev/zero", HostPath(u"C:\\Images\\Zero.bmp").c_str()), 0);
+    for (const WCHAR* wcName : {u"C:\\Images\\Zero.bmp", u"C:\\Images", u"C:\\Images\\None.bmp", u"Four.bmp",
+                                u"NUL", u"", u"\\\\.\\pipe\\x", u"C:\\Images\\F*.bmp"}) {
+        UseImage(sheet, wcName, 0);
+        EXPECT_TRUE(DrawCase(sheet) == blank) << Narrow(wcName);
+    }
+    std::fill_n(sheet.watermark.WMImageName, PATH_CHARS, u'x'); /* without its end */
+    EXPECT_TRUE(DrawCase(sheet) == blank);
+    EXPECT_EQ(CountLive().nFiles, 0);
+}
+
+/* What the calls tell is not believed. */
+TEST_F(HostileBitmaps, LiesDoNoHarm)
+{
+    PictureCase labelled = SheetCase("", 1);
+    std::fill_n(labelled.device.wcLabel, std::size(labelled.device.wcLabel), u'L');
+    labelled.device.bLabel = 1;
+    for (int nKind = LIE_SHORT; nKind < LIE_KIND_COUNT; nKind++) {
+        TellLies(static_cast<LieKind>(nKind));
+        EXPECT_EQ(WithinBounds([&] {
+                      DrawCase(Sheet());
+                      DrawCase(SheetCase("", 1));
+                      DrawCase(labelled);
+                  }),
+                  "")
+            << nKind;
+        TellLies(LIE_NONE);
+    }
+}
+
+/* Requests that no page makes. */
+TEST_F(HostileBitmaps, RequestsOutOfAllBounds)
+{
+    std::mt19937 random(7);
+    constexpr i32 alExtremes[] = {0,     1,     -1,     2,       99,         100,      2540,
+                                  21000, 35560, 0x7FFF, -0x8000, 0x7FFFFFFF, INT32_MIN};
+    const auto any = [&] { return alExtremes[random() % std::size(alExtremes)]; };
+    std::string faults;
+    for (int i = 0; i < 600; i++) {
+        PictureCase sheet = SheetCase("", static_cast<i16>(any()));
+        sheet.request.lPageWidth = any();
+        sheet.request.lPageLength = any();
+        sheet.request.lTargetWidth = any();
+        sheet.request.lTargetLength = any();
+        sheet.request.sZoom = static_cast<i16>(any());
+        sheet.request.sPosterSize = static_cast<i16>(any());
+        sheet.request.sPageOrder = static_cast<i16>(any());
+        sheet.request.sOrientation = static_cast<u16>(any());
+        sheet.request.bEnvelope = any() & 1;
+        sheet.request.bBorders = any() & 1;
+        sheet.request.bFitZoom = any() & 1;
+        sheet.request.sResolution = static_cast<u16>(any());
+        if (i % 3) {
+            UseImage(sheet, IMAGE, static_cast<u16>(any()), static_cast<u16>(any()));
+            sheet.watermark.WMScaleX = static_cast<u32>(any());
+            sheet.watermark.WMScaleY = static_cast<u32>(any());
+            sheet.watermark.WMPositionX = any();
+            sheet.watermark.WMPositionY = any();
+        }
+        sheet.rFrame = {0, 0, static_cast<LONG>(random() % 200), static_cast<LONG>(random() % 200)};
+        faults += WithinBounds([&] { DrawCase(sheet); });
+    }
+    EXPECT_EQ(faults, "");
+}
+
+} // namespace
