@@ -221,7 +221,7 @@ TEST_F(TextOutput, OutlinesAreWholePolygonsWithinTheirBoxes)
             const POINT corner = metrics.gmptGlyphOrigin;
             const auto inBox = [&](const POINTFX& point) {
                 const double x = Value(point.x) - corner.x, y = corner.y - Value(point.y);
-                return x > -1 && x < metrics.gmBlackBoxX + 1 && y > -1 && y < metrics.gmBlackBoxY + 1;
+                return x >= -1 && x <= metrics.gmBlackBoxX + 1 && y >= -1 && y <= metrics.gmBlackBoxY + 1;
             };
             for (size_t nAt = 0; nAt < native.size();) {
                 TTPOLYGONHEADER head;

@@ -108,7 +108,7 @@ TEST_F(HostedGlyphs, AnySizeAndAngleHasAFont)
 {
     constexpr LONG aSizes[] = {0, 1, -1, 7, 300, 5000, 0x7FFFFFFF, -0x7FFFFFFF - 1};
     for (LONG lHeight : aSizes) {
-        for (LONG lAngle : {0, 3, 450, 3599, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
+        for (LONG lAngle : {3, 450, -0x7FFFFFFF - 1}) {
             LOGFONTW font = {};
             font.lfHeight = lHeight;
             font.lfWidth = lAngle == 3 ? lHeight : 0;
