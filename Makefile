@@ -4,7 +4,7 @@ SHELL := /bin/bash
 SECONDS ?= 60
 JOBS := $(shell nproc)
 
-.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan tsan windows
+.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan tsan asserts windows
 
 help:
 	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
@@ -41,7 +41,11 @@ tsan:
 	@scripts/build hosted-tsan threads_test
 
 # The tools of the build under sanitizers make the package here, so that nothing is built twice.
-test: asan windows tsan
+asserts:
+	@scripts/setup hosted windows
+	@scripts/build hosted-asserts loads_test
+
+test: asan windows tsan asserts
 	@scripts/package build/hosted-asan build/windows build/package
 	@scripts/setup wine
 	@scripts/run-tests

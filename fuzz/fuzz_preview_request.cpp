@@ -117,8 +117,10 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
     CheckWithin(found.rSheet);
     CheckWithin(found.rPage);
     CheckCells(found, request);
-    Require(entry.WMSize >= -FARTHEST &&
-            std::max(entry.WMPositionX, entry.WMPositionY) <= std::max({FARTHEST, input.lX, input.lY}));
+    if (bDrawn) { /* the watermark is pixels then */
+        CheckWithin({entry.WMPositionX, entry.WMPositionY, 0, 0});
+        Require(entry.WMType != ENTRY_TEXT || entry.WMSize >= -FARTHEST);
+    }
     CheckMeasures(input, wcTyped);
     return 0;
 }

@@ -1,4 +1,4 @@
-/* Ownership: blocks of the process heap, open files, printers and modules, released on every way out. */
+/* Ownership: blocks of the process heap, open files and modules, released on every way out; the caller's last error. */
 #ifndef TQUI_BASE_OWNED_H
 #define TQUI_BASE_OWNED_H
 
@@ -47,5 +47,15 @@ struct ModuleDeleter {
     void operator()(HMODULE hModule) const { FreeLibrary(hModule); }
 };
 using OwnedModule = std::unique_ptr<void, ModuleDeleter>;
+
+/* The thread's last error as a caller left it, put back at the end of an export: only the conversion of a record
+   reports through it. */
+struct KeptLastError {
+    DWORD dwError = GetLastError();
+    KeptLastError() = default;
+    ~KeptLastError() { SetLastError(dwError); }
+    KeptLastError(const KeptLastError&) = delete;
+    KeptLastError& operator=(const KeptLastError&) = delete;
+};
 
 #endif

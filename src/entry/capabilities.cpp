@@ -192,6 +192,7 @@ extern "C" DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceNam
     if (iDevCap < DC_FIELDS || iDevCap > DC_MEDIATYPES) {
         return 0;
     }
+    KeptLastError kept;
     OwnedPrinter hNamed;
     if (!IsOpen(hPrinter) && pDeviceName && NeedsPrinter(iDevCap)) {
         hNamed = OpenPrinterByName(pDeviceName);

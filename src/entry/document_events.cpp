@@ -195,6 +195,7 @@ DriverDevmode* MergeDocumentRecord(PrinterCall& call, DriverDevmode* pRecord)
 
 extern "C" int WINAPI DrvDocumentEvent(HANDLE hPrinter, void*, int iEsc, u32, void* pvIn, u32, void* pvOut)
 {
+    KeptLastError kept;
     PrinterCall call(hPrinter);
     switch (iEsc) {
     case DOCUMENT_EVENT_CREATEDCPRE: BeforeCreate(call, pvIn, pvOut); break;

@@ -37,6 +37,7 @@ void ConvertRecord(PrinterCall& call, WCHAR* wcPrinterName, void* pIn, DriverDev
    back on the same thread is answered with 0. */
 template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arguments... arguments)
 {
+    KeptLastError kept;
     ThreadStore* pStore = GetThreadStore();
     if (!pStore || pStore->bForwarding) {
         return 0;
@@ -50,7 +51,9 @@ template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arg
     static_assert(sizeof fnRoutine == sizeof fnFound);
     std::memcpy(&fnRoutine, &fnFound, sizeof fnRoutine);
     pStore->bForwarding = 1;
+    SetLastError(kept.dwError);
     BOOL bResult = fnRoutine(arguments...);
+    kept.dwError = GetLastError(); /* what the routine reports is the caller's */
     pStore->bForwarding = 0;
     return bResult;
 }

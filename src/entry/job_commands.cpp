@@ -77,6 +77,7 @@ DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength
     if (!pJob || !pcbLength) {
         return JOB_FAILED;
     }
+    KeptLastError kept;
     PrinterCall call(pJob->hPrinter);
     pJob->dwReservedOut = 0;
     if (pJob->bShowNotice) {
@@ -114,6 +115,7 @@ DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, 
     if (!pRecord) {
         return JOB_DONE;
     }
+    KeptLastError kept;
     PrinterCall call(pJob->hPrinter);
     XpiFile named = {};
     XpiFile* pFile = ChooseDescription(call, pRecord->rPrivate, named);
@@ -139,6 +141,7 @@ DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet)
     if (!pRecord) {
         return JOB_DONE;
     }
+    KeptLastError kept;
     PrinterCall call(pSheet->hPrinter);
     OwnedModel pModel = LoadPrinterModel(call);
     if (!pModel) {

@@ -167,6 +167,10 @@ extern "C" {
 
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD, LPARAM)
 {
+    if (iDriverEvent < EVENT_ADD_CONNECTION || iDriverEvent > EVENT_DELETE) {
+        return 1;
+    }
+    KeptLastError kept;
     int bResult = 1;
     switch (iDriverEvent) {
     case EVENT_ADD_CONNECTION: OnAddConnection(pPrinterName); break;
@@ -176,7 +180,6 @@ BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD, LPARAM
         TellSpooler(pPrinterName);
         break;
     case EVENT_DELETE: OnDeletePrinter(pPrinterName); break;
-    default: break;
     }
     return bResult;
 }

@@ -129,6 +129,7 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
         pHeader->cbOut = RECORD_SIZE;
         return RECORD_SIZE;
     }
+    KeptLastError kept;
     if (!pInfo) {
         PrinterCall call(pHeader->hPrinter);
         MergeDocumentSettings(call, *pHeader);
@@ -152,6 +153,7 @@ LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM)
     if (!pHeader) {
         return 0;
     }
+    KeptLastError kept;
     switch (pInfo->Reason) {
     case PROPSHEETUI_REASON_INIT: return OpenDeviceSheet(pInfo, *pHeader);
     case PROPSHEETUI_REASON_DESTROY: CloseSheet(pInfo, pHeader->hPrinter); return 1;

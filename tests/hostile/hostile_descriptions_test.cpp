@@ -1,13 +1,20 @@
-/* Description files that are cut, patched or made wrong: every question and every reader keeps within its
-   buffers, its time and its memory, and the answers are those of an absent table or model. */
+/* Description files that are cut, patched or made wrong: every question, a job's head and every reader keep within
+   their buffers, their time and their memory, and the answers are those of an absent table or model.
+   Under sanitizers some of the lengths are asked everything; with TQUI_EVERY_LOAD set, each of them. */
+#include <cstdlib>
 #include <fstream>
 #include <span>
 
+#include "settings/defaults.h"
 #include "support/every_reader.h"
 #include "support/sample_machine.h"
-#include "support/sweep.h"
+#include "support/sweep_totals.h"
+#include "xpi_layout.h"
 
 namespace {
+
+const bool bEveryLoad = std::getenv("TQUI_EVERY_LOAD") != nullptr;
+[[maybe_unused]] const auto* const pTotals = ExpectTotals(0, 0, bEveryLoad ? 100000 : 10000);
 
 const std::vector<std::string> aSamples = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
 
@@ -59,6 +66,9 @@ class HostileDescriptions : public MachineTest {
                                     "CustomLength0=30000\nCustomMetric0=1\n");
         SetPrinterValue(wcPrinter, u"Memory", REG_DWORD, {98, 0, 0, 0});
         host = HostPath(u"C:\\drv\\qa.xpi");
+        AddJob(wcPrinter, 7, u"Letter");
+        PrinterCall call(hPrinter);
+        BuildDefaultRecord(call, wcPrinter.data(), &settings, 1);
     }
 
     /* Puts some bytes of the description at an offset of the file. */
@@ -99,6 +109,32 @@ class HostileDescriptions : public MachineTest {
         return fault;
     }
 
+    std::string JobHead()
+    {
+        constexpr size_t ROOM = 4096, GUARD_BYTES = 64;
+        std::string buffer(ROOM + GUARD_BYTES, '#');
+        buffer[0] = '\0';
+        DriverDevmode record = settings;
+        GuiJobRecord job = {};
+        job.hPrinter = hPrinter;
+        job.dwJobId = 7;
+        DWORD cbLength = ROOM, dwResult = 0;
+        std::string fault =
+            WithinBounds([&] { dwResult = GuiStartJob(&record, buffer.data(), &cbLength, &job); });
+        if (job.pJobName) {
+            HeapFree(GetProcessHeap(), 0, job.pJobName);
+        }
+        bool bGood = buffer.find_first_not_of('#', ROOM) == buffer.npos && (dwResult == 0 || dwResult == 1);
+        return fault + (bGood ? "" : "job head: result " + std::to_string(dwResult) + "; ");
+    }
+
+    /* One state of the file, asked all questions and for a job's head. */
+    std::string AskLoad(bool bReaders = true)
+    {
+        sweepTotals.nLoads++;
+        return HoldsNothing([&] { return AskAll() + JobHead() + (bReaders ? ReadAll() : ""); });
+    }
+
     std::string ReadAll()
     {
         std::string fault;
@@ -114,11 +150,11 @@ class HostileDescriptions : public MachineTest {
         size_t nBase = bBody ? ulBody : 0;
         u32 ulSize = bBody ? Peek<u32>(whole, AT_STRING_BASE) - ulBody : static_cast<u32>(whole.size());
         UseDescription(whole);
+        SweepClock clock(&sweepTotals.dLoadSeconds);
         for (const Field& field : fields) {
             for (u64 ullValue : BoundaryValues(ulSize)) {
                 Patch(&ullValue, nBase + field.nAt, field.cb);
-                std::string fault = HoldsNothing([&] { return AskAll() + ReadAll(); });
-                ASSERT_EQ(fault, "") << stem << ": " << nBase << "+" << field.nAt << " = " << ullValue;
+                ASSERT_EQ(AskLoad(), "") << stem << ": " << nBase << "+" << field.nAt << " = " << ullValue;
             }
             Patch(whole.data() + nBase + field.nAt, nBase + field.nAt, field.cb);
         }
@@ -126,6 +162,7 @@ class HostileDescriptions : public MachineTest {
     }
 
     std::filesystem::path host;
+    DriverDevmode settings; /* the default of the whole description */
 };
 
 TEST_F(HostileDescriptions, EverySampleCutAtEveryLength)
@@ -135,13 +172,13 @@ TEST_F(HostileDescriptions, EverySampleCutAtEveryLength)
         /* Behind the last command the questions read nothing more: there one a length is enough. */
         size_t nTexts = Peek<u32>(whole, AT_FONT_DATA);
         UseDescription(whole);
-        ASSERT_EQ(AskAll() + ReadAll(), "") << stem;
+        SweepClock clock(&sweepTotals.dLoadSeconds);
+        ASSERT_EQ(AskLoad(), "") << stem;
         for (size_t nLength = whole.size(); nLength-- > 0;) {
             std::filesystem::resize_file(host, nLength);
-            std::string fault = AskSome(nLength, nLength < nTexts ? 3 : 1);
-            if (nLength % (nLength < nTexts ? 8 : 64) == 0 || IsSectionEdge(whole, nLength)) {
-                fault += AskAll() + ReadAll();
-            }
+            bool bReaders = nLength % (nLength < nTexts ? 8 : 64) == 0 || IsSectionEdge(whole, nLength);
+            std::string fault =
+                bEveryLoad || bReaders ? AskLoad(bReaders) : AskSome(nLength, nLength < nTexts ? 3 : 1);
             ASSERT_EQ(fault, "") << stem << " cut to " << nLength;
         }
         ASSERT_EQ(CountLive().nBlocks + CountLive().nFiles + CountLive().nModules, 0) << stem;
@@ -162,17 +199,57 @@ TEST_F(HostileDescriptions, EveryBodyFieldAtBoundaryValues)
     }
 }
 
+/* The row that ends a table is made one more row, and then there is no end up to that of the body either. */
+TEST_F(HostileDescriptions, EveryTableWithoutItsEnd)
+{
+    SweepClock clock(&sweepTotals.dLoadSeconds);
+    for (const std::string& stem : aSamples) {
+        const Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
+        const size_t nBody = Peek<u32>(whole, AT_BODY), nEnd = Peek<u32>(whole, AT_STRING_BASE);
+        const bool bImage = Peek<u16>(whole, nBody + 2) == KIND_IMAGE;
+        UseDescription(whole);
+        int nTables = 0;
+        for (const xpifile::Table& table : xpifile::TABLES) {
+            if (!Peek<u64>(whole, nBody + table.slot)) {
+                continue;
+            }
+            size_t nAt = nBody + Peek<u32>(whole, nBody + table.slot);
+            const auto first = [&] {
+                return table.endBytes == 1 ? Peek<u8>(whole, nAt) : Peek<u16>(whole, nAt);
+            };
+            while (nAt < nEnd && first()) {
+                nAt += xpifile::RowBytes(table, bImage);
+            }
+            ASSERT_LT(nAt, nEnd) << stem << ", slot " << table.slot;
+            nTables++;
+            for (int nFirst : {0x01, 0x7F, 0xFF}) {
+                Bytes rest(whole.begin() + static_cast<std::ptrdiff_t>(nAt),
+                           whole.begin() + static_cast<std::ptrdiff_t>(nEnd));
+                std::fill_n(rest.begin(), table.endBytes, static_cast<u8>(nFirst));
+                Patch(rest.data(), nAt, rest.size());
+                ASSERT_EQ(AskLoad(), "") << stem << ", slot " << table.slot << ", first " << nFirst;
+                std::replace(rest.begin(), rest.end(), u8{0}, static_cast<u8>(nFirst));
+                Patch(rest.data(), nAt, rest.size());
+                ASSERT_EQ(AskLoad(), "") << stem << ", slot " << table.slot << ", all " << nFirst;
+            }
+            Patch(whole.data() + nAt, nAt, nEnd - nAt);
+        }
+        EXPECT_GE(nTables, 5) << stem;
+    }
+}
+
 /* Rows, offset tables, texts and commands: every word up to the font bytes. */
 TEST_F(HostileDescriptions, EveryWordAtBoundaryValues)
 {
     for (const std::string& stem : aSamples) {
         Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
         UseDescription(whole);
+        SweepClock clock(&sweepTotals.dLoadSeconds);
         for (size_t nAt = Peek<u32>(whole, AT_BODY); nAt + 2 <= Peek<u32>(whole, AT_FONT_DATA); nAt += 2) {
             for (u16 usValue : {u16{0x8000}, u16{0xFFFF}}) {
                 Patch(&usValue, nAt, sizeof usValue);
-                std::string fault = AskSome(nAt / 2, 2);
-                fault += nAt % 8 == 0 ? ReadAll() : "";
+                std::string fault =
+                    bEveryLoad ? AskLoad() : AskSome(nAt / 2, 2) + (nAt % 8 == 0 ? ReadAll() : "");
                 ASSERT_EQ(fault, "") << stem << ": word at " << nAt << " = " << usValue;
             }
             Patch(whole.data() + nAt, nAt, sizeof(u16));

@@ -288,8 +288,6 @@ TEST_F(Lists, FailingCallsLeaveNothingBehind)
         EXPECT_FALSE(pRows);
     }
     for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE}) {
-        TellLies(lie, CALL_GetPrivateProfileStringW);
-        EXPECT_EQ(body(), "");
-        TellLies(LIE_NONE);
+        EXPECT_EQ(SweepLie(lie, CALL_GetPrivateProfileStringW, body), "");
     }
 }

@@ -5,9 +5,11 @@
 #include "sheet/pages.h"
 #include "support/same_bytes.h"
 #include "support/sheet_machine.h"
-#include "support/sweep.h"
+#include "support/sweep_totals.h"
 
 namespace {
+
+[[maybe_unused]] const auto* const pTotals = ExpectTotals(1000, 0, 0);
 
 int nAppliedPages;
 bool bRefuse, bDeviceKind;

@@ -5,6 +5,7 @@
 #define TQUI_TESTS_SWEEP_H
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <functional>
 #include <string>
@@ -115,6 +116,31 @@ inline std::string HoldsNothing(const std::function<std::string()>& body)
                      std::to_string(after.nGdiObjects - before.nGdiObjects) + "; ";
 }
 
+/* What the sweeps of a program have done so far, and the time that they took. sweep_totals.h prints it. */
+struct SweepTotals {
+    i64 nInjections = 0; /* runs in which a call failed, once or from then on */
+    i64 nLies = 0;       /* runs in which a call gave a false answer */
+    i64 nLoads = 0;      /* states of description files, each asked everything */
+    double dFaultSeconds = 0, dLieSeconds = 0, dLoadSeconds = 0;
+};
+inline SweepTotals sweepTotals;
+
+/* Adds the time until the end of its block. */
+class SweepClock {
+  public:
+    explicit SweepClock(double* pSeconds) : pTotal(pSeconds) {}
+    ~SweepClock()
+    {
+        *pTotal += std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
+    }
+    SweepClock(const SweepClock&) = delete;
+    SweepClock& operator=(const SweepClock&) = delete;
+
+  private:
+    double* pTotal;
+    std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
+};
+
 struct FaultSweep {
     int nFaults = 0; /* calls that were made to fail, over all runs */
     std::string fault;
@@ -125,6 +151,7 @@ inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit,
                               const std::function<std::string()>& body)
 {
     FaultSweep sweep;
+    SweepClock clock(&sweepTotals.dFaultSeconds);
     for (int n = 1; n <= nLimit; n++) {
         int nHit = 0;
         std::string fault = HoldsNothing([&] {
@@ -134,6 +161,7 @@ inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit,
             return own;
         });
         sweep.nFaults += nHit;
+        sweepTotals.nInjections += nHit > 0;
         if (!fault.empty()) {
             sweep.fault += std::string(CallName(call)) + " number " + std::to_string(n) +
                            (mode == FAIL_ONCE ? " fails: " : " and all behind it fail: ") + fault + "\n";
@@ -144,6 +172,59 @@ inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit,
     }
     sweep.fault += "no end after " + std::to_string(nLimit) + " faults\n";
     return sweep;
+}
+
+/* Runs the body while a call, or every one, gives false answers of one kind, at all turns or at the n-th.
+   pnTold gets how many were told. Result: its verdict, with the lie's name in front. */
+inline std::string SweepLie(LieKind kind, CallId call, const std::function<std::string()>& body, int nTh = 0,
+                            int* pnTold = nullptr)
+{
+    SweepClock clock(&sweepTotals.dLieSeconds);
+    int nTold = 0;
+    std::string fault = HoldsNothing([&] {
+        TellLies(kind, call, nTh);
+        std::string own = body();
+        nTold = StopLies();
+        return own;
+    });
+    sweepTotals.nLies += nTold > 0;
+    if (pnTold) {
+        *pnTold = nTold;
+    }
+    return fault.empty() ? ""
+                         : std::string(CallName(call)) + " tells lie " + std::to_string(kind) + " at turn " +
+                               std::to_string(nTh) + ": " + fault + "\n";
+}
+
+/* Every kind of lie: told by all calls at once, by each alone that an honest run gives a turn, and at the n-th turn
+   for n = 1, 2, 3 ... until a run tells none. Result: the verdicts, a line each. */
+inline std::string SweepLies(const std::function<std::string()>& body)
+{
+    constexpr int TURN_LIMIT = 3000;
+    TellLies(LIE_NONE);
+    std::string faults = body();
+    std::vector<std::pair<LieKind, CallId>> turns;
+    for (int nKind = LIE_NONE + 1; nKind < LIE_KIND_COUNT; nKind++) {
+        for (int nCall = 0; nCall < CALL_COUNT; nCall++) {
+            if (CouldLie(static_cast<LieKind>(nKind), static_cast<CallId>(nCall))) {
+                turns.emplace_back(static_cast<LieKind>(nKind), static_cast<CallId>(nCall));
+            }
+        }
+    }
+    for (const auto& [kind, call] : turns) {
+        faults += SweepLie(kind, call, body);
+    }
+    for (int nKind = LIE_NONE + 1; nKind < LIE_KIND_COUNT; nKind++) {
+        int nTold = 0;
+        faults += SweepLie(static_cast<LieKind>(nKind), ANY_CALL, body);
+        for (int n = 1; n == 1 || nTold; n++) {
+            faults += SweepLie(static_cast<LieKind>(nKind), ANY_CALL, body, n, &nTold);
+            if (n > TURN_LIMIT) {
+                return faults + "no end after " + std::to_string(n) + " turns\n";
+            }
+        }
+    }
+    return faults;
 }
 
 #endif

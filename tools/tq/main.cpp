@@ -8,10 +8,12 @@
 #include "platform/hosted/standin.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
+#include "tools/tq/gallery.h"
 #include "tools/tq/install.h"
 #include "tools/tq/job.h"
 #include "tools/tq/lint.h"
 #include "tools/tq/merge.h"
+#include "tools/tq/preview.h"
 #include "tools/tq/record.h"
 #include "tools/tq/sample_printer.h"
 #include "tools/tq/scripting.h"
@@ -58,6 +60,13 @@ int RunCaps(const CapsOptions& options)
     return 0;
 }
 
+std::string IsLanguageId(const std::string& text)
+{
+    return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos
+               ? std::string()
+               : "not four hex digits: " + text;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -77,11 +86,7 @@ int main(int argc, char** argv)
     pCaps
         ->add_option("--language", caps.language,
                      "Language id of the user, four hex digits (0407 German, 0409 English)")
-        ->check([](const std::string& text) {
-            return text.size() == 4 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos
-                       ? std::string()
-                       : "not four hex digits: " + text;
-        });
+        ->check(IsLanguageId);
     pCaps->add_flag("--metric", caps.bMetric, "The user's locale is metric");
     pCaps->add_flag("--raw", caps.bRaw, "One line a question: number, result, rows in hex");
 
@@ -139,6 +144,41 @@ int main(int argc, char** argv)
         ->check(CLI::ExistingDirectory);
     pMerge->add_flag("--metric", merge.bMetric, "The user's locale is metric");
 
+    PreviewOptions preview;
+    CLI::App* pPreview =
+        app.add_subcommand("preview", "The picture that the sheets show of a record, as PNG");
+    pPreview->add_option("--model", preview.model, "A description file, or a sample's name or section")
+        ->required();
+    pPreview
+        ->add_option("--package", preview.package, "Folder with tqui.inf, descriptions and settings files")
+        ->check(CLI::ExistingDirectory);
+    pPreview->add_option("--record", preview.record,
+                         "The record: its 4088 bytes, or the text of tq record; without one the default");
+    pPreview->add_option("--set", preview.assignments, "field=value; several times");
+    pPreview->add_option("--watermark", preview.text, "A text watermark");
+    pPreview->add_flag("--outline", preview.bOutline, "Only the outline of its letters");
+    pPreview->add_option("--angle", preview.dAngle, "Degrees by which it is turned (default 45)")
+        ->check(CLI::Range(0.0, 359.9));
+    pPreview->add_option("--image", preview.image, "An image watermark: a bitmap file")
+        ->check(CLI::ExistingFile);
+    pPreview
+        ->add_option("--placement", preview.nPlacement,
+                     "Of the image, 0 to 9 (default 0, the centre; 1 tiles)")
+        ->check(CLI::Range(0, 9));
+    pPreview->add_option("--scale", preview.nScale, "Of the image, percent")->check(CLI::Range(25, 400));
+    pPreview->add_option("--frame", preview.nFrame, "Pixels of the frame's sides (default 240)")
+        ->check(CLI::Range(20, 2000));
+    pPreview->add_option("--language", preview.language, "Language id of the user, four hex digits")
+        ->check(IsLanguageId);
+    pPreview->add_flag("--metric", preview.bMetric, "The user's locale is metric");
+    pPreview->add_option("-o,--out", preview.file, "The PNG file")->required();
+    preview.package = TQUI_SAMPLES;
+
+    std::string galleryFile;
+    CLI::App* pGallery =
+        app.add_subcommand("gallery", "One contact sheet of what the preview can show, as PNG");
+    pGallery->add_option("-o,--out", galleryFile, "The PNG file")->required();
+
     std::string scriptingPackage = TQUI_SAMPLES;
     CLI::App* pScripting = app.add_subcommand("scripting", "The page docs/scripting.md");
     pScripting->add_option("--package", scriptingPackage, "Folder with tqui.inf and the samples' files")
@@ -194,6 +234,12 @@ int main(int argc, char** argv)
         }
         if (*pMerge) {
             return RunMerge(merge, std::cout);
+        }
+        if (*pPreview) {
+            return RunPreview(preview, std::cout);
+        }
+        if (*pGallery) {
+            return RunGallery(galleryFile);
         }
         if (*pScripting) {
             std::cout << ScriptingPage(scriptingPackage);

@@ -1,4 +1,6 @@
 /* Counts every call, and lets a test fail the n-th or hear a lie. */
+#include <cstring>
+
 #include "platform/hosted/standin.h"
 
 LiveCounts liveCounts;
@@ -20,6 +22,9 @@ int nFailed = 0;
 bool abRefused[CALL_COUNT];
 LieKind lieKind = LIE_NONE;
 CallId lieCall = ANY_CALL;
+int nLieAt = 0;            /* the one turn at which to lie; 0: at all */
+int nTurns = 0, nLies = 0; /* since TellLies: lies that could be told, and that were */
+bool abCouldLie[LIE_KIND_COUNT][CALL_COUNT];
 
 } // namespace
 
@@ -93,15 +98,36 @@ int CallFails(CallId call)
     return 1;
 }
 
-void TellLies(LieKind kind, CallId call)
+void TellLies(LieKind kind, CallId call, int nTh)
 {
     lieKind = kind;
     lieCall = call;
+    nLieAt = nTh;
+    nTurns = nLies = 0;
+    std::memset(abCouldLie, 0, sizeof abCouldLie);
+}
+
+int StopLies()
+{
+    lieKind = LIE_NONE;
+    return nLies;
+}
+
+bool CouldLie(LieKind kind, CallId call)
+{
+    return abCouldLie[kind][call];
 }
 
 int Lies(CallId call, LieKind kind)
 {
-    return lieKind == kind && (lieCall == ANY_CALL || lieCall == call);
+    abCouldLie[kind][call] = true;
+    if (lieKind != kind || (lieCall != ANY_CALL && lieCall != call)) {
+        return 0;
+    }
+    nTurns++;
+    int bLies = !nLieAt || nLieAt == nTurns;
+    nLies += bLies;
+    return bLies;
 }
 
 LiveCounts CountLive()

@@ -173,10 +173,14 @@ enum LieKind {
     LIE_UNTERMINATED, /* text without its closing NUL */
     LIE_GROWS,        /* the data is larger at the second asking than the first said */
     LIE_NULL_MEMBERS, /* text members of structures are null */
+    LIE_TYPE,         /* values of another type than they were stored with */
     LIE_HUGE,         /* sizes and counts near the end of their range */
     LIE_KIND_COUNT
 };
-void TellLies(LieKind kind, CallId call = ANY_CALL); /* LIE_NONE stops them */
+/* At every turn, or at the n-th of those at which the lie could be told; LIE_NONE stops them. */
+void TellLies(LieKind kind, CallId call = ANY_CALL, int nTh = 0);
+int StopLies();                           /* Result: how many were told since TellLies */
+bool CouldLie(LieKind kind, CallId call); /* whether there was a turn for it since TellLies */
 
 /* ---- what is held ---- */
 struct LiveCounts {

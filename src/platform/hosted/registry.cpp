@@ -178,7 +178,11 @@ LSTATUS WINAPI RegQueryValueExW(HKEY hKey, LPCWSTR wcValue, LPDWORD, LPDWORD pdw
     DWORD cbRoom = pcb ? *pcb : 0;
     const Bytes& bytes = value->second.bytes;
     if (pdwType) {
-        *pdwType = value->second.dwType;
+        *pdwType = value->second.dwType + (Lies(CALL_RegQueryValueExW, LIE_TYPE) ? 1 : 0);
+    }
+    if (pcb && Lies(CALL_RegQueryValueExW, LIE_GROWS)) {
+        *pcb = cbRoom + 64;
+        return pOut ? static_cast<LSTATUS>(ERROR_MORE_DATA) : 0;
     }
     if (pcb) {
         *pcb = Lies(CALL_RegQueryValueExW, LIE_HUGE) ? 0xFFFFFFF0 : static_cast<DWORD>(bytes.size());

@@ -415,7 +415,7 @@ DWORD WINAPI GetPrinterDataW(HANDLE hPrinter, LPWSTR wcValue, LPDWORD pdwType, L
     const Bytes& bytes = found->second.bytes;
     DWORD cb = static_cast<DWORD>(bytes.size());
     if (pdwType) {
-        *pdwType = found->second.dwType;
+        *pdwType = found->second.dwType + (Lies(CALL_GetPrinterDataW, LIE_TYPE) ? 1 : 0);
     }
     if (Lies(CALL_GetPrinterDataW, LIE_HUGE)) {
         *pcbNeeded = 0xFFFFFFF0;

@@ -43,11 +43,10 @@ Points QuarterEllipse(i64 lWidth, i64 lHeight)
 size_t MeetsRadial(const Points& quarter, const Point64& point)
 {
     const i64 x = std::abs(point.x), y = std::abs(point.y);
-    const bool bSecond =
-        point.x < 0 && point.y >= 0; /* there a pixel on the radial belongs to the part behind it */
+    const bool bLeft = point.x < 0; /* there a pixel on the radial belongs to the part behind it */
     size_t nAt = 0;
     while (nAt < quarter.size() &&
-           (bSecond ? quarter[nAt].x * y >= quarter[nAt].y * x : quarter[nAt].x * y > quarter[nAt].y * x)) {
+           (bLeft ? quarter[nAt].x * y >= quarter[nAt].y * x : quarter[nAt].x * y > quarter[nAt].y * x)) {
         nAt++;
     }
     const size_t nQuarter = quarter.size();

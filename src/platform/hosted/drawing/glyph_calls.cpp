@@ -79,7 +79,7 @@ DWORD WINAPI GetCharacterPlacementW(HDC hDc, LPCWSTR wcText, int nLength, int nM
     Selected selected = SelectedIn(hDc);
     if (!selected.pFont || !wcText || nLength <= 0 || nMaxExtent < 0 || !pResults ||
         pResults->lStructSize != sizeof *pResults) {
-        return selected.pFont ? Refuse(ERROR_INVALID_PARAMETER) : 0;
+        return selected.pFont ? static_cast<DWORD>(Refuse(ERROR_INVALID_PARAMETER)) : 0;
     }
     std::u16string_view wcWhole(wcText, static_cast<size_t>(nLength));
     PlacedText placed =
