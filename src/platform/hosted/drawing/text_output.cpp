@@ -234,6 +234,9 @@ int WINAPI DrawTextW(HDC hDc, LPCWSTR wcText, int nLength, LPRECT pRect, UINT uF
     }
     std::u16string_view wcRest =
         nLength < 0 ? std::u16string_view(wcText) : std::u16string_view(wcText, static_cast<size_t>(nLength));
+    if (nLength < 0 && wcRest.empty()) {
+        return pFont->nAscent + pFont->nDescent; /* only a length of 0 is set into the rectangle */
+    }
     wcRest = wcRest.substr(0, MOST_TEXT);
     const RECT rect = *pRect;
     RECT rDrawn = {rect.left, rect.top, rect.left, rect.top};
