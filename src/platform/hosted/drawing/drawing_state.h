@@ -82,6 +82,8 @@ void ResetDrawingObjects();
    rectangle, which is in client co-ordinates. */
 HDC AddPaintContext(HWND hWnd, const RECT& rInvalid);
 void DropPaintContext(HDC hDc);
+void EraseContext(
+    HDC hDc); /* fills what is to be painted with the face of things; nothing when there is none */
 void DropWindowSurface(HWND hWnd); /* when a window ends */
 const Surface* WindowSurface(HWND hTop);
 void ResetContexts();
