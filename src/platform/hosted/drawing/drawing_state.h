@@ -98,7 +98,8 @@ struct Point64 {
 /* False for co-ordinates beyond the 28 bits that the system draws in. */
 bool ToSurface(const DrawingContext& context, i64 x, i64 y, Point64* pPoint);
 COLORREF SurfaceColor(const Surface& surface,
-                      COLORREF color); /* on a monochrome one all but white is black */
+                      COLORREF color); /* on a monochrome one all but white is black: nothing is
+                                                                      dithered */
 void FillBox(DrawingContext& context, i64 lLeft, i64 lTop, i64 lRight, i64 lBottom, COLORREF color);
 /* A line in the context's pen, without its last pixel. nPhase: pixels of the pen's pattern that were used up
    before it; result: the same behind it. */
