@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "platform/resources.h"
 #include "support/both_builds.h"
 
 #ifdef _WIN32
@@ -388,6 +389,29 @@ TEST_F(Drawing, RowsOfEachForm)
         SelectObject(hSource_, hOld);
         EXPECT_TRUE(DeleteObject(hImage));
     }
+}
+
+TEST_F(Drawing, PicturesOfALibrary)
+{
+    const HMODULE hLibrary = LoadLibraryExW(BuiltFile("TXT.DLL").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_NE(hLibrary, nullptr);
+    constexpr struct {
+        const WCHAR* wcName;
+        unsigned uExpected;
+    } aRows[] = {{TEXT("DUPLONG"), 0xf8be0739},
+                 {TEXT("DUPSHORT"), 0x914aef60},
+                 {TEXT("DUPSIMPLE"), 0x62bc038f},
+                 {TEXT("LogoBitmap"), 0x59d5019d}};
+    for (const auto& row : aRows) {
+        const HANDLE hImage =
+            LoadImageW(hLibrary, row.wcName, IMAGE_BITMAP, 0, 0, LR_LOADTRANSPARENT | LR_LOADMAP3DCOLORS);
+        const HGDIOBJ hOld = SelectObject(hSource_, hImage);
+        ExpectScenes(row.uExpected, 1,
+                     [this](int) { BitBlt(hDc_, 0, 0, SIDE, SIDE, hSource_, 0, 0, SRCCOPY); });
+        SelectObject(hSource_, hOld);
+        EXPECT_TRUE(DeleteObject(hImage));
+    }
+    EXPECT_TRUE(FreeLibrary(hLibrary));
 }
 
 TEST_F(Drawing, MonochromeBitmaps)
