@@ -192,6 +192,16 @@ void DropPaintContext(HDC hDc)
     }
 }
 
+void EraseContext(HDC hDc)
+{
+    const auto found = contexts().all.find(hDc);
+    if (found != contexts().all.end()) {
+        DrawingContext& state = found->second.state;
+        FillBox(state, state.clip.left, state.clip.top, state.clip.right, state.clip.bottom,
+                SystemColor(COLOR_BTNFACE));
+    }
+}
+
 void DropWindowSurface(HWND hWnd)
 {
     const auto found = contexts().windows.find(hWnd);

@@ -18,42 +18,49 @@ struct Step {
     int nTarget, nSource;
 };
 
-/* The steps of one side that both surfaces have, in ascending order of the target. A pixel goes where its centre falls;
-   on a border to the lower one. */
+/* Counts of steps at which a row of pixels, counted in its own direction, lies in [lLow, lHigh). */
+struct Range {
+    i64 lBegin, lEnd;
+};
+
+Range Visible(i64 lStart, i64 lSize, i64 lLow, i64 lHigh)
+{
+    const Range seen =
+        lSize < 0 ? Range{lStart - lHigh + 1, lStart - lLow + 1} : Range{lLow - lStart, lHigh - lStart};
+    return {std::max<i64>(seen.lBegin, 0), std::min(seen.lEnd, std::abs(lSize))};
+}
+
+/* Where the centre of pixel l of a row of lFrom falls in one of lInto; counts of up to 2^31 each. */
+i64 Scaled(i64 l, i64 lInto, i64 lFrom)
+{
+    return static_cast<i64>((static_cast<u64>(2 * l + 1) * static_cast<u64>(lInto) - 1) /
+                            (2 * static_cast<u64>(lFrom)));
+}
+
+/* The steps of one side that both surfaces have, in ascending order of the target. Each row is counted in its own
+   direction; a pixel goes where its centre falls, on a border to the earlier one. */
 std::vector<Step> StepsOf(const Side& side, i64 lTargetLow, i64 lTargetHigh, i64 lSourceLow, i64 lSourceHigh)
 {
     const i64 lInto = std::abs(side.lTargetSize), lFrom = std::abs(side.lSourceSize);
+    const int nTargetStep = side.lTargetSize < 0 ? -1 : 1, nSourceStep = side.lSourceSize < 0 ? -1 : 1;
     std::vector<Step> steps;
     if (lInto == 0 || lFrom == 0) {
         return steps;
     }
-    /* Both run upwards: one side's direction is turned into the other's. */
-    const i64 lTarget = side.lTargetSize < 0 ? side.lTarget + side.lTargetSize + 1 : side.lTarget;
-    const i64 lSource = side.lSourceSize < 0 ? side.lSource + side.lSourceSize + 1 : side.lSource;
-    const bool bTurned = (side.lTargetSize < 0) != (side.lSourceSize < 0);
-    const auto add = [&](i64 lAtTarget, i64 lAtSource) {
-        const i64 lIn = lTarget + (bTurned ? lInto - 1 - lAtTarget : lAtTarget), lOut = lSource + lAtSource;
-        if (lIn >= lTargetLow && lIn < lTargetHigh && lOut >= lSourceLow && lOut < lSourceHigh) {
-            steps.push_back({static_cast<int>(lIn), static_cast<int>(lOut)});
-        }
-    };
-    if (lInto >= lFrom) {
-        i64 lBegin = std::max<i64>(lTargetLow - lTarget, 0), lEnd = std::min(lTargetHigh - lTarget, lInto);
-        if (bTurned) {
-            lBegin = std::max<i64>(lInto - (lTargetHigh - lTarget), 0);
-            lEnd = std::min(lInto - (lTargetLow - lTarget), lInto);
-        }
-        for (i64 i = lBegin; i < lEnd; i++) {
-            add(i, ((2 * i + 1) * lFrom - 1) / (2 * lInto));
-        }
-    } else {
-        const i64 lBegin = std::max<i64>(lSourceLow - lSource, 0),
-                  lEnd = std::min(lSourceHigh - lSource, lFrom);
-        for (i64 i = lBegin; i < lEnd; i++) {
-            add(((2 * i + 1) * lInto - 1) / (2 * lFrom), i);
+    const bool bGrows = lInto >= lFrom;
+    const Range range = bGrows ? Visible(side.lTarget, side.lTargetSize, lTargetLow, lTargetHigh)
+                               : Visible(side.lSource, side.lSourceSize, lSourceLow, lSourceHigh);
+    for (i64 i = range.lBegin; i < range.lEnd; i++) {
+        const i64 lAtTarget = bGrows ? i : Scaled(i, lInto, lFrom);
+        const i64 lAtSource = bGrows ? Scaled(i, lFrom, lInto) : i;
+        const i64 lTarget = side.lTarget + nTargetStep * lAtTarget,
+                  lSource = side.lSource + nSourceStep * lAtSource;
+        if (lTarget >= lTargetLow && lTarget < lTargetHigh && lSource >= lSourceLow &&
+            lSource < lSourceHigh) {
+            steps.push_back({static_cast<int>(lTarget), static_cast<int>(lSource)});
         }
     }
-    if (bTurned) {
+    if (nTargetStep < 0) {
         std::reverse(steps.begin(), steps.end());
     }
     return steps;
@@ -114,8 +121,7 @@ void Copy(DrawingContext& into, const DrawingContext& from, const Side& sideX, c
     }
 }
 
-/* Contexts of a copy in the order target, source; false when there is none to draw. bDone: nothing is to be seen of
-   it, but the call has done its work. */
+/* Contexts of a copy; false when one is none, or for any other operation than copying. */
 bool FindBoth(HDC hInto, HDC hFrom, DWORD dwOperation, DrawingContext** ppInto, DrawingContext** ppFrom)
 {
     *ppInto = FindContext(hInto);

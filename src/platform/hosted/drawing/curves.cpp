@@ -144,11 +144,11 @@ i64 WholePixels(i64 l)
     return (l + (1 << (FRACTION_BITS - 1))) >> FRACTION_BITS;
 }
 
-/* Whether a control point lies between the ends along the curve's longer side, and within a pixel of the chord, whose
-   slope is rounded to a whole number. */
+/* Whether a control point lies between the ends along the curve's longer side (on a curve that runs backwards behind its
+   start), and within a pixel of the chord, whose slope is rounded to a whole number. */
 bool NearChord(i64 lAlong, i64 lAside, i64 lLength, i64 lRise)
 {
-    if (lLength < 0 ? lAlong > 0 || lAlong < lLength : lAlong < 0 || lAlong > lLength) {
+    if (lLength < 0 ? lAlong >= 0 || lAlong < lLength : lAlong < 0 || lAlong > lLength) {
         return false;
     }
     const i64 lPixels = WholePixels(lLength);

@@ -82,6 +82,8 @@ void ResetDrawingObjects();
    rectangle, which is in client co-ordinates. */
 HDC AddPaintContext(HWND hWnd, const RECT& rInvalid);
 void DropPaintContext(HDC hDc);
+void EraseContext(
+    HDC hDc); /* fills what is to be painted with the face of things; nothing when there is none */
 void DropWindowSurface(HWND hWnd); /* when a window ends */
 const Surface* WindowSurface(HWND hTop);
 void ResetContexts();
@@ -96,7 +98,8 @@ struct Point64 {
 /* False for co-ordinates beyond the 28 bits that the system draws in. */
 bool ToSurface(const DrawingContext& context, i64 x, i64 y, Point64* pPoint);
 COLORREF SurfaceColor(const Surface& surface,
-                      COLORREF color); /* on a monochrome one all but white is black */
+                      COLORREF color); /* on a monochrome one all but white is black: nothing is
+                                                                      dithered */
 void FillBox(DrawingContext& context, i64 lLeft, i64 lTop, i64 lRight, i64 lBottom, COLORREF color);
 /* A line in the context's pen, without its last pixel. nPhase: pixels of the pen's pattern that were used up
    before it; result: the same behind it. */

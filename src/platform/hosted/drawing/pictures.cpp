@@ -34,6 +34,31 @@ COLORREF Pale(COLORREF color)
     return 0xC0C0C0 + (color >> 2 & 0x3F3F3F);
 }
 
+/* Static controls show their bitmaps over what was painted below them. */
+void ShowBitmaps(const Window* pWindow, int nLeft, int nTop, Picture* pPicture)
+{
+    const Surface* pSurface = pWindow->kind == KIND_STATIC && (pWindow->dwStyle & SS_TYPEMASK) == SS_BITMAP
+                                  ? FindBitmapSurface(static_cast<HBITMAP>(pWindow->hPicture))
+                                  : nullptr;
+    for (int y = 0; pSurface && y < pSurface->nHeight; y++) {
+        for (int x = 0; x < pSurface->nWidth; x++) {
+            const int nX = nLeft + x, nY = nTop + y;
+            if (nX >= 0 && nX < pPicture->nWidth && nY >= 0 && nY < pPicture->nHeight) {
+                pPicture->pixels[static_cast<size_t>(nY) * static_cast<size_t>(pPicture->nWidth) +
+                                 static_cast<size_t>(nX)] =
+                    pSurface->pixels[static_cast<size_t>(y) * static_cast<size_t>(pSurface->nWidth) +
+                                     static_cast<size_t>(x)];
+            }
+        }
+    }
+    for (HWND hChild : pWindow->children) {
+        if (const Window* pChild = FindWindowState(hChild); pChild && IsShown(pChild)) {
+            const POINT own = ClientOrigin(pWindow), child = ClientOrigin(pChild);
+            ShowBitmaps(pChild, nLeft + child.x - own.x, nTop + child.y - own.y, pPicture);
+        }
+    }
+}
+
 } // namespace
 
 bool ReadContext(HDC hDc, Picture* pPicture)
@@ -59,6 +84,7 @@ bool WindowPicture(HWND hWnd, Picture* pPicture)
     const int nLeft = origin.x - top.x, nTop = origin.y - top.y;
     const RECT client = ClientRect(pWindow);
     ReadSurface(*pSurface, {nLeft, nTop, nLeft + client.right, nTop + client.bottom}, pPicture);
+    ShowBitmaps(pWindow, 0, 0, pPicture);
     return true;
 }
 

@@ -190,7 +190,7 @@ LRESULT DefaultWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam
     case WM_CONTEXTMENU:
         return pWindow->dwStyle & WS_CHILD ? Send(pWindow->hParent, uMessage, wParam, lParam) : 0;
     case WM_PAINT: pWindow->bInvalid = false; return 0;
-    case WM_ERASEBKGND: return 1;
+    case WM_ERASEBKGND: EraseContext(reinterpret_cast<HDC>(wParam)); return 1;
     default: return 0;
     }
 }
