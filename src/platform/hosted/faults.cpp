@@ -38,7 +38,7 @@ int CallCount(CallId call)
     if (call >= 0 && call < CALL_COUNT) {
         return anCounts[call];
     }
-    int nAll = 0;
+    int nAll = -anCounts[CALL_GetLastError] - anCounts[CALL_SetLastError];
     for (int nCount : anCounts) {
         nAll += nCount;
     }

@@ -155,7 +155,7 @@ enum CallId : int {
         CALL_COUNT
 };
 const char* CallName(CallId call);
-int CallCount(CallId call); /* since ResetCallCounts; ANY_CALL counts all */
+int CallCount(CallId call); /* since ResetCallCounts; ANY_CALL: all but those for the last error */
 void ResetCallCounts();
 
 /* ---- faults: the n-th call from now fails as its row in calls.h says ---- */
