@@ -51,9 +51,7 @@ template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arg
     static_assert(sizeof fnRoutine == sizeof fnFound);
     std::memcpy(&fnRoutine, &fnFound, sizeof fnRoutine);
     pStore->bForwarding = 1;
-    SetLastError(kept.dwError);
     BOOL bResult = fnRoutine(arguments...);
-    kept.dwError = GetLastError(); /* what the routine reports is the caller's */
     pStore->bForwarding = 0;
     return bResult;
 }

@@ -79,7 +79,7 @@ int CopyRows(HANDLE hFile, HDC hdc, HBITMAP hBitmap, const BitmapHead& head)
 /* Makes the second context and reads the file into a bitmap like hdc's, the caller's; null when anything fails. */
 HBITMAP ReadImage(PreviewTools& tools, HDC hdc, const WatermarkEntry& entry)
 {
-    i64 lFileSize;
+    i64 lFileSize = 0;
     BitmapHead head;
     OwnedFile hFile = OpenImage(entry, &lFileSize);
     if (!hFile || !ReadHead(hFile.get(), lFileSize, &head)) {
