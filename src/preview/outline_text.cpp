@@ -74,7 +74,7 @@ int DrawGlyph(HDC hdc, UINT uGlyph, UINT uFormat, POINT pen, GLYPHMETRICS* pMetr
     constexpr FIXED one = {0, 1}, zero = {0, 0};
     constexpr MAT2 identity = {one, zero, zero, one};
     const DWORD cbOutline = GetGlyphOutlineW(hdc, uGlyph, uFormat, pMetrics, 0, nullptr, &identity);
-    if (cbOutline == GDI_ERROR || cbOutline > LONGEST_OUTLINE) {
+    if (cbOutline > LONGEST_OUTLINE) { /* GDI_ERROR, too */
         return 0;
     }
     if (cbOutline == 0) {
@@ -105,7 +105,9 @@ void DrawGlyphs(HDC hdc, const GlyphRun& run, POINT pen)
 /* The font of DrawSolidText, made anew when the entry is another. */
 HFONT WatermarkFont(PreviewTools& tools, const WatermarkEntry& entry)
 {
-    if (tools.hWatermarkFont && std::memcmp(&entry, &tools.rWatermarkFontEntry, sizeof entry) == 0) {
+    if (tools.hWatermarkFont &&
+        std::memcmp(static_cast<const void*>(&entry), static_cast<const void*>(&tools.rWatermarkFontEntry),
+                    sizeof entry) == 0) {
         return tools.hWatermarkFont;
     }
     if (tools.hWatermarkFont) {

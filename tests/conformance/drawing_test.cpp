@@ -213,8 +213,9 @@ TEST_F(Drawing, Rectangles)
 TEST_F(Drawing, WideFlatLines)
 {
     LOGBRUSH brush = {BS_SOLID, 0x323232, 0};
-    for (const auto& [uWidth, uExpected] :
-         {std::pair(1u, 0xa804ca0au), {2u, 0x376cef09u}, {3u, 0x313a1c6du}}) {
+    for (const auto& row : {std::pair(1u, 0xa804ca0au), {2u, 0x376cef09u}, {3u, 0x313a1c6du}}) {
+        const auto uWidth = row.first;
+        const auto uExpected = row.second;
         With(ExtCreatePen(PS_GEOMETRIC | PS_SOLID | PS_ENDCAP_FLAT, uWidth, &brush, 0, nullptr),
              [this, uExpected, uWidth] {
                  ExpectScenes(uExpected, 40, [this, uWidth](int) {
@@ -292,7 +293,7 @@ TEST_F(Drawing, Copies)
         for (int y = 0; y < 25; y++) {
             for (int x = 0; x < 25; x++) {
                 nBad += GetPixel(hDc_, nX + x, nY + y) !=
-                        before[static_cast<size_t>((nFromY + y) * SIDE + nFromX + x)];
+                        before[static_cast<size_t>(nFromY + y) * SIDE + static_cast<size_t>(nFromX + x)];
             }
         }
         EXPECT_EQ(nBad, 0);

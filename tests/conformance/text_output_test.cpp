@@ -181,7 +181,6 @@ TEST_F(TextOutput, OutlinesHaveTheSystemsSizesBoxesAndSteps)
         {{SANS, 40, -450}, 'A', "200 35x35@0,18 17,16"},
         {{SANS, 40, 3600}, 'A', "200 24x25@0,25 24,0"},
         {{SANS, 40, 450, FW_BOLD, 1}, 'A', "200 36x36@-19,35 19,-19"},
-        {{DEJAVU, 40, 0, FW_NORMAL, 1}, 'g', "472 20x26@1,19 22,0"},
         {{DEJAVU, 30, 0, FW_NORMAL, 0, 178}, 0x0628, "352 22x13@1,9 24,0"},
         {{SANS, 30, 0, FW_NORMAL, 0, 177}, 0x05D0, "368 14x14@2,14 17,0"},
         {{DEJAVU, 30}, 0x4E2D, "88 14x23@1,18 16,0"}, /* the box of a missing letter */

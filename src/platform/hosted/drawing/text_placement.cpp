@@ -70,10 +70,10 @@ std::vector<Run> RunsInOrder(const std::vector<FriBidiLevel>& levels)
         }
         runs.back().nTo = i + 1;
     }
-    for (int nLevel = highest; nLevel > 0; nLevel--) {
+    for (FriBidiLevel level = highest; level > 0; level--) {
         for (size_t i = 0; i < runs.size();) {
             size_t j = i;
-            while (j < runs.size() && runs[j].level >= nLevel) {
+            while (j < runs.size() && runs[j].level >= level) {
                 j++;
             }
             std::reverse(runs.begin() + static_cast<ptrdiff_t>(i), runs.begin() + static_cast<ptrdiff_t>(j));
