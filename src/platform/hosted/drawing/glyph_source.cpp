@@ -22,7 +22,7 @@
 namespace {
 
 constexpr int DEFAULT_CELL = 16, MOST_PPEM = 4096, MOST_CELL = 0x10000;
-constexpr size_t MOST_FONTS = 32;
+constexpr size_t MOST_FONTS = 32, MOST_KEPT = 256, MOST_KEPT_PIXELS = 0x10000;
 
 struct FontKey {
     FontFile file;
@@ -116,6 +116,14 @@ bool SetUpFont(const FontKey& key, FT_Face face, GlyphFont* pFont)
     SetMatrices(key, Rounded(FT_MulFix(pOs2->xAvgCharWidth, metrics.x_scale)), pFont);
     pFont->pShaper = hb_ft_font_create_referenced(face);
     return true;
+}
+
+template <class Key, class Value> void Keep(std::map<Key, Value>* pKept, const Key& key, const Value& value)
+{
+    if (pKept->size() >= MOST_KEPT) {
+        pKept->clear();
+    }
+    pKept->insert_or_assign(key, value);
 }
 
 /* Loads a glyph, hinted, as it stands upright; bolder if need be. */
@@ -273,15 +281,25 @@ void ResetGlyphs()
 
 bool MeasureGlyph(const GlyphFont& font, u32 ulGlyph, bool bTurn, GlyphBox* pBox)
 {
+    const std::pair<u32, bool> key = {ulGlyph, bTurn};
+    if (const auto kept = font.boxes.find(key); kept != font.boxes.end()) {
+        *pBox = kept->second;
+        return true;
+    }
     if (!Load(font, ulGlyph, FT_LOAD_TARGET_NORMAL)) {
         return false;
     }
     *pBox = BoxOf(font, bTurn);
+    Keep(&font.boxes, key, *pBox);
     return true;
 }
 
 bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels)
 {
+    if (const auto kept = font.pixels.find(ulGlyph); kept != font.pixels.end()) {
+        *pPixels = kept->second;
+        return true;
+    }
     if (!Load(font, ulGlyph, FT_LOAD_TARGET_MONO)) {
         return false;
     }
@@ -305,6 +323,9 @@ bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels)
         size_t nRow = i / bitmap.width, nColumn = i % bitmap.width;
         pPixels->ink[i] =
             rows[nRow * static_cast<size_t>(bitmap.pitch) + nColumn / 8] >> (7 - nColumn % 8) & 1;
+    }
+    if (pPixels->ink.size() <= MOST_KEPT_PIXELS) {
+        Keep(&font.pixels, ulGlyph, *pPixels);
     }
     return true;
 }

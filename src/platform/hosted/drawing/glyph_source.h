@@ -3,6 +3,9 @@
 #ifndef TQUI_HOSTED_GLYPH_SOURCE_H
 #define TQUI_HOSTED_GLYPH_SOURCE_H
 
+#include <map>
+#include <utility>
+
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -10,17 +13,6 @@
 #include "platform/hosted/machine.h"
 
 struct hb_font_t;
-
-struct GlyphFont {
-    FT_Face face;
-    hb_font_t* pShaper;
-    int nAscent, nDescent; /* pixels; the cell's height is their sum */
-    int nBolder;           /* 26.6 to add to the stems */
-    bool bUprightPlain, bTurned;
-    FT_Matrix upright, turned; /* narrowed and slanted; the same, turned by the font's angle */
-    double dAngle;             /* radians, counterclockwise */
-    u32 aulCodePages[2];       /* OS/2 */
-};
 
 /* A letter's place and size in pixels, y upwards; the box is not empty. */
 struct GlyphBox {
@@ -32,6 +24,20 @@ struct GlyphPixels {
     GlyphBox box;
     int nAlong;            /* to the next letter, along the line; of letters without smoothing */
     std::vector<bool> ink; /* rows of the box from the top */
+};
+
+struct GlyphFont {
+    FT_Face face;
+    hb_font_t* pShaper;
+    int nAscent, nDescent; /* pixels; the cell's height is their sum */
+    int nBolder;           /* 26.6 to add to the stems */
+    bool bUprightPlain, bTurned;
+    FT_Matrix upright, turned; /* narrowed and slanted; the same, turned by the font's angle */
+    double dAngle;             /* radians, counterclockwise */
+    u32 aulCodePages[2];       /* OS/2 */
+    /* Letters that were drawn and measured before. */
+    mutable std::map<u32, GlyphPixels> pixels;
+    mutable std::map<std::pair<u32, bool>, GlyphBox> boxes;
 };
 
 /* The font of a LOGFONT at its size and angle; null when no font is installed. Good to the end of the call. */
