@@ -35,6 +35,14 @@ UINT AlignmentOfEntry(const WatermarkEntry& entry)
     return TA_CENTER | TA_BASELINE | (entry.WMRTL ? TA_RTLREADING : 0);
 }
 
+/* What could not be set is not put back. */
+void RestoreAlignment(HDC hdc, UINT uBefore)
+{
+    if (uBefore != GDI_ERROR) {
+        SetTextAlign(hdc, uBefore);
+    }
+}
+
 /* The letters to fetch: of the text, or the shaped ones in the order in which they stand. */
 struct GlyphRun {
     WCHAR wcGlyphs[ENTRY_CHARS + 1];
@@ -163,7 +171,7 @@ void DrawOutlineText(HDC hdc, const WatermarkEntry& entry, const RECT& rCell)
             DrawGlyphs(hdc, run, StartOfOutline(entry, extent, rCell));
             SelectObject(hdc, hPenBefore);
         }
-        SetTextAlign(hdc, uAlignBefore);
+        RestoreAlignment(hdc, uAlignBefore);
         SelectObject(hdc, hFontBefore);
     }
     if (hPen) {
@@ -186,7 +194,9 @@ void DrawSolidText(PreviewTools& tools, HDC hdc, const WatermarkEntry& entry, co
     const UINT uAlignBefore = SetTextAlign(hdc, AlignmentOfEntry(entry));
     const COLORREF colorBefore = SetTextColor(hdc, entry.WMColor);
     ExtTextOutW(hdc, start.x, start.y, ETO_CLIPPED, &rCell, entry.WMString, static_cast<UINT>(cch), nullptr);
-    SetTextColor(hdc, colorBefore);
-    SetTextAlign(hdc, uAlignBefore);
+    if (colorBefore != CLR_INVALID) {
+        SetTextColor(hdc, colorBefore);
+    }
+    RestoreAlignment(hdc, uAlignBefore);
     SelectObject(hdc, hFontBefore);
 }

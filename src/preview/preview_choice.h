@@ -67,8 +67,14 @@ struct PreviewSizes {
 };
 PreviewSizes FindPreviewSizes(const PreviewLists& lists, const PreviewChoice& choice);
 
+/* The language library's name of the unit of a size line. */
+constexpr u16 UnitString(int bMetric)
+{
+    return bMetric ? 2456 : 2455;
+}
+
 /* The size line, such as "8.5 x 11 in", into TEXT_CHARS of room; zeros at a fraction's end are left out.
-   wcUnit   name of the unit that bMetric tells: string 2456, or 2455 for inches */
+   wcUnit   name of the unit that bMetric tells, see UnitString */
 void FormatSizeLine(const PreviewSizes& sizes, const PreviewChoice& choice, int bMetric, const WCHAR* wcUnit,
                     const WCHAR* wcDecimal, WCHAR* wcOut);
 

@@ -41,10 +41,5 @@ void DropDuplexPictures(UiSession* pSession)
     if (HWND hPage = pSession->hPageWnd[SLOT_LAYOUT]) {
         SendDlgItemMessageW(hPage, CONTROL_DUPLEX_PICTURE, STM_SETIMAGE, IMAGE_BITMAP, 0);
     }
-    for (HBITMAP& hBitmap : pSession->ahDuplexPicture) {
-        if (hBitmap) {
-            DeleteObject(hBitmap);
-            hBitmap = nullptr;
-        }
-    }
+    DeleteDuplexPictures(pSession);
 }

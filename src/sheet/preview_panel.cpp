@@ -41,9 +41,7 @@ enum : int {
     CONTROL_PREVIEW = 1651,
     BUTTON_UNIT = 1746,
     CONTROL_SIZE_LINE = 1920,
-    CONTROL_FIRST_LINE = 1925,
-    STRING_INCHES = 2455,
-    STRING_MILLIMETRES = 2456
+    CONTROL_FIRST_LINE = 1925
 };
 
 int IsChecked(HWND hPage, int nControl)
@@ -154,7 +152,7 @@ void ShowSizeLine(HWND hPage, UiSession* pSession, const PreviewChoice& choice, 
     }
     int bMetric = pSession->bPreviewMetric != 0;
     WCHAR wcUnit[TEXT_CHARS], wcLine[TEXT_CHARS];
-    LoadUiText(pSession, bMetric ? STRING_MILLIMETRES : STRING_INCHES, wcUnit, TEXT_CHARS);
+    LoadUiText(pSession, UnitString(bMetric), wcUnit, TEXT_CHARS);
     FormatSizeLine(sizes, choice, bMetric, wcUnit, pSession->rLanguage.wcDecimal, wcLine);
     SetDlgItemTextW(hPage, CONTROL_SIZE_LINE, wcLine);
 }

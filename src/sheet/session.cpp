@@ -123,6 +123,16 @@ void KnowRecord(PrinterCall& call, UiSession* pSession)
 
 } // namespace
 
+void DeleteDuplexPictures(UiSession* pSession)
+{
+    for (HBITMAP& hBitmap : pSession->ahDuplexPicture) {
+        if (hBitmap) {
+            DeleteObject(hBitmap);
+            hBitmap = nullptr;
+        }
+    }
+}
+
 UiSession* CreateUiSession(PrinterCall& call, OwnedModel pModel, DriverDevmode* pRecord)
 {
     void* pBlock = pModel ? AllocateBlock(sizeof(UiSession)) : nullptr;
@@ -171,11 +181,7 @@ void DestroyUiSession(UiSession* pSession)
     if (pSession->hLogoBitmap) {
         DeleteObject(pSession->hLogoBitmap);
     }
-    for (HBITMAP hBitmap : pSession->ahDuplexPicture) {
-        if (hBitmap) {
-            DeleteObject(hBitmap);
-        }
-    }
+    DeleteDuplexPictures(pSession);
     std::destroy_at(pSession);
     FreeBlock(pSession);
 }

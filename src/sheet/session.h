@@ -109,6 +109,9 @@ UiSession* CreateUiSession(PrinterCall& call, OwnedModel pModel, DriverDevmode* 
 /* Ends a session, also one that is half built; null does nothing. Its pages' windows are gone before. */
 void DestroyUiSession(UiSession* pSession);
 
+/* Deletes the pictures of the duplex binding; no control shows one of them any more. */
+void DeleteDuplexPictures(UiSession* pSession);
+
 /* The session of a page's or dialog's window, which its start puts there; null before it was initialised and behind
    its end. */
 inline UiSession* SessionOf(HWND hDialog)

@@ -1,32 +1,13 @@
 /* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
-#include "entry/exports.h"
 #include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
-#include "support/sample_machine.h"
+#include "support/event_machine.h"
 #include "tools/tq/machine_text.h"
 
 namespace {
 
-enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER };
-
-const WideText tcUsers = u"C:\\Users\\";
-const WideText tcOurFolder = u"\\Application Data\\Corvantis Optics\\";
-
-class PrinterEvents : public MachineTest {
+class PrinterEvents : public EventTest<MachineTest> {
   protected:
-    BOOL Raise(int nEvent)
-    {
-        WideText wcName = wcPrinter;
-        return DrvPrinterEvent(wcName.data(), nEvent, 0, 0);
-    }
-
-    void InstallSample(const char* cStem)
-    {
-        AddSample(cStem);
-        tcFontFile = GetPrinterSetup(wcPrinter).tcDataFile;
-        PutFile(tcFontFile, Bytes(1000, 0x46));
-    }
-
     Bytes Value(std::u16string_view wcValue)
     {
         DWORD dwType;
@@ -43,12 +24,6 @@ class PrinterEvents : public MachineTest {
         return Narrow(wcText.substr(0, wcText.find(u'\0')));
     }
 
-    /* Folder of the driver's settings in a profile. */
-    WideText UserFolder(std::u16string_view wcUser) const
-    {
-        return tcUsers + WideText(wcUser) + tcOurFolder + wcPrinter;
-    }
-
     std::vector<std::string> FormNames() const
     {
         std::vector<std::string> names;
@@ -57,8 +32,6 @@ class PrinterEvents : public MachineTest {
         }
         return names;
     }
-
-    WideText tcFontFile;
 };
 
 /* The lines that tell files' sizes are other tests' business. */

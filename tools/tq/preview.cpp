@@ -19,7 +19,6 @@
 namespace {
 
 constexpr const WCHAR* wcImageFile = TEXT("C:\\image.bmp");
-constexpr i32 STRING_INCHES = 2455, STRING_MILLIMETRES = 2456;
 constexpr u16 IMAGE_DPI = 300;
 
 /* The watermark that was asked for on the command line; ENTRY_FREE when none was. */
@@ -70,7 +69,7 @@ void PrintLines(const PreviewChoice& choice, const PreviewSizes& sizes, const Xp
                 HMODULE hTexts, const WCHAR* wcDecimal, std::ostream& out)
 {
     WCHAR wcString[TEXT_CHARS], wcLine[TEXT_CHARS];
-    ReadLibraryString(hTexts, sizes.bMetric ? STRING_MILLIMETRES : STRING_INCHES, wcString, TEXT_CHARS);
+    ReadLibraryString(hTexts, UnitString(sizes.bMetric), wcString, TEXT_CHARS);
     FormatSizeLine(sizes, choice, sizes.bMetric, wcString, wcDecimal, wcLine);
     out << Narrow(wcLine) << "\n";
     StatusLine aLines[STATUS_LINES];
