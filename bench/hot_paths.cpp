@@ -10,6 +10,7 @@
 #include "description/driver_files.h"
 #include "entry/exports.h"
 #include "entry/job_records.h"
+#include "places.h"
 #include "settings/checks.h"
 #include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"

@@ -7,6 +7,7 @@
 #include "description/driver_files.h"
 #include "entry/exports.h"
 #include "entry/pjl_commands.h"
+#include "places.h"
 #include "settings/defaults.h"
 #include "tools/tq/sample_printer.h"
 

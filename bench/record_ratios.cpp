@@ -7,6 +7,7 @@
 #include "bench/floors.h"
 #include "bench/watch.h"
 #include "description/driver_files.h"
+#include "places.h"
 #include "settings/check_core.h"
 #include "settings/defaults.h"
 #include "settings/merge.h"

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "entry/exports.h"
+#include "places.h"
 #include "platform/hosted/sheet_host.h"
 #include "tools/tq/sample_printer.h"
 

@@ -7,6 +7,7 @@
 
 #include "base/owned.h"
 #include "description/driver_files.h"
+#include "places.h"
 #include "settings/defaults.h"
 #include "settingsfile/custom_sizes.h"
 #include "settingsfile/section_file.h"

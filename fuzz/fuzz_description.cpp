@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "places.h"
 #include "support/every_reader.h"
 #include "support/sweep.h"
 #include "tools/tq/sample_printer.h"

@@ -5,6 +5,7 @@
 
 #include "entry/exports.h"
 #include "fuzz/require.h"
+#include "places.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #define TQUI_FUZZ_SAMPLES_H
 
 #include "fuzz/require.h"
+#include "places.h"
 #include "tools/tq/sample_printer.h"
 #include "xpi_format.h"
 

@@ -3,6 +3,7 @@
 
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
+#include "places.h"
 #include "support/sample_machine.h"
 
 namespace {

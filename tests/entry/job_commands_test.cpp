@@ -6,6 +6,7 @@
 #include "description/driver_files.h"
 #include "entry/pjl_commands.h"
 #include "entry/render_parameters.h"
+#include "places.h"
 #include "platform/hosted/windows.h"
 #include "support/job_machine.h"
 #include "support/same_bytes.h"

@@ -1,4 +1,5 @@
 /* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
+#include "places.h"
 #include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
 #include "support/event_machine.h"

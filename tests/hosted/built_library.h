@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "places.h"
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"
 

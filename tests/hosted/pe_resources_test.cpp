@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "built_library.h"
+#include "places.h"
 #include "platform/hosted/machine.h"
 #include "platform/hosted/pe_resources.h"
 #include "platform/hosted/standin.h"

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <span>
 
+#include "places.h"
 #include "settings/defaults.h"
 #include "support/every_reader.h"
 #include "support/sample_machine.h"

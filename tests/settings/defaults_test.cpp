@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "description/driver_files.h"
+#include "places.h"
 #include "settings/check_core.h"
 #include "settings/defaults.h"
 #include "support/sample_machine.h"

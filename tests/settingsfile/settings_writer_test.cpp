@@ -12,6 +12,7 @@
 
 #include "description/paper.h"
 #include "description/printer_store.h"
+#include "places.h"
 #include "settingsfile/custom_sizes.h"
 #include "settingsfile/section_file.h"
 #include "settingsfile/settings_key_rows.h"

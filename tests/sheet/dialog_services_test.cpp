@@ -1,6 +1,7 @@
 /* What pages and dialogs share, on the built library's own dialogs. */
 #include "sheet/dialog_services.h"
 
+#include "places.h"
 #include "support/sheet_dialogs.h"
 #include "support/sweep.h"
 

@@ -1,6 +1,7 @@
 /* The notices and the About box as the user sees them; the version resource that the box reads, also where it lies. */
 #include "sheet/notices.h"
 
+#include "places.h"
 #include "sheet/about.h"
 #include "sheet/version_text.h"
 #include "support/sheet_dialogs.h"

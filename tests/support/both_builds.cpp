@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "places.h"
 #include "platform/process.h"
 
 #ifndef _WIN32

@@ -10,6 +10,8 @@
 #include <gdiplus.h>
 #endif
 
+#include "places.h"
+
 namespace {
 
 namespace fs = std::filesystem;

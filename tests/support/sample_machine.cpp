@@ -2,6 +2,7 @@
 #include "support/sample_machine.h"
 
 #include "entry/exports.h"
+#include "places.h"
 #include "xpi_format.h"
 
 void MachineTest::SetUp()

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "places.h"
 #include "platform/hosted/windows.h"
 #include "settings/defaults.h"
 #include "sheet/session.h"

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "places.h"
 #include "support/sample_machine.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/merge.h"

@@ -1,6 +1,7 @@
 /* The sample models for the tests of the description compiler, and plain reading of what came out. */
 #pragma once
 
+#include "places.h"
 #include "xpi_format.h"
 
 #include <gtest/gtest.h>

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "places.h"
 #include "tools/tq/inf.h"
 
 namespace fs = std::filesystem;

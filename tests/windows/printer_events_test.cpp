@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "installed_printer.h"
+#include "places.h"
 
 namespace fs = std::filesystem;
 

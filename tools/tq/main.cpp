@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "places.h"
 #include "platform/hosted/standin.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/explain.h"
