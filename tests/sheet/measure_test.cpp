@@ -95,9 +95,11 @@ TEST(Measure, SpinStepsShowAHundredthOfAnInchEach)
             EXPECT_EQ(text, (nCode == SPIN_UP ? "0.0" : "-0.0") + std::to_string(i));
         }
     }
-    RoundingMode mode;
-    EXPECT_EQ(Shown(StepMeasure(Typed("12.60", 0), SPIN_UP, 7620, 32000, 0, &mode), 0, mode), "12.59");
-    EXPECT_EQ(Shown(StepMeasure(Typed("3.00", 0), SPIN_DOWN, 7620, 32000, 0, &mode), 0, mode), "3.00");
+    RoundingMode mode; /* how a step wants to be shown: known only behind it */
+    const i32 lHighest = StepMeasure(Typed("12.60", 0), SPIN_UP, 7620, 32000, 0, &mode);
+    EXPECT_EQ(Shown(lHighest, 0, mode), "12.59");
+    const i32 lLowest = StepMeasure(Typed("3.00", 0), SPIN_DOWN, 7620, 32000, 0, &mode);
+    EXPECT_EQ(Shown(lLowest, 0, mode), "3.00");
     EXPECT_EQ(StepMeasure(2000, 8, 0, 32000, 1, &mode), 2000);
     EXPECT_EQ(StepMeasure(0x7FFFFFFF, SPIN_UP, 0, 0x7FFFFFFF, 1, &mode), 0x7FFFFFFF);
     EXPECT_EQ(StepNumber(32762, SPIN_UP, 4, 0, 32764), 32764);
