@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -237,11 +237,11 @@ TEST(XpiHostile, EveryTruncationIsReadable)
    takes long. */
 TEST(XpiHostile, WildNumbersStayBounded)
 {
-    auto slowest = std::chrono::steady_clock::duration::zero();
+    std::clock_t slowest = 0; /* of the processor: others use it as well */
     auto timed = [&](const Bytes& file) {
-        auto start = std::chrono::steady_clock::now();
+        const std::clock_t start = std::clock();
         LookAt(file);
-        slowest = std::max(slowest, std::chrono::steady_clock::now() - start);
+        slowest = std::max(slowest, std::clock() - start);
     };
     const Bytes good = CompileModel("T410A").bytes;
     for (std::uint32_t value : {0u, 1u, 0x7FFFu, 0x8000u, 0xFFFFu}) {
@@ -262,7 +262,7 @@ TEST(XpiHostile, WildNumbersStayBounded)
         }
         timed(file);
     }
-    EXPECT_LT(slowest, std::chrono::seconds(10));
+    EXPECT_LT(slowest, 10 * CLOCKS_PER_SEC);
 }
 
 TEST(TqLint, PrintsATableAndTellsByItsExitCode)
