@@ -1,6 +1,7 @@
 /* Finds and loads the language library. */
 #include "description/language_dll.h"
 
+#include "base/file_name.h"
 #include "base/format.h"
 #include "platform/process.h"
 #include "platform/profile.h"
@@ -63,9 +64,8 @@ constexpr u16 LANGUAGE_COUNT = sizeof aLanguageCodes / sizeof aLanguageCodes[0];
 /* Only a full path is loaded: for any other the system would search its folders. */
 OwnedModule LoadAsData(const WCHAR* tcPath)
 {
-    int bDrive = tcPath[0] && tcPath[1] == ':' && tcPath[2] == '\\';
-    int bShare = tcPath[0] == '\\' && tcPath[1] == '\\';
-    if (!bDrive && !bShare) {
+    int bShare = tcPath[0] == '\\' && tcPath[1] == '\\' && !IsDevicePath(tcPath);
+    if (!IsDrivePath(tcPath) && !bShare) {
         return nullptr;
     }
     return OwnedModule(

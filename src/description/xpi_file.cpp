@@ -7,7 +7,15 @@ int OpenXpiPath(XpiFile& file, const WCHAR* tcPath)
 {
     file.bHeaderRead = 0;
     file.hFile.reset(CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (IsOpen(file.hFile.get()) && GetFileType(file.hFile.get()) != FILE_TYPE_DISK) {
+        file.hFile.reset();
+    }
     return IsOpen(file.hFile.get());
+}
+
+u32 XpiBodyBytes(const XpiHeader* pHeader)
+{
+    return static_cast<u16>(pHeader->dwStringBaseOffset - pHeader->dwBodyOffset);
 }
 
 int ReadXpiBytes(XpiFile& file, u64 ullOffset, void* pOut, u32 cb, u32* pcbGot)

@@ -44,8 +44,11 @@ constexpr int COMMAND_BYTES = 1024;
 constexpr int SHORT_COMMAND_BYTES = 128;
 constexpr u32 FONT_CHUNK_BYTES = 32767;
 
-/* Opens a file by its path for reading, shared for reading. 1 when it is open. */
+/* Opens a file by its path for reading, shared for reading. 1 when it is open; a device or a pipe never is. */
 int OpenXpiPath(XpiFile& file, const WCHAR* tcPath);
+
+/* Bytes of the body: a difference of low halves, taken as 16 bits, so at most 65535. */
+u32 XpiBodyBytes(const XpiHeader* pHeader);
 
 /* The header; what a short or unreadable file does not give is zero. Never null. */
 const XpiHeader* ReadXpiHeader(XpiFile& file);

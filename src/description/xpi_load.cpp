@@ -89,8 +89,7 @@ OwnedModel LoadXpiModel(XpiFile& file)
     if (file.bHeaderFailed) {
         return nullptr;
     }
-    /* The size is a difference of low halves, taken as 16 bits: a body is at most 65535 bytes. */
-    u32 cbBody = static_cast<u16>(pHeader->dwStringBaseOffset - pHeader->dwBodyOffset);
+    u32 cbBody = XpiBodyBytes(pHeader);
     u32 cbGot;
     OwnedModel pModel = NewModelBlock(cbBody);
     if (!pModel || (cbBody && !ReadXpiBytes(file, pHeader->dwBodyOffset, pModel.get(), cbBody, &cbGot))) {

@@ -3,7 +3,7 @@
    releases all. */
 #include <cstring>
 
-#include "base/wide.h"
+#include "base/file_name.h"
 #include "description/driver_files.h"
 #include "entry/exports.h"
 #include "entry/notice.h"
@@ -46,14 +46,13 @@ DWORD ShowNotice(PrinterCall& call)
 
 /* Opens the description that the record names for the job's end: a whole path on a drive of this computer.
    Another computer's, a device's or a path that depends on the current folder is none. 0 when it cannot be
-   opened. */
+   opened or has nothing in it. */
 int OpenNamedDescription(const PrivateDevmode& part, XpiFile& file)
 {
     WCHAR tcName[XPI_NAME_CHARS];
     std::memcpy(tcName, part.tcXPIName, sizeof tcName);
-    WCHAR wcDrive = static_cast<WCHAR>(tcName[0] | 0x20);
-    return BoundedLength(tcName, XPI_NAME_CHARS) < XPI_NAME_CHARS && wcDrive >= 'a' && wcDrive <= 'z' &&
-           tcName[1] == ':' && tcName[2] == '\\' && OpenXpiPath(file, tcName);
+    return BoundedLength(tcName, XPI_NAME_CHARS) < XPI_NAME_CHARS && IsDrivePath(tcName) &&
+           OpenXpiPath(file, tcName) && XpiBodyBytes(ReadXpiHeader(file));
 }
 
 /* The description for the job's end: the record's own, unless overlays are at work, else the printer's. Null
@@ -78,9 +77,12 @@ DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength
         return JOB_FAILED;
     }
     KeptLastError kept;
-    PrinterCall call(pJob->hPrinter);
+    /* What the caller says is read once, before anything is written: the records may overlap. */
+    const GuiJobRecord job = *pJob;
+    u32 cbLength = LoadLength(pcbLength);
+    PrinterCall call(job.hPrinter);
     pJob->dwReservedOut = 0;
-    if (pJob->bShowNotice) {
+    if (job.bShowNotice) {
         StoreLength(pcbLength, 0);
         return ShowNotice(call);
     }
@@ -93,11 +95,10 @@ DWORD WINAPI GuiStartJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength
     }
     XpiFile& file = *OpenXpiFile(call);
     SettleRecord(call, pRecord, pModel.get(), 1);
-    u32 cbLength = LoadLength(pcbLength);
     int bFitted;
     if (pModel->usLanguage == KIND_IMAGE) {
-        OwnedBlock<WCHAR> wcName = ReadDocumentName(call, pJob->dwJobId);
-        pRecord->dmReserved1 = pJob->dwJobId;
+        OwnedBlock<WCHAR> wcName = ReadDocumentName(call, job.dwJobId);
+        pRecord->dmReserved1 = job.dwJobId;
         bFitted = BuildRenderParameters(call, pBuffer, &cbLength, wcName.get(), pRecord, pModel.get(), file);
         pJob->pJobName = wcName.release();
     } else {
@@ -116,6 +117,7 @@ DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, 
         return JOB_DONE;
     }
     KeptLastError kept;
+    u32 cbLength = LoadLength(pcbLength); /* before the record is settled in place, which may overlap it */
     PrinterCall call(pJob->hPrinter);
     XpiFile named = {};
     XpiFile* pFile = ChooseDescription(call, pRecord->rPrivate, named);
@@ -124,7 +126,6 @@ DWORD WINAPI GuiEndJob(DriverDevmode* pRecord, void* pBuffer, DWORD* pcbLength, 
         return JOB_FAILED;
     }
     SettleRecord(call, pRecord, pModel.get(), pFile != &named);
-    u32 cbLength = LoadLength(pcbLength);
     int bFitted =
         pModel->usLanguage == KIND_IMAGE
             ? BuildRenderParameters(call, pBuffer, &cbLength, nullptr, pRecord, pModel.get(), *pFile)
@@ -142,16 +143,17 @@ DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet)
         return JOB_DONE;
     }
     KeptLastError kept;
-    PrinterCall call(pSheet->hPrinter);
+    const GuiSheetRecord sheet = *pSheet; /* before the record is settled in place, which may overlap it */
+    PrinterCall call(sheet.hPrinter);
     OwnedModel pModel = LoadPrinterModel(call);
     if (!pModel) {
         return JOB_FAILED;
     }
     SettleRecord(call, pRecord, pModel.get(), 1);
-    u32 cbLength = pModel->usLanguage == KIND_IMAGE ? pSheet->cbBuffer : 0;
+    u32 cbLength = pModel->usLanguage == KIND_IMAGE ? sheet.cbBuffer : 0;
     int bFitted = 1;
     if (pModel->usLanguage == KIND_IMAGE) {
-        bFitted = BuildRenderParameters(call, pSheet->pBuffer, &cbLength, nullptr, pRecord, pModel.get(),
+        bFitted = BuildRenderParameters(call, sheet.pBuffer, &cbLength, nullptr, pRecord, pModel.get(),
                                         *OpenXpiFile(call));
     }
     pSheet->cbBuffer = cbLength;

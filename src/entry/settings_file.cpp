@@ -1,7 +1,9 @@
 /* Makes and deletes settings files.
 
-   Deletion happens with the rights of the spooler, on files that users write: only what lies directly in the folder of
-   a settings file and bears a watermark's extension goes with it, whatever its rows name. */
+   Deletion happens with the rights of the spooler, on files and folders that users write: only what lies directly in
+   the folder of a settings file and bears a watermark's extension goes with it, whatever its rows name. A user can
+   swap a folder for a link at any moment, so a file is opened, judged by the path that its handle has, and deleted by
+   that handle; nothing is judged by one path and deleted by another. */
 #include "entry/settings_file.h"
 
 #include "base/file_name.h"
@@ -54,63 +56,145 @@ int NameSettingsFile(PrinterCall& call, const WCHAR* tcFolder, WCHAR* tcOut)
     return 0;
 }
 
-int HasEnding(const WCHAR* wcName, const WCHAR* wcEnding)
+/* 1 for the name of a file that the watermark builder makes. */
+int IsBuiltName(const WCHAR* wcName)
 {
-    int nAt = WideLength(wcName) - WideLength(wcEnding);
-    return nAt > 0 && SameFileName(wcName + nAt, wcEnding);
+    for (const WCHAR* wcEnding : {TEXT(".WM"), TEXT(".CWM")}) {
+        int nAt = WideLength(wcName) - WideLength(wcEnding);
+        if (nAt > 0 && IsPlainName(wcName) && SameFileName(wcName + nAt, wcEnding)) {
+            return 1;
+        }
+    }
+    return 0;
 }
 
-/* Deletes a file that a row names if it lies directly in the folder and is a watermark's. */
-void DeleteBuiltFile(const WCHAR* tcFolder, const WCHAR* tcFile)
+constexpr DWORD SHARE_ALL = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/* Gives the path of what a handle is open on, as the system has it: links are resolved and names are long. 0 when
+   the handle is none or the path is too long. */
+int GetFinalPath(HANDLE hOpen, WCHAR (&tcOut)[PATH_CHARS])
 {
-    WCHAR tcOwn[PATH_CHARS], tcPath[PATH_CHARS];
-    const WCHAR* wcName = BehindLast(tcFile, '\\');
-    if (wcName == tcFile || !CopyWideWhole(tcOwn, PATH_CHARS, tcFile)) {
-        return;
+    DWORD cch = IsOpen(hOpen) ? GetFinalPathNameByHandleW(hOpen, tcOut, PATH_CHARS, 0) : 0;
+    if (cch >= PATH_CHARS) {
+        cch = 0;
     }
-    tcOwn[wcName - tcFile - 1] = 0;
-    if (SameFileName(tcOwn, tcFolder) && IsPlainName(wcName) &&
-        (HasEnding(wcName, TEXT(".WM")) || HasEnding(wcName, TEXT(".CWM"))) &&
-        PathInFolder(tcPath, tcFolder, wcName)) {
-        DeleteFileW(tcPath);
+    tcOut[cch] = 0;
+    return cch != 0;
+}
+
+int GetFinalFolderPath(const WCHAR* tcFolder, DWORD dwFlags, WCHAR (&tcOut)[PATH_CHARS])
+{
+    OwnedFile hFolder(CreateFileW(tcFolder, 0, SHARE_ALL, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS | dwFlags, nullptr));
+    return GetFinalPath(hFolder.get(), tcOut);
+}
+
+int LiesBelow(const WCHAR* tcPath, const WCHAR* tcFolder)
+{
+    WCHAR tcFront[PATH_CHARS];
+    int nFolder = WideLength(tcFolder);
+    CopyWide(tcFront, PATH_CHARS, tcPath);
+    if (nFolder >= WideLength(tcFront) || tcFront[nFolder] != '\\') {
+        return 0;
+    }
+    tcFront[nFolder] = 0;
+    return SameFileName(tcFront, tcFolder);
+}
+
+/* The driver's folder in a profile: its path by the profile, and where it must really lie. */
+struct SettingsFolder {
+    WCHAR tcPath[PATH_CHARS], tcReal[PATH_CHARS];
+};
+
+/* The profile's "Application Data" is a link on current systems, so it is followed, but not out of the profile. What
+   lies below it is the driver's own and must be no link. */
+int FindSettingsFolder(const WCHAR* tcProfile, const WCHAR* wcDriver, SettingsFolder* pFolder)
+{
+    WCHAR tcRealProfile[PATH_CHARS];
+    if (!CopyWideWhole(pFolder->tcPath, PATH_CHARS, tcProfile) ||
+        !AppendWideWhole(pFolder->tcPath, PATH_CHARS, wcProfileFolder) ||
+        !GetFinalFolderPath(tcProfile, FILE_FLAG_OPEN_REPARSE_POINT, tcRealProfile) ||
+        !GetFinalFolderPath(pFolder->tcPath, 0, pFolder->tcReal) ||
+        !LiesBelow(pFolder->tcReal, tcRealProfile)) {
+        return 0;
+    }
+    for (WCHAR* tcEither : {pFolder->tcPath, pFolder->tcReal}) {
+        if (!AppendWideWhole(tcEither, PATH_CHARS, wcMakerFolder) ||
+            !AppendWideWhole(tcEither, PATH_CHARS, TEXT("\\")) ||
+            !AppendWideWhole(tcEither, PATH_CHARS, wcDriver)) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+/* A file that was opened without following a link at its end, and where the handle says that it lies. */
+struct FoundFile {
+    OwnedFile hFile;
+    WCHAR tcFolder[PATH_CHARS], wcName[PATH_CHARS];
+};
+
+/* Opens a file to look at it, or with DELETE. 1 when it lies directly in the folder. */
+int FindFileIn(const SettingsFolder& folder, const WCHAR* tcPath, DWORD dwAccess, FoundFile* pFound)
+{
+    pFound->hFile.reset(CreateFileW(tcPath, dwAccess, SHARE_ALL, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!IsOpen(pFound->hFile.get()) || GetFileType(pFound->hFile.get()) != FILE_TYPE_DISK ||
+        !GetFinalPath(pFound->hFile.get(), pFound->tcFolder)) {
+        return 0;
+    }
+    const WCHAR* wcName = BehindLast(pFound->tcFolder, '\\');
+    if (wcName == pFound->tcFolder) {
+        return 0;
+    }
+    CopyWide(pFound->wcName, PATH_CHARS, wcName);
+    pFound->tcFolder[wcName - pFound->tcFolder - 1] = 0;
+    return SameFileName(pFound->tcFolder, folder.tcReal);
+}
+
+void DeleteFound(const FoundFile& found)
+{
+    FILE_DISPOSITION_INFO info = {1};
+    SetFileInformationByHandle(found.hFile.get(), FileDispositionInfo, &info, sizeof info);
+}
+
+/* Deletes a file that a row names if it lies directly in the folder and is a watermark's, both by the row's text and
+   by what was opened: a short name may end otherwise than the name that it stands for. */
+void DeleteBuiltFile(const SettingsFolder& folder, const WCHAR* tcFile)
+{
+    FoundFile found;
+    if (IsPlainPath(tcFile) && IsBuiltName(BehindLast(tcFile, '\\')) &&
+        FindFileIn(folder, tcFile, DELETE, &found) && IsBuiltName(found.wcName)) {
+        DeleteFound(found);
     }
 }
 
-void DeleteSettingsFile(const WCHAR* tcFolder, const WCHAR* wcName)
+/* Deletes the driver's settings in one profile. The rows are read by path, so what a swapped folder made of them is
+   held against the same rules. */
+void DeleteProfileSettings(const WCHAR* tcProfile, const WCHAR* wcDriver, const WCHAR* wcFile)
 {
+    SettingsFolder folder;
     WCHAR tcPath[PATH_CHARS];
+    FoundFile found;
     OwnedBlock<WatermarkEntry> pRows;
-    if (!PathInFolder(tcPath, tcFolder, wcName) || !IsThere(tcPath)) {
+    if (!FindSettingsFolder(tcProfile, wcDriver, &folder) || !PathInFolder(tcPath, folder.tcPath, wcFile) ||
+        !FindFileIn(folder, tcPath, 0, &found) || !SameFileName(found.wcName, wcFile)) {
         return;
     }
     i32 nRows = ReadWatermarks(tcPath, &pRows);
     for (i32 i = 0; i < nRows; i++) {
-        DeleteBuiltFile(tcFolder, pRows.get()[i].WMFileName);
-        DeleteBuiltFile(tcFolder, pRows.get()[i].WMColorFile);
+        DeleteBuiltFile(folder, pRows.get()[i].WMFileName);
+        DeleteBuiltFile(folder, pRows.get()[i].WMColorFile);
     }
-    DeleteFileW(tcPath);
+    if (FindFileIn(folder, tcPath, DELETE, &found) && SameFileName(found.wcName, wcFile)) {
+        DeleteFound(found);
+    }
 }
 
 /* A folder that is one, and not a link to one. */
 int IsPlainFolder(DWORD dwAttributes)
 {
-    return dwAttributes != INVALID_FILE_ATTRIBUTES && dwAttributes & FILE_ATTRIBUTE_DIRECTORY &&
-           !(dwAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
-}
-
-/* The driver's folder in one profile. The profile's "Application Data" is a link on current systems; what lies below
-   it is ours and may be none. */
-void DeleteProfileSettings(const WCHAR* tcProfiles, const WCHAR* wcProfile, const WCHAR* wcDriver,
-                           const WCHAR* wcFile)
-{
-    WCHAR tcFolder[PATH_CHARS];
-    if (PathInFolder(tcFolder, tcProfiles, wcProfile) &&
-        AppendWideWhole(tcFolder, PATH_CHARS, wcProfileFolder) &&
-        AppendWideWhole(tcFolder, PATH_CHARS, wcMakerFolder) && IsPlainFolder(GetFileAttributesW(tcFolder)) &&
-        AppendWideWhole(tcFolder, PATH_CHARS, TEXT("\\")) &&
-        AppendWideWhole(tcFolder, PATH_CHARS, wcDriver) && IsPlainFolder(GetFileAttributesW(tcFolder))) {
-        DeleteSettingsFile(tcFolder, wcFile);
-    }
+    return dwAttributes & FILE_ATTRIBUTE_DIRECTORY && !(dwAttributes & FILE_ATTRIBUTE_REPARSE_POINT);
 }
 
 struct SearchDeleter {
@@ -124,14 +208,22 @@ struct SearchDeleter {
 };
 using OwnedSearch = std::unique_ptr<void, SearchDeleter>;
 
+int GetUserProfile(WCHAR* tcOut)
+{
+    DWORD cch = GetEnvironmentVariableW(TEXT("USERPROFILE"), tcOut, PATH_CHARS);
+    if (cch >= PATH_CHARS) {
+        cch = 0;
+    }
+    tcOut[cch] = 0;
+    return cch != 0;
+}
+
 /* The folder of all profiles: the user's own without its last name. 1 when it can be had. */
 int GetProfilesFolder(WCHAR* tcOut)
 {
-    DWORD cch = GetEnvironmentVariableW(TEXT("USERPROFILE"), tcOut, PATH_CHARS);
-    if (cch == 0 || cch >= PATH_CHARS) {
+    if (!GetUserProfile(tcOut)) {
         return 0;
     }
-    tcOut[cch] = 0;
     const WCHAR* wcUser = BehindLast(tcOut, '\\');
     if (wcUser == tcOut) {
         return 0;
@@ -158,25 +250,27 @@ int EnsureSettingsFile(PrinterCall& call, const DriverDevmode* pRecord, u16 usLa
 
 void DeleteUserSettings(PrinterCall& call)
 {
-    WCHAR tcFolder[PATH_CHARS], wcName[PATH_CHARS];
-    if (GetSettingsFileName(call, wcName, PATH_CHARS) && GetUserFolder(call, tcFolder)) {
-        DeleteSettingsFile(tcFolder, wcName);
+    WCHAR tcProfile[PATH_CHARS], wcDriver[PATH_CHARS], wcFile[PATH_CHARS];
+    if (GetDriverFolderName(call, wcDriver) && GetSettingsFileName(call, wcFile, PATH_CHARS) &&
+        GetUserProfile(tcProfile)) {
+        DeleteProfileSettings(tcProfile, wcDriver, wcFile);
     }
 }
 
 void DeleteAllSettings(PrinterCall& call)
 {
-    WCHAR tcProfiles[PATH_CHARS], tcPattern[PATH_CHARS], wcDriver[PATH_CHARS], wcFile[PATH_CHARS];
+    WCHAR tcProfiles[PATH_CHARS], tcProfile[PATH_CHARS], wcDriver[PATH_CHARS], wcFile[PATH_CHARS];
     if (!GetDriverFolderName(call, wcDriver) || !GetSettingsFileName(call, wcFile, PATH_CHARS) ||
-        !GetProfilesFolder(tcProfiles) || !PathInFolder(tcPattern, tcProfiles, TEXT("*.*"))) {
+        !GetProfilesFolder(tcProfiles) || !PathInFolder(tcProfile, tcProfiles, TEXT("*.*"))) {
         return;
     }
     WIN32_FIND_DATAW found = {};
-    OwnedSearch hSearch(FindFirstFileW(tcPattern, &found));
+    OwnedSearch hSearch(FindFirstFileW(tcProfile, &found));
     for (int bFound = IsOpen(hSearch.get()); bFound; bFound = FindNextFileW(hSearch.get(), &found)) {
         found.cFileName[PATH_CHARS - 1] = 0;
-        if (IsPlainFolder(found.dwFileAttributes) && IsPlainName(found.cFileName)) {
-            DeleteProfileSettings(tcProfiles, found.cFileName, wcDriver, wcFile);
+        if (IsPlainFolder(found.dwFileAttributes) && IsPlainName(found.cFileName) &&
+            PathInFolder(tcProfile, tcProfiles, found.cFileName)) {
+            DeleteProfileSettings(tcProfile, wcDriver, wcFile);
         }
     }
 }

@@ -12,11 +12,11 @@
    cannot be made. */
 int EnsureSettingsFile(PrinterCall& call, const DriverDevmode* pRecord, u16 usLanguage);
 
-/* Deletes the settings file of this user, with the watermark files built for it. */
+/* Deletes the settings file of this user, with the watermark files built for it. Folders that lead elsewhere are
+   passed over: the profile's own, what the profile's data folder leads to outside the profile, and the driver's. */
 void DeleteUserSettings(PrinterCall& call);
 
-/* The same for all users of the machine: in every folder beside the user's profile. Folders that lead elsewhere are
-   passed over. */
+/* The same for all users of the machine: in every folder beside the user's profile. */
 void DeleteAllSettings(PrinterCall& call);
 
 #endif

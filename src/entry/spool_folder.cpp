@@ -1,8 +1,8 @@
 /* Copies the spool folder of an image printer into the registry. */
 #include "entry/spool_folder.h"
 
+#include "base/file_name.h"
 #include "base/format.h"
-#include "base/wide.h"
 #include "platform/process.h"
 #include "platform/registry.h"
 
@@ -28,7 +28,7 @@ void CopySpoolFolder(PrinterCall& call, const XpiModel* pModel, const WCHAR* wcP
     if (!pModel || pModel->usLanguage != KIND_IMAGE || !IsAboveVersion5() ||
         !CopyWideWhole(wcName, KEY_CHARS, BehindLast(wcPrinterName, '\\')) ||
         !ReadPrinterText(call, TEXT("DefaultSpoolDirectory"), tcFolder, PATH_CHARS, &bEnded) || !bEnded ||
-        !tcFolder[0]) {
+        !IsPlainPath(tcFolder)) {
         return;
     }
     if (const WCHAR* wcTail = FindWide(wcName, TEXT(",Local"))) {

@@ -1,6 +1,7 @@
 /* Starts companion programs. */
 #include "entry/started_program.h"
 
+#include "base/file_name.h"
 #include "platform/process.h"
 #include "platform/text.h"
 
@@ -29,7 +30,7 @@ int StartProgram(const WCHAR* tcPath)
     char cCommand[COMMAND_BYTES_MOST];
     int bQuoted = FindWide(tcPath, TEXT(" ")) != nullptr;
     char* cPath = cCommand + bQuoted;
-    int cb = tcPath[0] ? NarrowExactly(tcPath, cPath, COMMAND_BYTES_MOST - 3) : 0;
+    int cb = IsPlainPath(tcPath) ? NarrowExactly(tcPath, cPath, COMMAND_BYTES_MOST - 3) : 0;
     if (!cb) {
         return 0;
     }

@@ -38,6 +38,8 @@
     X(BOOL, SetFilePointerEx, (HANDLE, LARGE_INTEGER, PLARGE_INTEGER, DWORD), 0) \
     X(BOOL, GetFileSizeEx, (HANDLE, PLARGE_INTEGER), 0) \
     X(DWORD, GetFileType, (HANDLE), 0) \
+    X(DWORD, GetFinalPathNameByHandleW, (HANDLE, LPWSTR, DWORD, DWORD), 0) \
+    X(BOOL, SetFileInformationByHandle, (HANDLE, FILE_INFO_BY_HANDLE_CLASS, LPVOID, DWORD), 0) \
     X(HANDLE, FindFirstFileW, (LPCWSTR, LPWIN32_FIND_DATAW), INVALID_HANDLE_VALUE) \
     X(BOOL, FindNextFileW, (HANDLE, LPWIN32_FIND_DATAW), 0) \
     X(BOOL, FindClose, (HANDLE), 0) \

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/arithmetic.h"
+#include "base/file_name.h"
 #include "base/format.h"
 #include "description/installed_set.h"
 #include "description/paper.h"
@@ -245,11 +246,12 @@ void FitDuplex(DriverDevmode* pRecord, u32 ulOptions)
     }
 }
 
-int CanOpen(const WCHAR* tcPath)
+/* 1 for a file that is there. The record may name anything, so the file is asked for and not opened, and a device is
+   not even asked for. */
+int IsFile(const WCHAR* tcPath)
 {
-    OwnedFile hFile(CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL, nullptr));
-    return IsOpen(hFile.get());
+    DWORD dwAttributes = IsDevicePath(tcPath) ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(tcPath);
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && !(dwAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 /* An overlay that was to be made exists once its file does. */
@@ -263,7 +265,7 @@ void FitOverlay(const XpiModel* pModel, PrivateDevmode& part)
     if (part.sOverlay == 1 && wcFile[0] &&
         FormatWide(tcPath, PATH_CHARS, TEXT("%s\\%s"), static_cast<const WCHAR*>(tcFolder),
                    static_cast<const WCHAR*>(wcFile)) &&
-        CanOpen(tcPath)) {
+        IsFile(tcPath)) {
         part.sOverlay = 0;
         std::memset(part.wcOverlayFile, 0, sizeof part.wcOverlayFile);
         std::memset(part.wcWMString, 0, sizeof part.wcWMString);

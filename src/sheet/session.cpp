@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/file_name.h"
 #include "description/installed_set.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
@@ -54,27 +55,20 @@ int LoadLists(PrinterCall& call, UiSession* pSession)
     return pSession->pWatermarks && pSession->pCustomPapers;
 }
 
-/* A folder is made only where it says plainly where it lies: the record may come from anywhere. */
-int IsPlainPath(const WCHAR* tcPath)
-{
-    WCHAR wcDrive = static_cast<WCHAR>(tcPath[0] | 0x20);
-    return wcDrive >= 'a' && wcDrive <= 'z' && tcPath[1] == ':' && tcPath[2] == '\\' &&
-           !FindWide(tcPath, TEXT(".."));
-}
-
 int IsFolder(const WCHAR* tcPath)
 {
     DWORD dwAttributes = GetFileAttributesW(tcPath);
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-/* Gives the record an overlay folder that is there: its own, or the user's. */
+/* Gives the record an overlay folder that is there: its own, or the user's. A folder is made only where it says
+   plainly where it lies, and a device is not even asked for: the record may come from anywhere. */
 void SettleOverlayFolder(UiSession* pSession)
 {
     WCHAR tcFolder[OVERLAY_CHARS + 1] = {};
     PrivateDevmode* pPrivate = &pSession->pRecord->rPrivate;
     std::memcpy(tcFolder, pPrivate->tcOverlayDir, OVERLAY_CHARS * sizeof(WCHAR));
-    if (tcFolder[0] &&
+    if (tcFolder[0] && !IsDevicePath(tcFolder) &&
         (IsFolder(tcFolder) || (IsPlainPath(tcFolder) && CreateDirectoryW(tcFolder, nullptr)))) {
         return;
     }

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "base/arithmetic.h"
+#include "base/file_name.h"
 #include "base/format.h"
 #include "base/owned.h"
 #include "base/wide.h"
@@ -254,4 +255,18 @@ TEST_F(Blocks, TwoValuesSayThatNothingIsOpen)
     EXPECT_EQ(CountLive().nFiles, 0);
     hFile.reset();
     EXPECT_EQ(CallCount(CALL_CloseHandle), 1) << "the invalid handle was closed";
+}
+
+TEST(FileNames, DevicesAndPipesAreToldFromFolders)
+{
+    for (const WCHAR* tcDevice :
+         {u"\\\\.\\COM1", u"\\\\?\\C:\\x", u"//?/C:/x", u"\\??\\C:\\x", u"\\\\\\.\\x", u"\\\\server\\PIPE",
+          u"\\\\server\\pipe\\x", u"//server/Pipe. /x", u"\\\\server\\\\pipe\\x", u"\\\\server\\mailslot\\x",
+          u"\\\\server\\IPC$\\x", u"\\\\.server\\share"}) {
+        EXPECT_TRUE(IsDevicePath(tcDevice)) << Ascii(tcDevice);
+    }
+    for (const WCHAR* tcPath : {u"", u"\\", u"\\pipe", u"C:\\pipe\\x", u"pipe\\x", u"\\\\server\\share\\pipe",
+                                u"\\\\server\\pipes", u"\\\\pipe\\x", u"\\\\server"}) {
+        EXPECT_FALSE(IsDevicePath(tcPath)) << Ascii(tcPath);
+    }
 }

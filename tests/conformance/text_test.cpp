@@ -82,4 +82,18 @@ TEST_F(TextConformance, WideTextBecomesAnsi)
                       3, 64),
               "3 a?b#"); /* not in the code page */
     EXPECT_EQ(convert(TEXT("a"), 1, 64), "1 a#");
+    EXPECT_EQ(convert(TEXT("\uFF02\u2216\u0101"), 3, 64), "3 \"\\a#"); /* the nearest that it holds */
+}
+
+/* Every character of 16 bits becomes what the system makes of it: a sum over all of them. */
+TEST_F(TextConformance, EveryCharacterBecomesTheSameByte)
+{
+    unsigned ulSum = 0;
+    for (unsigned c = 1; c < 0xE000; c++) {
+        const WCHAR wcOne = static_cast<WCHAR>(c < 0xD800 ? c : c + 0x2000);
+        char cOut[4] = "";
+        ASSERT_EQ(WideCharToMultiByte(CP_ACP, 0, &wcOne, 1, cOut, 4, nullptr, nullptr), 1) << c;
+        ulSum = ulSum * 31 + static_cast<unsigned char>(cOut[0]);
+    }
+    EXPECT_EQ(ulSum, 0x7B3D3F36u);
 }

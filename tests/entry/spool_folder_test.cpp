@@ -93,7 +93,10 @@ TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
     };
     for (const Value& row : {Value{"no NUL", REG_SZ, {'D', 0, ':', 0}}, Value{"empty", REG_SZ, {0, 0}},
                              Value{"no bytes", REG_SZ, {}}, Value{"a number", REG_DWORD, {'D', 0, 0, 0}},
-                             Value{"longer than a path", REG_SZ, Bytes(700, 'x')}}) {
+                             Value{"longer than a path", REG_SZ, Bytes(700, 'x')},
+                             Value{"of the current folder", REG_SZ, {'D', 0, ':', 0, 's', 0, 0, 0}},
+                             Value{"a share", REG_SZ, {'\\', 0, '\\', 0, 's', 0, '\\', 0, 'x', 0, 0, 0}},
+                             Value{"above", REG_SZ, {'D', 0, ':', 0, '\\', 0, '.', 0, '.', 0, 0, 0}}}) {
         Add("K100", {u"Ostra K100"});
         SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", row.dwType, row.bytes);
         EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "") << row.cWhat;
@@ -103,8 +106,8 @@ TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
     EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "");
     Add("K100", {u"Ostra K100"});
     SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", REG_SZ,
-                    {'D', 0, 0, 0, 'q', 0, 'q', 0}); /* more behind its NUL */
-    EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "D");
+                    {'D', 0, ':', 0, '\\', 0, 0, 0, 'q', 0, 'q', 0}); /* more behind its NUL */
+    EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "D:\\");
 
     /* The caller's string stays as it is. */
     Add("K100", {u"P"});

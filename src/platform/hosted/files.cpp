@@ -38,11 +38,16 @@ bool IsSeparator(char16_t character)
     return character == u'\\' || character == u'/';
 }
 
-/* Device names are taken in any folder and with any extension. None of them can be opened here. */
-bool IsDeviceName(std::u16string_view wcName)
+std::u16string_view WithoutExtension(std::u16string_view wcName)
 {
     wcName = wcName.substr(0, wcName.find(u'.'));
-    wcName = wcName.substr(0, wcName.find_last_not_of(u' ') + 1);
+    return wcName.substr(0, wcName.find_last_not_of(u' ') + 1);
+}
+
+/* Device names are taken in any folder and with any extension. Only the null device can be opened here. */
+bool IsDeviceName(std::u16string_view wcName)
+{
+    wcName = WithoutExtension(wcName);
     if (wcName.size() == 4 && wcName[3] >= u'1' && wcName[3] <= u'9') {
         return SameName(wcName.substr(0, 3), u"COM") || SameName(wcName.substr(0, 3), u"LPT");
     }
@@ -145,6 +150,7 @@ DWORD DataAccess(DWORD dwAccess)
     DWORD dwData = dwAccess & (FILE_READ_DATA | FILE_WRITE_DATA);
     dwData |= dwAccess & (GENERIC_READ | GENERIC_ALL) ? FILE_READ_DATA : 0;
     dwData |= dwAccess & (GENERIC_WRITE | GENERIC_ALL) ? FILE_WRITE_DATA : 0;
+    dwData |= dwAccess & (DELETE | GENERIC_ALL) ? DELETE_DATA : 0;
     return dwData;
 }
 
@@ -172,12 +178,16 @@ HANDLE KeepFile(const OpenFile& opened)
 }
 
 /* Opens or makes the file. Result: the descriptor, or -1 with the last error set. */
-int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWORD dwAttributes, bool* pbMade)
+int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, DWORD dwData, DWORD dwAttributes, bool* pbMade)
 {
     bool bMakes = dwDisposition != OPEN_EXISTING && dwDisposition != TRUNCATE_EXISTING;
+    bool bLink = (dwAttributes & FILE_FLAG_OPEN_REPARSE_POINT) != 0;
     /* What the system opens of a link by this flag, the link itself, cannot be read or written here. */
-    int nFlags = (bWrites ? O_RDWR : O_RDONLY) | O_CLOEXEC |
-                 (dwAttributes & FILE_FLAG_OPEN_REPARSE_POINT ? O_NOFOLLOW : 0);
+    bool bOnlyNamed = bLink && !bMakes && !(dwData & (FILE_READ_DATA | FILE_WRITE_DATA));
+    int nFlags = (bOnlyNamed                 ? O_PATH
+                  : dwData & FILE_WRITE_DATA ? O_RDWR
+                                             : O_RDONLY) |
+                 O_CLOEXEC | (bLink ? O_NOFOLLOW : 0);
     *pbMade = false;
     if (dwDisposition != CREATE_NEW) {
         int nDescriptor = open(path.host.c_str(), nFlags);
@@ -202,10 +212,11 @@ int OpenOnHost(const ResolvedPath& path, DWORD dwDisposition, bool bWrites, DWOR
 }
 
 /* What forbids this opening of a file that is there: 0 or an error. */
-DWORD OpeningError(const struct stat& there, const ResolvedPath& path, DWORD dwData, DWORD dwShare)
+DWORD OpeningError(const struct stat& there, const ResolvedPath& path, DWORD dwData, DWORD dwShare,
+                   DWORD dwAttributes)
 {
     if (S_ISDIR(there.st_mode)) {
-        return ERROR_ACCESS_DENIED;
+        return dwAttributes & FILE_FLAG_BACKUP_SEMANTICS && !dwData ? 0 : ERROR_ACCESS_DENIED;
     }
     if (path.bNeedFolder) {
         return ERROR_INVALID_NAME;
@@ -232,6 +243,7 @@ ResolvedPath Resolve(std::u16string_view wcPath)
         resolved.dwError = ResolveNames(wcPath, &names, &resolved.bNeedFolder);
     }
     if (resolved.dwError) {
+        resolved.bNul = !names.empty() && SameName(WithoutExtension(names.back()), u"NUL");
         return resolved;
     }
     for (std::u16string_view wcName : names) {
@@ -255,6 +267,17 @@ OpenFile* FindFile(HANDLE hFile)
     }
     OpenFile* pFile = &files().open[nSlot];
     return pFile->nDescriptor >= 0 && HandleOf(nSlot, pFile->ulSerial) == hFile ? pFile : nullptr;
+}
+
+OpenFile* FindSameFile(const OpenFile& file)
+{
+    for (OpenFile& other : files().open) {
+        if (&other != &file && other.nDescriptor >= 0 && other.ulNode == file.ulNode &&
+            other.ulDevice == file.ulDevice) {
+            return &other;
+        }
+    }
+    return nullptr;
 }
 
 bool IsHeld(const struct stat& file)
@@ -349,6 +372,10 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
 {
     FAILS(CreateFileW);
     ResolvedPath path = Resolve(tcPath);
+    if (path.bNul && dwDisposition == OPEN_EXISTING) {
+        path.host = "/dev/null";
+        path.dwError = 0;
+    }
     bool bEmpties = dwDisposition == CREATE_ALWAYS || dwDisposition == TRUNCATE_EXISTING;
     DWORD dwData = DataAccess(dwAccess);
     bool bBadCall = dwDisposition < CREATE_NEW || dwDisposition > TRUNCATE_EXISTING ||
@@ -362,16 +389,16 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
     if (bEmpties || dwData & FILE_WRITE_DATA) {
         LogBefore(path.host);
     }
-    opened.nDescriptor =
-        OpenOnHost(path, dwDisposition, bEmpties || dwData & FILE_WRITE_DATA, dwAttributes, &bMade);
+    /* Emptying a file is writing it, whatever access was asked for. */
+    DWORD dwUse = dwData | (bEmpties ? FILE_WRITE_DATA : 0);
+    opened.nDescriptor = OpenOnHost(path, dwDisposition, dwUse, dwAttributes, &bMade);
     if (opened.nDescriptor < 0) {
         return INVALID_HANDLE_VALUE;
     }
     struct stat there = {};
     DWORD dwError = fstat(opened.nDescriptor, &there) == 0 ? 0 : ERROR_GEN_FAILURE;
     if (!dwError && !bMade) {
-        /* Emptying a file is writing it, whatever access was asked for. */
-        dwError = OpeningError(there, path, dwData | (bEmpties ? FILE_WRITE_DATA : 0), dwShare);
+        dwError = OpeningError(there, path, dwUse, dwShare, dwAttributes);
     }
     if (!dwError && !bMade && bEmpties && ftruncate(opened.nDescriptor, 0) != 0) {
         dwError = ERROR_GEN_FAILURE;
@@ -474,26 +501,12 @@ BOOL WINAPI GetFileSizeEx(HANDLE hFile, PLARGE_INTEGER plSize)
     return 1;
 }
 
-DWORD WINAPI GetFileType(HANDLE hFile)
-{
-    FAILS(GetFileType);
-    OpenFile* pFile = FindFile(hFile);
-    struct stat there = {};
-    if (!pFile || fstat(pFile->nDescriptor, &there) != 0) {
-        Refuse(ERROR_INVALID_HANDLE);
-        return 0;
-    }
-    SetHostedError(ERROR_SUCCESS);
-    return S_ISREG(there.st_mode) ? FILE_TYPE_DISK : S_ISCHR(there.st_mode) ? FILE_TYPE_CHAR : FILE_TYPE_PIPE;
-}
-
 BOOL WINAPI CloseHandle(HANDLE hObject)
 {
     std::lock_guard held(machineLock);
     int bFails = CallFails(CALL_CloseHandle); /* a close that fails still closes, else the fault would leak */
     if (OpenFile* pFile = FindFile(hObject)) {
-        close(pFile->nDescriptor);
-        pFile->nDescriptor = -1;
+        CloseOpenFile(pFile);
         liveCounts.nFiles--;
         return !bFails;
     }

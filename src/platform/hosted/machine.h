@@ -72,6 +72,7 @@ struct PrinterSetup {
     WideText wcComment, wcLocation;
     WideText wcPrintProcessor = u"winprint";
     Bytes devmode; /* the stored default record; empty: none */
+    int nSecurityWrites = 0; /* how often SetPrinterW was given a security descriptor */
 };
 void AddPrinter(const PrinterSetup& setup); /* replaces a printer of that name */
 void SetPrinterValue(std::u16string_view wcPrinter, std::u16string_view wcValue, DWORD dwType,
@@ -112,6 +113,8 @@ void SetPrintProcessors(const std::vector<std::string>& processors);
 const std::vector<std::string>& AnnouncedPrinters();
 void DenyPrinterAccess(DWORD dwAccess,
                        DWORD dwError); /* OpenPrinterW asking for dwAccess fails so; 0 lifts all */
+/* Called within SetPrinterW, as the system's spooler calls the driver back there; null: nothing is. */
+void SetSpoolerCallback(void (*fnCallback)());
 /* What OpenPrinterW was asked, as "name|access". */
 const std::vector<std::string>& OpenedPrinters();
 

@@ -8,11 +8,13 @@
 
 constexpr DWORD FILE_READ_DATA = 1;
 constexpr DWORD FILE_WRITE_DATA = 2;
+constexpr DWORD DELETE_DATA = FILE_SHARE_DELETE; /* stands for DELETE: the bit by which it is shared */
 constexpr DWORD ERROR_NOACCESS = 998;
 
 struct ResolvedPath {
     DWORD dwError = 0;        /* why the path cannot be one */
     bool bNeedFolder = false; /* ends in a separator */
+    bool bNul = false;        /* the null device, which can only be opened */
     std::string host;
 };
 ResolvedPath Resolve(std::u16string_view wcPath);
@@ -23,13 +25,20 @@ struct OpenFile {
     u32 ulSerial = 0;     /* of the handle, so that a closed one never lives again */
     u64 ulDevice = 0;
     u64 ulNode = 0;
-    DWORD dwAccess = 0; /* FILE_READ_DATA, FILE_WRITE_DATA */
+    DWORD dwAccess = 0; /* FILE_READ_DATA, FILE_WRITE_DATA, DELETE_DATA */
     DWORD dwShare = 0;
     i64 lPosition = 0;
+    bool bDeletes = false; /* its file goes when the last handle on it is closed */
 };
 
 /* The open file of a handle, or null. */
 OpenFile* FindFile(HANDLE hFile);
+
+/* Closes the descriptor of an open file. One that is to be deleted goes, or goes with the last handle on it. */
+void CloseOpenFile(OpenFile* pFile);
+
+/* Other open file of the same node, or null. */
+OpenFile* FindSameFile(const OpenFile& file);
 
 /* 1 when somebody has the file open without sharing its deletion. */
 bool IsHeld(const struct stat& file);

@@ -334,6 +334,7 @@ BOOL WINAPI GetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pOut, DWORD cbOut
     info.pLocation = layout.Put(pPrinter->setup.wcLocation);
     info.pPrintProcessor = layout.Put(pPrinter->setup.wcPrintProcessor);
     info.pDatatype = layout.Put(u"RAW");
+    info.pSecurityDescriptor = layout.Put(u"descriptor");
     info.pDevMode = layout.PutRecord(pPrinter->setup.devmode);
     *pcbNeeded = layout.Needed();
     if (!layout.Fits() || Lies(CALL_GetPrinterW, LIE_HUGE)) {
@@ -515,6 +516,8 @@ BOOL WINAPI SetPrinterW(HANDLE hPrinter, DWORD dwLevel, LPBYTE pInfo, DWORD dwCo
     setup.wcComment = text(info.pComment);
     setup.wcLocation = text(info.pLocation);
     setup.wcPrintProcessor = wcProcessor;
+    setup.nSecurityWrites += info.pSecurityDescriptor != nullptr;
+    CallDriverBack();
     if (info.pDevMode) {
         const u8* pRecord = reinterpret_cast<const u8*>(info.pDevMode);
         u16 usSize, usExtra; /* dmSize and dmDriverExtra */

@@ -49,6 +49,9 @@ u16 HostedUserLanguage();
 /* The folder below which the machine's files lie. */
 extern std::filesystem::path machineRoot;
 
+/* Runs what SetSpoolerCallback set. */
+void CallDriverBack();
+
 /* Keeps the name that the spooler's routine 204 was told. */
 void AnnouncePrinter(LPCWSTR wcName);
 

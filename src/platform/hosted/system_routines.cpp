@@ -6,6 +6,8 @@
 
 namespace {
 
+void (*fnSpoolerCallback)() = nullptr;
+
 std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
 std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
@@ -18,6 +20,18 @@ BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
 }
 
 } // namespace
+
+void SetSpoolerCallback(void (*fnCallback)())
+{
+    fnSpoolerCallback = fnCallback;
+}
+
+void CallDriverBack()
+{
+    if (fnSpoolerCallback) {
+        fnSpoolerCallback();
+    }
+}
 
 void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine)
 {

@@ -1,5 +1,6 @@
 /* Stand-ins for code pages and case. Code page 1252 in full, 65001 (UTF-8), and of 932 the part that tests
    of two-byte text need: ASCII, half-width katakana and hiragana. */
+#include "platform/hosted/best_fit.h"
 #include "platform/hosted/standin.h"
 
 namespace {
@@ -95,6 +96,16 @@ u32 NextCode(std::u16string_view wcText, size_t* pAt)
         ulCode = 0x10000 + ((ulCode & 0x3FF) << 10) + (wcText[(*pAt)++] & 0x3FFu);
     }
     return ulCode;
+}
+
+/* The nearest byte that code page 1252 has for a character that it does not hold. */
+char BestFit(u32 ulCode)
+{
+    if (ulCode >= 0xFF01 && ulCode <= 0xFF5E) {
+        return static_cast<char>(ulCode - 0xFF01 + '!');
+    }
+    size_t nAt = ulCode <= 0xFFFF ? wcBestFitFrom.find(static_cast<char16_t>(ulCode)) : wcBestFitFrom.npos;
+    return nAt == wcBestFitFrom.npos ? '?' : cBestFitTo[nAt];
 }
 
 } // namespace
@@ -309,7 +320,9 @@ std::string ToCodePage(std::u16string_view wcText)
             PutUtf8(&text, ulCode);
             continue;
         }
-        char cFound = ulCode < 0x80 ? static_cast<char>(ulCode) : '?';
+        char cFound = ulCode < 0x80              ? static_cast<char>(ulCode)
+                      : uMachineCodePage == 1252 ? BestFit(ulCode)
+                                                 : '?';
         for (int i = 0x80; uMachineCodePage == 1252 && ulCode >= 0x80 && i < 0x100; i++) {
             if ((i < 0xA0 ? awcUpperControls[i - 0x80] : static_cast<unsigned>(i)) == ulCode) {
                 cFound = static_cast<char>(i);
