@@ -28,7 +28,8 @@ struct VersionCalls {
         FindRoutine<decltype(&GetFileVersionInfoSizeW)>(hLibrary, "GetFileVersionInfoSizeW");
     decltype(&GetFileVersionInfoW) fnGetBlock =
         FindRoutine<decltype(&GetFileVersionInfoW)>(hLibrary, "GetFileVersionInfoW");
-    decltype(&VerQueryValueW) fnFindValue = FindRoutine<decltype(&VerQueryValueW)>(hLibrary, "VerQueryValueW");
+    decltype(&VerQueryValueW) fnFindValue =
+        FindRoutine<decltype(&VerQueryValueW)>(hLibrary, "VerQueryValueW");
 };
 
 struct VersionBlock {
@@ -92,7 +93,8 @@ int ReadVersionText(const WCHAR* tcPath, WCHAR* wcVersion)
     if (cb < sizeof(u16) || cb > LARGEST_VERSION) {
         return 0;
     }
-    VersionBlock block = {calls.fnFindValue, OwnedBlock<u8>(static_cast<u8*>(AllocateBlock(cb + ZERO_TAIL))), cb};
+    VersionBlock block = {calls.fnFindValue, OwnedBlock<u8>(static_cast<u8*>(AllocateBlock(cb + ZERO_TAIL))),
+                          cb};
     if (!block.pBytes || !calls.fnGetBlock(tcPath, 0, cb, block.pBytes.get())) {
         return 0;
     }

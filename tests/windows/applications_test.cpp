@@ -69,7 +69,8 @@ class Applications : public ::testing::TestWithParam<std::string> {
                   PathFromEnvironment("TQUI_FULL_SIZE_LIBRARY"))
     {
         EXPECT_TRUE(SetDefaultPrinterW(printer.Name()));
-        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (GetParam() + ".default"), std::ios::binary);
+        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (GetParam() + ".default"),
+                           std::ios::binary);
         hosted = Record{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
@@ -78,9 +79,12 @@ class Applications : public ::testing::TestWithParam<std::string> {
     {
         constexpr std::ptrdiff_t NAME_BYTES = 64;
         ASSERT_EQ(hosted.size(), record.size()) << cWhere;
-        const auto found = std::mismatch(record.begin() + NAME_BYTES, record.end(), hosted.begin() + NAME_BYTES);
-        EXPECT_EQ(found.first - record.begin(), record.end() - record.begin()) << cWhere << ": first byte that differs";
-        EXPECT_EQ(std::wstring(Public(record)->dmDeviceName), std::wstring(printer.Name()).substr(0, 31)) << cWhere;
+        const auto found =
+            std::mismatch(record.begin() + NAME_BYTES, record.end(), hosted.begin() + NAME_BYTES);
+        EXPECT_EQ(found.first - record.begin(), record.end() - record.begin())
+            << cWhere << ": first byte that differs";
+        EXPECT_EQ(std::wstring(Public(record)->dmDeviceName), std::wstring(printer.Name()).substr(0, 31))
+            << cWhere;
     }
 
     fs::path tcPackage;
@@ -96,8 +100,8 @@ TEST_P(Applications, GetTheDefaultRecordFromEveryCommonDialog)
     std::vector<BYTE> block(32768);
     DWORD cb = 0;
     ASSERT_TRUE(GetPrinterW(printer.Handle(), 2, block.data(), static_cast<DWORD>(block.size()), &cb));
-    const auto* pStored =
-        reinterpret_cast<const unsigned char*>(reinterpret_cast<const PRINTER_INFO_2W*>(block.data())->pDevMode);
+    const auto* pStored = reinterpret_cast<const unsigned char*>(
+        reinterpret_cast<const PRINTER_INFO_2W*>(block.data())->pDevMode);
     ASSERT_TRUE(pStored);
     ExpectDefault(Record(pStored, pStored + sizeof(DriverDevmode)), "stored by the installation");
 
@@ -119,7 +123,8 @@ TEST_P(Applications, GetTheDefaultRecordFromEveryCommonDialog)
     /* What the record says is among what the printer says that it can. */
     const std::vector<WORD> codes = PaperCodes(printer);
     EXPECT_TRUE(std::ranges::count(codes, static_cast<WORD>(Public(record)->dmPaperSize)));
-    EXPECT_EQ(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_SIZE, nullptr, nullptr), Public(record)->dmSize);
+    EXPECT_EQ(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_SIZE, nullptr, nullptr),
+              Public(record)->dmSize);
     EXPECT_EQ(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_EXTRA, nullptr, nullptr),
               Public(record)->dmDriverExtra);
     EXPECT_EQ(static_cast<DWORD>(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_FIELDS, nullptr, nullptr)) &
@@ -141,11 +146,13 @@ TEST_P(Applications, KeepTheirChoicesThroughDialogContextAndDocument)
     Record kept = TakeRecord(print.hDevMode);
     GlobalFree(print.hDevNames);
     EXPECT_EQ(Public(kept)->dmCopies, 123);
-    EXPECT_EQ(std::memcmp(kept.data() + PUBLIC_BYTES, chosen.data() + PUBLIC_BYTES, kept.size() - PUBLIC_BYTES), 0);
+    EXPECT_EQ(
+        std::memcmp(kept.data() + PUBLIC_BYTES, chosen.data() + PUBLIC_BYTES, kept.size() - PUBLIC_BYTES), 0);
 
     const HDC hContext = CreateDCW(L"WINSPOOL", printer.Name(), nullptr, Public(kept));
     ASSERT_TRUE(hContext);
-    const int nWidth = GetDeviceCaps(hContext, PHYSICALWIDTH), nHeight = GetDeviceCaps(hContext, PHYSICALHEIGHT);
+    const int nWidth = GetDeviceCaps(hContext, PHYSICALWIDTH),
+              nHeight = GetDeviceCaps(hContext, PHYSICALHEIGHT);
     EXPECT_LT(nWidth, nHeight);
     Public(kept)->dmOrientation = DMORIENT_LANDSCAPE;
     EXPECT_EQ(ResetDCW(hContext, Public(kept)), hContext);

@@ -29,8 +29,8 @@ extern "C" LONG WINAPI FullSize_DrvDocumentPropertySheets(void* pInfo, LPARAM lP
 {
     static const auto fnOriginal = reinterpret_cast<LONG(WINAPI*)(void*, LPARAM)>(
         reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"TQUITEST.dll"), "DrvDocumentPropertySheets")));
-    auto* pHeader = reinterpret_cast<PropertyHeader*>(
-        pInfo ? static_cast<SheetInformation*>(pInfo)->lParamInit : lParam);
+    auto* pHeader =
+        reinterpret_cast<PropertyHeader*>(pInfo ? static_cast<SheetInformation*>(pInfo)->lParamInit : lParam);
     if (pHeader && pHeader->fMode && pHeader->pOut) {
         pHeader->cbOut = RECORD_BYTES;
     }

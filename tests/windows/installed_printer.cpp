@@ -63,8 +63,8 @@ void InstalledPrinter::Install(const InfModel& model, const fs::path& tcPackage,
         m_copied.push_back(tcTo);
     }
     if (!model.processorFiles.empty()) {
-        if (!GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder), sizeof tcFolder,
-                                         &cbNeeded)) {
+        if (!GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder),
+                                         sizeof tcFolder, &cbNeeded)) {
             Fail("GetPrintProcessorDirectoryW");
         }
         fs::create_directories(tcFolder);

@@ -50,7 +50,8 @@ DWORD ExitCodeOf(const std::wstring& wcArguments)
     start.cb = sizeof start;
     PROCESS_INFORMATION process = {};
     DWORD dwCode = 0xFFFFFFFF;
-    if (CreateProcessW(nullptr, wcCommand.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) {
+    if (CreateProcessW(nullptr, wcCommand.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                       &process)) {
         WaitForSingleObject(process.hProcess, 30000);
         GetExitCodeProcess(process.hProcess, &dwCode);
         CloseHandle(process.hThread);

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr DWORD SHADOW_STACK_COMPATIBLE = 1; /* IMAGE_DLLCHARACTERISTICS_EX_CET_COMPAT */
+constexpr DWORD SHADOW_STACK_COMPATIBLE = 1;   /* IMAGE_DLLCHARACTERISTICS_EX_CET_COMPAT */
 constexpr DWORD EXTENDED_CHARACTERISTICS = 20; /* IMAGE_DEBUG_TYPE_EX_DLLCHARACTERISTICS */
 
 struct LoaderTables {
@@ -17,7 +17,8 @@ struct LoaderTables {
 };
 static_assert(sizeof(IMAGE_LOAD_CONFIG_DIRECTORY64) == 112 && sizeof(IMAGE_DEBUG_DIRECTORY) == 28);
 static_assert(offsetof(IMAGE_LOAD_CONFIG_DIRECTORY64, Reserved1) == 78);
-static_assert(offsetof(LoaderTables, characteristics) == 112 && offsetof(LoaderTables, dwCharacteristics) == 140);
+static_assert(offsetof(LoaderTables, characteristics) == 112 &&
+              offsetof(LoaderTables, dwCharacteristics) == 140);
 
 /* The imported libraries are looked for in the system's folder alone: the flags stand in the word that older headers
    call reserved. And no function of ours leaves by another way than its caller's, so the system may keep the return
