@@ -1,15 +1,16 @@
 /* What applications see of a printer: the system's common dialogs, device contexts and documents, over a spooler that
    tells the driver the room for a whole record (full_size_library.cpp). */
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 
 #include <gtest/gtest.h>
 
-#include <commdlg.h>
-
 #include "installed_printer.h"
 #include "settings/driver_devmode.h"
+
+#include <commdlg.h> /* needs the system's header in front */
 
 namespace fs = std::filesystem;
 
