@@ -2,6 +2,7 @@
 #include "entry/exports.h"
 #include "entry/thread_store.h"
 #include "platform/process.h"
+#include "platform/stack_guard.h"
 
 namespace {
 HINSTANCE hOwnModule;
@@ -12,10 +13,11 @@ HINSTANCE GetOwnModule()
     return hOwnModule;
 }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pProcessEnds)
+extern "C" UNGUARDED BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pProcessEnds)
 {
     switch (dwReason) {
     case DLL_PROCESS_ATTACH:
+        SetStackGuard();
         hOwnModule = hModule;
         OpenThreadStores();
         return 1;

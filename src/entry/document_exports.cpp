@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "base/system_library.h"
 #include "description/driver_files.h"
 #include "entry/connection.h"
 #include "entry/thread_store.h"
@@ -43,13 +44,10 @@ template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arg
         return 0;
     }
     OwnedModule hSpooler(LoadLibraryExW(TEXT("WINSPOOL.DRV"), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-    FARPROC fnFound = hSpooler ? GetProcAddress(hSpooler.get(), cName) : nullptr;
-    if (!fnFound) {
+    const Routine fnRoutine = FindRoutine<Routine>(hSpooler, cName);
+    if (!fnRoutine) {
         return 0;
     }
-    Routine fnRoutine;
-    static_assert(sizeof fnRoutine == sizeof fnFound);
-    std::memcpy(&fnRoutine, &fnFound, sizeof fnRoutine);
     pStore->bForwarding = 1;
     BOOL bResult = fnRoutine(arguments...);
     pStore->bForwarding = 0;

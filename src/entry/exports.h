@@ -24,7 +24,8 @@ DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, LPWSTR pDeviceName, WORD iDe
 /* The sheet of a document's settings.
    pPSUIInfo   IO  a PROPSHEETUI_INFO, or null: the header is then lParam, else its lParamInit
    With fMode 0 or no pdmOut tells the size of the record, also in cbOut. Without sheet information carries out
-   MergeDocumentSettings and gives 1 whatever came of it. With it and DM_IN_PROMPT: at the start pdmOut gets the record
+   MergeDocumentSettings and gives 1 whatever came of it; a header without a printer handle stands for the printer of
+   its name, as the system asks for the first record while a printer is being installed. With it and DM_IN_PROMPT: at the start pdmOut gets the record
    to edit, made of pdmIn as far as that is good, and pages are added; pdmOut holds what is applied from then on, and
    both live until the end. cbOut is not looked at. Result: what the host's Result is at the start, 1 at the end and for
    every other reason; 0 without a header. */

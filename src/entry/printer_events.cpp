@@ -1,6 +1,7 @@
 /* What the spooler tells of a printer that comes or goes: a printer is set up once, when it is made, so that later
    calls find all they need with it. Every step that fails is passed over, but for three that an installation cannot
    do without: the printer, memory, and the value that names the rendering half's user mode driver. */
+#include "base/system_library.h"
 #include "base/wide.h"
 #include "description/driver_files.h"
 #include "description/printer_store.h"
@@ -14,7 +15,6 @@
 #include "entry/printer_driver_section.h"
 #include "entry/settings_file.h"
 #include "entry/started_program.h"
-#include "platform/resources.h"
 #include "settings/defaults.h"
 
 namespace {
@@ -88,18 +88,23 @@ int OnInitialize(const WCHAR* wcPrinterName)
     return 1;
 }
 
-/* Calls the spooler's routine with the printer's name; what it gives is not looked at. It is looked up here, since an
-   import by number alone would keep the library from loading wherever it is missing. */
+/* Calls the spooler's routine with the printer's name, without the tail of a printer that this computer shares with
+   itself; what it gives is not looked at. It is looked up here, since an import by number alone would keep the library
+   from loading wherever it is missing. */
 void TellSpooler(const WCHAR* wcPrinterName)
 {
-    if (!wcPrinterName) {
+    WCHAR wcName[PATH_CHARS];
+    if (!wcPrinterName || !CopyWideWhole(wcName, PATH_CHARS, wcPrinterName)) {
         return;
     }
+    if (const WCHAR* wcTail = FindWide(BehindLast(wcName, '\\'), TEXT(",Local"))) {
+        wcName[wcTail - wcName] = 0;
+    }
     OwnedModule hSpooler(LoadLibraryExW(TEXT("WINSPOOL.DRV"), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-    FARPROC fnRoutine =
-        hSpooler ? GetProcAddress(hSpooler.get(), reinterpret_cast<LPCSTR>(SPOOLER_ROUTINE)) : nullptr;
+    const auto fnRoutine =
+        FindRoutine<BOOL(WINAPI*)(LPCWSTR)>(hSpooler, reinterpret_cast<LPCSTR>(SPOOLER_ROUTINE));
     if (fnRoutine) {
-        reinterpret_cast<BOOL(WINAPI*)(LPCWSTR)>(reinterpret_cast<void (*)()>(fnRoutine))(wcPrinterName);
+        fnRoutine(wcName);
     }
 }
 

@@ -27,6 +27,7 @@
     X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
+    X(UINT, GetSystemDirectoryW, (LPWSTR, UINT), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
 
 #define FILE_CALLS(X) \
@@ -86,6 +87,8 @@
     X(BOOL, FreeLibrary, (HMODULE), 0) \
     X(int, LoadStringW, (HINSTANCE, UINT, LPWSTR, int), 0)
 
+/* Routines of version.dll. They are found by name when they are needed (base/system_library.h), so the library does
+   not import them. */
 #define VERSION_CALLS(X) \
     X(DWORD, GetFileVersionInfoSizeW, (LPCWSTR, LPDWORD), 0) \
     X(BOOL, GetFileVersionInfoW, (LPCWSTR, DWORD, DWORD, LPVOID), 0) \

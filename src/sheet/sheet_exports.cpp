@@ -131,7 +131,11 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
     }
     KeptLastError kept;
     if (!pInfo) {
-        PrinterCall call(pHeader->hPrinter);
+        OwnedPrinter hNamed;
+        if (!IsOpen(pHeader->hPrinter) && pHeader->pszPrinterName) {
+            hNamed = OpenPrinterByName(pHeader->pszPrinterName);
+        }
+        PrinterCall call(hNamed ? hNamed.get() : pHeader->hPrinter);
         MergeDocumentSettings(call, *pHeader);
         return 1;
     }

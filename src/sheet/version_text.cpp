@@ -6,6 +6,7 @@
 
 #include "base/format.h"
 #include "base/owned.h"
+#include "base/system_library.h"
 #include "platform/version.h"
 
 namespace {
@@ -19,7 +20,20 @@ struct Translation {
     u16 usLanguage, usCodePage;
 };
 
+/* The system's routines, in a library that is loaded for one reading: it is no part of the import table, where the
+   host's folder would come before the system's. */
+struct VersionCalls {
+    OwnedModule hLibrary = OpenSystemLibrary(TEXT("version.dll"));
+    decltype(&GetFileVersionInfoSizeW) fnGetSize =
+        FindRoutine<decltype(&GetFileVersionInfoSizeW)>(hLibrary, "GetFileVersionInfoSizeW");
+    decltype(&GetFileVersionInfoW) fnGetBlock =
+        FindRoutine<decltype(&GetFileVersionInfoW)>(hLibrary, "GetFileVersionInfoW");
+    decltype(&VerQueryValueW) fnFindValue =
+        FindRoutine<decltype(&VerQueryValueW)>(hLibrary, "VerQueryValueW");
+};
+
 struct VersionBlock {
+    decltype(&VerQueryValueW) fnFindValue;
     OwnedBlock<u8> pBytes;
     u32 cb; /* without the tail */
 };
@@ -29,7 +43,7 @@ const u8* FindValue(const VersionBlock& block, const WCHAR* wcName, u32 cbLeast,
 {
     void* pValue = nullptr;
     UINT nUnits = 0;
-    if (!VerQueryValueW(block.pBytes.get(), wcName, &pValue, &nUnits) || !pValue || !nUnits) {
+    if (!block.fnFindValue(block.pBytes.get(), wcName, &pValue, &nUnits) || !pValue || !nUnits) {
         return nullptr;
     }
     std::uintptr_t ulAt = reinterpret_cast<std::uintptr_t>(pValue);
@@ -70,13 +84,18 @@ int FindText(const VersionBlock& block, Translation translation, WCHAR* wcVersio
 int ReadVersionText(const WCHAR* tcPath, WCHAR* wcVersion)
 {
     wcVersion[0] = 0;
+    const VersionCalls calls;
+    if (!calls.fnGetSize || !calls.fnGetBlock || !calls.fnFindValue) {
+        return 0;
+    }
     DWORD dwHandle = 0;
-    u32 cb = GetFileVersionInfoSizeW(tcPath, &dwHandle);
+    u32 cb = calls.fnGetSize(tcPath, &dwHandle);
     if (cb < sizeof(u16) || cb > LARGEST_VERSION) {
         return 0;
     }
-    VersionBlock block = {OwnedBlock<u8>(static_cast<u8*>(AllocateBlock(cb + ZERO_TAIL))), cb};
-    if (!block.pBytes || !GetFileVersionInfoW(tcPath, 0, cb, block.pBytes.get())) {
+    VersionBlock block = {calls.fnFindValue, OwnedBlock<u8>(static_cast<u8*>(AllocateBlock(cb + ZERO_TAIL))),
+                          cb};
+    if (!block.pBytes || !calls.fnGetBlock(tcPath, 0, cb, block.pBytes.get())) {
         return 0;
     }
     u32 cbValue;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr DWORD AS_DATA = LOAD_LIBRARY_AS_DATAFILE;
 constexpr DWORD AS_IMAGE = LOAD_LIBRARY_AS_IMAGE_RESOURCE;
+constexpr DWORD TO_BE_RUN = LOAD_LIBRARY_SEARCH_SYSTEM32;
 
 constexpr WCHAR FILLER = 0x2588; /* in no text of the libraries */
 
@@ -222,6 +223,27 @@ TEST_F(Resources, EachLoadIsFreedOnce)
     if (hFirst != hSecond) {
         EXPECT_FALSE(FreeLibrary(hFirst));
     }
+}
+
+TEST_F(Resources, SystemLibrariesAreLoadedByTheirFullPathToBeRun)
+{
+    WideString tcSystem(300, FILLER), tcShort(300, FILLER);
+    const UINT cch = GetSystemDirectoryW(tcSystem.data(), 300);
+    ASSERT_GT(cch, 3u);
+    ASSERT_LT(cch, 260u);
+    EXPECT_EQ(tcSystem[cch], 0);
+    EXPECT_EQ(GetSystemDirectoryW(tcShort.data(), cch), cch + 1) << "what is needed";
+    EXPECT_EQ(tcShort[cch], FILLER);
+    tcSystem.resize(cch);
+    const HMODULE hVersion = LoadLibraryExW((tcSystem + TEXT("\\version.dll")).c_str(), nullptr, TO_BE_RUN);
+    ASSERT_TRUE(hVersion);
+    EXPECT_TRUE(GetProcAddress(hVersion, "VerQueryValueW"));
+    EXPECT_FALSE(GetProcAddress(hVersion, "VerQueryValue"));
+    EXPECT_TRUE(FreeLibrary(hVersion));
+    EXPECT_FALSE(LoadLibraryExW((tcSystem + TEXT("\\tqnone.dll")).c_str(), nullptr, TO_BE_RUN));
+    const WideString tcPlanted = TestFolder() + TEXT("\\version.dll");
+    PutTestFile(tcPlanted, std::string("no library"));
+    EXPECT_FALSE(LoadLibraryExW(tcPlanted.c_str(), nullptr, TO_BE_RUN));
 }
 
 } // namespace

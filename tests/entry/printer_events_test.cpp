@@ -232,6 +232,21 @@ TEST_F(PrinterEvents, OnlySettingUpCanFailAndOnlyForThreeReasons)
     }
 }
 
+TEST_F(PrinterEvents, APrintProcessorThatTheSpoolerDoesNotFindLeavesThePrinterTheOneItHad)
+{
+    InstallSample("K100");
+    std::filesystem::remove(HostPath(tcProcessorFolder + u"JOB.DLL"));
+    EXPECT_EQ(Raise(INITIALIZE), 1);
+    EXPECT_EQ(GetPrinterSetup(wcPrinter).wcPrintProcessor, u"winprint");
+    EXPECT_EQ(PrintProcessors().size(), 1u);
+    /* The spooler hears the printer's own name, and the caller's text stays. */
+    const WideText wcShared = u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly";
+    WideText wcAsked = wcShared;
+    EXPECT_EQ(DrvPrinterEvent(wcAsked.data(), INITIALIZE, 0, 0), 1);
+    EXPECT_EQ(AnnouncedPrinters().back(), "\\\\WORKPC\\" + Narrow(wcPrinter));
+    EXPECT_EQ(wcAsked, wcShared);
+}
+
 TEST_F(PrinterEvents, AnIsolatedHostThatForbidsMostStillGetsItsDigest)
 {
     InstallSample("K100");

@@ -401,10 +401,24 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
         std::memcpy(static_cast<void*>(&out), pIn + nShift, sizeof out);
         EXPECT_EQ(FirstDifference(out, base), -1) << nShift;
     }
+    /* Without a handle the printer of that name is asked, as the system does before the printer is there for all. */
+    const HANDLE hOpen = hPrinter;
+    for (HANDLE hNone : {HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        hPrinter = hNone;
+        const int nOpen = CountLive().nPrinters;
+        out = Filled();
+        EXPECT_EQ(Call(nullptr, &out, COPY), 1);
+        EXPECT_EQ(FirstDifference(out, fitted), -1);
+        EXPECT_EQ(CountLive().nPrinters, nOpen);
+    }
+    hPrinter = hOpen;
     /* No printer, no description, none that can be read. */
+    const WideText wcKnown = wcPrinter;
     for (int nCase = 0; nCase < 3; nCase++) {
-        HANDLE hOpen = hPrinter;
-        hPrinter = nCase == 0 ? nullptr : hPrinter;
+        if (nCase == 0) {
+            hPrinter = nullptr;
+            wcPrinter = u"No such printer";
+        }
         if (nCase) {
             PutFile(u"C:\\drv\\qa.xpi", "");
         }
@@ -417,6 +431,7 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
             EXPECT_EQ(FirstDifference(out, Filled()), -1) << nCase;
         }
         hPrinter = hOpen;
+        wcPrinter = wcKnown;
     }
 }
 

@@ -62,6 +62,19 @@ void InstalledPrinter::Install(const InfModel& model, const fs::path& tcPackage,
         }
         m_copied.push_back(tcTo);
     }
+    if (!model.processorFiles.empty()) {
+        if (!GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder),
+                                         sizeof tcFolder, &cbNeeded)) {
+            Fail("GetPrintProcessorDirectoryW");
+        }
+        fs::create_directories(tcFolder);
+        for (const std::string& file : model.processorFiles) {
+            const fs::path tcFrom = tcPackage / file, tcTo = fs::path(tcFolder) / file;
+            if (!CopyFileW(tcFrom.c_str(), tcTo.c_str(), FALSE)) {
+                Fail("copying " + tcFrom.string());
+            }
+        }
+    }
 
     std::wstring wcDependent;
     for (const std::string& file : model.dependentFiles) {

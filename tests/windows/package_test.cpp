@@ -66,6 +66,7 @@ TEST(Package, EveryFileIsFoundByItsOwnNameAlone)
         EXPECT_TRUE(has(model.section + ".XPI")) << model.name;
         EXPECT_EQ(has(model.section + ".INI"), fs::exists(tcModels / (model.section + ".INI"))) << model.name;
         EXPECT_NE(has("TXT.DLL"), has("ENUS.DLL")) << model.name;
+        EXPECT_EQ(model.processorFiles, std::vector<std::string>(has("JOB.DLL"), "JOB.DLL")) << model.name;
     }
 }
 
@@ -111,7 +112,8 @@ TEST(InfReader, RefusesWithTheLine)
         {"Processor_Files = 66001", "Processor_Files = 66000", "66001"},
         {"\"JOB,JOB.DLL\"", "\"JOB,JOBS.DLL\"", "name,file"},
         {"\"JOB,JOB.DLL\"", "JOB.DLL", "name,file"},
-        {"Program_Files, Job_Files", "Program_Files, Processor_Files", "without a PrintProcessor"},
+        {"Job_Files, Processor_Files", "Processor_Files", "without a PrintProcessor"},
+        {"Job_Files, Processor_Files", "Job_Files", "not copied to the print processors"},
         {"Program_Files, Processor_Files", "Processor_Files", "installs other files"},
         {"[K100_Processor]", "[K101_Processor]", "nothing refers to"},
         {"Provider    = %Maker%", "Provider    = %Macher%", "[Strings] has no %Macher%"},

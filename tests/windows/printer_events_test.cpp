@@ -79,13 +79,6 @@ TEST_P(PrinterEvents, FromSettingUpToDeletion)
 {
     const fs::path tcPackage = PathFromEnvironment("TQUI_BUILT");
     const InfModel model = FindInfModel(ReadInf(tcPackage / "tqui.inf"), GetParam());
-    WCHAR tcProcessors[MAX_PATH];
-    DWORD cbFolder = 0;
-    ASSERT_TRUE(GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcProcessors),
-                                            sizeof tcProcessors, &cbFolder));
-    fs::create_directories(tcProcessors);
-    fs::copy_file(tcPackage / "JOB.DLL", fs::path(tcProcessors) / "JOB.DLL",
-                  fs::copy_options::overwrite_existing);
     const InstalledPrinter printer(model, tcPackage, PathFromEnvironment("TQUI_TEST_LIBRARY"));
     const auto raise = printer.Export<PrinterEventExport>("DrvPrinterEvent");
     LPWSTR wcName = const_cast<LPWSTR>(printer.Name());

@@ -222,6 +222,23 @@ void CheckProcessor(InfFile& inf, const InfLine& line, const std::vector<std::st
     }
 }
 
+/* Without such an entry the driver registers the processor that it finds among its own files, and the spooler then looks
+   for it in the folder of print processors: the file goes to both or to neither. */
+void CheckOwnProcessor(const InfFile& inf, const InfLine& copied, const InfModel& model)
+{
+    const std::string piece = "JOB.DLL"; /* what the driver searches for */
+    std::vector<std::string> own;
+    for (const std::string& file : AllInfFiles(model)) {
+        if (Upper(file).find(piece) != std::string::npos) {
+            own.push_back(file);
+        }
+    }
+    if (model.processorFiles != own) {
+        inf.Fail(copied.nLine, own.empty() ? PROCESSOR_LIST + " without a PrintProcessor"
+                                           : own.front() + " is not copied to the print processors");
+    }
+}
+
 InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& section, int nLine)
 {
     std::set<std::string> wanted = {"DRIVERFILE", "CONFIGFILE", "DATAFILE", "HELPFILE", "COPYFILES"};
@@ -235,8 +252,6 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
     const std::vector<std::string> lists = Split(inf, keys.at("COPYFILES"));
     if (bProcessor) {
         CheckProcessor(inf, keys.at("PRINTPROCESSOR"), lists);
-    } else if (std::ranges::count(lists, PROCESSOR_LIST)) {
-        inf.Fail(keys.at("COPYFILES").nLine, PROCESSOR_LIST + " without a PrintProcessor");
     }
     InfModel model{name,
                    section,
@@ -244,6 +259,7 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
                    Single(inf, keys.at("CONFIGFILE")),
                    Single(inf, keys.at("DATAFILE")),
                    Single(inf, keys.at("HELPFILE")),
+                   {},
                    {}};
     const std::array<std::string, 4> four = {model.driverFile, model.configFile, model.dataFile,
                                              model.helpFile};
@@ -254,11 +270,14 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
             if (file.empty() || file.find_first_of("\\/:") != std::string::npos) {
                 inf.Fail(line.nLine, "a plain file name is expected");
             }
-            if (!copied.insert(Upper(file)).second) {
+            /* What lies with the print processors is none of the driver's files. */
+            const bool bOwnFolder = list == PROCESSOR_LIST;
+            if (!copied.insert((bOwnFolder ? "\\" : "") + Upper(file)).second) {
                 inf.Fail(line.nLine, file + " is copied twice for " + name);
             }
-            /* What lies with the print processors is none of the driver's files. */
-            if (list != PROCESSOR_LIST && std::ranges::find(four, file) == four.end()) {
+            if (bOwnFolder) {
+                model.processorFiles.push_back(file);
+            } else if (std::ranges::find(four, file) == four.end()) {
                 model.dependentFiles.push_back(file);
             }
         }
@@ -267,6 +286,9 @@ InfModel ReadModel(InfFile& inf, const std::string& name, const std::string& sec
         if (!copied.contains(Upper(file))) {
             inf.Fail(inf.sectionLines[Upper(section)], file + " is not in CopyFiles");
         }
+    }
+    if (!bProcessor) {
+        CheckOwnProcessor(inf, keys.at("COPYFILES"), model);
     }
     return model;
 }
@@ -282,7 +304,9 @@ void CheckSourceFiles(InfFile& inf, const std::vector<InfModel>& models)
     }
     std::set<std::string> copied;
     for (const InfModel& model : models) {
-        for (const std::string& file : AllInfFiles(model)) {
+        std::vector<std::string> files = AllInfFiles(model);
+        files.insert(files.end(), model.processorFiles.begin(), model.processorFiles.end());
+        for (const std::string& file : files) {
             copied.insert(file);
             if (!disk.contains(file)) {
                 inf.Fail(inf.sectionLines[Upper(model.section)], file + " is not in [SourceDisksFiles]");
@@ -296,12 +320,12 @@ void CheckSourceFiles(InfFile& inf, const std::vector<InfModel>& models)
     }
 }
 
-/* The other section of a printer installs the same files but the processor's. */
+/* The other section of a printer installs the same files but for the processor among the driver's. */
 void CheckAlternative(const InfFile& inf, const InfModel& model, const InfModel& other)
 {
     std::vector<std::string> less = AllInfFiles(model);
     std::erase(less, inf.sections.at(Upper(PROCESSOR_LIST)).front().value);
-    if (AllInfFiles(other) != less) {
+    if (AllInfFiles(other) != less || other.processorFiles != model.processorFiles) {
         inf.Fail(inf.sectionLines.at(Upper(other.section)),
                  "[" + other.section + "] installs other files than [" + model.section + "]");
     }

@@ -16,6 +16,7 @@ struct InfModel {
     std::string section; /* install section: the stem of its own files */
     std::string driverFile, configFile, dataFile, helpFile;
     std::vector<std::string> dependentFiles; /* in the order of CopyFiles, without the four */
+    std::vector<std::string> processorFiles; /* for the folder of print processors, no files of the driver */
 };
 
 /* What the reader refuses: "FILE:LINE: sentence". */
@@ -26,13 +27,13 @@ struct InfError : std::runtime_error {
 /* Reads the 64-bit models of an INF in the order listed.
    Throws InfError when the file cannot be read, when a line, section or key is unknown or twice there, when
    a section that is referred to is missing, when a file is copied that has no source disk or the reverse,
-   and when one of the four files is not copied. The result is never empty. */
+   when one of the four files is not copied, and when a print processor is not copied to where it is registered. The result is never empty. */
 std::vector<InfModel> ReadInf(const std::filesystem::path& path);
 
 /* The model of a name, or of an install section. Throws std::out_of_range. */
 const InfModel& FindInfModel(const std::vector<InfModel>& models, const std::string& nameOrSection);
 
-/* All files of a model, each once: the four, then the dependent ones. */
+/* All files of a model's driver, each once: the four, then the dependent ones. */
 std::vector<std::string> AllInfFiles(const InfModel& model);
 
 /* The pieces of file names that the driver searches for, in capitals. */

@@ -42,6 +42,10 @@ PrinterSetup InstallSample(const InfModel& model, const std::filesystem::path& f
     for (const std::string& file : model.dependentFiles) {
         setup.atcDependentFiles.push_back(DriverFile(file, folder));
     }
+    for (const std::string& file : model.processorFiles) {
+        const bool bThere = std::filesystem::exists(folder / file);
+        PutFile(tcProcessorFolder + Widen(file), bThere ? ReadDiskFile(folder / file) : Bytes(1, ' '));
+    }
     AddPrinter(setup);
     return setup;
 }

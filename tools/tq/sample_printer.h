@@ -10,8 +10,9 @@
 /* Where the driver's files lie on the machine, with a backslash at the end. */
 constexpr const WCHAR* wcDriverFolder = TEXT("C:\\Windows\\System32\\spool\\DRIVERS\\x64\\3\\");
 
-/* The sample's files as the spooler would list them; those that the folder holds are put on the machine. The
-   printer bears the model's name. */
+/* The sample's files as the spooler would list them; those that the folder holds are put on the machine. A print
+   processor that it does not hold, as the hosted build makes none, is a file of one blank. The printer bears the
+   model's name. */
 PrinterSetup InstallSample(const InfModel& model, const std::filesystem::path& folder);
 
 /* A printer of this name whose driver has one dependent file, the description with these bytes, and the two

@@ -106,7 +106,9 @@ struct MachineValue {
 };
 std::vector<MachineValue> PrinterValues(std::u16string_view wcPrinter);
 void RemovePrinter(std::u16string_view wcPrinter);
-/* Print processors as "NAME=FILE"; a new machine has winprint. */
+/* Print processors as "NAME=FILE"; a new machine has winprint. Their files lie in this folder, and only what lies there
+   can be added. */
+inline const WideText tcProcessorFolder = u"C:\\Windows\\System32\\spool\\prtprocs\\x64\\";
 const std::vector<std::string>& PrintProcessors();
 void SetPrintProcessors(const std::vector<std::string>& processors);
 /* Printers whose names were handed to the spooler's routine 204. */

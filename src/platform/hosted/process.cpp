@@ -316,6 +316,24 @@ DWORD WINAPI GetEnvironmentVariableW(LPCWSTR wcName, LPWSTR wcText, DWORD cchTex
     return cchFound;
 }
 
+UINT WINAPI GetSystemDirectoryW(LPWSTR tcFolder, UINT cchFolder)
+{
+    FAILS(GetSystemDirectoryW);
+    if (Lies(CALL_GetSystemDirectoryW, LIE_UNTERMINATED)) {
+        std::fill_n(tcFolder, cchFolder, u'S');
+        return cchFolder ? cchFolder - 1 : 0;
+    }
+    if (Lies(CALL_GetSystemDirectoryW, LIE_HUGE)) {
+        return 0xFFFFFFF0;
+    }
+    const UINT cchFound = static_cast<UINT>(tcSystemFolder.size());
+    if (cchFound >= cchFolder) {
+        return cchFound + 1; /* what is needed */
+    }
+    std::memcpy(tcFolder, tcSystemFolder.c_str(), (cchFound + 1) * sizeof(WCHAR));
+    return cchFound;
+}
+
 LANGID WINAPI GetUserDefaultLangID(void)
 {
     FAILS(GetUserDefaultLangID);

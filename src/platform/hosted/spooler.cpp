@@ -594,6 +594,9 @@ BOOL WINAPI AddPrintProcessorW(LPWSTR wcServer, LPWSTR, LPWSTR tcFile, LPWSTR wc
     if (wcServer || !tcFile || !*tcFile || !wcProcessor || !*wcProcessor) {
         return Refuse(ERROR_INVALID_PARAMETER);
     }
+    if (!HasFile(tcProcessorFolder + tcFile)) {
+        return Refuse(ERROR_FILE_NOT_FOUND);
+    }
     spooler().processors.push_back(Narrow(wcProcessor) + "=" + Narrow(tcFile));
     return 1;
 }

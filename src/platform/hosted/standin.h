@@ -88,7 +88,10 @@ void ResetFonts();
 void ResetSystemRoutines();
 void ResetThreads();
 
-/* The system's own libraries, for the calls that load and free modules: null, and false, when it is none. */
+/* Where the system's own libraries lie. */
+inline const WideText tcSystemFolder = u"C:\\Windows\\system32";
+
+/* The system's own libraries, by name or by full path, for the calls that load and free modules: null, and false, when it is none. */
 HMODULE LoadSystemLibrary(std::u16string_view wcLibrary);
 bool FreeSystemLibrary(HMODULE hLibrary);
 

@@ -1,5 +1,5 @@
 /* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. WINSPOOL.DRV
-   is always there, with its routine 204. */
+   is always there, with its routine 204, and so is version.dll, with the calls of platform/version.h. */
 #include <map>
 
 #include "platform/hosted/standin.h"
@@ -11,12 +11,33 @@ void (*fnSpoolerCallback)() = nullptr;
 std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
 std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
-const WideText wcSpooler = u"winspool.drv"; /* in that form */
+const WideText wcSpooler = u"winspool.drv", wcVersion = u"version.dll"; /* in that form */
 
 BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
 {
     AnnouncePrinter(wcName);
     return 1;
+}
+
+template <class Routine> FARPROC AnyRoutine(Routine fnRoutine)
+{
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(fnRoutine));
+}
+
+/* A routine that every machine has; null when there is none of that name or number. */
+FARPROC FixedRoutine(const WideText& wcLibrary, LPCSTR cName, bool bNumber)
+{
+    constexpr std::uintptr_t ANNOUNCE = 204;
+    if (wcLibrary == wcSpooler && bNumber && reinterpret_cast<std::uintptr_t>(cName) == ANNOUNCE) {
+        return AnyRoutine(&TakeAnnouncement);
+    }
+#define FIND_CALL(result, name, params, failed) \
+    if (wcLibrary == wcVersion && !bNumber && std::string_view(cName) == #name) { \
+        return AnyRoutine(&name); \
+    }
+    VERSION_CALLS(FIND_CALL)
+#undef FIND_CALL
+    return nullptr;
 }
 
 } // namespace
@@ -48,7 +69,10 @@ void ResetSystemRoutines()
 HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
 {
     WideText wcForm = LowerText(wcLibrary);
-    if (wcForm != wcSpooler && !systemLibraries.count(wcForm)) {
+    if (const WideText wcFolder = LowerText(tcSystemFolder) + u"\\"; wcForm.starts_with(wcFolder)) {
+        wcForm.erase(0, wcFolder.size());
+    }
+    if (wcForm != wcSpooler && wcForm != wcVersion && !systemLibraries.count(wcForm)) {
         SetHostedError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
@@ -70,17 +94,16 @@ bool FreeSystemLibrary(HMODULE hLibrary)
 FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
 {
     FAILS(GetProcAddress);
-    constexpr std::uintptr_t ANNOUNCE = 204, LAST_NUMBER = 0xFFFF;
-    const auto nNumber = reinterpret_cast<std::uintptr_t>(cName); /* small ones are numbers and no names */
-    const auto library = openLibraries.find(hModule);
-    if (library != openLibraries.end() && nNumber > LAST_NUMBER) {
+    constexpr std::uintptr_t LAST_NUMBER = 0xFFFF;
+    const bool bNumber = reinterpret_cast<std::uintptr_t>(cName) <= LAST_NUMBER; /* small ones are numbers */
+    if (const auto library = openLibraries.find(hModule); library != openLibraries.end()) {
         const auto& routines = systemLibraries[library->second];
-        if (auto routine = routines.find(cName); routine != routines.end()) {
+        if (auto routine = bNumber ? routines.end() : routines.find(cName); routine != routines.end()) {
             return reinterpret_cast<FARPROC>(routine->second);
         }
-    }
-    if (library != openLibraries.end() && library->second == wcSpooler && nNumber == ANNOUNCE) {
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&TakeAnnouncement));
+        if (const FARPROC fnFixed = FixedRoutine(library->second, cName, bNumber)) {
+            return fnFixed;
+        }
     }
     SetHostedError(ERROR_PROC_NOT_FOUND); /* data files have no code */
     return nullptr;
