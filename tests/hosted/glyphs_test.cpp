@@ -93,6 +93,7 @@ TEST_F(HostedGlyphs, ADifferentFaceLendsItsLetters)
         SelectObject(hDc, hOther);
         SetTextAlign(hDc, TA_BASELINE | TA_RTLREADING);
         SetTextColor(hDc, 0xFFFFFF); /* a new surface is black */
+        SetBkMode(hDc, TRANSPARENT);
         ExtTextOutW(hDc, 20, 40, 0, nullptr, wcText.c_str(), static_cast<UINT>(wcText.size()), nullptr);
         EXPECT_EQ(Glyphs(u"\u0628", 0)[0] != 0, wcFace == u"DejaVu Sans");
         Picture picture;

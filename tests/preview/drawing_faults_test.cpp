@@ -206,13 +206,14 @@ TEST_F(DrawingFaults, NoSheetIsCutByTheOneBeforeIt)
     for (const LONG lSide : {159, 199, 239, 318, 477}) {
         std::vector<PictureCase> sheets(6, SheetCase("", 0));
         sheets[0].request.sZoom = 400;
+        sheets[0].request.bNotCentered = 1;
         sheets[1].request.lPageWidth = 29700; /* A3, flat */
         sheets[1].request.lPageLength = 42000;
         sheets[1].request.sOrientation = 2;
         sheets[2] = With(sheets[1], [](PictureCase& sheet) { sheet.request.sOrientation = 1; });
         sheets[3].request.lPageLength = 35560; /* grows out of its frame */
         sheets[3].device.lMaxLength = 2970;
-        sheets[4].request.lPageWidth = 100; /* a strip */
+        sheets[4].request.lPageWidth = 800; /* a strip */
         sheets[5] = sheets[2];
         for (const size_t nFirst : {size_t{0}, size_t{4}}) {
             PreviewTools tools = {};
