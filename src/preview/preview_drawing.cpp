@@ -311,26 +311,58 @@ void DrawOutline(const Picture& picture)
     LineTo(picture.hDc, 0, 0);
 }
 
-HBITMAP MakeSurface(HDC hdc, const PreviewGeometry& geometry)
+/* Of the square that sheets lie in, if they do not outgrow it. */
+int SideOfFrame(const RECT& rFrame)
 {
-    i64 lWidth = Larger(geometry.nWidth, geometry.rPage.right) + 1;
-    i64 lHeight = Larger(geometry.nHeight, geometry.rPage.bottom) + 1;
-    HBITMAP hBitmap = nullptr;
-    if (lWidth * SURFACE_FACTOR * lHeight * SURFACE_FACTOR <= SURFACE_PIXELS) {
-        hBitmap = CreateCompatibleBitmap(hdc, static_cast<int>(lWidth * SURFACE_FACTOR),
-                                         static_cast<int>(lHeight * SURFACE_FACTOR));
+    i64 lWidth = i64{rFrame.right} - rFrame.left, lHeight = i64{rFrame.bottom} - rFrame.top;
+    i64 lSide = lWidth < lHeight ? lWidth : lHeight;
+    return static_cast<int>(lSide < MOST_PIXELS ? lSide : MOST_PIXELS);
+}
+
+HBITMAP KeepSurface(PreviewTools& tools, HDC hdc, i64 lWidth, i64 lHeight)
+{
+    tools.rSurface = {static_cast<LONG>(lWidth), static_cast<LONG>(lHeight)};
+    tools.hPreviewBitmap = CreateCompatibleBitmap(hdc, static_cast<int>(lWidth), static_cast<int>(lHeight));
+    return tools.hPreviewBitmap;
+}
+
+/* Where ten times the sheet is too much, it holds what any sheet within the frame can need. */
+void MakeSurface(PreviewTools& tools, HDC hdc, const PreviewGeometry& geometry, const RECT& rFrame)
+{
+    i64 lWidth = (i64{1} + Larger(geometry.nWidth, geometry.rPage.right)) * SURFACE_FACTOR;
+    i64 lHeight = (i64{1} + Larger(geometry.nHeight, geometry.rPage.bottom)) * SURFACE_FACTOR;
+    if (lWidth * lHeight <= SURFACE_PIXELS && KeepSurface(tools, hdc, lWidth, lHeight)) {
+        return;
     }
-    return hBitmap ? hBitmap : CreateCompatibleBitmap(hdc, geometry.nWidth + 1, geometry.nHeight + 1);
+    int nFrame = SideOfFrame(rFrame);
+    KeepSurface(tools, hdc, i64{1} + Larger(geometry.nWidth, nFrame),
+                i64{1} + Larger(geometry.nHeight, nFrame));
+}
+
+/* A surface that some later sheet outgrows is given up; the context that holds it goes first. */
+void DropSmallSurface(PreviewTools& tools, const PreviewGeometry& geometry)
+{
+    if (!tools.hPreviewBitmap ||
+        (tools.rSurface.cx >= geometry.nWidth && tools.rSurface.cy >= geometry.nHeight)) {
+        return;
+    }
+    if (tools.hPreviewDC) {
+        DeleteDC(tools.hPreviewDC);
+        tools.hPreviewDC = nullptr;
+    }
+    DeleteObject(tools.hPreviewBitmap);
+    tools.hPreviewBitmap = nullptr;
 }
 
 /* Makes context and surface and puts the white sheet on it. */
-int BeginPicture(PreviewTools& tools, HDC hdc, const PreviewGeometry& geometry)
+int BeginPicture(PreviewTools& tools, HDC hdc, const PreviewGeometry& geometry, const RECT& rFrame)
 {
+    DropSmallSurface(tools, geometry);
     if (!tools.hPreviewDC) {
         tools.hPreviewDC = CreateCompatibleDC(hdc);
     }
     if (tools.hPreviewDC && !tools.hPreviewBitmap) {
-        tools.hPreviewBitmap = MakeSurface(hdc, geometry);
+        MakeSurface(tools, hdc, geometry, rFrame);
     }
     if (!tools.hPreviewDC || !tools.hPreviewBitmap || !SelectObject(tools.hPreviewDC, tools.hPreviewBitmap)) {
         return 0;
@@ -398,7 +430,7 @@ void ComposePreview(PreviewTools& tools, const PreviewDevice& device, HDC hdc, c
     HPEN hFramePen = NeedPen(&tools.hFramePen, PS_SOLID, GetSysColor(COLOR_BTNFACE));
     PreviewGeometry geometry;
     if (!DrawFilledRectangle(hdc, rFrame, hFramePen, GetSysColorBrush(COLOR_BTNFACE)) ||
-        !ArrangePreview(device, rFrame, pRequest, &geometry) || !BeginPicture(tools, hdc, geometry)) {
+        !ArrangePreview(device, rFrame, pRequest, &geometry) || !BeginPicture(tools, hdc, geometry, rFrame)) {
         return;
     }
     const Picture picture = {tools,    device,           *pRequest,
@@ -406,4 +438,5 @@ void ComposePreview(PreviewTools& tools, const PreviewDevice& device, HDC hdc, c
     if (DrawPicture(picture)) {
         TransferPicture(hdc, picture);
     }
+    DropWatermarkImage(tools);
 }

@@ -48,9 +48,9 @@ void ReleasePreviewTools(PreviewTools* pTools)
             DeleteDC(hDc);
         }
     }
-    HGDIOBJ ahObjects[] = {pTools->hPreviewBitmap, pTools->hFramePen,     pTools->hSheetPen,
-                           pTools->hCellPen,       pTools->hEnvelopePen,  pTools->hPosterPen,
-                           pTools->hLogoFont,      pTools->hWatermarkFont};
+    HGDIOBJ ahObjects[] = {pTools->hPreviewBitmap, pTools->hImage,    pTools->hFramePen,
+                           pTools->hSheetPen,      pTools->hCellPen,  pTools->hEnvelopePen,
+                           pTools->hPosterPen,     pTools->hLogoFont, pTools->hWatermarkFont};
     for (HGDIOBJ hObject : ahObjects) {
         if (hObject) {
             DeleteObject(hObject);

@@ -6,9 +6,13 @@
 #include "preview/preview_request.h"
 
 struct PreviewTools {
-    HDC hPreviewDC;         /* draws on hPreviewBitmap while a picture is composed */
-    HDC hImageDC;           /* for watermark images */
-    HBITMAP hPreviewBitmap; /* ten times the first sheet */
+    HDC hPreviewDC; /* draws on hPreviewBitmap while a picture is composed */
+    HDC hImageDC;   /* for watermark images */
+    HBITMAP
+        hPreviewBitmap; /* ten times the first sheet, or as large as the frame; anew for a sheet beyond it */
+    SIZE rSurface;      /* its pixels */
+    HBITMAP hImage;     /* of the watermark, for the time of one paint */
+    int bImageAsked;    /* its file was asked for in this paint, with or without success */
     HPEN hFramePen, hSheetPen, hCellPen, hEnvelopePen, hPosterPen;
     HPEN ahPiePen[2][3]; /* grey, colour; left half, lower right, upper right quarter */
     HBRUSH ahPieBrush[2][3];
@@ -39,6 +43,10 @@ void FillColorSwatch(PreviewTools& tools, HDC hdc, const RECT& rect, COLORREF co
 
 /* Draws the request's watermark, whose position and size are pixels by now, into an inner rectangle of a cell. */
 void DrawWatermark(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell);
+
+/* The same for an image. Its file is read at the first cell that shows it and kept for the others, which must be of the
+   same request, until DropWatermarkImage. */
 void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell);
+void DropWatermarkImage(PreviewTools& tools);
 
 #endif

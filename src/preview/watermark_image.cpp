@@ -185,7 +185,7 @@ u32 RowsOfBitmapFile(const u8* pFileHeader, i64 lFileSize)
     std::memcpy(&header, pFileHeader, sizeof header);
     u32 ulRows = header.bfOffBits;
     return header.bfType == BITMAP_FILE_TYPE && ulRows >= FIRST_ROWS && ulRows <= LAST_ROWS &&
-                   ulRows <= lFileSize
+                   ulRows <= lFileSize && lFileSize <= LARGEST_IMAGE_FILE
                ? ulRows
                : 0;
 }
@@ -248,7 +248,8 @@ int ReadBitmapHead(const u8* pBytes, u32 cbBytes, u32 ulRows, i64 lFileSize, Bit
     info.biClrUsed = nColors;
     info.biClrImportant = 0;
     info.biSizeImage = pHead->cbRow * static_cast<u32>(info.biHeight);
-    return ulRows + static_cast<i64>(pHead->cbFileRow) * info.biHeight <= lFileSize;
+    return static_cast<i64>(info.biWidth) * info.biHeight <= MOST_IMAGE_PIXELS &&
+           ulRows + static_cast<i64>(pHead->cbFileRow) * info.biHeight <= lFileSize;
 }
 
 int ClipStretch(StretchArea* pSource, StretchArea* pTarget, const RECT& rClip)
@@ -301,16 +302,27 @@ int PlaceWatermarkImage(const PreviewRequest& request, const RECT& rCell, i32 cx
 
 void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell)
 {
-    HBITMAP hBitmap = request.pWatermark ? ReadImage(tools, hdc, *request.pWatermark) : nullptr;
-    if (!hBitmap) {
-        return;
+    if (!tools.bImageAsked) {
+        tools.bImageAsked = 1;
+        tools.hImage = request.pWatermark ? ReadImage(tools, hdc, *request.pWatermark) : nullptr;
     }
-    if (HGDIOBJ hOld = SelectObject(tools.hImageDC, hBitmap)) {
-        CopyImage(hdc, tools.hImageDC, hBitmap, request, rCell);
+    HGDIOBJ hOld = tools.hImage ? SelectObject(tools.hImageDC, tools.hImage) : nullptr;
+    if (hOld) {
+        CopyImage(hdc, tools.hImageDC, tools.hImage, request, rCell);
         if (!SelectObject(tools.hImageDC, hOld)) {
             DeleteDC(tools.hImageDC); /* which lets go of the bitmap, too */
             tools.hImageDC = nullptr;
+            DropWatermarkImage(tools);
+            tools.bImageAsked = 1;
         }
     }
-    DeleteObject(hBitmap);
+}
+
+void DropWatermarkImage(PreviewTools& tools)
+{
+    if (tools.hImage) {
+        DeleteObject(tools.hImage);
+        tools.hImage = nullptr;
+    }
+    tools.bImageAsked = 0;
 }

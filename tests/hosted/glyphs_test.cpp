@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "platform/hosted/pictures.h"
 #include "platform/hosted/standin.h"
 #include "support/both_builds.h"
 
@@ -79,6 +80,37 @@ TEST_F(HostedGlyphs, ArabicLettersTakeTheFormOfTheirPlace)
     EXPECT_EQ(Glyphs(u"abc", 0, sizeof(GCP_RESULTSW) - 4).size(), 0u) << "a structure of another size";
 }
 
+/* Letters that a face lacks are those of another, in their forms and of the same size; by number there are none. */
+TEST_F(HostedGlyphs, ADifferentFaceLendsItsLetters)
+{
+    const auto drawn = [&](std::u16string_view wcFace, const WideText& wcText) {
+        const HBITMAP hBitmap = CreateCompatibleBitmap(hDc, 200, 60);
+        const HGDIOBJ hBitmapBefore = SelectObject(hDc, hBitmap);
+        LOGFONTW font = {};
+        font.lfHeight = -30;
+        wcFace.copy(font.lfFaceName, LF_FACESIZE - 1);
+        const HFONT hOther = CreateFontIndirectW(&font);
+        SelectObject(hDc, hOther);
+        SetTextAlign(hDc, TA_BASELINE | TA_RTLREADING);
+        SetTextColor(hDc, 0xFFFFFF); /* a new surface is black */
+        SetBkMode(hDc, TRANSPARENT);
+        ExtTextOutW(hDc, 20, 40, 0, nullptr, wcText.c_str(), static_cast<UINT>(wcText.size()), nullptr);
+        EXPECT_EQ(Glyphs(u"\u0628", 0)[0] != 0, wcFace == u"DejaVu Sans");
+        Picture picture;
+        EXPECT_TRUE(ReadContext(hDc, &picture));
+        SelectObject(hDc, hFont);
+        SelectObject(hDc, hBitmapBefore);
+        DeleteObject(hOther);
+        DeleteObject(hBitmap);
+        return picture;
+    };
+    const WideText wcArabic = u"\u0628\u062C\u0628";
+    EXPECT_TRUE(drawn(u"Liberation Sans", wcArabic) == drawn(u"DejaVu Sans", wcArabic));
+    EXPECT_FALSE(drawn(u"Liberation Sans", u"g") == drawn(u"DejaVu Sans", u"g"));
+    EXPECT_FALSE(drawn(u"Liberation Sans", wcArabic + u"g") == drawn(u"Liberation Sans", wcArabic));
+    EXPECT_FALSE(drawn(u"Liberation Sans", u"\u0628") == drawn(u"Liberation Sans", u"\u062C"));
+}
+
 /* A user of a stand-in that lies must get what the lie says, and never more bytes than it gave room for. */
 TEST_F(HostedGlyphs, OutlinesAndPlacementsLie)
 {
@@ -119,7 +151,7 @@ TEST_F(HostedGlyphs, AnySizeAndAngleHasAFont)
             SIZE size = {};
             EXPECT_TRUE(GetTextExtentPoint32W(hDc, u"Ag", 2, &size));
             EXPECT_TRUE(size.cx > 0 && size.cy > 0) << lHeight << " " << lAngle;
-            EXPECT_TRUE(ExtTextOutW(hDc, 0, 0, 0, nullptr, u"i", 1, nullptr));
+            EXPECT_TRUE(ExtTextOutW(hDc, 0, 0, 0, nullptr, u"i\u0628", 2, nullptr));
             Bytes native;
             EXPECT_NE(Outline(&native), GDI_ERROR);
             SelectObject(hDc, hFont);

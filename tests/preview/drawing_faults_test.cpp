@@ -1,5 +1,6 @@
 /* The preview's drawing when something fails, and on files that are no good bitmaps. */
 #include <algorithm>
+#include <filesystem>
 #include <random>
 
 #include <unistd.h>
@@ -199,6 +200,37 @@ TEST_F(DrawingFaults, ObjectsAreMadeOnceAndTheLogosFontAtEachMockPage)
     ReleasePreviewTools(&tools);
 }
 
+/* Sheets that follow a larger picture look as if they were the first, whole, whatever room that one left. */
+TEST_F(DrawingFaults, NoSheetIsCutByTheOneBeforeIt)
+{
+    for (const LONG lSide : {159, 199, 239, 318, 477}) {
+        std::vector<PictureCase> sheets(6, SheetCase("", 0));
+        sheets[0].request.sZoom = 400;
+        sheets[0].request.bNotCentered = 1;
+        sheets[1].request.lPageWidth = 29700; /* A3, flat */
+        sheets[1].request.lPageLength = 42000;
+        sheets[1].request.sOrientation = 2;
+        sheets[2] = With(sheets[1], [](PictureCase& sheet) { sheet.request.sOrientation = 1; });
+        sheets[3].request.lPageLength = 35560; /* grows out of its frame */
+        sheets[3].device.lMaxLength = 2970;
+        sheets[4].request.lPageWidth = 800; /* a strip */
+        sheets[5] = sheets[2];
+        for (const size_t nFirst : {size_t{0}, size_t{4}}) {
+            PreviewTools tools = {};
+            for (size_t i = nFirst; i < sheets.size(); i++) {
+                sheets[i].rFrame = {5, 90, 5 + lSide, 90 + lSide};
+                const Canvas canvas(487, 577, CANVAS_COLOR), fresh(487, 577, CANVAS_COLOR);
+                Compose(tools, canvas.Dc(), sheets[i]);
+                PreviewTools own = {};
+                Compose(own, fresh.Dc(), sheets[i]);
+                ReleasePreviewTools(&own);
+                EXPECT_EQ(Compare(fresh.Pixels(), canvas.Pixels()).nPixels, 0) << lSide << ", sheet " << i;
+            }
+            ReleasePreviewTools(&tools);
+        }
+    }
+}
+
 /* ---- files ---- */
 
 class HostileBitmaps : public DrawingFaults {
@@ -265,6 +297,30 @@ TEST_F(HostileBitmaps, AFileThatEndsEarlyShowsNothing)
     longer.pop_back();
     Poke(&longer, 22, i32{-40}); /* rows from the top are not read */
     EXPECT_TRUE(Draw(longer) == blank);
+    PutFile(IMAGE, good);
+    std::filesystem::resize_file(HostPath(IMAGE), 0x10000000); /* nor what is larger than any page */
+    EXPECT_FALSE(DrawCase(Sheet()) == blank);
+    std::filesystem::resize_file(HostPath(IMAGE), 0x10000001);
+    EXPECT_TRUE(DrawCase(Sheet()) == blank);
+}
+
+TEST_F(HostileBitmaps, AFileIsReadOnceAPaintAndAnewForTheNext)
+{
+    PictureCase sheet = With(SheetCase("", 25), [](PictureCase& cells) { UseImage(cells, IMAGE, 0); });
+    PreviewTools tools = {};
+    const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
+    PutFile(IMAGE, FourColors(24));
+    for (int i = 0; i < 2; i++) {
+        ResetCallCounts();
+        Compose(tools, canvas.Dc(), sheet);
+        EXPECT_EQ(CallCount(CALL_CreateFileW), 1);
+        EXPECT_EQ(CallCount(CALL_StretchBlt), 25);
+    }
+    const Picture four = Shown(canvas);
+    PutFile(IMAGE, BitmapFile({60, 40, 24}));
+    Compose(tools, canvas.Dc(), sheet);
+    EXPECT_FALSE(Shown(canvas) == four);
+    ReleasePreviewTools(&tools);
 }
 
 TEST_F(HostileBitmaps, OnlyFilesOfADiskAreRead)

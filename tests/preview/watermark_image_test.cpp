@@ -214,6 +214,12 @@ TEST(WatermarkImage, AHeaderOutsideItsBoundsIsNone)
             }
         }
     }
+    /* As many pixels as all are read of, and one row more. */
+    Bytes wide = BitmapFile({0x4000, 1, 1});
+    for (const i32 lRows : {0x4000, 0x4001}) {
+        Poke(&wide, 22, lRows);
+        EXPECT_EQ(ReadBitmapHead(wide.data() + 14, 48, 62, 0x10000000, &head), lRows == 0x4000);
+    }
     /* Longer headers, and bit fields, which want all their masks. */
     EXPECT_TRUE(Accepts(BitmapFile({4, 4, 24, 0, 124}), &head));
     EXPECT_FALSE(Accepts(BitmapFile({4, 4, 24, 0, 128}), &head));

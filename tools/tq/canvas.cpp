@@ -3,8 +3,10 @@
 
 #include <stdexcept>
 
+#include "base/wide.h"
 #include "platform/hosted/pictures.h"
 #include "platform/hosted/standin.h"
+#include "tools/save_file.h"
 
 Canvas::Canvas(int nWidth, int nHeight)
 {
@@ -22,11 +24,16 @@ Canvas::Canvas(int nWidth, int nHeight)
     SelectObject(hDc, hBrushBefore);
     SelectObject(hDc, hPenBefore);
     SetBkMode(hDc, TRANSPARENT);
+    LOGFONTW font = {};
+    font.lfHeight = 16;
+    CopyWide(font.lfFaceName, LF_FACESIZE, TEXT("DejaVu Sans"));
+    hFont = CreateFontIndirectW(&font);
 }
 
 Canvas::~Canvas()
 {
     SelectObject(hDc, hBitmapBefore);
+    DeleteObject(hFont);
     DeleteObject(hBitmap);
     DeleteDC(hDc);
 }
@@ -34,13 +41,17 @@ Canvas::~Canvas()
 void Canvas::Write(int x, int y, const std::string& text)
 {
     RECT rText = {x, y, x + 2000, y + 30};
+    HGDIOBJ hFontBefore = SelectObject(hDc, hFont);
     DrawTextW(hDc, Widen(text).c_str(), -1, &rText, DT_SINGLELINE);
+    SelectObject(hDc, hFontBefore);
 }
 
 void Canvas::Save(const std::filesystem::path& path) const
 {
     Picture picture;
-    if (!ReadContext(hDc, &picture) || !SavePng(path, picture)) {
-        throw std::runtime_error(path.string() + ": cannot be written");
+    std::vector<u8> png;
+    if (!ReadContext(hDc, &picture) || !EncodePng(picture, &png)) {
+        throw std::runtime_error("the picture cannot be made");
     }
+    SaveFile(path, png.data(), png.size());
 }

@@ -15,7 +15,7 @@ class Canvas {
     Canvas& operator=(const Canvas&) = delete;
 
     HDC Context() const { return hDc; }
-    /* One line of text from a top left corner. */
+    /* One line of text from a top left corner, in a font that is easy to read. */
     void Write(int x, int y, const std::string& text);
     /* Throws std::runtime_error when the file cannot be written. */
     void Save(const std::filesystem::path& path) const;
@@ -23,6 +23,7 @@ class Canvas {
   private:
     HDC hDc;
     HBITMAP hBitmap;
+    HFONT hFont;
     HGDIOBJ hBitmapBefore;
 };
 

@@ -1,4 +1,4 @@
-/* The contact sheet: a frame for each layout, order, paper, scaling, watermark and turn, with its name below. */
+/* The contact sheet: a frame for each layout, order, paper, scaling, label, watermark and turn, with its name below. */
 #include "tools/tq/gallery.h"
 
 #include <cstring>
@@ -11,18 +11,26 @@
 
 namespace {
 
-constexpr int FRAME = 150, MARGIN = 14, CAPTION = 24, COLUMNS = 10;
+/* Watermarks are drawn larger, so that one can judge their letters. */
+constexpr int FRAME = 150, IMAGE_FRAME = 220, TEXT_FRAME = 300;
+constexpr int MARGIN = 14, CAPTION = 24, WIDTH = 10 * (FRAME + MARGIN);
 constexpr const WCHAR* wcImageFile = TEXT("C:\\stamp.bmp");
 
 struct Tile {
     std::string caption;
     PreviewRequest request;
     WatermarkEntry entry; /* WMType 0: none */
+    const WCHAR* wcLabel; /* of the model; of one letter its logo's */
 };
 
 struct Section {
     std::string title;
     std::vector<Tile> tiles;
+    int nFrame = FRAME;
+
+    int Columns() const { return WIDTH / (nFrame + MARGIN); }
+    int Rows() const { return (static_cast<int>(tiles.size()) + Columns() - 1) / Columns(); }
+    int RowHeight() const { return nFrame + MARGIN + CAPTION; }
 };
 
 PreviewRequest A4Request(i16 sLayout = 1, u16 usOrientation = 1)
@@ -41,7 +49,7 @@ PreviewRequest A4Request(i16 sLayout = 1, u16 usOrientation = 1)
 
 Tile TileOf(std::string caption, const PreviewRequest& request)
 {
-    return {std::move(caption), request, {}};
+    return {std::move(caption), request, {}, TEXT("M")};
 }
 
 WatermarkEntry TextEntry(const WCHAR* wcText, u16 usAngle, bool bOutline)
@@ -49,6 +57,7 @@ WatermarkEntry TextEntry(const WCHAR* wcText, u16 usAngle, bool bOutline)
     WatermarkEntry entry;
     ResetWatermarkEntry(&entry);
     entry.WMType = ENTRY_TEXT;
+    entry.WMSize = 180;
     CopyWide(entry.WMString, 64, wcText);
     entry.WMAngle = usAngle;
     entry.WMOutline = bOutline;
@@ -112,16 +121,24 @@ Section Layouts(const char* cTitle, u16 usOrientation, int bBorders)
 Section Orders()
 {
     Section section = {"Orders of six and of two pages", {}};
-    constexpr i16 asOrders[] = {0, 1, 2, 3, 16, 17, 18, 19}, asTwoCells[] = {2, 99};
+    constexpr i16 asOrders[] = {0, 1, 2, 3, 16, 17, 18, 19};
+    const struct {
+        i16 sLayout;
+        u16 usOrientation;
+        const char* cCaption;
+    } twoCells[] = {{2, 1, "2, order 1"},
+                    {2, 2, "2 landscape, order 1"},
+                    {99, 1, "booklet, order 1"},
+                    {99, 2, "booklet landscape, 1"}};
     for (const i16 sOrder : asOrders) {
         PreviewRequest request = A4Request(6);
         request.sPageOrder = sOrder;
         section.tiles.push_back(TileOf("order " + std::to_string(sOrder), request));
     }
-    for (const i16 sLayout : asTwoCells) {
-        PreviewRequest request = A4Request(sLayout);
+    for (const auto& row : twoCells) {
+        PreviewRequest request = A4Request(row.sLayout, row.usOrientation);
         request.sPageOrder = 1;
-        section.tiles.push_back(TileOf(sLayout == 99 ? "booklet, order 1" : "2 a sheet, order 1", request));
+        section.tiles.push_back(TileOf(row.cCaption, request));
     }
     return section;
 }
@@ -132,6 +149,7 @@ Section Papers()
         const char* cName;
         i32 lWidth, lLength;
         int bEnvelope;
+        u16 usOrientation = 1;
     } papers[] = {{"A3", 29700, 42000, 0},
                   {"A5", 14800, 21000, 0},
                   {"A6", 10500, 14800, 0},
@@ -139,12 +157,14 @@ Section Papers()
                   {"Legal", 21590, 35560, 0},
                   {"Tabloid", 27940, 43180, 0},
                   {"C5", 16200, 22900, 1},
+                  {"C5 turned", 16200, 22900, 1, 2},
                   {"No. 10", 10480, 24130, 1},
+                  {"No. 10 turned", 10480, 24130, 1, 2},
                   {"wide 300 x 200", 30000, 20000, 0},
                   {"banner 210 x 900", 21000, 90000, 0}};
     Section section = {"Papers", {}};
     for (const auto& paper : papers) {
-        PreviewRequest request = A4Request();
+        PreviewRequest request = A4Request(1, paper.usOrientation);
         request.lPageWidth = paper.lWidth;
         request.lPageLength = paper.lLength;
         request.bEnvelope = paper.bEnvelope;
@@ -180,10 +200,27 @@ Section Scalings()
     return section;
 }
 
+Section Labels()
+{
+    Section section = {"Labels of a model in the place of M", {}};
+    const auto add = [&](const char* cCaption, const WCHAR* wcLabel, i16 sLayout) -> Tile& {
+        section.tiles.push_back(TileOf(cCaption, A4Request(sLayout)));
+        section.tiles.back().wcLabel = wcLabel;
+        return section.tiles.back();
+    };
+    add("one letter", TEXT("H"), 1);
+    add("two letters", TEXT("HX"), 1);
+    add("two, 4 a sheet", TEXT("HX"), 4);
+    add("two, watermark", TEXT("HX"), 1).entry = TextEntry(TEXT("DRAFT"), 450, true);
+    add("two, watermark on 2", TEXT("HX"), 2).entry = TextEntry(TEXT("DRAFT"), 450, true);
+    add("one, watermark", TEXT("H"), 1).entry = TextEntry(TEXT("DRAFT"), 450, true);
+    return section;
+}
+
 Section Texts()
 {
     constexpr u16 ausAngles[] = {0, 450, 900, 2250, 3150};
-    Section section = {"Text watermarks, solid and outlined", {}};
+    Section section = {"Text watermarks of 180 points, solid and outlined", {}, TEXT_FRAME};
     for (const bool bOutline : {false, true}) {
         for (const u16 usAngle : ausAngles) {
             Tile tile =
@@ -197,7 +234,7 @@ Section Texts()
 
 Section MoreTexts()
 {
-    Section section = {"Text watermarks on several pages, in other scripts and styles", {}};
+    Section section = {"Text watermarks on several pages and in several styles", {}, TEXT_FRAME};
     const auto add = [&](const char* cCaption, i16 sLayout, const WatermarkEntry& entry, int bOnePage) {
         Tile tile = TileOf(cCaption, A4Request(sLayout));
         tile.entry = entry;
@@ -211,38 +248,117 @@ Section MoreTexts()
     add("25", 25, draft, 0);
     draft.WMItalic = 1;
     add("italic", 1, draft, 0);
+    draft.WMOutline = 0;
+    add("italic, solid", 1, draft, 0);
     draft.WMItalic = 0;
     draft.WMBold = 1;
+    add("bold, solid", 1, draft, 0);
+    draft.WMOutline = 1;
     add("bold", 1, draft, 0);
-    draft.WMPositionX = 4000;
-    draft.WMPositionY = 8000;
-    add("moved", 1, draft, 0);
-    WatermarkEntry hebrew = TextEntry(TEXT("\u05D8\u05D9\u05D5\u05D8\u05D4"), 450, true);
-    hebrew.WMCharSet = 177;
-    hebrew.WMRTL = 1;
-    CopyWide(hebrew.WMFace, 32, TEXT("DejaVu Sans"));
-    add("Hebrew", 1, hebrew, 0);
-    WatermarkEntry arabic = TextEntry(TEXT("\u0645\u0633\u0648\u062F\u0629"), 450, true);
-    arabic.WMCharSet = 178;
-    arabic.WMRTL = 1;
-    CopyWide(arabic.WMFace, 32, TEXT("DejaVu Sans"));
-    add("Arabic", 1, arabic, 0);
-    arabic.WMOutline = 0;
-    add("Arabic, solid", 1, arabic, 0);
+    draft.WMPositionX = 3000;
+    draft.WMPositionY = 6000;
+    add("moved by 30, 60 mm", 1, draft, 0);
+    draft.WMOutline = 0;
+    draft.WMColor = 0x808080;
+    draft.WMSize = 96;
+    add("96 points, grey, moved", 1, draft, 0);
+    return section;
+}
+
+/* Each is asked for in a face that lacks its letters, by its character set. */
+Section Scripts()
+{
+    const struct {
+        const char* cCaption;
+        const WCHAR* wcText;
+        u8 bCharSet;
+    } scripts[] = {{"Hebrew", TEXT("\u05D8\u05D9\u05D5\u05D8\u05D4"), 177},
+                   {"Arabic", TEXT("\u0645\u0633\u0648\u062F\u0629"), 178},
+                   {"mixed", TEXT("A4 \u05D8\u05D9\u05D5\u05D8\u05D4 \u0645\u0633\u0648\u062F\u0629"), 178},
+                   {"Cyrillic", TEXT("\u041F\u0440\u043E\u0435\u043A\u0442"), 204},
+                   {"Greek", TEXT("\u03A3\u03C7\u03AD\u03B4\u03B9\u03BF"), 161}};
+    Section section = {"Other scripts, solid and outlined", {}, TEXT_FRAME};
+    for (const bool bOutline : {false, true}) {
+        for (const auto& script : scripts) {
+            Tile tile =
+                TileOf(std::string(script.cCaption) + (bOutline ? ", outline" : ", solid"), A4Request());
+            tile.entry = TextEntry(script.wcText, 450, bOutline);
+            tile.entry.WMSize = 100;
+            tile.entry.WMCharSet = script.bCharSet;
+            tile.entry.WMRTL = script.bCharSet == 177 || script.bCharSet == 178;
+            section.tiles.push_back(tile);
+        }
+    }
     return section;
 }
 
 Section Images()
 {
-    Section section = {"Image watermarks by placement", {}};
+    Section section = {
+        "Image watermarks by placement, with offset and scale, and on several pages", {}, IMAGE_FRAME};
+    const auto add = [&](const char* cCaption, u16 usPlacement, i16 sLayout) -> Tile& {
+        section.tiles.push_back(TileOf(cCaption, A4Request(sLayout)));
+        section.tiles.back().entry = ImageEntry(usPlacement);
+        return section.tiles.back();
+    };
     const char* acPlaces[] = {"centre", "tiled",    "top",       "right",       "bottom",
                               "left",   "top left", "top right", "bottom left", "bottom right"};
     for (u16 i = 0; i < 10; i++) {
-        Tile tile = TileOf(acPlaces[i], A4Request());
-        tile.entry = ImageEntry(i);
-        section.tiles.push_back(tile);
+        add(acPlaces[i], i, 1);
     }
+    Tile& moved = add("200 percent, moved", 0, 1);
+    moved.entry.WMScaleX = moved.entry.WMScaleY = 200;
+    moved.entry.WMPositionX = 2000;
+    moved.entry.WMPositionY = 6000;
+    Tile& cut = add("50 percent, cut off", 7, 1);
+    cut.entry.WMScaleX = cut.entry.WMScaleY = 50;
+    cut.entry.WMPositionX = cut.entry.WMPositionY = 500;
+    Tile& four = add("4 a sheet, 300 percent", 4, 4);
+    four.entry.WMScaleX = four.entry.WMScaleY = 300;
+    Tile& nine = add("9 a sheet, first page", 9, 9);
+    nine.entry.WMScaleX = nine.entry.WMScaleY = 200;
+    nine.request.bWMOnePage = 1;
     return section;
+}
+
+/* Without page content, in the middle of the frame and as large as it allows. */
+Section Editors()
+{
+    Section section = {"In the editors of watermarks", {}, TEXT_FRAME};
+    const auto add = [&](const char* cCaption, const WatermarkEntry& entry, u16 usOrientation) {
+        PreviewRequest request = A4Request(0, usOrientation);
+        request.sPreviewControl = 1684;
+        request.bCenterInFrame = 1;
+        request.bDeviceExtent = 0;
+        section.tiles.push_back(TileOf(cCaption, request));
+        section.tiles.back().entry = entry;
+    };
+    add("text", TextEntry(TEXT("DRAFT"), 450, false), 1);
+    add("text, outlined, landscape", TextEntry(TEXT("DRAFT"), 0, true), 2);
+    add("image", ImageEntry(9), 1);
+    add("image, tiled, landscape", ImageEntry(1), 2);
+    return section;
+}
+
+/* Result: where the next section begins. */
+int DrawSection(Canvas* pCanvas, PreviewTools* pTools, const Section& section, int nTop)
+{
+    pCanvas->Write(MARGIN, nTop, section.title);
+    nTop += CAPTION;
+    for (size_t i = 0; i < section.tiles.size(); i++) {
+        const Tile& tile = section.tiles[i];
+        const int nAt = static_cast<int>(i), nFrame = section.nFrame;
+        const int x = MARGIN + nAt % section.Columns() * (nFrame + MARGIN);
+        const int y = nTop + nAt / section.Columns() * section.RowHeight();
+        PreviewDevice device = {3200, 4318, 21000, 29700, {}, 1};
+        CopyWide(device.wcLabel, 128, tile.wcLabel);
+        PreviewRequest request = tile.request;
+        WatermarkEntry entry = tile.entry;
+        request.pWatermark = entry.WMType == ENTRY_FREE ? nullptr : &entry;
+        ComposePreview(*pTools, device, pCanvas->Context(), {x, y, x + nFrame, y + nFrame}, &request);
+        pCanvas->Write(x, y + nFrame + 3, tile.caption);
+    }
+    return nTop + section.Rows() * section.RowHeight();
 }
 
 } // namespace
@@ -253,38 +369,28 @@ int RunGallery(const std::string& file)
     PutFile(wcImageFile, StampFile());
     const Section sections[] = {Layouts("Portrait", 1, 0),
                                 Layouts("Portrait, with borders", 1, 1),
-                                Layouts("Landscape", 2, 1),
+                                Layouts("Landscape", 2, 0),
+                                Layouts("Landscape, with borders", 2, 1),
+                                Layouts("Landscape, as an open page tells it", 0, 0),
                                 Orders(),
                                 Papers(),
                                 Scalings(),
+                                Labels(),
                                 Texts(),
                                 MoreTexts(),
-                                Images()};
-    PreviewDevice device = {};
-    device.lMaxWidth = 3200;
-    device.lMaxLength = 4318;
-    device.lDefaultWidth = 21000;
-    device.lDefaultLength = 29700;
-    device.wcLabel[0] = 'M';
+                                Scripts(),
+                                Images(),
+                                Editors()};
+    int nHeight = MARGIN;
+    for (const Section& section : sections) {
+        nHeight += CAPTION + section.Rows() * section.RowHeight();
+    }
     {
-        constexpr int nColumn = FRAME + MARGIN, nRow = FRAME + MARGIN + CAPTION;
-        Canvas canvas(MARGIN + COLUMNS * nColumn,
-                      static_cast<int>(std::size(sections)) * (nRow + CAPTION) + MARGIN);
+        Canvas canvas(MARGIN + WIDTH, nHeight);
         PreviewTools tools = {};
         int y = MARGIN;
         for (const Section& section : sections) {
-            canvas.Write(MARGIN, y, section.title);
-            y += CAPTION;
-            int x = MARGIN;
-            for (const Tile& tile : section.tiles) {
-                PreviewRequest request = tile.request;
-                WatermarkEntry entry = tile.entry;
-                request.pWatermark = entry.WMType == ENTRY_FREE ? nullptr : &entry;
-                ComposePreview(tools, device, canvas.Context(), {x, y, x + FRAME, y + FRAME}, &request);
-                canvas.Write(x, y + FRAME + 3, tile.caption);
-                x += nColumn;
-            }
-            y += nRow;
+            y = DrawSection(&canvas, &tools, section, y);
         }
         ReleasePreviewTools(&tools);
         canvas.Save(file);

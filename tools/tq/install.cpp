@@ -1,11 +1,11 @@
 /* Lets a printer come and go by its events. All three throw std::runtime_error. */
 #include "tools/tq/install.h"
 
-#include <fstream>
 #include <ostream>
 
 #include "entry/exports.h"
 #include "platform/hosted/standin.h"
+#include "tools/save_file.h"
 #include "tools/tq/machine_text.h"
 #include "tools/tq/sample_printer.h"
 
@@ -36,11 +36,8 @@ class KeptMachine {
 
     void Keep() const
     {
-        std::ofstream file(store, std::ios::binary | std::ios::trunc);
-        file << MachineText();
-        if (!file.flush()) {
-            throw std::runtime_error(store.string() + ": cannot be written");
-        }
+        const std::string text = MachineText();
+        SaveFile(store, text.data(), text.size());
     }
 
   private:

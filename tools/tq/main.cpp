@@ -68,6 +68,59 @@ std::string IsLanguageId(const std::string& text)
                : "not four hex digits: " + text;
 }
 
+/* Words of a watermark fit its fields whole. */
+CLI::Validator FitsIn(size_t cchMost)
+{
+    return CLI::Validator(
+        [cchMost](const std::string& text) {
+            const size_t cch = Widen(text).size();
+            return cch >= 1 && cch <= cchMost ? std::string()
+                                              : "not 1 to " + std::to_string(cchMost) + " characters";
+        },
+        "1 to " + std::to_string(cchMost) + " characters");
+}
+
+/* One kind of watermark, and no option that would change nothing. */
+void AddWatermarkOptions(CLI::App* pPreview, PreviewOptions* pOptions)
+{
+    CLI::Option* pText =
+        pPreview->add_option("--watermark", pOptions->text, "A text watermark")->check(FitsIn(63));
+    CLI::Option* pImage =
+        pPreview->add_option("--image", pOptions->image, "An image watermark: a bitmap file")
+            ->check(CLI::ExistingFile)
+            ->excludes(pText);
+    CLI::Option* apOfText[] = {
+        pPreview->add_option("--face", pOptions->face, "Its face (default Times New Roman)")
+            ->check(FitsIn(31)),
+        pPreview->add_option("--size", pOptions->nSize, "Its size in points (default 72)")
+            ->check(CLI::Range(8, 300)),
+        pPreview->add_flag("--bold", pOptions->bBold, "Bold letters"),
+        pPreview->add_flag("--italic", pOptions->bItalic, "Italic letters"),
+        pPreview->add_flag("--outline", pOptions->bOutline, "Only the outline of its letters"),
+        pPreview->add_flag("--rtl", pOptions->bRightToLeft, "It reads from right to left"),
+        pPreview->add_option("--angle", pOptions->dAngle, "Degrees by which it is turned (default 45)")
+            ->check(CLI::Range(0.0, 359.9))};
+    for (CLI::Option* pOption : apOfText) {
+        pOption->needs(pText);
+    }
+    pPreview
+        ->add_option("--placement", pOptions->nPlacement,
+                     "Of the image, 0 to 9 (default 0, the centre; 1 tiles)")
+        ->check(CLI::Range(0, 9))
+        ->needs(pImage);
+    pPreview->add_option("--scale", pOptions->nScale, "Of the image, percent")
+        ->check(CLI::Range(25, 400))
+        ->needs(pImage);
+    pPreview
+        ->add_option("--position", pOptions->position,
+                     "X,Y: millimetres from its place to the right and upwards, -250 to 250")
+        ->delimiter(',')
+        ->expected(2)
+        ->check(CLI::Range(-250.0, 250.0));
+    pPreview->add_flag("--first-page", pOptions->bFirstPage,
+                       "On the first page of a sheet alone; also the record's own watermark");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -156,17 +209,7 @@ int main(int argc, char** argv)
     pPreview->add_option("--record", preview.record,
                          "The record: its 4088 bytes, or the text of tq record; without one the default");
     pPreview->add_option("--set", preview.assignments, "field=value; several times");
-    pPreview->add_option("--watermark", preview.text, "A text watermark");
-    pPreview->add_flag("--outline", preview.bOutline, "Only the outline of its letters");
-    pPreview->add_option("--angle", preview.dAngle, "Degrees by which it is turned (default 45)")
-        ->check(CLI::Range(0.0, 359.9));
-    pPreview->add_option("--image", preview.image, "An image watermark: a bitmap file")
-        ->check(CLI::ExistingFile);
-    pPreview
-        ->add_option("--placement", preview.nPlacement,
-                     "Of the image, 0 to 9 (default 0, the centre; 1 tiles)")
-        ->check(CLI::Range(0, 9));
-    pPreview->add_option("--scale", preview.nScale, "Of the image, percent")->check(CLI::Range(25, 400));
+    AddWatermarkOptions(pPreview, &preview);
     pPreview->add_option("--frame", preview.nFrame, "Pixels of the frame's sides (default 240)")
         ->check(CLI::Range(20, 2000));
     pPreview->add_option("--language", preview.language, "Language id of the user, four hex digits")
@@ -211,6 +254,9 @@ int main(int argc, char** argv)
         app.parse(argc, argv);
         if (*pJob && !bLayout && job.model.empty()) {
             throw CLI::RequiredError("--model");
+        }
+        if (!preview.position.empty() && preview.text.empty() && preview.image.empty()) {
+            throw CLI::RequiresError("--position", "--watermark or --image");
         }
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {

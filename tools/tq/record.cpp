@@ -3,11 +3,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <ostream>
 
 #include "platform/hosted/standin.h"
 #include "settings/defaults.h"
+#include "tools/save_file.h"
 #include "tools/tq/record_text.h"
 
 PrinterSetup StartModel(const std::string& model, const std::string& package, bool bMetric)
@@ -39,11 +39,7 @@ DriverDevmode ReadRecordFile(const std::string& file)
 
 void WriteRecordFile(const std::string& path, const DriverDevmode& record)
 {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(&record), sizeof record);
-    if (!file.flush()) {
-        throw std::runtime_error(path + ": cannot be written");
-    }
+    SaveFile(path, &record, sizeof record);
 }
 
 int RunRecord(const RecordOptions& options, std::ostream& out)

@@ -3,20 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
-static bool WriteFile(const std::string& path, const char* data, std::size_t size)
-{
-    std::ofstream out(path, std::ios::binary);
-    out.write(data, static_cast<std::streamsize>(size));
-    out.close();
-    if (!out) {
-        std::cerr << path << ": cannot be written\n";
-    }
-    return static_cast<bool>(out);
-}
+#include "tools/save_file.h"
 
 static int Compile(const std::string& from, const std::string& to)
 {
@@ -32,7 +23,8 @@ static int Compile(const std::string& from, const std::string& to)
     if (!compiled.errors.empty()) {
         return 1;
     }
-    return WriteFile(to, reinterpret_cast<const char*>(compiled.bytes.data()), compiled.bytes.size()) ? 0 : 1;
+    SaveFile(to, compiled.bytes.data(), compiled.bytes.size());
+    return 0;
 }
 
 static int Dump(const std::string& from, const std::string& to)
@@ -47,7 +39,8 @@ static int Dump(const std::string& from, const std::string& to)
         std::cout << text;
         return std::cout.good() ? 0 : 1;
     }
-    return WriteFile(to, text.data(), text.size()) ? 0 : 1;
+    SaveFile(to, text.data(), text.size());
+    return 0;
 }
 
 int main(int argc, char** argv)
@@ -70,5 +63,10 @@ int main(int argc, char** argv)
         std::cerr << error.what() << "\n\n" << app.help();
         return 2;
     }
-    return *compile ? Compile(from, to) : Dump(from, to);
+    try {
+        return *compile ? Compile(from, to) : Dump(from, to);
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return 1;
+    }
 }

@@ -27,7 +27,8 @@ bool ReadContext(HDC hDc, Picture* pPicture);
 bool WindowPicture(HWND hWnd, Picture* pPicture);
 
 /* PNG files of 8 bits a channel. False when the file cannot be written; when it cannot be read as such a picture, or
-   has more than 64 million pixels. Transparency is dropped. */
+   has more than 64 million pixels. Transparency is dropped. EncodePng makes the bytes of such a file. */
+bool EncodePng(const Picture& picture, std::vector<u8>* pPng);
 bool SavePng(const std::filesystem::path& path, const Picture& picture);
 bool LoadPng(const std::filesystem::path& path, Picture* pPicture);
 

@@ -91,7 +91,8 @@ DWORD WINAPI GetCharacterPlacementW(HDC hDc, LPCWSTR wcText, int nLength, int nM
         nChars /= 2;
     }
     for (size_t i = 0; pResults->lpGlyphs && i < nGlyphs; i++) {
-        pResults->lpGlyphs[i] = static_cast<WCHAR>(placed.glyphs[i]);
+        const u32 ulGlyph = placed.glyphs[i]; /* numbers are those of the font's own face */
+        pResults->lpGlyphs[i] = ulGlyph & LINKED_GLYPH ? u'\0' : static_cast<WCHAR>(ulGlyph);
     }
     if (pResults->lpOutString) {
         placed.wcChars.copy(pResults->lpOutString, nChars);
@@ -118,7 +119,7 @@ DWORD WINAPI GetGlyphOutlineW(HDC hDc, UINT uChar, UINT uFormat, GLYPHMETRICS* p
         return GDI_ERROR;
     }
     const GlyphFont& font = *selected.pFont;
-    u32 ulGlyph = uFormat & GGO_GLYPH_INDEX ? uChar : GlyphOf(font, static_cast<WCHAR>(uChar));
+    u32 ulGlyph = uFormat & GGO_GLYPH_INDEX ? uChar & 0xFFFF : GlyphOf(font, static_cast<WCHAR>(uChar));
     GlyphBox box;
     Bytes native;
     if (!MeasureGlyph(font, ulGlyph, true, &box) ||

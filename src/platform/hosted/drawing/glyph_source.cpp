@@ -109,6 +109,7 @@ bool SetUpFont(const FontKey& key, FT_Face face, GlyphFont* pFont)
     }
     const FT_Size_Metrics& metrics = face->size->metrics;
     pFont->face = face;
+    pFont->nPpem = nPpem;
     pFont->nAscent = Rounded(FT_MulFix(pOs2->usWinAscent, metrics.y_scale));
     pFont->nDescent = Rounded(FT_MulFix(pOs2->usWinDescent, metrics.y_scale));
     pFont->nBolder = key.file.bBolder ? nPpem * 64 / 24 : 0;
@@ -168,6 +169,11 @@ GlyphBox BoxOf(const GlyphFont& font, bool bTurn)
     result.nRight += result.nRight == result.nLeft;
     result.nBottom -= result.nBottom == result.nTop;
     return result;
+}
+
+bool IsLinked(const GlyphFont& font, u32 ulGlyph)
+{
+    return ulGlyph & LINKED_GLYPH && font.pLinked;
 }
 
 const FT_Outline& TurnedOutline(const GlyphFont& font)
@@ -243,23 +249,27 @@ void PutContour(Bytes* pOut, const FT_Vector* aPoints, const unsigned char* acTa
 
 } // namespace
 
-const GlyphFont* FindGlyphFont(const LOGFONTW& font)
+namespace {
+
+FontKey KeyOf(const LOGFONTW& font, LONG lHeight)
 {
-    FontKey key = {{},
-                   font.lfHeight,
-                   static_cast<int>(std::min<i64>(std::llabs(font.lfWidth), MOST_PPEM)),
-                   (font.lfEscapement % 3600 + 3600) % 3600};
-    if (!FindFontFile(font, &key.file)) {
-        return nullptr;
-    }
+    return {{},
+            lHeight,
+            static_cast<int>(std::min<i64>(std::llabs(font.lfWidth), MOST_PPEM)),
+            (font.lfEscapement % 3600 + 3600) % 3600};
+}
+
+const GlyphFont* FindKept(const FontKey& key)
+{
     auto place = cache().fonts.find(key);
-    if (place != cache().fonts.end()) {
-        return &place->second;
-    }
-    if (cache().fonts.size() >= MOST_FONTS) {
-        cache().Clear();
-    }
+    return place != cache().fonts.end() ? &place->second : nullptr;
+}
+
+/* Opens the face and keeps it. Null when that fails. */
+const GlyphFont* MakeFont(const FontKey& key, const LOGFONTW& font)
+{
     GlyphFont made = {};
+    made.logFont = font;
     FT_Face face = nullptr;
     if ((!cache().library && FT_Init_FreeType(&cache().library) != 0) ||
         FT_New_Face(cache().library, key.file.path.c_str(), key.file.nIndex, &face) != 0) {
@@ -272,6 +282,35 @@ const GlyphFont* FindGlyphFont(const LOGFONTW& font)
     return &cache().fonts.insert({key, made}).first->second;
 }
 
+/* As large as the font itself. It takes the place of no other font, since those of this call are in use. */
+const GlyphFont* LinkedFont(const GlyphFont& font)
+{
+    FontKey key = KeyOf(font.logFont, -font.nPpem);
+    if (!font.bLinkSought && FindLinkedFile(font.logFont, &key.file)) {
+        const GlyphFont* pKept = FindKept(key);
+        font.pLinked = pKept ? pKept : MakeFont(key, font.logFont);
+    }
+    font.bLinkSought = true;
+    return font.pLinked;
+}
+
+} // namespace
+
+const GlyphFont* FindGlyphFont(const LOGFONTW& font)
+{
+    FontKey key = KeyOf(font, font.lfHeight);
+    if (!FindFontFile(font, &key.file)) {
+        return nullptr;
+    }
+    if (const GlyphFont* pKept = FindKept(key)) {
+        return pKept;
+    }
+    if (cache().fonts.size() >= MOST_FONTS) {
+        cache().Clear();
+    }
+    return MakeFont(key, font);
+}
+
 void ResetGlyphs()
 {
     cache().Clear();
@@ -281,6 +320,9 @@ void ResetGlyphs()
 
 bool MeasureGlyph(const GlyphFont& font, u32 ulGlyph, bool bTurn, GlyphBox* pBox)
 {
+    if (IsLinked(font, ulGlyph)) {
+        return MeasureGlyph(*font.pLinked, ulGlyph & ~LINKED_GLYPH, bTurn, pBox);
+    }
     const std::pair<u32, bool> key = {ulGlyph, bTurn};
     if (const auto kept = font.boxes.find(key); kept != font.boxes.end()) {
         *pBox = kept->second;
@@ -296,6 +338,9 @@ bool MeasureGlyph(const GlyphFont& font, u32 ulGlyph, bool bTurn, GlyphBox* pBox
 
 bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels)
 {
+    if (IsLinked(font, ulGlyph)) {
+        return LoadGlyphPixels(*font.pLinked, ulGlyph & ~LINKED_GLYPH, pPixels);
+    }
     if (const auto kept = font.pixels.find(ulGlyph); kept != font.pixels.end()) {
         *pPixels = kept->second;
         return true;
@@ -332,6 +377,9 @@ bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels)
 
 bool LoadGlyphOutline(const GlyphFont& font, u32 ulGlyph, Bytes* pNative)
 {
+    if (IsLinked(font, ulGlyph)) {
+        return LoadGlyphOutline(*font.pLinked, ulGlyph & ~LINKED_GLYPH, pNative);
+    }
     pNative->clear();
     if (!Load(font, ulGlyph, FT_LOAD_TARGET_NORMAL)) {
         return false;
@@ -350,7 +398,13 @@ bool LoadGlyphOutline(const GlyphFont& font, u32 ulGlyph, Bytes* pNative)
 
 u32 GlyphOf(const GlyphFont& font, WCHAR wcChar)
 {
-    return FT_Get_Char_Index(font.face, wcChar);
+    u32 ulGlyph = FT_Get_Char_Index(font.face, wcChar);
+    if (ulGlyph) {
+        return ulGlyph;
+    }
+    const GlyphFont* pLinked = LinkedFont(font);
+    ulGlyph = pLinked ? FT_Get_Char_Index(pLinked->face, wcChar) : 0;
+    return ulGlyph ? ulGlyph | LINKED_GLYPH : 0;
 }
 
 int TextWidth(const GlyphFont& font, std::u16string_view wcText)

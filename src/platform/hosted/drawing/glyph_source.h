@@ -35,6 +35,11 @@ struct GlyphFont {
     FT_Matrix upright, turned; /* narrowed and slanted; the same, turned by the font's angle */
     double dAngle;             /* radians, counterclockwise */
     u32 aulCodePages[2];       /* OS/2 */
+    LOGFONTW logFont;          /* what it was found by */
+    int nPpem;                 /* pixels an em */
+    mutable bool bLinkSought;
+    mutable const GlyphFont*
+        pLinked; /* has letters that the face lacks; null when there is none, or was no need */
     /* Letters that were drawn and measured before. */
     mutable std::map<u32, GlyphPixels> pixels;
     mutable std::map<std::pair<u32, bool>, GlyphBox> boxes;
@@ -44,13 +49,15 @@ struct GlyphFont {
 const GlyphFont* FindGlyphFont(const LOGFONTW& font);
 void ResetGlyphs();
 
-/* All false when the font has no such glyph. nTurn: the font's angle, or upright. */
+/* Also of linked letters. All false when the font has no such glyph. nTurn: the font's angle, or upright. */
 bool MeasureGlyph(const GlyphFont& font, u32 ulGlyph, bool bTurn, GlyphBox* pBox);
 bool LoadGlyphPixels(const GlyphFont& font, u32 ulGlyph, GlyphPixels* pPixels);
 /* The outline as GetGlyphOutlineW has it in GGO_NATIVE; no bytes for a blank. */
 bool LoadGlyphOutline(const GlyphFont& font, u32 ulGlyph, Bytes* pNative);
 
-u32 GlyphOf(const GlyphFont& font, WCHAR wcChar); /* 0: the box of a missing letter */
+/* Letters that the face lacks come from the linked one; 0: the box of a missing letter. */
+constexpr u32 LINKED_GLYPH = 0x80000000;
+u32 GlyphOf(const GlyphFont& font, WCHAR wcChar);
 int TextWidth(const GlyphFont& font, std::u16string_view wcText);
 
 /* Letters from left to right, their forms chosen by HarfBuzz and their order by FriBidi. */

@@ -29,12 +29,16 @@ constexpr const char* cUsualFamily = "liberation sans";
 constexpr const char* cLastFamily = "dejavu sans";
 
 /* Families of Windows, and what has letters of the same widths. */
-constexpr const char* aLikeFamilies[][2] = {
-    {"times new roman", "liberation serif"},   {"times", "liberation serif"},
-    {"tms rmn", "liberation serif"},           {"arial", "liberation sans"},
-    {"helvetica", "liberation sans"},          {"helv", "liberation sans"},
-    {"courier new", "liberation mono"},        {"courier", "liberation mono"},
-    {"arial narrow", "liberation sans narrow"}};
+constexpr const char* aLikeFamilies[][2] = {{"times new roman", "liberation serif"},
+                                            {"times", "liberation serif"},
+                                            {"tms rmn", "liberation serif"},
+                                            {"arial", "liberation sans"},
+                                            {"helvetica", "liberation sans"},
+                                            {"helv", "liberation sans"},
+                                            {"courier new", "liberation mono"},
+                                            {"courier", "liberation mono"},
+                                            {"arial narrow", "liberation sans narrow"},
+                                            {"system", "dejavu sans mono"}};
 
 std::string SmallLetters(std::string text)
 {
@@ -157,6 +161,20 @@ const InstalledFace* ChooseFace(const std::string& wanted, u8 bCharSet, bool bBo
     return Faces().empty() ? nullptr : &Faces().front();
 }
 
+bool IsBold(const LOGFONTW& font)
+{
+    return font.lfWeight > 550;
+}
+
+FontFile FileOf(const InstalledFace& face, bool bBold, bool bItalic)
+{
+    return {face.path,
+            face.nIndex,
+            bBold && face.nWeight < FC_WEIGHT_DEMIBOLD,
+            bItalic && face.nSlant == FC_SLANT_ROMAN,
+            {face.aulCodePages[0], face.aulCodePages[1]}};
+}
+
 } // namespace
 
 bool FontFile::operator<(const FontFile& other) const
@@ -178,10 +196,21 @@ bool ClaimsCharSet(const u32 (&aulCodePages)[2], u8 bCharSet)
     return bCharSet == 1 || bCharSet == 255; /* the default one and the computer's own: any font will do */
 }
 
+bool FindLinkedFile(const LOGFONTW& font, FontFile* pFile)
+{
+    const InstalledFace* pFace =
+        NearestFace(cLastFamily, IsBold(font), false); /* upright it has most letters */
+    if (!pFace) {
+        return false;
+    }
+    *pFile = FileOf(*pFace, IsBold(font), font.lfItalic != 0);
+    return true;
+}
+
 bool FindFontFile(const LOGFONTW& font, FontFile* pFile)
 {
     static std::map<std::tuple<std::string, u8, bool, bool>, FontFile> found;
-    bool bBold = font.lfWeight > 550, bItalic = font.lfItalic != 0;
+    bool bBold = IsBold(font), bItalic = font.lfItalic != 0;
     const WCHAR* wcEnd = std::find(font.lfFaceName, font.lfFaceName + LF_FACESIZE, u'\0');
     std::string family =
         SmallLetters(Narrow({font.lfFaceName, static_cast<size_t>(wcEnd - font.lfFaceName)}));
@@ -195,14 +224,7 @@ bool FindFontFile(const LOGFONTW& font, FontFile* pFile)
         if (found.size() >= 256) {
             found.clear();
         }
-        place = found
-                    .insert({key,
-                             {pFace->path,
-                              pFace->nIndex,
-                              bBold && pFace->nWeight < FC_WEIGHT_DEMIBOLD,
-                              bItalic && pFace->nSlant == FC_SLANT_ROMAN,
-                              {pFace->aulCodePages[0], pFace->aulCodePages[1]}}})
-                    .first;
+        place = found.insert({key, FileOf(*pFace, bBold, bItalic)}).first;
     }
     *pFile = place->second;
     return true;

@@ -20,6 +20,9 @@ struct FontFile {
    face does not claim, by the first face that does. False when the computer has no font at all. */
 bool FindFontFile(const LOGFONTW& font, FontFile* pFile);
 
+/* The face whose letters stand in for those that the font's own face lacks, in its weight and slant. False as above. */
+bool FindLinkedFile(const LOGFONTW& font, FontFile* pFile);
+
 /* Whether a face claims a character set, by the code pages of its OS/2 table. */
 bool ClaimsCharSet(const u32 (&aulCodePages)[2], u8 bCharSet);
 

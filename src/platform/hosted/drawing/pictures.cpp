@@ -59,6 +59,27 @@ void ShowBitmaps(const Window* pWindow, int nLeft, int nTop, Picture* pPicture)
     }
 }
 
+std::vector<u8> RgbBytes(const Picture& picture)
+{
+    std::vector<u8> rgb;
+    rgb.reserve(picture.pixels.size() * 3);
+    for (COLORREF color : picture.pixels) {
+        rgb.insert(rgb.end(),
+                   {static_cast<u8>(color), static_cast<u8>(color >> 8), static_cast<u8>(color >> 16)});
+    }
+    return rgb;
+}
+
+png_image PngOf(const Picture& picture)
+{
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(picture.nWidth);
+    image.height = static_cast<png_uint_32>(picture.nHeight);
+    image.format = PNG_FORMAT_RGB;
+    return image;
+}
+
 } // namespace
 
 bool ReadContext(HDC hDc, Picture* pPicture)
@@ -88,19 +109,23 @@ bool WindowPicture(HWND hWnd, Picture* pPicture)
     return true;
 }
 
+bool EncodePng(const Picture& picture, std::vector<u8>* pPng)
+{
+    const std::vector<u8> rgb = RgbBytes(picture);
+    png_image image = PngOf(picture);
+    png_alloc_size_t cb = PNG_IMAGE_PNG_SIZE_MAX(image);
+    pPng->resize(cb);
+    if (!png_image_write_to_memory(&image, pPng->data(), &cb, 0, rgb.data(), 0, nullptr)) {
+        return false;
+    }
+    pPng->resize(cb);
+    return true;
+}
+
 bool SavePng(const std::filesystem::path& path, const Picture& picture)
 {
-    std::vector<u8> rgb;
-    rgb.reserve(picture.pixels.size() * 3);
-    for (COLORREF color : picture.pixels) {
-        rgb.insert(rgb.end(),
-                   {static_cast<u8>(color), static_cast<u8>(color >> 8), static_cast<u8>(color >> 16)});
-    }
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(picture.nWidth);
-    image.height = static_cast<png_uint_32>(picture.nHeight);
-    image.format = PNG_FORMAT_RGB;
+    const std::vector<u8> rgb = RgbBytes(picture);
+    png_image image = PngOf(picture);
     return png_image_write_to_file(&image, path.c_str(), 0, rgb.data(), 0, nullptr) != 0;
 }
 

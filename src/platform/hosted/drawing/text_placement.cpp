@@ -3,6 +3,7 @@
 #include <hb.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/hosted/drawing/drawing_state.h"
 #include "platform/hosted/drawing/glyph_source.h"
@@ -83,9 +84,9 @@ std::vector<Run> RunsInOrder(const std::vector<FriBidiLevel>& levels)
     return runs;
 }
 
-/* One run's glyphs from left to right. */
-void ShapeRun(const GlyphFont& font, std::u16string_view wcText, const Run& run, DWORD dwFlags,
-              std::vector<u32>* pGlyphs)
+/* The glyphs from left to right of a part of a run whose letters come from one face. */
+void ShapePart(const GlyphFont& font, std::u16string_view wcText, const Run& run, bool bLinked, DWORD dwFlags,
+               std::vector<u32>* pGlyphs)
 {
     hb_buffer_t* pBuffer = hb_buffer_create();
     hb_buffer_add_utf16(pBuffer, reinterpret_cast<const uint16_t*>(wcText.data()),
@@ -100,13 +101,33 @@ void ShapeRun(const GlyphFont& font, std::u16string_view wcText, const Run& run,
         {HB_TAG('c', 'l', 'i', 'g'), 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END},
         {HB_TAG('r', 'l', 'i', 'g'), dwFlags & GCP_LIGATE ? 1u : 0u, HB_FEATURE_GLOBAL_START,
          HB_FEATURE_GLOBAL_END}};
-    hb_shape(font.pShaper, pBuffer, aFeatures, std::size(aFeatures));
+    hb_shape(bLinked ? font.pLinked->pShaper : font.pShaper, pBuffer, aFeatures, std::size(aFeatures));
     unsigned nGlyphs = 0;
     const hb_glyph_info_t* aInfos = hb_buffer_get_glyph_infos(pBuffer, &nGlyphs);
     for (unsigned i = 0; i < nGlyphs; i++) {
-        pGlyphs->push_back(aInfos[i].codepoint);
+        pGlyphs->push_back(aInfos[i].codepoint | (bLinked ? LINKED_GLYPH : 0));
     }
     hb_buffer_destroy(pBuffer);
+}
+
+/* One run's glyphs from left to right: part by part, from its end where it is turned. */
+void ShapeRun(const GlyphFont& font, std::u16string_view wcText, const Run& run, DWORD dwFlags,
+              std::vector<u32>* pGlyphs)
+{
+    std::vector<std::pair<Run, bool>> parts;
+    for (size_t i = run.nFrom; i < run.nTo; i++) {
+        const bool bLinked = GlyphOf(font, wcText[i]) & LINKED_GLYPH;
+        if (parts.empty() || parts.back().second != bLinked) {
+            parts.push_back({{i, i, run.level}, bLinked});
+        }
+        parts.back().first.nTo = i + 1;
+    }
+    if (run.level & 1) {
+        std::reverse(parts.begin(), parts.end());
+    }
+    for (const auto& [part, bLinked] : parts) {
+        ShapePart(font, wcText, part, bLinked, dwFlags, pGlyphs);
+    }
 }
 
 } // namespace
