@@ -75,9 +75,8 @@ int main()
         ResetCallCounts();
         Measure(&header, false);
         std::printf(
-            "platform calls of one sheet %d, of them files %d, settings %d, spooler %d\n",
+            "platform calls of one sheet %d, of them files %d, spooler %d\n",
             CallCount(ANY_CALL) / ROUNDS, (CallCount(CALL_CreateFileW) + CallCount(CALL_ReadFile)) / ROUNDS,
-            (CallCount(CALL_GetPrivateProfileStringW) + CallCount(CALL_GetPrivateProfileIntW)) / ROUNDS,
             (CallCount(CALL_GetPrinterDataW) + CallCount(CALL_GetPrinterDriverW) +
              CallCount(CALL_GetPrinterW)) /
                 ROUNDS);

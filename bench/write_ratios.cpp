@@ -10,7 +10,7 @@
 #include "places.h"
 #include "settings/defaults.h"
 #include "settingsfile/custom_sizes.h"
-#include "settingsfile/section_file.h"
+#include "profile/section_file.h"
 #include "settingsfile/settings_writer.h"
 #include "tools/tq/sample_printer.h"
 

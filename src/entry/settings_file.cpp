@@ -83,7 +83,7 @@ void DeleteSettingsFile(const WCHAR* tcFolder, const WCHAR* wcName)
     if (!PathInFolder(tcPath, tcFolder, wcName) || !IsThere(tcPath)) {
         return;
     }
-    i32 nRows = ReadWatermarks(tcPath, &pRows);
+    i32 nRows = ReadWatermarks(OpenProfile(tcPath), &pRows);
     for (i32 i = 0; i < nRows; i++) {
         DeleteBuiltFile(tcFolder, pRows.get()[i].WMFileName);
         DeleteBuiltFile(tcFolder, pRows.get()[i].WMColorFile);
@@ -153,6 +153,7 @@ int EnsureSettingsFile(PrinterCall& call, const DriverDevmode* pRecord, u16 usLa
     if (!bPath || IsThere(tcPath)) {
         return 0;
     }
+    ForgetUserSettings(call);
     return !pRecord || WritePrinterSettings(tcPath, pRecord, usLanguage);
 }
 
