@@ -81,7 +81,8 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
         Require(nAt <= 3716);
     }
     const std::vector<u8> once = block;
-    Require(!bAgain || (ReadPrinterSettings(OpenProfile(FUZZ_FILE), pRecord, bReadOnly, usKind) && block == once));
+    Require(!bAgain ||
+            (ReadPrinterSettings(OpenProfile(FUZZ_FILE), pRecord, bReadOnly, usKind) && block == once));
     auto Copy = [&] {
         Require(WritePrinterSettings(COPY_FILE, pRecord, usKind));
         Require(ReadPrinterSettings(OpenProfile(COPY_FILE), pRecord, 0, usKind));

@@ -33,8 +33,8 @@ void BuildDeviceInfo(PrinterCall& call, const XpiModel* pModel, DeviceInfo* pInf
     pInfo->ulInputs = ReadProfileHex(section, TEXT("Sources"), pInfo->ulInputs);
     pInfo->ulOutputs = ReadProfileHex(section, TEXT("Destinations"), pInfo->ulOutputs);
     pInfo->ulOptions = ReadProfileHex(section, TEXT("Options"), pInfo->ulOptions);
-    pInfo->ulMemoryKey = static_cast<u32>(
-        ReadProfileLong(section, TEXT("TotalMemory"), static_cast<i32>(pInfo->ulMemoryKey)));
+    pInfo->ulMemoryKey =
+        static_cast<u32>(ReadProfileLong(section, TEXT("TotalMemory"), static_cast<i32>(pInfo->ulMemoryKey)));
 }
 
 void SetDeviceInfo(PrinterCall& call, const DeviceInfo* pInfo)

@@ -26,7 +26,7 @@ struct PrinterCall {
     OwnedBlock<PRINTER_INFO_2W> pPrinterInfo;
     XpiFile rXpiFile;
     ProfileFile rIniFile, rUserFile; /* see GetDriverIni and GetUserSettings */
-    WCHAR tcXpiPath[PATH_CHARS]; /* see GetXpiPath */
+    WCHAR tcXpiPath[PATH_CHARS];     /* see GetXpiPath */
     DeviceInfo rDeviceInfo;
 
     explicit PrinterCall(HANDLE hOf)

@@ -18,7 +18,7 @@ WCHAR Capital(WCHAR wcChar)
     return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
 }
 
-/* The part in front of the first NUL. */
+/* The part in front of the first NUL, which ends a name or value but not its line. */
 Span CutAtNul(Span span)
 {
     u32 nAt = 0;
@@ -83,7 +83,7 @@ int IsHeader(Span line, Span* pName)
     if (!nClose) {
         return 0;
     }
-    *pName = TrimSpan(CutAtNul({line.pText + 1, nClose - 1}));
+    *pName = CutAtNul(TrimSpan({line.pText + 1, nClose - 1}));
     return 1;
 }
 
@@ -93,10 +93,10 @@ void SplitLine(Span line, Span* pKey, Span* pValue)
     while (nAt < line.nLength && line.pText[nAt] != '=') {
         nAt++;
     }
-    *pKey = TrimSpan(CutAtNul({line.pText, nAt}));
+    *pKey = CutAtNul(TrimSpan({line.pText, nAt}));
     *pValue = {nullptr, 0};
     if (nAt < line.nLength) {
-        *pValue = TrimSpan(CutAtNul({line.pText + nAt + 1, line.nLength - nAt - 1}));
+        *pValue = CutAtNul(TrimSpan({line.pText + nAt + 1, line.nLength - nAt - 1}));
     }
 }
 

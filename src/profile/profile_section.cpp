@@ -199,7 +199,7 @@ u32 ListProfileKeys(const ProfileSection& section, WCHAR* wcOut, u32 cch)
             break;
         }
         SplitLine(line, &key, &value);
-        if (value.pText && !AddListName(key, wcOut, cch, &nUsed)) {
+        if (value.pText && key.nLength && !AddListName(key, wcOut, cch, &nUsed)) {
             break;
         }
     }

@@ -35,7 +35,8 @@ ProfileSection OpenSection(const ProfileFile& file, const WCHAR* wcSection);
    1 when the first key of that name has a "=" behind it, else 0 with both of the out values unchanged. */
 int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR** ppText, u32* pnLength);
 
-/* The names of the section's keys, each that has a "=" behind it, as in ListProfileSections. */
+/* The names of the section's keys, each that has a "=" behind it, as in ListProfileSections. A
+   key without a name is left out. */
 u32 ListProfileKeys(const ProfileSection& section, WCHAR* wcOut, u32 cch);
 
 #endif

@@ -125,10 +125,8 @@ void ReadStyles(const ProfileSection& section, DriverDevmode* pRecord, u16 usLan
 {
     StyleReader reader = {section, usLanguage, {}};
     std::memcpy(reader.abRegion, pRecord->rPrivate.bExceptionRegion, STYLES_END);
-    u8 nStyles = static_cast<u8>(
-        ReadProfileInt(section, TEXT("StyleCount"), pRecord->rPrivate.bStyleCount));
-    u8 nBlocks = static_cast<u8>(
-        ReadProfileInt(section, TEXT("BlockCount"), pRecord->rPrivate.bBlockCount));
+    u8 nStyles = static_cast<u8>(ReadProfileInt(section, TEXT("StyleCount"), pRecord->rPrivate.bStyleCount));
+    u8 nBlocks = static_cast<u8>(ReadProfileInt(section, TEXT("BlockCount"), pRecord->rPrivate.bBlockCount));
     int nAt = STYLES_AT;
     reader.abRegion[0] = ReadList(&reader, ReadStyle, nStyles, &nAt);
     reader.abRegion[1] = ReadList(&reader, ReadBlock, nBlocks, &nAt);
