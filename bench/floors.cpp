@@ -50,6 +50,25 @@ void AskValue(HANDLE hPrinter, const WCHAR* wcValue)
 
 } // namespace
 
+void FloorOfTextFile(const WCHAR* tcPath)
+{
+    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    LARGE_INTEGER size;
+    DWORD cbRead = 0;
+    Require(hFile != INVALID_HANDLE_VALUE && GetFileType(hFile) == FILE_TYPE_DISK &&
+            GetFileSizeEx(hFile, &size));
+    u32 cb = static_cast<u32>(size.QuadPart);
+    u8* pBytes = static_cast<u8*>(TakeBlock(cb));
+    Require(ReadFile(hFile, pBytes, cb, &cbRead, nullptr) && cbRead == cb);
+    CloseHandle(hFile);
+    u32 ulSum = 0;
+    for (u32 i = 0; i < cb; i++) {
+        ulSum = (ulSum ^ pBytes[i]) * 0x01000193;
+    }
+    asm volatile("" : : "r"(ulSum));
+    GiveBlock(pBytes);
+}
+
 void FloorOfModelLoad(const WCHAR* tcPath, FileSpan body)
 {
     u8 abHeader[HEADER_BYTES];
@@ -83,7 +102,7 @@ void FloorOfPrinterCalls(HANDLE hPrinter, const WCHAR* tcIni, int bCustom)
     Require(GetPrinterDriverW(hPrinter, nullptr, 3, pDriver, DRIVER_BYTES, &cb));
     if (bCustom) {
         AskValue(hPrinter, TEXT("Settings"));
-        GetPrivateProfileIntW(TEXT("CustomSizes"), TEXT("NumCustomSizes"), -1, tcIni);
+        FloorOfTextFile(tcIni);
         GetProfileIntW(TEXT("intl"), TEXT("iMeasure"), 1);
         BYTE* pForms = static_cast<BYTE*>(TakeBlock(FORM_BYTES));
         Require(EnumFormsW(hPrinter, 1, pForms, FORM_BYTES, &cb, &nRows));

@@ -141,7 +141,7 @@ void WriteSettings(PrinterCall&, DriverDevmode* pRecord)
 
 void ReadSettings(PrinterCall&, DriverDevmode* pRecord)
 {
-    ReadPrinterSettings(TEXT("C:\\drv\\user.ini"), pRecord, 0, 0);
+    ReadPrinterSettings(OpenProfile(TEXT("C:\\drv\\user.ini")), pRecord, 0, 0);
 }
 
 std::function<void()> ReadBack(const char* cSection)

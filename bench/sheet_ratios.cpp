@@ -74,13 +74,12 @@ int main()
         nOver += Report("the same, every page shown", Measure(&header, true));
         ResetCallCounts();
         Measure(&header, false);
-        std::printf(
-            "platform calls of one sheet %d, of them files %d, settings %d, spooler %d\n",
-            CallCount(ANY_CALL) / ROUNDS, (CallCount(CALL_CreateFileW) + CallCount(CALL_ReadFile)) / ROUNDS,
-            (CallCount(CALL_GetPrivateProfileStringW) + CallCount(CALL_GetPrivateProfileIntW)) / ROUNDS,
-            (CallCount(CALL_GetPrinterDataW) + CallCount(CALL_GetPrinterDriverW) +
-             CallCount(CALL_GetPrinterW)) /
-                ROUNDS);
+        std::printf("platform calls of one sheet %d, of them files %d, spooler %d\n",
+                    CallCount(ANY_CALL) / ROUNDS,
+                    (CallCount(CALL_CreateFileW) + CallCount(CALL_ReadFile)) / ROUNDS,
+                    (CallCount(CALL_GetPrinterDataW) + CallCount(CALL_GetPrinterDriverW) +
+                     CallCount(CALL_GetPrinterW)) /
+                        ROUNDS);
     }
     DllMain(nullptr, DLL_PROCESS_DETACH, nullptr);
     StopMachine();

@@ -8,9 +8,9 @@
 #include "base/owned.h"
 #include "description/driver_files.h"
 #include "places.h"
+#include "profile/section_file.h"
 #include "settings/defaults.h"
 #include "settingsfile/custom_sizes.h"
-#include "settingsfile/section_file.h"
 #include "settingsfile/settings_writer.h"
 #include "tools/tq/sample_printer.h"
 

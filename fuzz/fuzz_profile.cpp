@@ -5,35 +5,46 @@
 
 #include "fuzz/require.h"
 #include "platform/hosted/standin.h"
-#include "platform/profile.h"
-#include "settingsfile/section_file.h"
+#include "profile/profile_values.h"
+#include "profile/section_file.h"
 
 namespace {
 
 constexpr char16_t FUZZ_FILE[] = u"C:\\fuzz\\f.ini";
-constexpr DWORD LIST_CHARS = 300;
+constexpr int LIST_CHARS = 300;
 constexpr int NAME_LIMIT = 8; /* names of a list that are read and written */
 
-/* Reads into a block of just cchOut characters, so that the sanitizer sees the first one behind it. */
-WideText Read(LPCWSTR wcSection, LPCWSTR wcKey, LPCWSTR wcDefault, DWORD cchOut)
-{
-    std::vector<WCHAR> wcOut(cchOut, u'~');
-    DWORD cchText = GetPrivateProfileStringW(wcSection, wcKey, wcDefault, wcOut.data(), cchOut, FUZZ_FILE);
-    Require(cchOut == 0 ? cchText == 0 : cchText < cchOut && wcOut[cchText] == 0);
-    return {wcOut.data(), cchText};
-}
+/* The file as it stands at one moment. */
+struct Reader {
+    ProfileFile file = OpenProfile(FUZZ_FILE);
 
-std::vector<WideText> ReadList(LPCWSTR wcSection, DWORD cchOut)
-{
-    std::vector<WideText> names;
-    WideText wcList = Read(wcSection, nullptr, u"", cchOut);
-    for (size_t nAt = 0; nAt < wcList.size() && names.size() < NAME_LIMIT;) {
-        size_t nEnd = std::min(wcList.find(u'\0', nAt), wcList.size());
-        names.push_back(wcList.substr(nAt, nEnd - nAt));
-        nAt = nEnd + 1;
+    /* Reads into a block of just cchOut characters, so that the sanitizer sees the first one behind it. */
+    WideText Read(LPCWSTR wcSection, LPCWSTR wcKey, int cchOut) const
+    {
+        std::vector<WCHAR> wcOut(static_cast<size_t>(cchOut), u'~');
+        if (!ReadProfileText(OpenSection(file, wcSection), wcKey, wcOut.data(), cchOut)) {
+            return u"none";
+        }
+        size_t cchText = WideText(wcOut.data(), wcOut.size()).find(u'\0');
+        Require(cchText < wcOut.size());
+        return {wcOut.data(), cchText};
     }
-    return names;
-}
+
+    /* The first names of the sections, or of a section's keys. */
+    std::vector<WideText> List(LPCWSTR wcSection, u32 cchOut) const
+    {
+        std::vector<WCHAR> wcOut(cchOut, u'~');
+        u32 cchList = wcSection ? ListProfileKeys(OpenSection(file, wcSection), wcOut.data(), cchOut)
+                                : ListProfileSections(file, wcOut.data(), cchOut);
+        Require(cchList <= cchOut - 2 && !wcOut[cchList] && !wcOut[cchList + 1]);
+        std::vector<WideText> names;
+        for (u32 nAt = 0; nAt < cchList && names.size() < NAME_LIMIT;) {
+            names.emplace_back(wcOut.data() + nAt);
+            nAt += static_cast<u32>(names.back().size()) + 1;
+        }
+        return names;
+    }
+};
 
 bool IsOwn(const WideText& wcName, const WideText& wcCapitals)
 {
@@ -48,14 +59,15 @@ bool IsOwn(const WideText& wcName, const WideText& wcCapitals)
 std::vector<WideText> Others(const WideText& wcSkippedKey)
 {
     std::vector<WideText> values;
-    for (const WideText& wcSection : ReadList(nullptr, LIST_CHARS)) {
+    Reader reader;
+    for (const WideText& wcSection : reader.List(nullptr, LIST_CHARS)) {
         bool bOwn = IsOwn(wcSection, u"SECTION");
         if (bOwn && wcSkippedKey.empty()) {
             continue;
         }
-        for (const WideText& wcKey : ReadList(wcSection.c_str(), LIST_CHARS)) {
+        for (const WideText& wcKey : reader.List(wcSection.c_str(), LIST_CHARS)) {
             if (!bOwn || !IsOwn(wcKey, wcSkippedKey)) {
-                values.push_back(Read(wcSection.c_str(), wcKey.c_str(), u"none", LIST_CHARS));
+                values.push_back(reader.Read(wcSection.c_str(), wcKey.c_str(), LIST_CHARS));
             }
         }
     }
@@ -65,12 +77,9 @@ std::vector<WideText> Others(const WideText& wcSkippedKey)
 void WriteBoth()
 {
     std::vector<WideText> before = Others(u"KEY");
-    bool bForeign = false; /* letters whose capitals are ASCII */
-    for (const WideText& wcSection : ReadList(nullptr, 4096)) {
-        bForeign |= wcSection.find_first_of(u"\u017F\u0131") != wcSection.npos;
-    }
     Require(ReplaceKey(FUZZ_FILE, u"Section", u"Key", u"-42"));
-    Require(bForeign || GetPrivateProfileIntW(u"SECTION", u"KEY", 1, FUZZ_FILE) == static_cast<UINT>(-42));
+    Reader written;
+    Require(ReadProfileInt(OpenSection(written.file, u"SECTION"), u"KEY", 1) == -42);
     std::vector<WideText> after = Others(u"KEY");
     Require(std::equal(before.begin(), before.begin() + std::ptrdiff_t(std::min(before.size(), after.size())),
                        after.begin()));
@@ -81,7 +90,7 @@ void WriteBoth()
     SectionLines lines = {};
     WriteProfileHex(&lines, u"Key", 0xABC);
     Require(ReplaceSection(FUZZ_FILE, u"Section", lines));
-    Require(bForeign || Read(u"Section", u"Key", u"", LIST_CHARS) == u"00000ABC");
+    Require(Reader().Read(u"Section", u"Key", LIST_CHARS) == u"00000ABC");
     after = Others({});
     Require(before == after);
     once = GetFile(FUZZ_FILE);
@@ -101,13 +110,16 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
     SetCodePage(bKind % 3 == 0 ? 1252 : bKind % 3 == 1 ? 932 : 65001);
     PutFile(FUZZ_FILE, Bytes(pBytes, pBytes + cb));
 
-    Read(nullptr, nullptr, u"", bKind % 8);
-    for (const WideText& wcSection : ReadList(nullptr, LIST_CHARS)) {
-        Read(wcSection.c_str(), nullptr, u"x", bKind % 8);
-        for (const WideText& wcKey : ReadList(wcSection.c_str(), LIST_CHARS)) {
-            Read(wcSection.c_str(), wcKey.c_str(), u"default ", bKind % 8);
-            Read(wcSection.c_str(), wcKey.c_str(), nullptr, LIST_CHARS);
-            GetPrivateProfileIntW(wcSection.c_str(), wcKey.c_str(), -1, FUZZ_FILE);
+    Reader reader;
+    reader.List(nullptr, 2u + bKind % 8);
+    for (const WideText& wcSection : reader.List(nullptr, LIST_CHARS)) {
+        ProfileSection section = OpenSection(reader.file, wcSection.c_str());
+        reader.List(wcSection.c_str(), 2u + bKind % 8);
+        for (const WideText& wcKey : reader.List(wcSection.c_str(), LIST_CHARS)) {
+            reader.Read(wcSection.c_str(), wcKey.c_str(), 1 + bKind % 8);
+            ReadProfileInt(section, wcKey.c_str(), -1);
+            ReadProfileLong(section, wcKey.c_str(), -1);
+            ReadProfileHex(section, wcKey.c_str(), 1);
         }
     }
     WriteBoth();

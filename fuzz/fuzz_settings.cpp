@@ -49,7 +49,7 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
     std::memset(pRecord->rPrivate.tcXPIName, 0, sizeof pRecord->rPrivate.tcXPIName);
     pRecord->rPrivate.tcXPIName[0] = 'Q';
     const std::vector<u8> before = block;
-    if (!ReadPrinterSettings(FUZZ_FILE, pRecord, bReadOnly, usKind)) {
+    if (!ReadPrinterSettings(OpenProfile(FUZZ_FILE), pRecord, bReadOnly, usKind)) {
         Require(block == before);
         return;
     }
@@ -81,10 +81,11 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
         Require(nAt <= 3716);
     }
     const std::vector<u8> once = block;
-    Require(!bAgain || (ReadPrinterSettings(FUZZ_FILE, pRecord, bReadOnly, usKind) && block == once));
+    Require(!bAgain ||
+            (ReadPrinterSettings(OpenProfile(FUZZ_FILE), pRecord, bReadOnly, usKind) && block == once));
     auto Copy = [&] {
         Require(WritePrinterSettings(COPY_FILE, pRecord, usKind));
-        Require(ReadPrinterSettings(COPY_FILE, pRecord, 0, usKind));
+        Require(ReadPrinterSettings(OpenProfile(COPY_FILE), pRecord, 0, usKind));
         Require(WritePrinterSettings(COPY_FILE, pRecord, usKind));
     };
     if (bCopy) {
@@ -95,7 +96,7 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
 void ReadLists(int bCopy)
 {
     OwnedBlock<WatermarkEntry> pMarks;
-    i32 nMarks = ReadWatermarks(FUZZ_FILE, &pMarks);
+    i32 nMarks = ReadWatermarks(OpenProfile(FUZZ_FILE), &pMarks);
     Require(pMarks && nMarks >= 0 && nMarks <= WATERMARK_LIMIT && pMarks.get()[nMarks].WMType == ENTRY_FREE);
     for (i32 i = 0; i < nMarks; i++) {
         const WatermarkEntry& row = pMarks.get()[i];
@@ -107,7 +108,7 @@ void ReadLists(int bCopy)
                                                          : !row.WMResolution && !row.WMWidth));
     }
     OwnedBlock<PaperSizeRow> pPapers;
-    i32 nPapers = ReadCustomSizes(FUZZ_FILE, nullptr, &pPapers);
+    i32 nPapers = ReadCustomSizes(OpenProfile(FUZZ_FILE), nullptr, &pPapers);
     Require(pPapers && nPapers >= 0 && nPapers <= LIST_LIMIT);
     for (i32 i = 0; i < nPapers; i++) {
         Require(pPapers.get()[i].wcName[0] && HasEnd(pPapers.get()[i].wcName, 64));
@@ -115,8 +116,8 @@ void ReadLists(int bCopy)
     auto Copy = [&] {
         Require(WriteWatermarks(COPY_FILE, pMarks.get(), nMarks) &&
                 WriteCustomSizes(COPY_FILE, pPapers.get(), nPapers));
-        nMarks = ReadWatermarks(COPY_FILE, &pMarks);
-        nPapers = ReadCustomSizes(COPY_FILE, nullptr, &pPapers);
+        nMarks = ReadWatermarks(OpenProfile(COPY_FILE), &pMarks);
+        nPapers = ReadCustomSizes(OpenProfile(COPY_FILE), nullptr, &pPapers);
         Require(WriteWatermarks(COPY_FILE, pMarks.get(), nMarks) &&
                 WriteCustomSizes(COPY_FILE, pPapers.get(), nPapers));
     };
@@ -124,7 +125,7 @@ void ReadLists(int bCopy)
         Settles(Copy);
     }
     OwnedBlock<WCHAR> pFonts;
-    u16 cbFonts = ReadFontSubstitutions(FUZZ_FILE, &pFonts);
+    u16 cbFonts = ReadFontSubstitutions(OpenProfile(FUZZ_FILE), &pFonts);
     Require(!pFonts == (cbFonts == NO_FONT_SUBSTITUTIONS));
     Require(!pFonts || (!pFonts.get()[cbFonts] && !pFonts.get()[cbFonts + 1]));
 }

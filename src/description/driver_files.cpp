@@ -51,6 +51,16 @@ int FindDriverFile(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcDefau
     return 0;
 }
 
+const ProfileFile& GetDriverIni(PrinterCall& call)
+{
+    if (call.iniState == NOT_ASKED) {
+        WCHAR tcPath[PATH_CHARS];
+        call.iniState = FindDriverFile(call, TEXT(""), TEXT(".INI"), tcPath) ? ANSWERED : NO_ANSWER;
+        call.rIniFile = OpenProfile(tcPath);
+    }
+    return call.rIniFile;
+}
+
 const WCHAR* GetXpiPath(PrinterCall& call)
 {
     if (call.pathState == NOT_ASKED) {

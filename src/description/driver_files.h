@@ -14,6 +14,10 @@
    Result: 1 when found. */
 int FindDriverFile(PrinterCall& call, const WCHAR* wcValue, const WCHAR* wcDefault, WCHAR* tcOut);
 
+/* The driver's .INI file, read when it is first asked for; the call's own. An absent one when the driver has none:
+   call.iniState is then NO_ANSWER. */
+const ProfileFile& GetDriverIni(PrinterCall& call);
+
 /* Path of the printer's description file: value "XPI", default ".XPI", asked once a call. "" when there is
    none. */
 const WCHAR* GetXpiPath(PrinterCall& call);

@@ -1,7 +1,7 @@
 /* Reads, builds and stores the installed set. */
 #include "description/installed_set.h"
 
-#include "settingsfile/profile_values.h"
+#include "profile/profile_values.h"
 
 const DeviceInfo* GetDeviceInfo(PrinterCall& call, const XpiModel* pModel)
 {
@@ -26,16 +26,15 @@ void BuildDeviceInfo(PrinterCall& call, const XpiModel* pModel, DeviceInfo* pInf
         pInfo->ulOptions = pModel->ulOptOptions | pModel->ulStdOptions;
         pInfo->ulMemoryKey = static_cast<u32>(pModel->sStdMemory + pModel->sOptMemory);
     }
-    WCHAR tcIni[PATH_CHARS];
-    if (!bUseIni || !FindDriverFile(call, TEXT(""), TEXT(".INI"), tcIni)) {
+    if (!bUseIni) {
         return;
     }
-    const WCHAR* wcSection = TEXT("DeviceInfo");
-    pInfo->ulInputs = ReadProfileHex(wcSection, TEXT("Sources"), pInfo->ulInputs, tcIni);
-    pInfo->ulOutputs = ReadProfileHex(wcSection, TEXT("Destinations"), pInfo->ulOutputs, tcIni);
-    pInfo->ulOptions = ReadProfileHex(wcSection, TEXT("Options"), pInfo->ulOptions, tcIni);
-    pInfo->ulMemoryKey = static_cast<u32>(
-        ReadProfileLong(wcSection, TEXT("TotalMemory"), static_cast<i32>(pInfo->ulMemoryKey), tcIni));
+    ProfileSection section = OpenSection(GetDriverIni(call), TEXT("DeviceInfo"));
+    pInfo->ulInputs = ReadProfileHex(section, TEXT("Sources"), pInfo->ulInputs);
+    pInfo->ulOutputs = ReadProfileHex(section, TEXT("Destinations"), pInfo->ulOutputs);
+    pInfo->ulOptions = ReadProfileHex(section, TEXT("Options"), pInfo->ulOptions);
+    pInfo->ulMemoryKey =
+        static_cast<u32>(ReadProfileLong(section, TEXT("TotalMemory"), static_cast<i32>(pInfo->ulMemoryKey)));
 }
 
 void SetDeviceInfo(PrinterCall& call, const DeviceInfo* pInfo)

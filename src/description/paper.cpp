@@ -24,12 +24,12 @@ u32 FormSide(LONG lSide)
 
 i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows)
 {
-    WCHAR tcPath[PATH_CHARS];
+    const ProfileFile* pFile = &GetUserSettings(call);
     /* The file decides, not its section: a user's file without saved papers means that there are none. */
-    if (!GetUserSettingsPath(call, tcPath) || GetFileAttributesW(tcPath) == INVALID_FILE_ATTRIBUTES) {
-        FindDriverFile(call, TEXT(""), TEXT(".INI"), tcPath);
+    if (pFile->state == PROFILE_ABSENT) {
+        pFile = &GetDriverIni(call);
     }
-    return ReadCustomSizes(tcPath, pModel, outRows);
+    return ReadCustomSizes(*pFile, pModel, outRows);
 }
 
 void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
@@ -37,6 +37,7 @@ void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
     WCHAR tcPath[PATH_CHARS];
     if (GetUserSettingsPath(call, tcPath)) {
         WriteCustomSizes(tcPath, pRows, nCount);
+        ForgetUserSettings(call);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "base/wide.h"
 #include "description/xpi_file.h"
 #include "platform/spooler.h"
+#include "profile/profile_file.h"
 
 /* The installed set, 16 bytes as in the printer value "DeviceInfo": what option masks are tested against. */
 struct DeviceInfo {
@@ -19,18 +20,19 @@ enum AskState : int { NOT_ASKED, ANSWERED, NO_ANSWER, NO_MEMORY };
 
 struct PrinterCall {
     HANDLE hPrinter; /* borrowed; null or invalid: every question has no answer */
-    AskState driverState, printerState, pathState, xpiState, deviceState;
+    AskState driverState, printerState, pathState, xpiState, deviceState, iniState, userState;
     u32 cbDriverInfo, cbPrinterInfo; /* bytes of the two blocks that the spooler wrote */
     OwnedBlock<DRIVER_INFO_3W> pDriverInfo;
     OwnedBlock<PRINTER_INFO_2W> pPrinterInfo;
     XpiFile rXpiFile;
-    WCHAR tcXpiPath[PATH_CHARS]; /* see GetXpiPath */
+    ProfileFile rIniFile, rUserFile; /* see GetDriverIni and GetUserSettings */
+    WCHAR tcXpiPath[PATH_CHARS];     /* see GetXpiPath */
     DeviceInfo rDeviceInfo;
 
     explicit PrinterCall(HANDLE hOf)
         : hPrinter(hOf), driverState(NOT_ASKED), printerState(NOT_ASKED), pathState(NOT_ASKED),
-          xpiState(NOT_ASKED), deviceState(NOT_ASKED), cbDriverInfo(0),
-          cbPrinterInfo(0), rXpiFile{}, tcXpiPath{}, rDeviceInfo{}
+          xpiState(NOT_ASKED), deviceState(NOT_ASKED), iniState(NOT_ASKED), userState(NOT_ASKED),
+          cbDriverInfo(0), cbPrinterInfo(0), rXpiFile{}, rIniFile{}, rUserFile{}, tcXpiPath{}, rDeviceInfo{}
     {
     }
 };

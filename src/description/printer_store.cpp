@@ -5,8 +5,8 @@
 
 #include "base/file_name.h"
 #include "platform/process.h"
-#include "settingsfile/profile_values.h"
-#include "settingsfile/section_file.h"
+#include "profile/profile_values.h"
+#include "profile/section_file.h"
 
 namespace {
 
@@ -16,9 +16,8 @@ constexpr u32 VALUE_LIMIT = 1024 * 1024; /* bytes of a stored value; an honest o
 
 void ReadBasaltText(PrinterCall& call, const WCHAR* wcKey, WCHAR* wcOut, int cch)
 {
-    WCHAR tcPath[PATH_CHARS];
-    GetUserSettingsPath(call, tcPath);
-    ReadProfileText(wcUserSection, wcKey, TEXT(""), wcOut, cch, tcPath);
+    CopyWide(wcOut, cch, TEXT(""));
+    ReadProfileText(OpenSection(GetUserSettings(call), wcUserSection), wcKey, wcOut, cch);
 }
 
 void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
@@ -26,6 +25,7 @@ void WriteBasaltText(PrinterCall& call, const WCHAR* wcKey, const WCHAR* wcText)
     WCHAR tcPath[PATH_CHARS];
     if (GetUserSettingsPath(call, tcPath)) {
         ReplaceKey(tcPath, wcUserSection, wcKey, wcText);
+        ForgetUserSettings(call);
     }
 }
 
@@ -118,6 +118,7 @@ int GetSettingsFileName(PrinterCall& call, WCHAR* wcOut, int cch)
 void SetSettingsFileName(PrinterCall& call, const WCHAR* wcName)
 {
     StorePrinterText(call, TEXT("Settings"), wcName);
+    ForgetUserSettings(call);
 }
 
 int GetDriverName(PrinterCall& call, WCHAR* wcOut)
@@ -173,6 +174,22 @@ int GetUserSettingsPath(PrinterCall& call, WCHAR* tcOut)
     tcOut[0] = 0;
     return GetSettingsFileName(call, wcName, PATH_CHARS) && GetUserFolder(call, tcOut) &&
            AppendWideWhole(tcOut, PATH_CHARS, TEXT("\\")) && AppendWideWhole(tcOut, PATH_CHARS, wcName);
+}
+
+const ProfileFile& GetUserSettings(PrinterCall& call)
+{
+    if (call.userState == NOT_ASKED) {
+        WCHAR tcPath[PATH_CHARS];
+        call.userState = GetUserSettingsPath(call, tcPath) ? ANSWERED : NO_ANSWER;
+        call.rUserFile = OpenProfile(tcPath);
+    }
+    return call.rUserFile;
+}
+
+void ForgetUserSettings(PrinterCall& call)
+{
+    call.userState = NOT_ASKED;
+    call.rUserFile = {};
 }
 
 void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch)

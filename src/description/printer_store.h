@@ -49,6 +49,11 @@ int GetUserFolder(PrinterCall& call, WCHAR* tcOut);
 /* The user's settings file: that folder and the value "Settings". 1, or 0 and "". PATH_CHARS of room. */
 int GetUserSettingsPath(PrinterCall& call, WCHAR* tcOut);
 
+/* That file, read when it is first asked for; the call's own. An absent one when it has no path. Who has changed the
+   file lets the call forget it: it is read anew when it is asked for again. */
+const ProfileFile& GetUserSettings(PrinterCall& call);
+void ForgetUserSettings(PrinterCall& call);
+
 /* Keys "Profile" and "Screen" of the section "Basalt" of the user's settings file: file names, "" by
    default. */
 void GetProfileName(PrinterCall& call, WCHAR* wcOut, int cch);

@@ -81,10 +81,9 @@ void AddPairs(PairList* pList, const XpiModel* pModel, const FontFamilyList& fam
 
 u32 BuildFontSubs(PrinterCall& call, const XpiModel* pModel, int bUseIni, OwnedBlock<WCHAR>* outBlock)
 {
-    WCHAR tcIni[PATH_CHARS];
     outBlock->reset();
-    if (bUseIni && FindDriverFile(call, TEXT(""), TEXT(".INI"), tcIni)) {
-        u16 cb = ReadFontSubstitutions(tcIni, outBlock);
+    if (bUseIni) {
+        u16 cb = ReadFontSubstitutions(GetDriverIni(call), outBlock);
         if (cb != NO_FONT_SUBSTITUTIONS) {
             return cb;
         }

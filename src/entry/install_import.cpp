@@ -41,10 +41,10 @@ void AppendPaperSizes(PrinterCall& call, const PaperSizeRow* pRows, i32 nRows)
     StorePrinterValue(call, wcPaperSizes, REG_BINARY, pNew.get(), cbOld + cbNew);
 }
 
-void ImportPapers(PrinterCall& call, const XpiModel* pModel, const WCHAR* tcIni)
+void ImportPapers(PrinterCall& call, const XpiModel* pModel)
 {
     OwnedBlock<PaperSizeRow> pRows;
-    i32 nRows = ReadCustomSizes(tcIni, nullptr, &pRows);
+    i32 nRows = ReadCustomSizes(GetDriverIni(call), nullptr, &pRows);
     if (nRows < 1) {
         return;
     }
@@ -60,10 +60,10 @@ void ImportPapers(PrinterCall& call, const XpiModel* pModel, const WCHAR* tcIni)
     AppendPaperSizes(call, pRows.get(), nRows);
 }
 
-void ImportWatermarks(PrinterCall& call, const XpiModel* pModel, const WCHAR* tcIni)
+void ImportWatermarks(PrinterCall& call, const XpiModel* pModel)
 {
     OwnedBlock<WatermarkEntry> pRows;
-    i32 nRows = ReadWatermarks(tcIni, &pRows);
+    i32 nRows = ReadWatermarks(GetDriverIni(call), &pRows);
     if (nRows < 1) {
         return;
     }
@@ -84,9 +84,6 @@ void ImportWatermarks(PrinterCall& call, const XpiModel* pModel, const WCHAR* tc
 
 void ImportInstallSettings(PrinterCall& call, const XpiModel* pModel)
 {
-    WCHAR tcIni[PATH_CHARS];
-    if (FindDriverFile(call, TEXT(""), TEXT(".INI"), tcIni)) {
-        ImportPapers(call, pModel, tcIni);
-        ImportWatermarks(call, pModel, tcIni);
-    }
+    ImportPapers(call, pModel);
+    ImportWatermarks(call, pModel);
 }

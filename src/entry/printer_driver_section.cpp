@@ -4,53 +4,29 @@
 #include "base/file_name.h"
 #include "description/driver_files.h"
 #include "description/printer_store.h"
-#include "platform/profile.h"
-#include "settingsfile/profile_values.h"
+#include "profile/profile_values.h"
 
 namespace {
 
-const WCHAR* const wcSection = TEXT("PrinterDriver");
 constexpr u32 KEYS_CHARS = 4096; /* all names, each with its NUL, and one NUL more */
-
-/* The section's keys one behind the other, an empty one at the end; null when there are none. */
-OwnedBlock<WCHAR> ReadKeys(const WCHAR* tcIni)
-{
-    OwnedBlock<WCHAR> pKeys;
-    if (HasFolder(tcIni)) {
-        pKeys.reset(static_cast<WCHAR*>(AllocateRows(KEYS_CHARS + 2, sizeof(WCHAR))));
-    }
-    if (!pKeys) {
-        return nullptr;
-    }
-    u32 cch = GetPrivateProfileStringW(wcSection, nullptr, TEXT(""), pKeys.get(), KEYS_CHARS, tcIni);
-    if (cch >= KEYS_CHARS - 2) {
-        /* The list did not fit: its last key is cut. */
-        cch = KEYS_CHARS - 2;
-        while (cch && pKeys.get()[cch - 1]) {
-            cch--;
-        }
-    }
-    pKeys.get()[cch] = 0;
-    pKeys.get()[cch + 1] = 0;
-    return pKeys;
-}
 
 } // namespace
 
 int CopyPrinterDriverSection(PrinterCall& call)
 {
-    WCHAR tcIni[PATH_CHARS], wcText[TEXT_CHARS];
+    WCHAR wcText[TEXT_CHARS];
     int bUserMode = 0;
+    ProfileSection section = OpenSection(GetDriverIni(call), TEXT("PrinterDriver"));
     OwnedBlock<WCHAR> pKeys;
-    if (FindDriverFile(call, TEXT(""), TEXT(".INI"), tcIni)) {
-        pKeys = ReadKeys(tcIni);
+    if (section.nKeys) {
+        pKeys.reset(static_cast<WCHAR*>(AllocateRows(KEYS_CHARS, sizeof(WCHAR))));
     }
     if (!pKeys) {
         return 0;
     }
+    ListProfileKeys(section, pKeys.get(), KEYS_CHARS);
     for (const WCHAR* wcKey = pKeys.get(); *wcKey; wcKey += WideLength(wcKey) + 1) {
-        ReadProfileText(wcSection, wcKey, TEXT(""), wcText, TEXT_CHARS, tcIni);
-        if (wcText[0]) {
+        if (ReadProfileText(section, wcKey, wcText, TEXT_CHARS) && wcText[0]) {
             StorePrinterText(call, wcKey, wcText);
             bUserMode |= SameFileName(wcKey, TEXT("SPLUserModePrinterDriver"));
         }

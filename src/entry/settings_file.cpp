@@ -134,7 +134,7 @@ struct FoundFile {
     WCHAR tcFolder[PATH_CHARS], wcName[PATH_CHARS];
 };
 
-/* Opens a file to look at it, or with DELETE. 1 when it lies directly in the folder. */
+/* Opens a file to read it, or with DELETE. 1 when it lies directly in the folder. */
 int FindFileIn(const SettingsFolder& folder, const WCHAR* tcPath, DWORD dwAccess, FoundFile* pFound)
 {
     pFound->hFile.reset(CreateFileW(tcPath, dwAccess, SHARE_ALL, nullptr, OPEN_EXISTING,
@@ -169,8 +169,7 @@ void DeleteBuiltFile(const SettingsFolder& folder, const WCHAR* tcFile)
     }
 }
 
-/* Deletes the driver's settings in one profile. The rows are read by path, so what a swapped folder made of them is
-   held against the same rules. */
+/* Deletes the driver's settings in one profile. The rows are read from the file that was judged. */
 void DeleteProfileSettings(const WCHAR* tcProfile, const WCHAR* wcDriver, const WCHAR* wcFile)
 {
     SettingsFolder folder;
@@ -178,10 +177,10 @@ void DeleteProfileSettings(const WCHAR* tcProfile, const WCHAR* wcDriver, const 
     FoundFile found;
     OwnedBlock<WatermarkEntry> pRows;
     if (!FindSettingsFolder(tcProfile, wcDriver, &folder) || !PathInFolder(tcPath, folder.tcPath, wcFile) ||
-        !FindFileIn(folder, tcPath, 0, &found) || !SameFileName(found.wcName, wcFile)) {
+        !FindFileIn(folder, tcPath, GENERIC_READ, &found) || !SameFileName(found.wcName, wcFile)) {
         return;
     }
-    i32 nRows = ReadWatermarks(tcPath, &pRows);
+    i32 nRows = ReadWatermarks(ReadProfile(found.hFile.get()), &pRows);
     for (i32 i = 0; i < nRows; i++) {
         DeleteBuiltFile(folder, pRows.get()[i].WMFileName);
         DeleteBuiltFile(folder, pRows.get()[i].WMColorFile);
@@ -245,6 +244,7 @@ int EnsureSettingsFile(PrinterCall& call, const DriverDevmode* pRecord, u16 usLa
     if (!bPath || IsThere(tcPath)) {
         return 0;
     }
+    ForgetUserSettings(call);
     return !pRecord || WritePrinterSettings(tcPath, pRecord, usLanguage);
 }
 

@@ -53,8 +53,6 @@
     X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0)
 
 #define PROFILE_CALLS(X) \
-    X(UINT, GetPrivateProfileIntW, (LPCWSTR, LPCWSTR, INT, LPCWSTR), 0) \
-    X(DWORD, GetPrivateProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD, LPCWSTR), 0) \
     X(UINT, GetProfileIntW, (LPCWSTR, LPCWSTR, INT), 0) \
     X(DWORD, GetProfileStringW, (LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR, DWORD), 0)
 

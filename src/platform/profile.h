@@ -1,4 +1,4 @@
-/* Text settings files of sections and keys, and the locale's values in the section "intl". */
+/* The locale's values in the section "intl" of the system's own profile. */
 #ifndef TQUI_PLATFORM_PROFILE_H
 #define TQUI_PLATFORM_PROFILE_H
 

@@ -231,9 +231,11 @@ void FillRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmode* pR
         return;
     }
     StoreModel(call, pRecord, pUsed);
-    WCHAR tcIni[PATH_CHARS];
-    if (bApplySettingsFile && FindDriverFile(call, TEXT(""), TEXT(".INI"), tcIni)) {
-        ReadPrinterSettings(tcIni, pRecord, 0, pUsed->usLanguage);
+    if (bApplySettingsFile) {
+        const ProfileFile& ini = GetDriverIni(call);
+        if (call.iniState == ANSWERED) {
+            ReadPrinterSettings(ini, pRecord, 0, pUsed->usLanguage);
+        }
     }
 }
 

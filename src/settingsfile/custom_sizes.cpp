@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "base/format.h"
-#include "settingsfile/profile_values.h"
-#include "settingsfile/section_file.h"
+#include "profile/profile_values.h"
+#include "profile/section_file.h"
 
 namespace {
 
@@ -19,18 +19,17 @@ const WCHAR* IndexedKey(WCHAR* wcKey, const WCHAR* wcStem, i32 nIndex)
     return wcKey;
 }
 
-/* 1 when row nIndex of the file is whole. */
-int ReadRow(const WCHAR* tcPath, i32 nIndex, PaperSizeRow* pRow)
+/* 1 when row nIndex of the section is whole. */
+int ReadRow(const ProfileSection& section, i32 nIndex, PaperSizeRow* pRow)
 {
-    WCHAR wcKey[KEY_CHARS];
-    ReadProfileText(wcSection, IndexedKey(wcKey, TEXT("CustomName"), nIndex), TEXT(""), pRow->wcName,
-                    static_cast<int>(sizeof pRow->wcName / sizeof(WCHAR)), tcPath);
+    ReadProfileText(section, {TEXT("CustomName"), nIndex}, pRow->wcName,
+                    static_cast<int>(sizeof pRow->wcName / sizeof(WCHAR)));
     if (!pRow->wcName[0]) {
         return 0;
     }
-    i32 lWidth = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomWidth"), nIndex), -1, tcPath);
-    i32 lLength = ReadProfileLong(wcSection, IndexedKey(wcKey, TEXT("CustomLength"), nIndex), -1, tcPath);
-    i32 lMetric = ReadProfileInt(wcSection, IndexedKey(wcKey, TEXT("CustomMetric"), nIndex), -1, tcPath);
+    i32 lWidth = ReadProfileLong(section, {TEXT("CustomWidth"), nIndex}, -1);
+    i32 lLength = ReadProfileLong(section, {TEXT("CustomLength"), nIndex}, -1);
+    i32 lMetric = ReadProfileInt(section, {TEXT("CustomMetric"), nIndex}, -1);
     pRow->ulWidth = static_cast<u32>(lWidth);
     pRow->ulLength = static_cast<u32>(lLength);
     pRow->ulMetric = static_cast<u32>(lMetric);
@@ -39,9 +38,14 @@ int ReadRow(const WCHAR* tcPath, i32 nIndex, PaperSizeRow* pRow)
 
 } // namespace
 
-i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows)
+i32 ReadCustomSizes(const ProfileFile& file, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows)
 {
-    i32 nRows = ReadProfileInt(wcSection, TEXT("NumCustomSizes"), -1, tcPath);
+    outRows->reset();
+    ProfileSection section = OpenSection(file, wcSection);
+    if (section.bShort) {
+        return 0;
+    }
+    i32 nRows = ReadProfileInt(section, TEXT("NumCustomSizes"), -1);
     if (nRows < 0) {
         nRows = 0;
     } else if (nRows > LIST_LIMIT) {
@@ -54,7 +58,7 @@ i32 ReadCustomSizes(const WCHAR* tcPath, const XpiModel* pModel, OwnedBlock<Pape
         return 0;
     }
     for (i32 i = 0; i < nRows; i++) {
-        if (!ReadRow(tcPath, i, pRows + i)) {
+        if (!ReadRow(section, i, pRows + i)) {
             std::memset(pRows, 0, static_cast<size_t>(nRows + 1) * sizeof(PaperSizeRow));
             nRows = 0;
         }

@@ -7,8 +7,7 @@
 #ifndef TQUI_SETTINGSFILE_FONT_SUBSTITUTIONS_H
 #define TQUI_SETTINGSFILE_FONT_SUBSTITUTIONS_H
 
-#include "base/owned.h"
-#include "base/wide.h"
+#include "profile/profile_file.h"
 
 /* Result of a file without substitutions. */
 constexpr u16 NO_FONT_SUBSTITUTIONS = 65535;
@@ -17,6 +16,6 @@ constexpr u16 NO_FONT_SUBSTITUTIONS = 65535;
    outBlock   O   new zero-filled block, the caller's, of twice as many bytes as the result and two NULs more
    Result: FontSubSize as the file has it, whatever the texts need. NO_FONT_SUBSTITUTIONS with *outBlock null
    when a number is missing, a screen font is empty, the texts do not fit the block, or memory is short. */
-u16 ReadFontSubstitutions(const WCHAR* tcPath, OwnedBlock<WCHAR>* outBlock);
+u16 ReadFontSubstitutions(const ProfileFile& file, OwnedBlock<WCHAR>* outBlock);
 
 #endif

@@ -13,12 +13,12 @@
 #ifndef TQUI_SETTINGSFILE_SETTINGS_KEYS_H
 #define TQUI_SETTINGSFILE_SETTINGS_KEYS_H
 
-#include "base/wide.h"
+#include "profile/profile_section.h"
 #include "settings/driver_devmode.h"
 
 constexpr WCHAR SETTINGS_SECTION[] = TEXT("PrinterSettings");
 
-/* How a value stands in the file; the ways of reading are those of profile_values.h. */
+/* How a value stands in the file; the ways of reading are those of profile/profile_values.h. */
 enum KeyForm : u8 {
     KEY_INT,  /* decimal */
     KEY_LONG, /* decimal, of 32 bits */
@@ -121,6 +121,6 @@ int StyleSize(u8 bType, u16 usLanguage, int nChars);
 /* Reads StyleCount, BlockCount and what hangs on them into the region (kinds 3 and 4). A style or block that
    would not end at STYLES_END or before is not read, nor any behind it in its list; the counts become those of
    the records read. Blocks follow where the styles end. */
-void ReadStyles(const WCHAR* tcPath, DriverDevmode* pRecord, u16 usLanguage);
+void ReadStyles(const ProfileSection& section, DriverDevmode* pRecord, u16 usLanguage);
 
 #endif

@@ -5,8 +5,7 @@
 #include <cstring>
 
 #include "base/arithmetic.h"
-#include "base/format.h"
-#include "settingsfile/profile_values.h"
+#include "profile/profile_values.h"
 #include "settingsfile/settings_keys.h"
 
 namespace {
@@ -16,77 +15,71 @@ constexpr int LONGEST_TEXT = 96;           /* characters of the widest text fiel
 constexpr u32 FEATURE_OF_SESSION = 0x0002; /* of ulLanguageFeatures: not read in a read-only session */
 
 /* 1 when the settings were made for the record's description, or for none in particular. */
-int IsGuardPassed(const WCHAR* tcPath, const DriverDevmode* pRecord)
+int IsGuardPassed(const ProfileSection& section, const DriverDevmode* pRecord)
 {
     WCHAR tcXpiName[sizeof pRecord->rPrivate.tcXPIName / sizeof(WCHAR) + 1] = {};
     std::memcpy(tcXpiName, pRecord->rPrivate.tcXPIName, sizeof pRecord->rPrivate.tcXPIName);
     const WCHAR* wcName = BehindLast(tcXpiName, '\\');
     WCHAR wcGuard[GUARD_CHARS];
-    ReadProfileText(SETTINGS_SECTION, TEXT("XPI"), wcName, wcGuard, GUARD_CHARS, tcPath);
+    CopyWide(wcGuard, GUARD_CHARS, wcName);
+    ReadProfileText(section, TEXT("XPI"), wcGuard, GUARD_CHARS);
     return SameWide(wcGuard, wcName);
 }
 
-i32 ReadNumber(const WCHAR* tcPath, const WCHAR* wcKey, KeyForm form, i32 lDefault)
+i32 ReadNumber(const ProfileSection& section, const ProfileKey& name, KeyForm form, i32 lDefault)
 {
     switch (form) {
-    case KEY_LONG: return ReadProfileLong(SETTINGS_SECTION, wcKey, lDefault, tcPath);
-    case KEY_HEX:
-        return static_cast<i32>(ReadProfileHex(SETTINGS_SECTION, wcKey, static_cast<u32>(lDefault), tcPath));
-    default: return ReadProfileInt(SETTINGS_SECTION, wcKey, lDefault, tcPath);
+    case KEY_LONG: return ReadProfileLong(section, name, lDefault);
+    case KEY_HEX: return static_cast<i32>(ReadProfileHex(section, name, static_cast<u32>(lDefault)));
+    default: return ReadProfileInt(section, name, lDefault);
     }
 }
 
-void ReadText(const WCHAR* tcPath, DriverDevmode* pRecord, const SettingKey& key)
+void ReadText(const ProfileSection& section, DriverDevmode* pRecord, const SettingKey& key)
 {
     /* The field lies at no address in particular, and may lack its NUL. */
-    WCHAR wcText[LONGEST_TEXT + 1] = {};
+    WCHAR wcText[LONGEST_TEXT];
     u8* pField = reinterpret_cast<u8*>(pRecord) + key.usOffset;
     size_t cbField = size_t{key.bCount} * sizeof(WCHAR);
     std::memcpy(wcText, pField, cbField);
-    ReadProfileText(SETTINGS_SECTION, key.wcKey, wcText, wcText, key.bCount, tcPath);
-    std::memcpy(pField, wcText, cbField);
+    if (ReadProfileText(section, key.wcKey, wcText, key.bCount)) {
+        std::memcpy(pField, wcText, cbField);
+    }
 }
 
-void ReadRun(const WCHAR* tcPath, DriverDevmode* pRecord, u16 usLanguage, KeyRun run)
+void ReadRun(const ProfileSection& section, DriverDevmode* pRecord, u16 usLanguage, KeyRun run)
 {
-    WCHAR wcKey[TEXT_CHARS];
     for (int nKey = 0; nKey < aKeyRuns[run].nKeys; nKey++) {
         const SettingKey& key = aKeyRuns[run].pKeys[nKey];
         if (!(key.bKindsRead & KindOf(usLanguage))) {
             continue;
         }
         if (key.form == KEY_TEXT) {
-            ReadText(tcPath, pRecord, key);
+            ReadText(section, pRecord, key);
             continue;
         }
         for (int i = 0; i < key.bCount; i++) {
-            const WCHAR* wcName = key.wcKey;
-            if (key.bCount > 1) {
-                FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), key.wcKey, i);
-                wcName = wcKey;
-            }
+            ProfileKey name(key.wcKey, key.bCount > 1 ? i : -1);
             i32 lDefault = GetKeyNumber(pRecord, key, i);
-            SetKeyNumber(pRecord, key, i, ReadNumber(tcPath, wcName, key.form, lDefault));
+            SetKeyNumber(pRecord, key, i, ReadNumber(section, name, key.form, lDefault));
         }
     }
 }
 
 } // namespace
 
-int ReadPrinterSettings(const WCHAR* tcPath, DriverDevmode* pRecord, int bReadOnly, u16 usLanguage)
+int ReadPrinterSettings(const ProfileFile& file, DriverDevmode* pRecord, int bReadOnly, u16 usLanguage)
 {
-    if (!tcPath || !tcPath[0]) {
-        return 1; /* no file was named, so none is read */
-    }
-    if (!IsGuardPassed(tcPath, pRecord)) {
+    ProfileSection section = OpenSection(file, SETTINGS_SECTION);
+    if (section.bShort || !IsGuardPassed(section, pRecord)) {
         return 0;
     }
-    auto Read = [=](KeyRun run) { ReadRun(tcPath, pRecord, usLanguage, run); };
+    auto Read = [&](KeyRun run) { ReadRun(section, pRecord, usLanguage, run); };
     PrivateDevmode* pPrivate = &pRecord->rPrivate;
     u8 bKind = KindOf(usLanguage);
 
     Read(RUN_PAGE);
-    pPrivate->ulWMType = ReadProfileHex(SETTINGS_SECTION, TEXT("WMType"), 0, tcPath);
+    pPrivate->ulWMType = ReadProfileHex(section, TEXT("WMType"), 0);
     Read(RUN_WATERMARK);
     if (pPrivate->ulWMType & WM_TEXT) {
         Read(RUN_TEXT_WATERMARK);
@@ -116,7 +109,7 @@ int ReadPrinterSettings(const WCHAR* tcPath, DriverDevmode* pRecord, int bReadOn
     Read(RUN_COLOR_COMMANDS);
     Read(RUN_CHOICES);
     if (bKind != ON_OTHERS) {
-        ReadStyles(tcPath, pRecord, usLanguage);
+        ReadStyles(section, pRecord, usLanguage);
     }
     Read(RUN_TAIL);
     return 1;

@@ -2,6 +2,7 @@
 #ifndef TQUI_SETTINGSFILE_SETTINGS_READER_H
 #define TQUI_SETTINGSFILE_SETTINGS_READER_H
 
+#include "profile/profile_file.h"
 #include "settings/driver_devmode.h"
 
 /* Reads the settings that the file names; every other field keeps its value, but ulWMType becomes 0 when the
@@ -10,6 +11,6 @@
    usLanguage   kind of the model
    Result: 1. 0 when the file's guard key names another description, or memory is short: the record is as it
    was. A file that is not there acts like an empty one. */
-int ReadPrinterSettings(const WCHAR* tcPath, DriverDevmode* pRecord, int bReadOnly, u16 usLanguage);
+int ReadPrinterSettings(const ProfileFile& file, DriverDevmode* pRecord, int bReadOnly, u16 usLanguage);
 
 #endif

@@ -3,24 +3,23 @@
 #include <cstring>
 
 #include "base/format.h"
-#include "settingsfile/profile_values.h"
+#include "profile/profile_values.h"
 #include "settingsfile/settings_keys.h"
 
 namespace {
 
-/* The region up to STYLES_END, and the file that fills it. */
+/* The region up to STYLES_END, and the section that fills it. */
 struct StyleReader {
-    const WCHAR* tcPath;
+    const ProfileSection& section;
     u16 usLanguage;
     u8 abRegion[STYLES_END];
 };
 
 i32 ReadIndexed(const StyleReader& reader, const WCHAR* wcStem, int nIndex, KeyForm form, i32 lDefault)
 {
-    WCHAR wcKey[TEXT_CHARS];
-    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, nIndex);
-    return form == KEY_LONG ? ReadProfileLong(SETTINGS_SECTION, wcKey, lDefault, reader.tcPath)
-                            : ReadProfileInt(SETTINGS_SECTION, wcKey, lDefault, reader.tcPath);
+    ProfileKey key(wcStem, nIndex);
+    return form == KEY_LONG ? ReadProfileLong(reader.section, key, lDefault)
+                            : ReadProfileInt(reader.section, key, lDefault);
 }
 
 /* One of the two bytes that open a style's or a block's body. */
@@ -33,14 +32,12 @@ u8 ReadByte(const StyleReader& reader, const WCHAR* wcStem, int nIndex, int nAt)
    Result: its length, at most nLimit. */
 int ReadName(const StyleReader& reader, const WCHAR* wcStem, int nIndex, int nAt, int nLimit, WCHAR* wcOut)
 {
-    WCHAR wcKey[TEXT_CHARS];
-    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, nIndex);
     nAt = nAt < STYLES_END ? nAt : STYLES_END;
     int nThere = (STYLES_END - nAt) / static_cast<int>(sizeof(WCHAR));
     nThere = nThere < PATH_CHARS ? nThere : PATH_CHARS - 1;
     std::memcpy(wcOut, reader.abRegion + nAt, static_cast<size_t>(nThere) * sizeof(WCHAR));
     wcOut[nThere] = 0;
-    ReadProfileText(SETTINGS_SECTION, wcKey, wcOut, wcOut, PATH_CHARS, reader.tcPath);
+    ReadProfileText(reader.section, {wcStem, nIndex}, wcOut, PATH_CHARS);
     int nChars = WideLength(wcOut);
     nChars = nChars < nLimit ? nChars : nLimit;
     wcOut[nChars] = 0;
@@ -103,8 +100,7 @@ int ReadBlock(StyleReader* pReader, int nIndex, int nAt)
         WCHAR wcKey[TEXT_CHARS];
         u8* pPage = pBlock + BLOCK_BODY_AT + nPage * static_cast<int>(sizeof(u16));
         FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d-%d"), TEXT("BlockPage"), nIndex, nPage);
-        StoreNumber(pPage, 2,
-                    ReadProfileInt(SETTINGS_SECTION, wcKey, LoadNumber(pPage, 2, 0), pReader->tcPath));
+        StoreNumber(pPage, 2, ReadProfileInt(pReader->section, wcKey, LoadNumber(pPage, 2, 0)));
     }
     return cbBlock;
 }
@@ -125,14 +121,12 @@ u8 ReadList(StyleReader* pReader, int (*fnRead)(StyleReader*, int, int), int nCo
 
 } // namespace
 
-void ReadStyles(const WCHAR* tcPath, DriverDevmode* pRecord, u16 usLanguage)
+void ReadStyles(const ProfileSection& section, DriverDevmode* pRecord, u16 usLanguage)
 {
-    StyleReader reader = {tcPath, usLanguage, {}};
+    StyleReader reader = {section, usLanguage, {}};
     std::memcpy(reader.abRegion, pRecord->rPrivate.bExceptionRegion, STYLES_END);
-    u8 nStyles = static_cast<u8>(
-        ReadProfileInt(SETTINGS_SECTION, TEXT("StyleCount"), pRecord->rPrivate.bStyleCount, tcPath));
-    u8 nBlocks = static_cast<u8>(
-        ReadProfileInt(SETTINGS_SECTION, TEXT("BlockCount"), pRecord->rPrivate.bBlockCount, tcPath));
+    u8 nStyles = static_cast<u8>(ReadProfileInt(section, TEXT("StyleCount"), pRecord->rPrivate.bStyleCount));
+    u8 nBlocks = static_cast<u8>(ReadProfileInt(section, TEXT("BlockCount"), pRecord->rPrivate.bBlockCount));
     int nAt = STYLES_AT;
     reader.abRegion[0] = ReadList(&reader, ReadStyle, nStyles, &nAt);
     reader.abRegion[1] = ReadList(&reader, ReadBlock, nBlocks, &nAt);

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "base/format.h"
-#include "settingsfile/section_file.h"
+#include "profile/section_file.h"
 #include "settingsfile/settings_keys.h"
 
 namespace {

@@ -4,32 +4,24 @@
 #include <cstring>
 
 #include "base/format.h"
-#include "settingsfile/profile_values.h"
-#include "settingsfile/section_file.h"
+#include "profile/profile_values.h"
+#include "profile/section_file.h"
 
 namespace {
 
 const WCHAR* const wcSection = TEXT("Watermarks");
 
-constexpr i32 FIRST_ROWS = 16; /* room of the first array */
 constexpr u16 MISSING_WORD = 0xFFFF;
 constexpr u32 MISSING_LONG = 0xFFFFFFFF;
 
 struct RowSource {
-    const WCHAR* tcPath;
+    const ProfileSection& section;
     i32 nIndex;
 };
 
-const WCHAR* KeyOf(const RowSource& source, const WCHAR* wcStem, WCHAR* wcKey)
-{
-    FormatWide(wcKey, TEXT_CHARS, TEXT("%s%d"), wcStem, source.nIndex);
-    return wcKey;
-}
-
 u32 ReadInt(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
 {
-    WCHAR wcKey[TEXT_CHARS];
-    return static_cast<u32>(ReadProfileInt(wcSection, KeyOf(source, wcStem, wcKey), lDefault, source.tcPath));
+    return static_cast<u32>(ReadProfileInt(source.section, {wcStem, source.nIndex}, lDefault));
 }
 
 u16 ReadWord(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
@@ -39,18 +31,13 @@ u16 ReadWord(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
 
 i32 ReadLong(const RowSource& source, const WCHAR* wcStem, i32 lDefault)
 {
-    WCHAR wcKey[TEXT_CHARS];
-    return ReadProfileLong(wcSection, KeyOf(source, wcStem, wcKey), lDefault, source.tcPath);
+    return ReadProfileLong(source.section, {wcStem, source.nIndex}, lDefault);
 }
 
-/* Reads a text into a field of zeros. What lies behind its end is zero again. Result: 1 when it is not empty. */
+/* Reads a text into a field of zeros. Result: 1 when it is not empty. */
 template <int cch> int ReadText(const RowSource& source, const WCHAR* wcStem, WCHAR (&wcField)[cch])
 {
-    WCHAR wcKey[TEXT_CHARS];
-    ReadProfileText(wcSection, KeyOf(source, wcStem, wcKey), TEXT(""), wcField, cch, source.tcPath);
-    int nChars = WideLength(wcField);
-    std::memset(wcField + nChars, 0, static_cast<size_t>(cch - nChars) * sizeof(WCHAR));
-    return nChars > 0;
+    return ReadProfileText(source.section, {wcStem, source.nIndex}, wcField, cch) && wcField[0];
 }
 
 /* The fields of a text watermark. Result: 1 when none of those that must be there is missing. */
@@ -64,9 +51,7 @@ int ReadTextFields(const RowSource& source, WatermarkEntry* pRow)
     pRow->WMItalic = ReadInt(source, TEXT("WMItalic"), -1);
     u16 usSize = ReadWord(source, TEXT("WMSize"), -1);
     pRow->WMSize = static_cast<i16>(usSize);
-    WCHAR wcKey[TEXT_CHARS];
-    pRow->WMColor =
-        ReadProfileHex(wcSection, KeyOf(source, TEXT("WMColor"), wcKey), MISSING_LONG, source.tcPath);
+    pRow->WMColor = ReadProfileHex(source.section, {TEXT("WMColor"), source.nIndex}, MISSING_LONG);
     pRow->WMOutline = ReadInt(source, TEXT("WMOutline"), -1);
     return bFace && pRow->WMAngle != MISSING_WORD && usSize != MISSING_WORD && pRow->WMBold != MISSING_LONG &&
            pRow->WMItalic != MISSING_LONG && pRow->WMColor != MISSING_LONG && pRow->WMOutline != MISSING_LONG;
@@ -115,19 +100,16 @@ int ReadRow(const RowSource& source, WatermarkEntry* pRow)
     return 1;
 }
 
-/* Moves the rows to a larger array. Result: 1, or 0 with the old array as it was. */
-int GrowRows(OwnedBlock<WatermarkEntry>* pRows, i32 nOld, i32 nNew)
+/* Rows that the section may hold: of its count only those whose text is there cost memory. */
+i32 CountRows(const ProfileSection& section)
 {
-    OwnedBlock<WatermarkEntry> pNew(
-        static_cast<WatermarkEntry*>(AllocateRows(static_cast<u64>(nNew), sizeof(WatermarkEntry))));
-    if (!pNew) {
-        return 0;
+    i32 nTold = ReadProfileInt(section, TEXT("NumWatermarks"), -1), nRows = 0;
+    nTold = nTold < WATERMARK_LIMIT ? nTold : WATERMARK_LIMIT;
+    WCHAR wcFirst[2];
+    while (nRows < nTold && ReadProfileText(section, {TEXT("WMString"), nRows}, wcFirst, 2) && wcFirst[0]) {
+        nRows++;
     }
-    if (nOld) {
-        std::memcpy(pNew.get(), pRows->get(), static_cast<size_t>(nOld) * sizeof(WatermarkEntry));
-    }
-    *pRows = std::move(pNew);
-    return 1;
+    return nRows;
 }
 
 /* The row that is being written. */
@@ -216,32 +198,23 @@ int WriteWatermarks(const WCHAR* tcPath, const WatermarkEntry* pRows, i32 nCount
     return ReplaceSection(tcPath, wcSection, lines);
 }
 
-i32 ReadWatermarks(const WCHAR* tcPath, OwnedBlock<WatermarkEntry>* outRows)
+i32 ReadWatermarks(const ProfileFile& file, OwnedBlock<WatermarkEntry>* outRows)
 {
     outRows->reset();
-    i32 nRows = ReadProfileInt(wcSection, TEXT("NumWatermarks"), -1, tcPath);
-    if (nRows < 0) {
-        nRows = 0;
-    } else if (nRows > WATERMARK_LIMIT) {
-        nRows = WATERMARK_LIMIT;
+    ProfileSection section = OpenSection(file, wcSection);
+    if (section.bShort) {
+        return 0;
     }
-    /* A count in a file is cheap: the array grows as rows are found, always with the spare row's room. */
-    i32 nRoom = 0;
-    i32 nKept = 0;
-    for (;; nKept++) {
-        if (nKept == nRoom) {
-            i32 nNew = nRoom ? nRoom * 2 : FIRST_ROWS;
-            nNew = nNew <= nRows ? nNew : nRows + 1;
-            if (!GrowRows(outRows, nRoom, nNew)) {
-                outRows->reset();
-                return 0;
-            }
-            nRoom = nNew;
-        }
-        WatermarkEntry* pRow = outRows->get() + nKept;
-        if (nKept == nRows || !ReadRow({tcPath, nKept}, pRow)) {
-            ResetWatermarkEntry(pRow);
-            return nKept;
-        }
+    i32 nRows = CountRows(section), nKept = 0;
+    outRows->reset(
+        static_cast<WatermarkEntry*>(AllocateRows(static_cast<u64>(nRows) + 1, sizeof(WatermarkEntry))));
+    WatermarkEntry* pRows = outRows->get();
+    if (!pRows) {
+        return 0;
     }
+    while (nKept < nRows && ReadRow({section, nKept}, pRows + nKept)) {
+        nKept++;
+    }
+    ResetWatermarkEntry(pRows + nKept);
+    return nKept;
 }

@@ -19,7 +19,7 @@
 #ifndef TQUI_SETTINGSFILE_WATERMARK_ROWS_H
 #define TQUI_SETTINGSFILE_WATERMARK_ROWS_H
 
-#include "base/owned.h"
+#include "profile/profile_file.h"
 #include "watermark/watermark_entry.h"
 
 /* More rows than this are not read. */
@@ -30,8 +30,8 @@ constexpr i32 WATERMARK_LIMIT = 4096;
    one of their three numbers is 0.
    outRows   O   new array of result + 1 rows or more, the caller's, a default row behind the last; null only
                  when memory fails
-   Result: row count, 0 also without a file or without memory. */
-i32 ReadWatermarks(const WCHAR* tcPath, OwnedBlock<WatermarkEntry>* outRows);
+   Result: row count, 0 also without a file, and without memory for the rows or for the file. */
+i32 ReadWatermarks(const ProfileFile& file, OwnedBlock<WatermarkEntry>* outRows);
 
 /* Replaces the section by nCount rows; below 1 leaves NumWatermarks=0. pRows may then be null. What a row says
    of built files is only written when it names one and none of their three numbers is 0.

@@ -50,9 +50,7 @@ void DeleteBuiltFile(WCHAR (&tcName)[PATH_CHARS])
 
 i32 GetSavedWatermarks(PrinterCall& call, OwnedBlock<WatermarkEntry>* outRows)
 {
-    WCHAR tcPath[PATH_CHARS];
-    GetUserSettingsPath(call, tcPath);
-    return ReadWatermarks(tcPath, outRows);
+    return ReadWatermarks(GetUserSettings(call), outRows);
 }
 
 void SetSavedWatermarks(PrinterCall& call, const WatermarkEntry* pRows, i32 nCount)
@@ -60,6 +58,7 @@ void SetSavedWatermarks(PrinterCall& call, const WatermarkEntry* pRows, i32 nCou
     WCHAR tcPath[PATH_CHARS];
     if (GetUserSettingsPath(call, tcPath)) {
         WriteWatermarks(tcPath, pRows, nCount);
+        ForgetUserSettings(call);
     }
 }
 

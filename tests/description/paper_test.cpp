@@ -78,7 +78,7 @@ class PaperTest : public MachineTest {
     {
         PutFile(u"C:\\s.ini", "[CustomSizes]\r\n" + section);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = ReadCustomSizes(u"C:\\s.ini", pOf, &pRows);
+        i32 nRows = ReadCustomSizes(OpenProfile(u"C:\\s.ini"), pOf, &pRows);
         EXPECT_TRUE(pRows);
         return {pRows.get(), pRows.get() + nRows + 1};
     }
@@ -409,14 +409,16 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
 
     OwnedBlock<PaperSizeRow> pRows;
     ResetCallCounts();
-    EXPECT_EQ(ReadCustomSizes(u"s.ini", nullptr, &pRows), 0)
-        << "a bare name is a file of the system's folder";
-    EXPECT_EQ(ReadCustomSizes(u"", nullptr, &pRows), 0);
-    EXPECT_EQ(CallCount(CALL_GetPrivateProfileIntW), 0);
-    FailCall(CALL_HeapAlloc, 1);
-    EXPECT_EQ(ReadCustomSizes(u"C:\\s.ini", nullptr, &pRows), 0);
-    EXPECT_FALSE(pRows);
-    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_EQ(ReadCustomSizes(OpenProfile(u"s.ini"), nullptr, &pRows), 0)
+        << "a bare name is one of the current folder";
+    EXPECT_EQ(ReadCustomSizes(OpenProfile(u""), nullptr, &pRows), 0);
+    EXPECT_EQ(CallCount(CALL_CreateFileW), 0);
+    for (int n : {1, 2, 3, 4}) { /* the file's bytes and text, the index, the rows */
+        FailCall(CALL_HeapAlloc, n);
+        EXPECT_EQ(ReadCustomSizes(OpenProfile(u"C:\\s.ini"), nullptr, &pRows), 0);
+        EXPECT_FALSE(pRows);
+        EXPECT_EQ(StopFaults(), 1);
+    }
 }
 
 TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)

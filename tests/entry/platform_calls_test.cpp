@@ -1,11 +1,13 @@
 /* What each question costs: asking the spooler and the disk is what a capability call pays for, so the
    numbers below may fall but not grow. */
+#include <filesystem>
 #include <map>
 #include <set>
 #include <sstream>
 
-#include "entry/exports.h"
-#include "support/sample_machine.h"
+#include "description/printer_store.h"
+#include "platform/hosted/open_files.h"
+#include "support/sheet_machine.h"
 
 namespace {
 
@@ -16,18 +18,18 @@ struct Allowance {
 };
 
 /* A model is two reads, header and body, and the offsets of its fonts where it has a font page: the first
-   sample. Texts are three more: base, offsets, bytes. The .INI file tells four words, and of each saved paper
-   four keys behind their number. */
+   sample. Texts are three more: base, offsets, bytes. The .INI file, where the installed set or saved papers come from
+   it, is one open and one read, and three blocks: its bytes, its text, the index of a section. */
 constexpr Allowance aT410A[] = {
     {"8 9 11 14 17 18 19 20 21 22 23 24 27", 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {"29", 0, 0, 0, 0, 0, 1, 0, 0, 0},
     {"26 31", 1, 0, 0, 0, 0, 0, 0, 0, 1},
     {"4 5 10 13 15 25 32 33 35", 0, 1, 1, 1, 3, 0, 0, 0, 2},
     {"28", 0, 1, 2, 1, 3, 0, 0, 0, 2},
-    {"1 6 7 30", 0, 1, 2, 1, 3, 4, 0, 0, 2},
-    {"2 3", 0, 1, 2, 1, 3, 2, 1, 0, 5},
-    {"16", 0, 1, 2, 1, 6, 2, 1, 0, 6},
-    {"12", 0, 1, 2, 1, 9, 4, 0, 1, 3}, /* bins and media are two lists */
+    {"1 6 7 30", 0, 1, 2, 2, 4, 0, 0, 0, 5},
+    {"2 3", 0, 1, 2, 2, 4, 1, 1, 0, 7},
+    {"16", 0, 1, 2, 2, 7, 1, 1, 0, 8},
+    {"12", 0, 1, 2, 2, 10, 0, 0, 1, 6}, /* bins and media are two lists */
     {"34", 0, 1, 1, 1, 6, 0, 0, 1, 3},
 };
 constexpr Allowance aK100[] = {
@@ -36,10 +38,10 @@ constexpr Allowance aK100[] = {
     {"26 31", 1, 0, 0, 0, 0, 0, 0, 0, 1},
     {"4 5 13 15 25 28 32 33 35", 0, 1, 1, 1, 2, 0, 0, 0, 2},
     {"10", 0, 1, 2, 1, 2, 0, 0, 0, 2}, /* and the spool folder */
-    {"1 6 7 30", 0, 1, 2, 1, 2, 4, 0, 0, 2},
-    {"2 3", 0, 1, 2, 1, 2, 10, 1, 0, 5},
-    {"16", 0, 1, 2, 1, 5, 10, 1, 1, 6},
-    {"12", 0, 1, 2, 1, 5, 4, 0, 0, 3},
+    {"1 6 7 30", 0, 1, 2, 2, 3, 0, 0, 0, 5},
+    {"2 3", 0, 1, 2, 2, 3, 1, 1, 0, 8},
+    {"16", 0, 1, 2, 2, 6, 1, 1, 1, 9},
+    {"12", 0, 1, 2, 2, 6, 0, 0, 0, 6},
     {"34", 0, 1, 1, 1, 5, 0, 0, 0, 3},
 };
 
@@ -63,9 +65,7 @@ class PlatformCallsTest : public MachineTest {
         EXPECT_LE(CallCount(CALL_CreateFileW), allowed.nOpen);
         EXPECT_LE(CallCount(CALL_ReadFile), allowed.nRead);
         EXPECT_LE(CallCount(CALL_SetFilePointerEx), allowed.nRead);
-        EXPECT_LE(CallCount(CALL_GetPrivateProfileIntW) + CallCount(CALL_GetPrivateProfileStringW) +
-                      CallCount(CALL_GetProfileIntW) + CallCount(CALL_GetProfileStringW),
-                  allowed.nProfile);
+        EXPECT_LE(CallCount(CALL_GetProfileIntW) + CallCount(CALL_GetProfileStringW), allowed.nProfile);
         EXPECT_LE(CallCount(CALL_EnumFormsW), allowed.nForms);
         EXPECT_LE(CallCount(CALL_LoadLibraryExW), allowed.nLibrary);
         EXPECT_LE(CallCount(CALL_HeapAlloc), allowed.nBlocks);
@@ -130,7 +130,7 @@ TEST_F(PlatformCallsTest, AStoredSetAsksNoSettingsFile)
     SetPrinterValue(wcPrinter, u"DeviceInfo", REG_BINARY, Bytes(16, 1));
     for (WORD wQuestion : std::initializer_list<WORD>{DC_FIELDS, DC_BINS, DC_DUPLEX, DC_STAPLE}) {
         AskOnce(wQuestion);
-        EXPECT_EQ(CallCount(CALL_GetPrivateProfileStringW), 0) << QuestionName(wQuestion);
+        EXPECT_EQ(CallCount(CALL_CreateFileW), 1) << QuestionName(wQuestion) << ": the description";
         EXPECT_LE(CallCount(CALL_GetPrinterDataW), 2) << QuestionName(wQuestion);
     }
 }
@@ -155,4 +155,62 @@ TEST_F(PlatformCallsTest, LongListsCostNoMoreCallsThanShortOnes)
         EXPECT_EQ(Texts(Ask(DC_PAPERNAMES)).back(), "Paper number " + std::to_string(nPapers - 1));
     }
     EXPECT_EQ(byLength[2], byLength[300]);
+}
+
+namespace {
+
+class SettingsFileOpens : public SheetTest {
+  protected:
+    void SetUp() override
+    {
+        SheetTest::SetUp();
+        AddSample("K100");
+    }
+
+    std::string UserFile()
+    {
+        WCHAR tcPath[PATH_CHARS];
+        PrinterCall call(hPrinter);
+        EXPECT_TRUE(GetUserSettingsPath(call, tcPath));
+        return HostPath(tcPath).native();
+    }
+
+    /* Opens of the driver's .INI file and of the user's settings file since the counts were cleared. */
+    std::pair<int, int> Opens()
+    {
+        const auto counts = OpenCounts();
+        int nDriver = 0;
+        const std::string userFile = UserFile();
+        for (const auto& [host, nOpens] : counts) {
+            std::string ending = host.size() < 4 ? "" : host.substr(host.size() - 4);
+            nDriver += host != userFile && (ending == ".ini" || ending == ".INI") ? nOpens : 0;
+        }
+        return {nDriver, counts.contains(userFile) ? counts.at(userFile) : 0};
+    }
+};
+
+} // namespace
+
+TEST_F(SettingsFileOpens, OnceACallAndAgainForEachWriting)
+{
+    using Pair = std::pair<int, int>;
+    ResetCallCounts();
+    ASSERT_TRUE(DrvPrinterEvent(wcPrinter.data(), 3, 0, 0));
+    EXPECT_EQ(Opens(), Pair(1, 2)) << "papers and watermarks are written into the file that was made";
+
+    BYTE abRows[8192];
+    for (WORD wQuestion : {DC_PAPERS, DC_PAPERSIZE}) {
+        ResetCallCounts();
+        EXPECT_GT(DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, abRows, nullptr), 0u);
+        EXPECT_EQ(Opens(), Pair(0, 1)) << QuestionName(wQuestion);
+    }
+
+    ResetCallCounts();
+    ASSERT_TRUE(IsSheetOpen(OpenDocument()));
+    EXPECT_EQ(Opens(), Pair(0, 1)) << "papers, watermarks and names are in one file";
+    Close();
+    std::filesystem::remove(UserFile());
+    ResetCallCounts();
+    ASSERT_TRUE(IsSheetOpen(OpenDocument()));
+    EXPECT_EQ(Opens(), Pair(1, 3)) << "read once more than it was written into";
 }

@@ -88,7 +88,7 @@ TEST_F(HostedMachine, AnyCallCountsAllButThoseThatCannotFail)
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"X", 0, KEY_READ, &hKey),
               static_cast<LSTATUS>(ERROR_GEN_FAILURE));
     EXPECT_EQ(LoadLibraryExW(u"C:\\x.dll", nullptr, 2), nullptr);
-    EXPECT_EQ(GetPrivateProfileStringW(u"s", u"k", u"default", wcRoom, 8, u"C:\\x.ini"), 0u);
+    EXPECT_EQ(GetProfileStringW(u"intl", u"iMeasure", u"default", wcRoom, 8), 0u);
     EXPECT_EQ(wcRoom[0], u'~') << "a failed call writes nothing";
     EXPECT_EQ(StopFaults(), 4);
 }

@@ -1,4 +1,5 @@
 /* The lists of settings files: watermarks and font substitutions. */
+#include <chrono>
 #include <cstring>
 
 #include "platform/hosted/standin.h"
@@ -44,7 +45,7 @@ class Lists : public BothBuilds {
     static std::vector<WatermarkEntry> ReadRows(const WCHAR* tcPath)
     {
         OwnedBlock<WatermarkEntry> pRows;
-        i32 nRows = ReadWatermarks(tcPath, &pRows);
+        i32 nRows = ReadWatermarks(OpenProfile(tcPath), &pRows);
         WatermarkEntry spare;
         ResetWatermarkEntry(&spare);
         EXPECT_TRUE(pRows && SameBytes(pRows.get()[nRows], spare)) << "spare row";
@@ -60,7 +61,7 @@ class Lists : public BothBuilds {
     {
         PutFile(LIST_FILE, "[FontSubstitutions]\r\n" + lines);
         OwnedBlock<WCHAR> pBlock;
-        u16 cb = ReadFontSubstitutions(LIST_FILE, &pBlock);
+        u16 cb = ReadFontSubstitutions(OpenProfile(LIST_FILE), &pBlock);
         std::string texts = pBlock ? "" : "null";
         for (size_t i = 0; pBlock && i < nChars; i++) {
             texts += pBlock.get()[i] ? static_cast<char>(pBlock.get()[i]) : '|';
@@ -167,30 +168,42 @@ TEST_F(Lists, TheCountOfWatermarks)
         EXPECT_EQ(Ascii(rows.back().WMString), "Row " + std::to_string(nCount - 1));
     }
     /* A count costs what rows there are. */
-    ResetCallCounts();
     size_t cbBefore = PeakBlockBytes();
     EXPECT_EQ(Rows("2147483647", many).size(), 40u);
     EXPECT_LT(PeakBlockBytes() - cbBefore, 256u * 1024);
-    EXPECT_LT(CallCount(CALL_GetPrivateProfileIntW) + CallCount(CALL_GetPrivateProfileStringW), 42 * 24);
     EXPECT_EQ(ReadRows(u"C:\\set\\none.ini").size(), 0u);
     PutFile(u"C:\\Windows\\list.ini", "[Watermarks]\r\nNumWatermarks=1\r\n" + TextRow("0"));
     EXPECT_EQ(ReadRows(u"list.ini").size(), 0u);
     EXPECT_EQ(ReadRows(u"").size(), 0u);
 }
 
-TEST_F(Lists, NoMoreThanTheMostWatermarksAreRead)
+TEST_F(Lists, TheLongestFilesTakeBoundedTimeAndMemory)
 {
-    std::string lines;
+    /* More rows than are read, in as large a file as is read. */
+    std::string lines = "[Watermarks]\r\nNumWatermarks=5000\r\n";
     for (int i = 0; i < WATERMARK_LIMIT + 2; i++) {
-        lines += "WMType" + std::to_string(i) + "=7\r\nWMString" + std::to_string(i) + "=x\r\n";
+        lines += TextRow(std::to_string(i));
     }
-    PutFile(LIST_FILE, "[Watermarks]\r\nNumWatermarks=5000\r\n" + lines);
-    struct timespec settle = {0, 30'000'000}; /* so that the file is parsed once */
-    nanosleep(&settle, nullptr);
-    ResetCallCounts();
-    size_t cbBefore = PeakBlockBytes();
-    EXPECT_EQ(ReadRows(LIST_FILE).size(), static_cast<size_t>(WATERMARK_LIMIT));
-    EXPECT_LT(PeakBlockBytes() - cbBefore, CALL_BLOCK_BYTES);
+    lines += ";" + std::string(PROFILE_BYTES_LIMIT - lines.size() - 1, 'x');
+    /* Keys that all have one hash, as many as fit. */
+    std::string alike = "[Watermarks]\r\nNumWatermarks=1\r\nWMString0=x\r\nWMType0=7\r\n";
+    for (u32 i = 0; alike.size() < PROFILE_BYTES_LIMIT - 30; i++) {
+        for (int n = 0; n < 18; n++) {
+            alike += i >> n & 1 ? '@' : '`';
+        }
+        alike += "=\r\n";
+    }
+    for (const auto& [text, nRows] : {std::pair(&lines, WATERMARK_LIMIT), std::pair(&alike, 1)}) {
+        PutFile(LIST_FILE, std::string_view(*text));
+        size_t cbBefore = PeakBlockBytes();
+        const auto begun = std::chrono::steady_clock::now();
+        EXPECT_EQ(ReadRows(LIST_FILE).size(), static_cast<size_t>(nRows));
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
+        EXPECT_LT(took.count(), 3) << "minutes when each key is looked for in all of them";
+        EXPECT_LT(PeakBlockBytes() - cbBefore, CALL_BLOCK_BYTES);
+    }
+    PutFile(LIST_FILE, lines + "x");
+    EXPECT_EQ(ReadRows(LIST_FILE).size(), 0u) << "a byte too many";
 }
 
 TEST_F(Lists, BuiltFilesNeedTheirNumbers)
@@ -265,8 +278,8 @@ TEST_F(Lists, FailingCallsLeaveNothingBehind)
     auto body = []() -> std::string {
         OwnedBlock<WatermarkEntry> pRows;
         OwnedBlock<WCHAR> pFonts;
-        i32 nRows = ReadWatermarks(LIST_FILE, &pRows);
-        u16 cbFonts = ReadFontSubstitutions(LIST_FILE, &pFonts);
+        i32 nRows = ReadWatermarks(OpenProfile(LIST_FILE), &pRows);
+        u16 cbFonts = ReadFontSubstitutions(OpenProfile(LIST_FILE), &pFonts);
         bool bSpare = !pRows || (pRows.get()[nRows].WMType == 0 && pRows.get()[nRows].WMAngle == 450);
         return std::string(!pRows && nRows ? "rows without an array; " : "") +
                (bSpare ? "" : "no spare row; ") +
@@ -279,15 +292,12 @@ TEST_F(Lists, FailingCallsLeaveNothingBehind)
             EXPECT_GE(sweep.nFaults, 3); /* both arrays and the block */
         }
     }
-    /* Whichever array there is no memory for: the list is empty. */
-    for (int n : {1, 2}) {
+    /* Whatever there is no memory for, the file's bytes or text, its index, or the rows: there is no list. */
+    for (int n : {1, 2, 3, 4}) {
         OwnedBlock<WatermarkEntry> pRows;
         FailCall(CALL_HeapAlloc, n);
-        EXPECT_EQ(ReadWatermarks(LIST_FILE, &pRows), 0);
+        EXPECT_EQ(ReadWatermarks(OpenProfile(LIST_FILE), &pRows), 0);
         EXPECT_EQ(StopFaults(), 1);
         EXPECT_FALSE(pRows);
-    }
-    for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE}) {
-        EXPECT_EQ(SweepLie(lie, CALL_GetPrivateProfileStringW, body), "");
     }
 }

@@ -1,9 +1,10 @@
 /* Changing a section or a key: what stays, what is refused, and what failing calls leave. */
-#include "settingsfile/section_file.h"
+#include "profile/section_file.h"
 
 #include <filesystem>
 
 #include "platform/hosted/standin.h"
+#include "profile/profile_values.h"
 #include "support/both_builds.h"
 #include "support/sweep.h"
 
@@ -109,7 +110,7 @@ TEST_F(SectionFile, EveryEncodingBecomesOne)
         EXPECT_EQ(Key(), 1);
         EXPECT_EQ(Text(), Narrow(wcExpected));
         WCHAR wcValue[8];
-        GetPrivateProfileStringW(u"A", u"x", u"", wcValue, 8, FILE_PATH);
+        ReadProfileText(OpenSection(OpenProfile(FILE_PATH), u"A"), u"x", wcValue, 8);
         EXPECT_EQ(WideText(wcValue), u"\u00E4\u20AC");
     }
     SetCodePage(932);
@@ -129,7 +130,7 @@ TEST_F(SectionFile, ControlCharactersCannotMakeLines)
     Bytes bytes = GetFile(FILE_PATH);
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), u8{'\n'}), 2);
     WCHAR wcValue[32];
-    GetPrivateProfileStringW(u"Own", u"Key", u"", wcValue, 32, FILE_PATH);
+    ReadProfileText(OpenSection(OpenProfile(FILE_PATH), u"Own"), u"Key", wcValue, 32);
     EXPECT_EQ(WideText(wcValue), u"a  [B]  z \u0085\xD800");
 }
 
@@ -155,8 +156,10 @@ TEST_F(SectionFile, WhatCannotBeWrittenIsLeftAlone)
         EXPECT_EQ(CallCount(CALL_Sleep), 9) << "another moment is waited for";
         CloseHandle(hFile);
     }
-    std::filesystem::resize_file(HostPath(FILE_PATH), 0x4000001);
+    std::filesystem::resize_file(HostPath(FILE_PATH), PROFILE_BYTES_LIMIT + 1);
     EXPECT_EQ(Section(), 0) << "too large";
+    std::filesystem::resize_file(HostPath(FILE_PATH), PROFILE_BYTES_LIMIT / 2);
+    EXPECT_EQ(Section(), 0) << "too large once it is written";
     std::filesystem::resize_file(HostPath(FILE_PATH), 5);
     for (i64 lRoom = 0; lRoom < 38; lRoom++) {
         SetDiskRoom(lRoom);

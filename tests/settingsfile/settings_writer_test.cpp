@@ -13,8 +13,8 @@
 #include "description/paper.h"
 #include "description/printer_store.h"
 #include "places.h"
+#include "profile/section_file.h"
 #include "settingsfile/custom_sizes.h"
-#include "settingsfile/section_file.h"
 #include "settingsfile/settings_key_rows.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/watermark_rows.h"
@@ -325,7 +325,7 @@ TEST_F(SettingsWriter, WhatIsWrittenReadAndWrittenAgainIsTheSame)
             Dice dice(nSeed * 5 + usKind);
             DriverDevmode record = RandomRecord(dice, usKind), read = RandomRecord(dice, usKind);
             KeyLines before = Written(record, usKind);
-            ASSERT_EQ(ReadPrinterSettings(SETTINGS_FILE, &read, 0, usKind), 1);
+            ASSERT_EQ(ReadPrinterSettings(OpenProfile(SETTINGS_FILE), &read, 0, usKind), 1);
             KeyLines after = Written(read, usKind);
             ASSERT_EQ(before.size(), after.size());
             for (size_t i = 0; i < before.size(); i++) {
@@ -423,8 +423,8 @@ TEST_F(SettingsWriter, ListsComeBackAsTheyWere)
         ASSERT_EQ(WriteCustomSizes(SETTINGS_FILE, papers.data(), nRows), 1);
         OwnedBlock<WatermarkEntry> pMarks;
         OwnedBlock<PaperSizeRow> pPapers;
-        ASSERT_EQ(ReadWatermarks(SETTINGS_FILE, &pMarks), nRows);
-        ASSERT_EQ(ReadCustomSizes(SETTINGS_FILE, nullptr, &pPapers), nRows);
+        ASSERT_EQ(ReadWatermarks(OpenProfile(SETTINGS_FILE), &pMarks), nRows);
+        ASSERT_EQ(ReadCustomSizes(OpenProfile(SETTINGS_FILE), nullptr, &pPapers), nRows);
         for (size_t i = 0; i < marks.size(); i++) {
             EXPECT_TRUE(SameBytes(pMarks.get()[i], marks[i])) << "seed " << nSeed << ", row " << i;
             EXPECT_TRUE(SameBytes(pPapers.get()[i], papers[i])) << "seed " << nSeed << ", row " << i;

@@ -1,7 +1,7 @@
 /* Counts every call, and lets a test fail the n-th or hear a lie. */
 #include <cstring>
 
-#include "platform/hosted/standin.h"
+#include "platform/hosted/open_files.h"
 
 LiveCounts liveCounts;
 
@@ -140,5 +140,6 @@ void ResetCallCounts()
     for (int& nCount : anCounts) {
         nCount = 0;
     }
+    OpenCounts().clear();
     ResetPeak();
 }

@@ -367,6 +367,12 @@ DWORD HostSharingError(u64 ulDevice, u64 ulNode, DWORD dwAccess, DWORD dwShare)
     return 0;
 }
 
+std::map<std::string, int>& OpenCounts()
+{
+    static std::map<std::string, int> counts;
+    return counts;
+}
+
 HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECURITY_ATTRIBUTES,
                           DWORD dwDisposition, DWORD dwAttributes, HANDLE)
 {
@@ -417,6 +423,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR tcPath, DWORD dwAccess, DWORD dwShare, LPSECUR
     }
     opened.dwAccess = dwData;
     opened.dwShare = dwShare;
+    OpenCounts()[path.host]++;
     bool bAlways = dwDisposition == CREATE_ALWAYS || dwDisposition == OPEN_ALWAYS;
     SetHostedError(bAlways && !bMade ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return KeepFile(opened);

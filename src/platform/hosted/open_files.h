@@ -2,6 +2,8 @@
 #ifndef TQUI_HOSTED_OPEN_FILES_H
 #define TQUI_HOSTED_OPEN_FILES_H
 
+#include <map>
+
 #include <sys/stat.h>
 
 #include "platform/hosted/standin.h"
@@ -39,6 +41,9 @@ void CloseOpenFile(OpenFile* pFile);
 
 /* Other open file of the same node, or null. */
 OpenFile* FindSameFile(const OpenFile& file);
+
+/* How often each file was opened or made since ResetCallCounts, by its path on the host. */
+std::map<std::string, int>& OpenCounts();
 
 /* 1 when somebody has the file open without sharing its deletion. */
 bool IsHeld(const struct stat& file);

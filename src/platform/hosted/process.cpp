@@ -86,7 +86,6 @@ void StopMachine()
     DropSemaphores();
     ResetSpooler();
     ResetRegistry();
-    ResetProfile();
     ResetFolders();
     ResetFiles();
     ResetPrograms();

@@ -77,7 +77,6 @@ void ResetPeak(); /* the most bytes held begins anew at what is held now */
 void ResetProcess();
 void ResetFiles();
 void ResetPowerCuts();
-void ResetProfile();
 void ResetRegistry();
 void ResetSpooler();
 void ResetWindows();

@@ -9,11 +9,10 @@
    The copy's name is the file's with ".~0" to ".~7" behind it: the first that nothing bears, which is created
    new, so that nothing that lies there is ever written to. Eight copies that were left behind by lost power are
    deleted before a ninth would be needed. */
-#ifndef TQUI_SETTINGSFILE_SECTION_FILE_H
-#define TQUI_SETTINGSFILE_SECTION_FILE_H
+#ifndef TQUI_PROFILE_SECTION_FILE_H
+#define TQUI_PROFILE_SECTION_FILE_H
 
-#include "base/owned.h"
-#include "base/wide.h"
+#include "profile/profile_file.h"
 
 /* The lines of a section that is being built, from {} on. Without memory a line sets bShort and is not added;
    such a section is never written. */
@@ -32,8 +31,8 @@ void WriteProfileText(SectionLines* pLines, const WCHAR* wcKey, const WCHAR* wcT
 
 /* Makes the section hold these lines and no others, in the place that it had, or at the end; a missing file is
    made, a missing folder is not. Refused, with nothing changed: a path that is null, empty, without a folder or
-   beyond 256 characters; a file that is read-only, a link, a folder, beyond 64 MB, or held by another process
-   for more than a fifth of a second.
+   beyond 256 characters; a file that is read-only, a link, a folder, or held by another process for more than a fifth
+   of a second; one that has, or would get, more than PROFILE_BYTES_LIMIT bytes, since it would read as empty.
    Result: 1 when the file holds the section now, else 0. */
 int ReplaceSection(const WCHAR* tcPath, const WCHAR* wcSection, const SectionLines& lines);
 

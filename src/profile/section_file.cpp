@@ -1,15 +1,13 @@
 /* Replaces sections and keys of settings files by way of a copy. */
-#include "settingsfile/section_file.h"
+#include "profile/section_file.h"
 
 #include <cstring>
 
 #include "base/format.h"
-#include "platform/text.h"
-#include "settingsfile/profile_values.h"
+#include "profile/profile_lines.h"
 
 namespace {
 
-constexpr i64 FILE_BYTES_LIMIT = 0x4000000;
 constexpr u32 FIRST_ROOM = 8192; /* characters: most sections of one printer */
 constexpr int LONGEST_TEXT = 0x7FFF;
 constexpr int COPY_NAMES = 8;
@@ -21,17 +19,6 @@ enum Outcome : int {
     DONE,
     REFUSED,
     BUSY /* another process has the file open at this moment */
-};
-
-struct FileText {
-    OwnedBlock<WCHAR> pText; /* null: an empty one */
-    u32 nLength;
-};
-
-/* A piece of a text. */
-struct Span {
-    const WCHAR* pText;
-    u32 nLength;
 };
 
 /* A section in a text; where there is none, all of them are the text's end. */
@@ -80,95 +67,19 @@ int IsControl(WCHAR wcChar)
     return wcChar < 0x20 || wcChar == 0x7F;
 }
 
-/* What the profile functions take off both ends of names and lines. */
-int IsBlank(WCHAR wcChar)
-{
-    return wcChar == ' ' || (wcChar >= 9 && wcChar <= 13) || wcChar == 0x1A;
-}
-
-Span Trim(Span span)
-{
-    while (span.nLength && IsBlank(span.pText[0])) {
-        span.pText++;
-        span.nLength--;
-    }
-    while (span.nLength && IsBlank(span.pText[span.nLength - 1])) {
-        span.nLength--;
-    }
-    return span;
-}
-
-/* Position of a character, or nLength. */
-u32 FindChar(Span span, WCHAR wcChar)
-{
-    u32 nAt = 0;
-    while (nAt < span.nLength && span.pText[nAt] != wcChar) {
-        nAt++;
-    }
-    return nAt;
-}
-
-/* Names of our sections and keys are plain ASCII, in any case. */
-int IsName(Span span, const WCHAR* wcName)
-{
-    for (u32 i = 0; i < span.nLength; i++) {
-        WCHAR wcOne = span.pText[i], wcOther = wcName[i];
-        wcOne = wcOne >= 'a' && wcOne <= 'z' ? static_cast<WCHAR>(wcOne - 32) : wcOne;
-        wcOther = wcOther >= 'a' && wcOther <= 'z' ? static_cast<WCHAR>(wcOther - 32) : wcOther;
-        if (!wcOther || wcOne != wcOther) {
-            return 0;
-        }
-    }
-    return wcName[span.nLength] == 0;
-}
-
-/* Takes the line at *pnAt, without its blanks and what lies behind a NUL, and moves *pnAt to the next. */
-Span TakeLine(const FileText& text, u32* pnAt)
-{
-    const WCHAR* pText = text.pText.get();
-    u32 nFrom = *pnAt, nTo = nFrom;
-    while (nTo < text.nLength && pText[nTo] != '\r' && pText[nTo] != '\n') {
-        nTo++;
-    }
-    *pnAt = nTo;
-    if (*pnAt < text.nLength) {
-        int bPair = pText[nTo] == '\r' && nTo + 1 < text.nLength && pText[nTo + 1] == '\n';
-        *pnAt += bPair ? 2 : 1;
-    }
-    Span line = {pText + nFrom, nTo - nFrom};
-    line.nLength = FindChar(line, 0);
-    return Trim(line);
-}
-
-/* 1 when the line opens a section, with its name. */
-int IsHeader(Span line, Span* pName)
-{
-    u32 nClose = line.nLength;
-    while (nClose && line.pText[nClose - 1] != ']') {
-        nClose--;
-    }
-    if (!nClose || line.pText[0] != '[') {
-        return 0;
-    }
-    *pName = Trim({line.pText + 1, nClose - 2});
-    return 1;
-}
-
-Place FindSection(const FileText& text, const WCHAR* wcSection)
+Place FindSection(Span text, const WCHAR* wcSection)
 {
     Place place = {text.nLength, text.nLength, text.nLength, 0};
     Span name;
-    u32 nNext = 0;
-    for (u32 nAt = 0; nAt < text.nLength; nAt = nNext) {
+    u32 nNext = FindSectionBody(text, SpanOf(wcSection), &place.nHeader);
+    place.bFound = place.nHeader < text.nLength;
+    place.nBody = place.nEnd = nNext;
+    while (nNext < text.nLength) {
         Span line = TakeLine(text, &nNext);
         if (IsHeader(line, &name)) {
-            if (place.bFound) {
-                return place;
-            }
-            if (IsName(name, wcSection)) {
-                place = {nAt, nNext, nNext, 1};
-            }
-        } else if (place.bFound && line.nLength && line.pText[0] != ';') {
+            break;
+        }
+        if (!IsRemark(line)) {
             place.nEnd = nNext;
         }
     }
@@ -176,13 +87,16 @@ Place FindSection(const FileText& text, const WCHAR* wcSection)
 }
 
 /* 1 when the section has the key, whose line is then from *pnFrom to *pnTo. */
-int FindKey(const FileText& text, const Place& place, const WCHAR* wcKey, u32* pnFrom, u32* pnTo)
+int FindKey(Span text, const Place& place, const WCHAR* wcKey, u32* pnFrom, u32* pnTo)
 {
     u32 nNext = place.nBody;
     for (u32 nAt = place.nBody; nAt < place.nEnd; nAt = nNext) {
-        Span line = TakeLine(text, &nNext);
-        line.nLength = line.nLength && line.pText[0] == ';' ? 0 : FindChar(line, '=');
-        if (IsName(Trim(line), wcKey)) {
+        Span line = TakeLine(text, &nNext), key, value;
+        if (IsRemark(line)) {
+            continue;
+        }
+        SplitLine(line, &key, &value);
+        if (IsSameName(key, SpanOf(wcKey))) {
             *pnFrom = nAt;
             *pnTo = nNext;
             return 1;
@@ -191,43 +105,7 @@ int FindKey(const FileText& text, const Place& place, const WCHAR* wcKey, u32* p
     return 0;
 }
 
-/* The bytes of a file as text. */
-Outcome Decode(const u8* pBytes, u32 cb, FileText* pText)
-{
-    if (!cb) {
-        return DONE;
-    }
-    pText->pText.reset(static_cast<WCHAR*>(AllocateRows(cb, sizeof(WCHAR))));
-    WCHAR* pOut = pText->pText.get();
-    if (!pOut) {
-        return REFUSED;
-    }
-    int bLittle = cb >= 2 && pBytes[0] == 0xFF && pBytes[1] == 0xFE;
-    int bBig = cb >= 2 && pBytes[0] == 0xFE && pBytes[1] == 0xFF;
-    if (bLittle || bBig) {
-        pText->nLength = cb / 2 - 1;
-        for (u32 i = 0; i < pText->nLength; i++) {
-            const u8* pPair = pBytes + 2 + 2 * i;
-            pOut[i] = static_cast<WCHAR>(bLittle ? pPair[0] | pPair[1] << 8 : pPair[0] << 8 | pPair[1]);
-        }
-        return DONE;
-    }
-    int bUtf8 = cb >= 3 && pBytes[0] == 0xEF && pBytes[1] == 0xBB && pBytes[2] == 0xBF;
-    u32 nMark = bUtf8 ? 3 : 0;
-    if (cb == nMark) {
-        return DONE;
-    }
-    /* No code page makes more characters than there were bytes. */
-    int nGot = MultiByteToWideChar(bUtf8 ? CP_UTF8 : CP_ACP, 0, reinterpret_cast<const char*>(pBytes) + nMark,
-                                   static_cast<int>(cb - nMark), pOut, static_cast<int>(cb));
-    if (nGot < 1 || nGot > static_cast<int>(cb)) {
-        return REFUSED;
-    }
-    pText->nLength = static_cast<u32>(nGot);
-    return DONE;
-}
-
-Outcome ReadText(const WCHAR* tcPath, FileText* pText)
+Outcome ReadOld(const WCHAR* tcPath, ProfileFile* pOld)
 {
     DWORD dwAttributes = GetFileAttributesW(tcPath);
     if (dwAttributes == INVALID_FILE_ATTRIBUTES) {
@@ -244,23 +122,8 @@ Outcome ReadText(const WCHAR* tcPath, FileText* pText)
     if (!IsOpen(hFile.get())) {
         return GetLastError() == ERROR_SHARING_VIOLATION ? BUSY : REFUSED;
     }
-    LARGE_INTEGER lSize;
-    if (!GetFileSizeEx(hFile.get(), &lSize) || lSize.QuadPart < 0 || lSize.QuadPart > FILE_BYTES_LIMIT) {
-        return REFUSED;
-    }
-    u32 cb = static_cast<u32>(lSize.QuadPart);
-    OwnedBlock<u8> pBytes(static_cast<u8*>(AllocateBlock(u64{cb} + 1)));
-    if (!pBytes) {
-        return REFUSED;
-    }
-    DWORD cbGot = 0;
-    for (u32 nAt = 0; nAt < cb; nAt += cbGot) {
-        if (!ReadFile(hFile.get(), pBytes.get() + nAt, cb - nAt, &cbGot, nullptr) || !cbGot ||
-            cbGot > cb - nAt) {
-            return REFUSED;
-        }
-    }
-    return Decode(pBytes.get(), cb, pText);
+    *pOld = ReadProfile(hFile.get());
+    return pOld->state == PROFILE_READ ? DONE : REFUSED;
 }
 
 /* Creates the copy and names it in tcCopy, PATH_CHARS of room. */
@@ -314,10 +177,10 @@ Outcome PutInPlace(const WCHAR* tcPath, const WCHAR* pText, u32 nLength)
 }
 
 /* Puts the new text together and on the disk. */
-Outcome WriteChange(const WCHAR* tcPath, const FileText& old, const Change& change)
+Outcome WriteChange(const WCHAR* tcPath, Span old, const Change& change)
 {
     const WCHAR wcMark[] = {BYTE_ORDER_MARK, 0};
-    const WCHAR* pOld = old.pText.get();
+    const WCHAR* pOld = old.pText;
     int bOpenLine = change.nFrom && pOld[change.nFrom - 1] != '\n' && pOld[change.nFrom - 1] != '\r';
     SectionLines text = {};
     Append(&text, wcMark, 1);
@@ -330,17 +193,19 @@ Outcome WriteChange(const WCHAR* tcPath, const FileText& old, const Change& chan
     }
     Append(&text, change.lines.pText, change.lines.nLength);
     Append(&text, pOld + change.nTo, old.nLength - change.nTo);
-    return text.bShort ? REFUSED : PutInPlace(tcPath, text.pText.get(), text.nLength);
+    int bTooLong = text.nLength > PROFILE_BYTES_LIMIT / sizeof(WCHAR);
+    return text.bShort || bTooLong ? REFUSED : PutInPlace(tcPath, text.pText.get(), text.nLength);
 }
 
 /* One try. Without a key the lines are the section's, with one they are the key's. */
 Outcome TryChange(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, Span lines)
 {
-    FileText old = {};
-    Outcome outcome = ReadText(tcPath, &old);
+    ProfileFile file = {};
+    Outcome outcome = ReadOld(tcPath, &file);
     if (outcome != DONE) {
         return outcome;
     }
+    Span old = TextOf(file);
     Place place = FindSection(old, wcSection);
     Change change = {place.nHeader, place.nEnd, wcSection, lines};
     if (wcKey && place.bFound) {

@@ -1,0 +1,127 @@
+/* Takes the text of settings files apart. */
+#include "profile/profile_lines.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr WCHAR HIGHEST_BLANK = ' ';
+
+/* What counts as a blank around lines, names and values. */
+int IsBlank(WCHAR wcChar)
+{
+    return wcChar <= HIGHEST_BLANK && (wcChar == ' ' || (wcChar >= 9 && wcChar <= 13) || wcChar == 0x1A);
+}
+
+WCHAR Capital(WCHAR wcChar)
+{
+    return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
+}
+
+/* The part in front of the first NUL, which ends a name or value but not its line. */
+Span CutAtNul(Span span)
+{
+    u32 nAt = 0;
+    while (nAt < span.nLength && span.pText[nAt]) {
+        nAt++;
+    }
+    return {span.pText, nAt};
+}
+
+} // namespace
+
+Span TrimSpan(Span span)
+{
+    while (span.nLength && IsBlank(span.pText[0])) {
+        span.pText++;
+        span.nLength--;
+    }
+    while (span.nLength && IsBlank(span.pText[span.nLength - 1])) {
+        span.nLength--;
+    }
+    return span;
+}
+
+int IsSameName(Span one, Span other)
+{
+    if (one.nLength != other.nLength) {
+        return 0;
+    }
+    for (u32 i = 0; i < one.nLength; i++) {
+        if (one.pText[i] != other.pText[i] && Capital(one.pText[i]) != Capital(other.pText[i])) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+Span TakeLine(Span text, u32* pnAt)
+{
+    const WCHAR* pFrom = text.pText + *pnAt;
+    const WCHAR* const pEnd = text.pText + text.nLength;
+    const WCHAR* pTo = pFrom;
+    while (pTo < pEnd && (*pTo > '\r' || (*pTo != '\r' && *pTo != '\n'))) {
+        pTo++;
+    }
+    const WCHAR* pNext = pTo;
+    if (pNext < pEnd) {
+        pNext += *pTo == '\r' && pTo + 1 < pEnd && pTo[1] == '\n' ? 2 : 1;
+    }
+    *pnAt = static_cast<u32>(pNext - text.pText);
+    return TrimSpan({pFrom, static_cast<u32>(pTo - pFrom)});
+}
+
+int IsHeader(Span line, Span* pName)
+{
+    if (!line.nLength || line.pText[0] != '[') {
+        return 0;
+    }
+    u32 nClose = line.nLength - 1;
+    while (nClose && line.pText[nClose] != ']') {
+        nClose--;
+    }
+    if (!nClose) {
+        return 0;
+    }
+    *pName = CutAtNul(TrimSpan({line.pText + 1, nClose - 1}));
+    return 1;
+}
+
+void SplitLine(Span line, Span* pKey, Span* pValue)
+{
+    u32 nAt = 0;
+    while (nAt < line.nLength && line.pText[nAt] != '=') {
+        nAt++;
+    }
+    *pKey = CutAtNul(TrimSpan({line.pText, nAt}));
+    *pValue = {nullptr, 0};
+    if (nAt < line.nLength) {
+        *pValue = CutAtNul(TrimSpan({line.pText + nAt + 1, line.nLength - nAt - 1}));
+    }
+}
+
+u32 FindSectionBody(Span text, Span name, u32* pnHeader)
+{
+    u32 nNext = 0;
+    for (u32 nAt = 0; nAt < text.nLength && name.nLength; nAt = nNext) {
+        Span found;
+        if (IsHeader(TakeLine(text, &nNext), &found) && IsSameName(found, name)) {
+            if (pnHeader) {
+                *pnHeader = nAt;
+            }
+            return nNext;
+        }
+    }
+    return name.nLength ? text.nLength : 0;
+}
+
+int AddListName(Span name, WCHAR* wcOut, u32 cch, u32* pnUsed)
+{
+    if (u64{*pnUsed} + name.nLength + 1 + 2 > cch) {
+        return 0;
+    }
+    std::memcpy(wcOut + *pnUsed, name.pText, name.nLength * sizeof(WCHAR));
+    *pnUsed += name.nLength + 1;
+    wcOut[*pnUsed - 1] = 0;
+    return 1;
+}

@@ -1,0 +1,53 @@
+/* The lines of a settings file: where they end, and what they are. For the units of this folder. */
+#ifndef TQUI_PROFILE_PROFILE_LINES_H
+#define TQUI_PROFILE_PROFILE_LINES_H
+
+#include "profile/profile_file.h"
+
+/* A piece of a text. */
+struct Span {
+    const WCHAR* pText;
+    u32 nLength;
+};
+
+Span TrimSpan(Span span);
+
+/* 1 when both are the same but for the case of ASCII letters. */
+int IsSameName(Span one, Span other);
+
+/* Takes the line at *pnAt, without the blanks around it, and moves *pnAt to the next one. Result: the line, empty
+   for a blank one; the caller sees to it that *pnAt is below nLength. */
+Span TakeLine(Span text, u32* pnAt);
+
+/* 1 when the line opens a section, with its name. */
+int IsHeader(Span line, Span* pName);
+
+/* 1 when the line is a comment or blank. */
+inline int IsRemark(Span line)
+{
+    return !line.nLength || line.pText[0] == ';';
+}
+
+/* Takes a line that is neither header nor remark apart: its key, and the value without blanks, whose pText is null
+   when the line has no "=". */
+void SplitLine(Span line, Span* pKey, Span* pValue);
+
+/* Where the section's lines begin; nLength when there is no such section. An empty name is that of the lines in
+   front of the first section. pnHeader, which may be null: where its header line begins. */
+u32 FindSectionBody(Span text, Span name, u32* pnHeader);
+
+/* Adds a name and its NUL to a list of cch characters of which *pnUsed are taken, where it fits whole and leaves room
+   for the list's own NUL. Result: 1 when it was added. */
+int AddListName(Span name, WCHAR* wcOut, u32 cch, u32* pnUsed);
+
+inline Span TextOf(const ProfileFile& file)
+{
+    return {file.pText.get(), file.pText ? file.nLength : 0};
+}
+
+inline Span SpanOf(const WCHAR* wcText)
+{
+    return {wcText, static_cast<u32>(WideLength(wcText))};
+}
+
+#endif
