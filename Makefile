@@ -14,7 +14,8 @@ help:
 	@echo 'make bench     speed, as ratios to a floor measured in the same run'
 	@echo 'make fuzz      fuzzing, SECONDS=60 each target'
 	@echo 'make check     format, tidy, cppcheck, and the gates of the architecture'
-	@echo 'make mutate    switches every rule of the record checks off in turn: a test must fail each time'
+	@echo 'make mutate    plants one fault after the other, and switches every rule of the record checks off in'
+	@echo '               turn: a test must fail each time'
 	@echo 'make coverage  lines that the hosted tests execute'
 	@echo 'make clean     removes build/'
 
@@ -65,8 +66,8 @@ check: asan windows
 	@scripts/check
 
 mutate:
-	@scripts/setup hosted windows
-	@scripts/mutate
+	@scripts/setup hosted windows mutants
+	@failed=0; scripts/mutate || failed=1; scripts/mutants || failed=1; exit $$failed
 
 coverage:
 	@scripts/setup hosted windows bench

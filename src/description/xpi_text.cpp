@@ -90,7 +90,7 @@ int NeedsLanguageDll(const i16* aIds, i32 nCount)
     return 0;
 }
 
-void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut)
+void WidenText(const char* cText, u32 cbText, WCHAR* wcOut, int cchOut)
 {
     u32 nRoom = static_cast<u32>(cchOut) - 1;
     /* ASCII is itself in every code page; a text that holds more is the system's to convert. */
@@ -103,7 +103,7 @@ void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut
     while (nLength < cbText && nLength < nRoom && cText[nLength]) {
         nLength++;
     }
-    if (nLength == cbText ? bCut : cText[nLength] != 0) {
+    if (nLength < cbText && cText[nLength]) {
         /* Cut: drop what is left of a character of several bytes, which none of our code pages makes longer
            than four. What is wrong in the text's middle stays the system's to mark. */
         for (u32 nDrop = 0; nDrop < 4 && nDrop < nLength; nDrop++) {
@@ -181,7 +181,7 @@ void ReadXpiStrings(XpiFile& file, u16 usLanguage, HMODULE hLanguageDll, const i
         if (ulAt < cbGot) {
             u32 cbLeft = cbGot - ulAt;
             u32 cbOwn = cbLeft < static_cast<u32>(cch) ? cbLeft : static_cast<u32>(cch);
-            WidenText(cTexts + ulAt, cbOwn, 0, wcOut + static_cast<std::ptrdiff_t>(i) * cchStride, cch);
+            WidenText(cTexts + ulAt, cbOwn, wcOut + static_cast<std::ptrdiff_t>(i) * cchStride, cch);
         }
     }
 }

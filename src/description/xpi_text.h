@@ -23,8 +23,8 @@ void ReadLibraryString(HMODULE hLanguageDll, i32 nId, WCHAR* wcOut, int cch);
 int NeedsLanguageDll(const i16* aIds, i32 nCount);
 
 /* Converts at most cchOut - 1 bytes of narrow text, up to its first NUL, from the ANSI code page into cchOut
-   characters. A text that had to be cut (bCut, or more bytes than that) loses a character that lost a part.
-   The buffer is always ended by a NUL. */
-void WidenText(const char* cText, u32 cbText, int bCut, WCHAR* wcOut, int cchOut);
+   characters. A text that had to be cut (it has more bytes than that) loses a character that lost a part. The
+   buffer is always ended by a NUL. */
+void WidenText(const char* cText, u32 cbText, WCHAR* wcOut, int cchOut);
 
 #endif

@@ -17,7 +17,7 @@ namespace {
 constexpr DWORD MODE_MODIFY = 8; /* fMode */
 
 /* The converted record: the caller's when it passes both checks, else the printer's default. */
-void ConvertRecord(PrinterCall& call, WCHAR* wcPrinterName, void* pIn, DriverDevmode* pConverted)
+void ConvertRecord(PrinterCall& call, const WCHAR* wcPrinterName, void* pIn, DriverDevmode* pConverted)
 {
     if (pIn) {
         CallerRecord taken;
@@ -31,7 +31,7 @@ void ConvertRecord(PrinterCall& call, WCHAR* wcPrinterName, void* pIn, DriverDev
             return;
         }
     }
-    BuildDefaultRecord(call, wcPrinterName, pConverted, 1);
+    BuildModelRecord(call, wcPrinterName, pConverted, 1, nullptr);
 }
 
 /* A routine of the system's spooler library, which may well ask the printer's driver, us, the same: what comes

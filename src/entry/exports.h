@@ -46,7 +46,7 @@ LONG WINAPI DrvDocumentProperties(HWND hWnd, HANDLE hPrinter, LPWSTR pszPrinterN
 BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, int iDriverEvent, DWORD dwFlags, LPARAM lParam);
 
 /* Brings a record to this printer and build.
-   pPrinterName   a ",Local" tail is cut off where a default is built
+   pPrinterName   only read; a default's device name comes without the ",Local" tail
    pdmIn          IO  null: the printer's default is asked for. Else it is checked, and repaired in place
    pdmOut         O   the record as it passed both checks, or the printer's default where it was refused
    pcbNeeded      IO  bytes of pdmOut; then the record's size, but in the first of the failures

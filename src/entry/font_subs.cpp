@@ -55,7 +55,7 @@ int TakeFont(const XpiModel* pModel, const char** pcAt, WCHAR (&wcFont)[FONT_CHA
     while (cText[cb]) {
         cb++;
     }
-    WidenText(cText, cb, 0, wcFont, FONT_CHARS);
+    WidenText(cText, cb, wcFont, FONT_CHARS);
     *pcAt = cText + cb + 1;
     return cb != 0;
 }

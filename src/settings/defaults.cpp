@@ -26,6 +26,8 @@ constexpr u32 MODE_SYSTEM = 2;                    /* ulKind of a colour mode */
 constexpr u16 TRANSPARENCY_SECOND = 50;           /* per cent, what a second image printer starts with */
 constexpr i32 FEATURE_SLOTS = 32;
 constexpr int NAME_CHARS = 32; /* of dmDeviceName and of the two fonts, the NUL included */
+constexpr int FONT_NAME_BYTES =
+    4 * (NAME_CHARS - 1); /* no code page has more than four bytes for a character */
 constexpr int XPI_NAME_CHARS = 160;
 
 /* The ",Local" tail of a printer's own name, or null. */
@@ -64,13 +66,14 @@ void StoreXpiName(PrinterCall& call, DriverDevmode* pRecord)
     std::memcpy(pRecord->rPrivate.tcXPIName, tcName, sizeof tcName);
 }
 
-/* A default font of the model: at most 31 bytes of its name; without one the template's stays. pField is one
-   of the record's two names. */
+/* A default font of the model: at most 31 characters of its name, however many bytes they take; without one the
+   template's stays. pField is one of the record's two names. */
 void StoreFontName(void* pField, const XpiModel* pModel, const char* pName)
 {
     if (pName) {
-        WCHAR wcName[NAME_CHARS] = {};
-        WidenText(BodyText(pModel, pName), NAME_CHARS, 1, wcName, NAME_CHARS);
+        WCHAR wcWhole[FONT_NAME_BYTES + 1], wcName[NAME_CHARS] = {};
+        WidenText(BodyText(pModel, pName), FONT_NAME_BYTES + 1, wcWhole, FONT_NAME_BYTES + 1);
+        CopyWide(wcName, NAME_CHARS, wcWhole);
         std::memcpy(pField, wcName, sizeof wcName);
     }
 }

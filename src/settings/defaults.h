@@ -15,7 +15,8 @@ enum DefaultSource : int { DEFAULT_NONE, DEFAULT_BUILT, DEFAULT_STORED };
 void BuildDefaultRecord(PrinterCall& call, WCHAR* wcPrinterName, DriverDevmode* pRecord,
                         int bApplySettingsFile);
 
-/* The same from a model that is already loaded; the name is only read. */
+/* The same, but the name is only read, whatever its tail.
+   pModel   the printer's own model where the caller has it; null: loaded here */
 void BuildModelRecord(PrinterCall& call, const WCHAR* wcPrinterName, DriverDevmode* pRecord,
                       int bApplySettingsFile, const XpiModel* pModel);
 

@@ -20,19 +20,22 @@ struct CoverValues {
     i16 sMediaIndex;
 };
 
-int CheckCover(CoverValues* pCover, int nRow, const PrivateLimits& limits, CheckState* pState)
+/* store writes the values back into the record: at each repair, so that the recorder finds it there. */
+template <class Store>
+int CheckCover(CoverValues cover, int nRow, const PrivateLimits& limits, CheckState* pState, Store store)
 {
     const auto Rule = [nRow](int nPart) { return RuleNumber(PRIVATE_FIELDS, nRow, nPart); };
-    u16 usPps = pCover->sPps;
-    MEND(Rule(1), pCover->sBin > 0 && (pCover->sBin < 16 || pCover->sBin > 255), pCover->sBin = BIN_AUTO);
-    MEND(Rule(2), PaperFits(limits.rCustom, pCover->sPaperSize, pCover->sWidth, pCover->sLength),
-         pCover->sCover = 0);
+    u16 usPps = cover.sPps;
+    MEND(Rule(1), cover.sBin > 0 && (cover.sBin < 16 || cover.sBin > 255),
+         (cover.sBin = BIN_AUTO, store(cover)));
+    MEND(Rule(2), PaperFits(limits.rCustom, cover.sPaperSize, cover.sWidth, cover.sLength),
+         (cover.sCover = 0, store(cover)));
     MEND(Rule(3),
          usPps == 1 || usPps == 2 || usPps == 4 || usPps == 6 || usPps == 8 || usPps == 9 || usPps == 16,
-         pCover->sPps = 1);
-    MEND(Rule(4), pCover->sDuplex <= 1, pCover->sDuplex = 1);
-    MEND(Rule(5), pCover->sMediaIndex >= limits.lMediaFirst && pCover->sMediaIndex <= limits.lMediaCount,
-         pCover->sCover = 0);
+         (cover.sPps = 1, store(cover)));
+    MEND(Rule(4), cover.sDuplex <= 1, (cover.sDuplex = 1, store(cover)));
+    MEND(Rule(5), cover.sMediaIndex >= limits.lMediaFirst && cover.sMediaIndex <= limits.lMediaCount,
+         (cover.sCover = 0, store(cover)));
     return 1;
 }
 
@@ -122,12 +125,12 @@ int CheckFrontCover(PrivateDevmode* pPrivate, const PrivateLimits& limits, Check
     CoverValues cover = {pPrivate->sFrontCover,  pPrivate->sFrontBin,       pPrivate->sFrontPaperSize,
                          pPrivate->sFrontWidth,  pPrivate->sFrontLength,    pPrivate->sFrontPPS,
                          pPrivate->sFrontDuplex, pPrivate->sFrontMediaIndex};
-    int nResult = CheckCover(&cover, 19, limits, pState);
-    pPrivate->sFrontCover = cover.sCover;
-    pPrivate->sFrontBin = cover.sBin;
-    pPrivate->sFrontPPS = cover.sPps;
-    pPrivate->sFrontDuplex = cover.sDuplex;
-    return nResult;
+    return CheckCover(cover, 19, limits, pState, [pPrivate](const CoverValues& mended) {
+        pPrivate->sFrontCover = mended.sCover;
+        pPrivate->sFrontBin = mended.sBin;
+        pPrivate->sFrontPPS = mended.sPps;
+        pPrivate->sFrontDuplex = mended.sDuplex;
+    });
 }
 
 int CheckBackCover(PrivateDevmode* pPrivate, const PrivateLimits& limits, CheckState* pState)
@@ -135,11 +138,11 @@ int CheckBackCover(PrivateDevmode* pPrivate, const PrivateLimits& limits, CheckS
     CoverValues cover = {pPrivate->sBackCover,  pPrivate->sBackBin,       pPrivate->sBackPaperSize,
                          pPrivate->sBackWidth,  pPrivate->sBackLength,    1,
                          pPrivate->sBackDuplex, pPrivate->sBackMediaIndex};
-    int nResult = CheckCover(&cover, 21, limits, pState);
-    pPrivate->sBackCover = cover.sCover;
-    pPrivate->sBackBin = cover.sBin;
-    pPrivate->sBackDuplex = cover.sDuplex;
-    return nResult;
+    return CheckCover(cover, 21, limits, pState, [pPrivate](const CoverValues& mended) {
+        pPrivate->sBackCover = mended.sCover;
+        pPrivate->sBackBin = mended.sBin;
+        pPrivate->sBackDuplex = mended.sDuplex;
+    });
 }
 
 int CheckColorSlices(PrivateDevmode* pPrivate, const PrivateLimits& limits, CheckState* pState)

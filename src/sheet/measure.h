@@ -50,7 +50,7 @@ int PressNumberKey(int nKey, const NumberRange& range, i32* plValue);
 int PressMeasureKey(int nKey, const NumberRange& range, int bMetric, i32* plValue, RoundingMode* pMode);
 
 /* Limits of a paper's side as a range of measures, from tenths of a millimetre: home is the first whole
-   centimetre or inch step above the minimum. */
+   millimetre or inch above the minimum. */
 NumberRange PaperSideRange(i16 sMin, i16 sMax, int bMetric);
 
 #endif

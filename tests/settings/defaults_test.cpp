@@ -377,6 +377,24 @@ TEST_F(DefaultsTest, FontsAreTheModelsWhereItHasThem)
                                                     "f"))),
               "\"Pr\\u00FCf\"");
     EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, ""))), "\"\"") << "there, and empty";
+    /* Characters count, not bytes: 20 of two bytes stay whole, 31 of 40 stay. */
+    for (UINT uPage : {932u, 65001u}) {
+        SetCodePage(uPage);
+        for (int nChars : {20, 31, 40}) {
+            std::string name, value;
+            for (int i = 0; i < nChars; i++) {
+                name += uPage == 932 ? "\x82\xA0" : "\xE3\x81\x82";
+                value += i < 31 ? "\\u3042" : "";
+            }
+            EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, name))), '"' + value + '"')
+                << uPage << " " << nChars;
+        }
+    }
+    SetCodePage(65001);
+    EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, std::string(30, 'f') + "\xF0\x9F\x98\x80"))),
+              '"' + std::string(30, 'f') + '"')
+        << "no half of a pair";
+    SetCodePage(1252);
     DriverDevmode record = BuildFrom(WithFont(PROP_FONT, "Sans").Set<i16>(FONT_COUNT, -1).Set<i16>(122, 14));
     EXPECT_EQ(font(record), "\"Courier\"");
     EXPECT_EQ(FieldOf(record, "wcDefaultPropFont").value, "\"Sans\"");

@@ -22,6 +22,11 @@ constexpr const char* BUILD_NAME = "windows";
 constexpr const char* BUILD_NAME = "hosted";
 #endif
 
+size_t PlaceOf(const Picture& picture, LONG x, LONG y)
+{
+    return static_cast<size_t>(y) * static_cast<size_t>(picture.nWidth) + static_cast<size_t>(x);
+}
+
 } // namespace
 
 #ifdef _WIN32
@@ -100,7 +105,7 @@ void Fill(Picture* pPicture, const RECT& rect, COLORREF color)
 {
     for (LONG y = std::max<LONG>(rect.top, 0); y < std::min<LONG>(rect.bottom, pPicture->nHeight); y++) {
         for (LONG x = std::max<LONG>(rect.left, 0); x < std::min<LONG>(rect.right, pPicture->nWidth); x++) {
-            pPicture->pixels[static_cast<size_t>(y * pPicture->nWidth + x)] = color;
+            pPicture->pixels[PlaceOf(*pPicture, x, y)] = color;
         }
     }
 }
@@ -164,7 +169,7 @@ PictureDifference Compare(const Picture& golden, const Picture& got)
             }
             where = {std::min<LONG>(where.left, x), std::min<LONG>(where.top, y),
                      std::max<LONG>(where.right, x + 1), std::max<LONG>(where.bottom, y + 1)};
-            difference.shown.pixels[static_cast<size_t>(y * got.nWidth + x)] = 0x0000FF;
+            difference.shown.pixels[PlaceOf(got, x, y)] = 0x0000FF;
         }
     }
     return difference;

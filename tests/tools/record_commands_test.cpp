@@ -90,6 +90,26 @@ TEST_F(RecordCommands, AcceptedRepairedAndRefusedAreExplained)
                                    "private part: accepted\n"
                                    "conflicts: none\n");
 
+    /* Covers and inserted pages: each repair stands at the rule that made it. */
+    Record(
+        "T410A",
+        {"sFrontCover=1", "sFrontBin=16", "sFrontDuplex=7", "sInsertPageList[0]=7", "sInsertPageList[8]=5"},
+        true);
+    EXPECT_EQ(Explain("T410A", 1),
+              "RULE          OUTCOME                 FIELD               OFFSET  VALUE\n"
+              "private 19.1  repair 1                sFrontBin              650  16 -> 1025\n"
+              "private 19.4  repair 2                sFrontDuplex           660  7 -> 1\n"
+              "private 63.7  repair 3, one too many  sInsertPageList[8]    2996  5 -> 0\n"
+              "public part: accepted\n"
+              "private part: refused. The printer's defaults take its place.\n");
+    Record("T410A", {"sBackCover=1", "sBackBin=16", "sInsertPageList[0]=7"}, true);
+    EXPECT_EQ(Explain("T410A", 0), "RULE          OUTCOME   FIELD               OFFSET  VALUE\n"
+                                   "private 21.1  repair 1  sBackBin               664  16 -> 1025\n"
+                                   "private 67.8  set       sInsertPageList[0]    2980  7 -> 0\n"
+                                   "public part: accepted\n"
+                                   "private part: accepted with 1 repair\n"
+                                   "conflicts: none\n");
+
     Record("T410A", {"sContrast=51"}, true);
     EXPECT_EQ(Explain("T410A", 1), "RULE          OUTCOME  FIELD      OFFSET  VALUE\n"
                                    "private 35.1  refused  sContrast    1814  51\n"

@@ -28,6 +28,7 @@ struct Account {
     DriverDevmode before; /* as it was at the last note */
     int nRepairs;         /* of the part that is being checked */
     bool bTold;           /* a rule of that part refused */
+    bool bInsertList; /* the model keeps the list of inserted pages where others have the exception region */
     std::vector<Line> lines;
 };
 
@@ -53,14 +54,32 @@ Line FieldLine(const DriverDevmode& record, int nRule)
     }
 }
 
+/* The fields that a rule changed, old and new value. */
+std::vector<Line> ChangedFields(const Account& account)
+{
+    std::vector<Line> lines;
+    const auto add = [&](const std::string& name) {
+        FieldValue before = FieldOf(account.before, name), now = FieldOf(*account.pRecord, name);
+        if (before.value != now.value) {
+            lines.push_back({"", "", name, std::to_string(now.nOffset), before.value + " -> " + now.value});
+        }
+    };
+    for (const FieldValue& field : DifferingFields(account.before, *account.pRecord)) {
+        if (account.bInsertList && field.name == "bExceptionRegion") {
+            for (size_t i = 0; i < std::size(account.pRecord->rPrivate.sInsertPageList); i++) {
+                add("sInsertPageList[" + std::to_string(i) + "]");
+            }
+        } else {
+            add(field.name);
+        }
+    }
+    return lines;
+}
+
 void NoteLines(void* pContext, int nRule, int nOutcome)
 {
     Account* pAccount = static_cast<Account*>(pContext);
-    std::vector<Line> lines;
-    for (const FieldValue& field : DifferingFields(pAccount->before, *pAccount->pRecord)) {
-        lines.push_back({"", "", field.name, std::to_string(field.nOffset),
-                         FieldOf(pAccount->before, field.name).value + " -> " + field.value});
-    }
+    std::vector<Line> lines = ChangedFields(*pAccount);
     if (lines.empty()) {
         lines.push_back(FieldLine(*pAccount->pRecord, nRule));
         if (nOutcome != RULE_REFUSED) { /* the repair is what the record had */
@@ -153,7 +172,7 @@ std::string ConflictVerdict(PrinterCall& call, const DriverDevmode& record, cons
 int RunExplain(const ExplainOptions& options, std::ostream& out)
 {
     DriverDevmode record = ReadRecordFile(options.file);
-    Account account = {&record, record, 0, false, {}};
+    Account account = {&record, record, 0, false, false, {}};
     std::string verdicts;
     int bAccepted;
     WideText wcName = StartModel(options.model, options.package, options.bMetric).wcName;
@@ -161,6 +180,8 @@ int RunExplain(const ExplainOptions& options, std::ostream& out)
         OpenSample printer(wcName);
         PrinterCall call(printer.hPrinter);
         OwnedModel pModel = LoadPrinterModel(call);
+        account.bInsertList =
+            pModel && pModel->usLanguage != KIND_IMAGE && pModel->usLanguage != KIND_IMAGE_SECOND;
         RuleRecorder recorder = {NoteLines, &account};
         bAccepted = ValidatePublicPartNoted(call, &record, pModel.get(), recorder);
         verdicts = Verdict("public", bAccepted, account,
