@@ -13,7 +13,6 @@
 namespace {
 
 /* Media are listed behind the bins, so that one can be picked as a source. */
-constexpr u16 FIRST_MEDIA_BIN = 2000;
 
 /* The saved papers and forms that follow the model's papers: none unless both custom maxima are set. */
 struct AddedPapers {
@@ -203,7 +202,7 @@ DWORD ListBins(CapabilityCall& ask)
         }
     }
     for (i32 nMedia = CountMediaBins(pModel), i = 0; i < nMedia; i++) {
-        u16 usBin = static_cast<u16>(FIRST_MEDIA_BIN + i);
+        u16 usBin = static_cast<u16>(FIRST_MEDIA_SOURCE + i);
         PutRow(ask, nRow++, &usBin, sizeof usBin);
     }
     return nRow;

@@ -3,22 +3,10 @@
 #include "entry/thread_store.h"
 #include "platform/process.h"
 
-namespace {
-HINSTANCE hOwnModule;
-}
-
-HINSTANCE GetOwnModule()
-{
-    return hOwnModule;
-}
-
-extern "C" BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pProcessEnds)
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD dwReason, LPVOID pProcessEnds)
 {
     switch (dwReason) {
-    case DLL_PROCESS_ATTACH:
-        hOwnModule = hModule;
-        OpenThreadStores();
-        return 1;
+    case DLL_PROCESS_ATTACH: OpenThreadStores(); return 1;
     case DLL_PROCESS_DETACH:
         if (!pProcessEnds) { /* else everything goes, and other threads were stopped wherever they were */
             CloseThreadStores();
