@@ -13,7 +13,6 @@
 namespace {
 
 constexpr i32 TEXTS_ABOVE = 3; /* texts of the model above the version, at most */
-constexpr int DIALOG_TOP = 25; /* below the parent's upper edge, in pixels */
 
 /* The logo is the box's own, since the pages' goes with the last of them. */
 struct AboutBox {

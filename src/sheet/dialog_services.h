@@ -42,8 +42,9 @@ int ControlRect(HWND hDialog, int nControl, RECT* pRect);
 /* Has the control's rectangle painted anew by the dialog, at once. */
 void RepaintControl(HWND hDialog, int nControl);
 
-/* Places a dialog relative to its parent; CENTRE_X and CENTRE_Y centre it. */
-constexpr int CENTRE_X = -1, CENTRE_Y = 65535;
+/* Places a dialog relative to its parent, in pixels; CENTRE_X and CENTRE_Y centre it. DIALOG_TOP is where notices and the
+   About box begin below the parent's upper edge. */
+constexpr int CENTRE_X = -1, CENTRE_Y = 65535, DIALOG_TOP = 25;
 void CentreDialog(HWND hDialog, int nX, int nY);
 
 #endif

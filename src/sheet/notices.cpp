@@ -13,7 +13,6 @@
 namespace {
 
 constexpr int LINES = 4;
-constexpr int DIALOG_TOP = 25; /* below the parent's upper edge, in pixels */
 
 enum NoticeIcon : u8 { SHOWS_STOP, SHOWS_WARNING };
 enum NoticeBody : u8 { FIXED_LINES, CONFLICT_TEXT, PAPER_LIMITS };
