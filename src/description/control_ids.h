@@ -94,8 +94,8 @@
 #define IDC_QUALITY_COLOR_GROUP            1114
 #define IDC_QUALITY_COLOR                  1208
 #define IDC_QUALITY_MONOCHROME             1209
-#define IDC_QUALITY_CORRECTION_LABEL       1132 /* of modes that have options */
-#define IDC_QUALITY_CORRECTION_LABEL_ALONE 1892 /* of modes without; has the other's text */
+#define IDC_QUALITY_CORRECTION_LABEL       1132 /* of a model with a mode of kind 2 or 4 */
+#define IDC_QUALITY_CORRECTION_LABEL_ALONE 1892 /* of others; has the same text */
 #define IDC_QUALITY_CORRECTION             1316 /* colour mode */
 #define IDC_QUALITY_OPTIONS                1711
 #define IDC_QUALITY_INTENT_LABEL           1964

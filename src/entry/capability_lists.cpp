@@ -7,6 +7,7 @@
 #include "description/installed_set.h"
 #include "description/language_dll.h"
 #include "description/paper.h"
+#include "description/string_ids.h"
 #include "description/xpi_text.h"
 #include "settings/driver_devmode.h"
 
@@ -153,8 +154,8 @@ DWORD ListPaperNames(CapabilityCall& ask)
         if (ask.pOut) {
             OwnedModule hLanguageDll = OpenLanguageDll(ask.call, nullptr);
             WCHAR wcName[NAME_CHARS] = {};
-            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? 121 : 129, wcName,
-                              NAME_CHARS);
+            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? IDS_LETTER : IDS_A4,
+                              wcName, NAME_CHARS);
             PutRow(ask, 0, wcName, sizeof wcName);
         }
         return 1;
