@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "bench/watch.h"
+#include "description/control_ids.h"
 #include "platform/hosted/machine.h"
 #include "preview/preview_geometry.h"
 #include "preview/preview_tools.h"
@@ -29,7 +30,7 @@ struct Sheet {
         request.lPageLength = 29700;
         request.sOrientation = 1;
         request.sLayout = sLayout;
-        request.sPreviewControl = 1651;
+        request.sPreviewControl = IDC_PREVIEW;
         request.bDeviceExtent = request.bColor = request.bBorders = 1;
         ResetWatermarkEntry(&watermark);
         watermark.WMType = ulType;

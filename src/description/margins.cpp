@@ -1,11 +1,11 @@
-/* Printable margins of a paper code. */
+#include "description/margins.h"
+
 #include "base/arithmetic.h"
 #include "description/paper.h"
 
 namespace {
 
 constexpr int PAPER_BITS = 256;
-constexpr i32 CUSTOM_FROM = 256; /* codes from here up are found by their size */
 
 struct PaperSides {
     i16 sWidth, sLength; /* tenths of a millimetre */
@@ -22,7 +22,7 @@ const MarginRow* FindMarginRow(const XpiModel* pModel, i32 lCode, PaperSides sid
         if (!(pRow->usModes & usOrientation)) {
             continue;
         }
-        if (lCode < CUSTOM_FROM) {
+        if (lCode < USER_SIZED_PAPER) {
             if (IsBitSet(pRow->bPapers, PAPER_BITS, lCode)) {
                 return pRow;
             }
@@ -58,7 +58,7 @@ Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode
         lCode = GetDefaultPaper();
     }
     PaperSides sides = {};
-    if (lCode >= CUSTOM_FROM) {
+    if (lCode >= USER_SIZED_PAPER) {
         GetPaperSize(call, pModel, LowWord(lCode), &sides.sWidth, &sides.sLength);
     }
     return MarginsOfRow(FindMarginRow(pModel, lCode, sides, usOrientation), sCode, lDpi);

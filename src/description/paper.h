@@ -16,6 +16,7 @@
 constexpr i32 FIRST_UNKNOWN_CODE = 119; /* up to LAST_UNKNOWN_CODE the default paper stands in */
 constexpr i32 LAST_UNKNOWN_CODE = 447;
 constexpr i32 FIRST_SAVED_CODE = 448;
+constexpr i32 USER_SIZED_PAPER = 256; /* from here on sizes decide, not codes: margins, conflicts, forms */
 
 /* The saved papers: from the user's settings file when that file exists, else from the driver's .INI file.
    outRows   O   new array of result + 1 rows, the caller's (the spare row filled when pModel is given); null
@@ -49,21 +50,5 @@ struct PaperExtents {
     i32 lMinWidth, lMinLength, lMaxWidth, lMaxLength;
 };
 PaperExtents GetPaperExtents(const XpiModel* pModel);
-
-/* Printable margins. Paper code 0 or below asks for the margins of the rotated paper; codes 119 to 447 stand
-   for the default paper.
-   usOrientation   1 portrait, 2 landscape, a mask against the rows' modes
-   lDpi            dots per inch of the result; with 25400 thousandths of a millimetre, the unit of forms
-   Without a model, a table or a usable resolution in the row both are lDpi / 4. Results are brought to 16
-   bits. */
-struct Margins {
-    i32 lX, lY;
-};
-Margins GetPrintableMargins(PrinterCall& call, const XpiModel* pModel, i16 sCode, u16 usOrientation,
-                            i32 lDpi);
-
-/* The same for a saved paper whose row is at hand: the lists are not asked for its code. */
-Margins GetSavedPaperMargins(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRow, i16 sCode,
-                             u16 usOrientation, i32 lDpi);
 
 #endif

@@ -10,12 +10,11 @@
 #include "entry/fast_drivers.h"
 #include "entry/spool_folder.h"
 #include "platform/process.h"
+#include "settings/driver_devmode.h"
 
 namespace {
 
 constexpr DWORD FIELDS_ALWAYS = 0x0000E70F;
-constexpr DWORD FIELDS_DUPLEX = 0x00001000; /* DM_DUPLEX */
-constexpr DWORD FIELDS_COLOR = 0x03800800;  /* DM_COLOR, DM_ICMMETHOD, DM_ICMINTENT, DM_MEDIATYPE */
 
 /* Questions whose answer is the same for every printer. */
 struct ConstantAnswer {
@@ -71,7 +70,7 @@ DWORD AnswerFields(CapabilityCall& ask)
     if (InstalledOptions(ask) & OPTION_DUPLEX) {
         dwFields |= FIELDS_DUPLEX;
     }
-    return IsColorTold(CapabilityModel(ask)) ? dwFields | FIELDS_COLOR : dwFields;
+    return IsColorTold(CapabilityModel(ask)) ? dwFields | FIELDS_ALL_COLOR : dwFields;
 }
 
 /* Width in the low word, length in the high word. */

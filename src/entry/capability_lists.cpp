@@ -7,13 +7,13 @@
 #include "description/installed_set.h"
 #include "description/language_dll.h"
 #include "description/paper.h"
+#include "description/string_ids.h"
 #include "description/xpi_text.h"
 #include "settings/driver_devmode.h"
 
 namespace {
 
 /* Media are listed behind the bins, so that one can be picked as a source. */
-constexpr u16 FIRST_MEDIA_BIN = 2000;
 
 /* The saved papers and forms that follow the model's papers: none unless both custom maxima are set. */
 struct AddedPapers {
@@ -154,8 +154,8 @@ DWORD ListPaperNames(CapabilityCall& ask)
         if (ask.pOut) {
             OwnedModule hLanguageDll = OpenLanguageDll(ask.call, nullptr);
             WCHAR wcName[NAME_CHARS] = {};
-            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? 121 : 129, wcName,
-                              NAME_CHARS);
+            ReadLibraryString(hLanguageDll.get(), GetDefaultPaper() == PAPER_LETTER ? IDS_LETTER : IDS_A4,
+                              wcName, NAME_CHARS);
             PutRow(ask, 0, wcName, sizeof wcName);
         }
         return 1;
@@ -203,7 +203,7 @@ DWORD ListBins(CapabilityCall& ask)
         }
     }
     for (i32 nMedia = CountMediaBins(pModel), i = 0; i < nMedia; i++) {
-        u16 usBin = static_cast<u16>(FIRST_MEDIA_BIN + i);
+        u16 usBin = static_cast<u16>(FIRST_MEDIA_SOURCE + i);
         PutRow(ask, nRow++, &usBin, sizeof usBin);
     }
     return nRow;

@@ -29,7 +29,7 @@ void PutRow(CapabilityCall& ask, DWORD nRow, const void* pRow, size_t cb);
 DWORD ListPaperCodes(CapabilityCall& ask); /* WORD */
 DWORD ListPaperSizes(CapabilityCall& ask); /* POINT, tenths of a millimetre */
 DWORD ListPaperNames(CapabilityCall& ask);
-DWORD ListBins(CapabilityCall& ask); /* WORD: installed bins, then 2000 and up for the media */
+DWORD ListBins(CapabilityCall& ask); /* WORD: installed bins, then FIRST_MEDIA_SOURCE and up for the media */
 DWORD ListBinNames(CapabilityCall& ask);
 DWORD ListResolutions(CapabilityCall& ask); /* two LONG */
 DWORD ListMediaNames(CapabilityCall& ask);

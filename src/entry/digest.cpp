@@ -5,6 +5,7 @@
 
 #include "base/arithmetic.h"
 #include "description/installed_set.h"
+#include "description/paper.h"
 #include "description/printer_store.h"
 #include "entry/font_subs.h"
 
@@ -12,7 +13,6 @@ namespace {
 
 constexpr int PAPER_NAME_BYTES = 14; /* of a paper's name, without its NUL */
 constexpr int MEDIA_NAME_BYTES = 31;
-constexpr i16 LAST_STANDARD_CODE = 256;
 
 /* A value while it is put together: first counted without a block, then filled. */
 struct ValueBytes {
@@ -84,7 +84,7 @@ template <class PutPaper> void EachPaper(const XpiModel* pModel, PutPaper putPap
 void PutPaperSizes(ValueBytes* pValue, const XpiModel* pModel)
 {
     EachPaper(pModel, [pValue](const PaperRow& row) {
-        if (row.sPaperCode > LAST_STANDARD_CODE) {
+        if (row.sPaperCode > USER_SIZED_PAPER) {
             PutWord(pValue, row.sPaperCode);
             PutWord(pValue, row.sWidth);
             PutWord(pValue, row.sLength);

@@ -4,21 +4,11 @@
 #include "platform/process.h"
 #include "platform/stack_guard.h"
 
-namespace {
-HINSTANCE hOwnModule;
-}
-
-HINSTANCE GetOwnModule()
-{
-    return hOwnModule;
-}
-
-extern "C" UNGUARDED BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pProcessEnds)
+extern "C" UNGUARDED BOOL WINAPI DllMain(HINSTANCE, DWORD dwReason, LPVOID pProcessEnds)
 {
     switch (dwReason) {
     case DLL_PROCESS_ATTACH:
         SetStackGuard();
-        hOwnModule = hModule;
         OpenThreadStores();
         return 1;
     case DLL_PROCESS_DETACH:

@@ -88,7 +88,4 @@ DWORD WINAPI GuiStartSheet(DriverDevmode* pRecord, GuiSheetRecord* pSheet);
 BOOL WINAPI DllMain(HINSTANCE hModule, DWORD dwReason, LPVOID pReserved);
 }
 
-/* The library's own module, as its entry point was told. */
-HINSTANCE GetOwnModule();
-
 #endif

@@ -3,12 +3,12 @@
 
 #include "base/arithmetic.h"
 #include "description/language_dll.h"
+#include "description/paper.h"
 #include "description/xpi_text.h"
 #include "platform/process.h"
 
 namespace {
 
-constexpr i16 FIRST_FORM_CODE = 256;
 constexpr u32 SUBLANGUAGE_BITS = 0xFC00;
 
 /* Rows of the paper table that get a form, up to the end of the table. */
@@ -51,7 +51,7 @@ void AddModelForms(PrinterCall& call, const XpiModel* pModel)
     i32 nForms = 0;
     for (i32 i = 0; pIds && i < nPapers; i++) {
         const PaperRow* pRow = Row(pModel, pModel->pPaperTable, i);
-        if (pRow->sPaperCode >= FIRST_FORM_CODE) {
+        if (pRow->sPaperCode >= USER_SIZED_PAPER) {
             pIds.get()[nForms++] = pRow->sNameId;
         }
     }
@@ -71,7 +71,7 @@ void AddModelForms(PrinterCall& call, const XpiModel* pModel)
     for (i32 i = 0; i < nPapers; i++) {
         const PaperRow* pRow = Row(pModel, pModel->pPaperTable, i);
         i16 sCode = pRow->sPaperCode;
-        if (sCode >= FIRST_FORM_CODE) {
+        if (sCode >= USER_SIZED_PAPER) {
             Margins upright = GetPrintableMargins(call, pModel, sCode, 1, FORM_UNITS_PER_INCH);
             Margins rotated = GetPrintableMargins(call, pModel, LowWord(-sCode), 1, FORM_UNITS_PER_INCH);
             ReplacePrinterForm(call, wcName, pRow->sWidth * i64{100}, pRow->sLength * i64{100}, upright,

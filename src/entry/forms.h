@@ -2,7 +2,7 @@
 #ifndef TQUI_ENTRY_FORMS_H
 #define TQUI_ENTRY_FORMS_H
 
-#include "description/paper.h"
+#include "description/margins.h"
 
 constexpr i32 FORM_UNITS_PER_INCH = 25400;
 

@@ -10,6 +10,7 @@
 #include "base/format.h"
 #include "description/language_dll.h"
 #include "description/printer_store.h"
+#include "description/string_ids.h"
 #include "description/xpi_text.h"
 #include "platform/text.h"
 #include "settingsfile/settings_writer.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr i32 STRING_EXTENSION = 2420;
 constexpr int NAME_TRIES = 16;
 
 int IsThere(const WCHAR* tcPath)
@@ -37,7 +37,7 @@ int NameSettingsFile(PrinterCall& call, const WCHAR* tcFolder, WCHAR* tcOut)
 {
     WCHAR wcName[PATH_CHARS], wcExtension[TEXT_CHARS];
     OwnedModule hLanguage = OpenLanguageDll(call, nullptr);
-    ReadLibraryString(hLanguage.get(), STRING_EXTENSION, wcExtension, TEXT_CHARS);
+    ReadLibraryString(hLanguage.get(), IDS_SETTINGS_EXTENSION, wcExtension, TEXT_CHARS);
     if (wcExtension[0] && !IsPlainName(wcExtension)) {
         wcExtension[0] = 0;
     }

@@ -4,16 +4,15 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "description/control_ids.h"
 #include "description/paper.h"
+#include "description/string_ids.h"
 #include "description/xpi_text.h"
 #include "sheet/measure.h"
 #include "watermark/watermark_store.h"
 
 namespace {
 
-constexpr u32 MODE_IN_COLOR = 42; /* ulColorMode */
-constexpr u16 COLOR_ON = 2;       /* dmColor */
-constexpr i16 CONTROL_PREVIEW = 1651;
 constexpr i32 LARGEST_ZOOM = 10000;
 
 struct ScaleRow {
@@ -128,14 +127,14 @@ PreviewChoice ChoiceFromRecord(const DriverDevmode& record, const PreviewLists& 
     choice.sPageOrder = static_cast<i16>(part.sPageOrder);
     choice.lWatermark = MatchWatermark(lists.pWatermarks, lists.nWatermarks, &part);
     choice.bWMOnePage = part.sWMOnePage != 0;
-    choice.bColor = IsPreviewColor(record, record.dmColor == COLOR_ON);
+    choice.bColor = IsPreviewColor(record, record.dmColor == COLOR_FULL);
     choice.usResolution = static_cast<u16>(part.ulResolution & 0xFFFF);
     return choice;
 }
 
 int IsPreviewColor(const DriverDevmode& record, int bChosen)
 {
-    return record.rPrivate.ulColorMode == MODE_IN_COLOR || bChosen;
+    return record.rPrivate.ulColorMode == MODE_ALWAYS_COLOR || bChosen;
 }
 
 u16 ResolutionOfRow(const XpiModel* pModel, i32 nRow)
@@ -199,21 +198,22 @@ int ListStatusLines(const PreviewChoice& choice, const XpiModel* pModel, StatusL
         int bShown;
         StatusLine line;
     } const aAll[] = {
-        {choice.bBooklet, {2611, 0}},
-        {pModel->usColorClass == CLASS_COLOR && !choice.bColor, {2613, 0}},
+        {choice.bBooklet, {IDS_STATUS_BOOKLET, 0}},
+        {pModel->usColorClass == CLASS_COLOR && !choice.bColor, {IDS_STATUS_MONOCHROME, 0}},
         {choice.lCopies >= 2,
-         {static_cast<u16>(choice.bCollate || choice.sLayout == LAYOUT_BOOKLET ? 2602 : 2601),
+         {static_cast<u16>(choice.bCollate || choice.sLayout == LAYOUT_BOOKLET ? IDS_STATUS_COLLATED
+                                                                               : IDS_STATUS_COPIES),
           choice.lCopies}},
-        {choice.bReverse, {2603, 0}},
-        {choice.usFrontCover == 1, {2604, 0}},
-        {choice.usFrontCover == 2, {2605, 0}},
-        {choice.usBackCover == 1, {2606, 0}},
-        {choice.usBackCover == 2, {2614, 0}},
-        {choice.usSeparators == 1, {2607, 0}},
-        {choice.usSeparators == 2, {2608, 0}},
-        {!choice.bBooklet && choice.usDuplex == 2, {2609, 0}},
-        {!choice.bBooklet && choice.usDuplex == 3, {2610, 0}},
-        {choice.bScaled, {2612, 0}},
+        {choice.bReverse, {IDS_STATUS_REVERSE, 0}},
+        {choice.usFrontCover == 1, {IDS_STATUS_FRONT_COVER, 0}},
+        {choice.usFrontCover == 2, {IDS_STATUS_FRONT_COVER_EMPTY, 0}},
+        {choice.usBackCover == 1, {IDS_STATUS_BACK_COVER, 0}},
+        {choice.usBackCover == 2, {IDS_STATUS_BACK_COVER_EMPTY, 0}},
+        {choice.usSeparators == 1, {IDS_STATUS_SEPARATORS, 0}},
+        {choice.usSeparators == 2, {IDS_STATUS_SEPARATORS_PRINTED, 0}},
+        {!choice.bBooklet && choice.usDuplex == 2, {IDS_STATUS_LONG_EDGE, 0}},
+        {!choice.bBooklet && choice.usDuplex == 3, {IDS_STATUS_SHORT_EDGE, 0}},
+        {choice.bScaled, {IDS_STATUS_SCALED, 0}},
     };
     int nLines = 0;
     for (const auto& row : aAll) {
@@ -246,7 +246,7 @@ void RequestFromChoice(const PreviewChoice& choice, const PreviewSizes& sizes, c
     pRequest->sPageOrder = choice.sPageOrder;
     pRequest->sPosterSize = choice.sPosterSize;
     pRequest->bBorders = choice.bBorders;
-    pRequest->sPreviewControl = CONTROL_PREVIEW;
+    pRequest->sPreviewControl = IDC_PREVIEW;
     pRequest->bDeviceExtent = 1;
     pRequest->bEnvelope = sizes.bEnvelope;
     pRequest->bColor = choice.bColor;

@@ -4,6 +4,7 @@
 #define TQUI_PREVIEW_PREVIEW_CHOICE_H
 
 #include "description/paper_row.h"
+#include "description/string_ids.h"
 #include "description/xpi_file.h"
 #include "preview/preview_request.h"
 #include "settings/driver_devmode.h"
@@ -70,7 +71,7 @@ PreviewSizes FindPreviewSizes(const PreviewLists& lists, const PreviewChoice& ch
 /* The language library's name of the unit of a size line. */
 constexpr u16 UnitString(int bMetric)
 {
-    return bMetric ? 2456 : 2455;
+    return bMetric ? IDS_UNIT_MM : IDS_UNIT_INCH;
 }
 
 /* The size line, such as "8.5 x 11 in", into TEXT_CHARS of room; zeros at a fraction's end are left out.

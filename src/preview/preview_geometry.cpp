@@ -4,6 +4,8 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "settings/driver_devmode.h"
+#include "sheet/measure.h"
 
 namespace {
 
@@ -11,8 +13,7 @@ constexpr i64 FARTHEST = 0x7FFF;     /* pixels, as far as device contexts of all
 constexpr i32 LONGEST_SIDE = 35560;  /* measure: the longest side that a picture knows, 14 inches */
 constexpr i32 LONGEST_EXTENT = 3556; /* the same in tenths of a millimetre */
 constexpr i32 SMALLEST_ZOOM = 1, LARGEST_ZOOM = 10000;
-constexpr i32 HUNDREDTHS_PER_INCH = 2540, POINTS_PER_INCH = 72;
-constexpr i16 LAYOUT_BOOK = 99;
+constexpr i32 POINTS_PER_INCH = 72;
 constexpr int FIRST_INDEX_OF_TWO = 0, INDEX_OF_BOOK = 11;
 
 struct GridRow {
@@ -60,7 +61,7 @@ int KeepsShape(i16 sLayout)
 
 int TurnsShape(i16 sLayout)
 {
-    return sLayout == 2 || sLayout == 6 || sLayout == 8 || sLayout == 12 || sLayout == LAYOUT_BOOK;
+    return sLayout == 2 || sLayout == 6 || sLayout == 8 || sLayout == 12 || sLayout == LAYOUT_BOOKLET;
 }
 
 /* 1 when the sheet stands upright. A landscape that an open page tells (0) and one from a record (2) are not alike on
@@ -73,7 +74,7 @@ int StandsUpright(int bWide, u16 sOrientation, i16 sLayout)
     switch (sOrientation) {
     case 1: return KeepsShape(sLayout);
     case 2: return TurnsShape(sLayout);
-    default: return sLayout == LAYOUT_BOOK;
+    default: return sLayout == LAYOUT_BOOKLET;
     }
 }
 

@@ -17,7 +17,7 @@ struct PreviewRequest {
     i32 bBorders;               /* borders around the pages of a sheet */
     WatermarkEntry* pWatermark; /* a copy that the composition scales in place, or null; the caller's */
     i32 bWMOnePage;             /* the watermark is on the first page only */
-    i16 sPreviewControl;        /* control of the frame: 1651 on the pages, 1684 in the editors */
+    i16 sPreviewControl;        /* control of the frame: IDC_PREVIEW, in the editors IDC_MARK_PREVIEW */
     i32 bCenterInFrame;         /* a flat sheet stands in the frame's middle, not on its bottom edge */
     i32 bDeviceExtent;          /* the sheet shrinks in proportion to the device's largest paper */
     i32 bEnvelope;

@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "preview/preview_tools.h"
 #include "preview/short_path.h"
+#include "sheet/measure.h"
 
 namespace {
 
@@ -19,7 +20,6 @@ constexpr u16 LAST_PLACEMENT = 9;
 constexpr i64 LARGEST_SIDE =
     0x7FFFFFFF;                   /* of an image on screen; beyond it no pixel of a cell would differ */
 constexpr i64 MOST_TILES = 20000; /* in a cell */
-constexpr i64 MEASURES_AN_INCH = 2540;
 
 int ReadWhole(HANDLE hFile, void* pOut, u32 cb)
 {
@@ -281,8 +281,8 @@ int PlaceWatermarkImage(const PreviewRequest& request, const RECT& rCell, i32 cx
     if (lDivisor < 1 || lCell < 1) {
         return 0;
     }
-    i64 W = SideOnScreen(lCell * cxImage * MEASURES_AN_INCH / lDivisor, entry.WMScaleX);
-    i64 H = SideOnScreen(lCell * cyImage * MEASURES_AN_INCH / lDivisor, entry.WMScaleY);
+    i64 W = SideOnScreen(lCell * cxImage * HUNDREDTHS_PER_INCH / lDivisor, entry.WMScaleX);
+    i64 H = SideOnScreen(lCell * cyImage * HUNDREDTHS_PER_INCH / lDivisor, entry.WMScaleY);
     i64 lMiddle = rCell.left + (lCell - W) / 2, lRight = rCell.right - W;
     i64 lCentre = rCell.top + (rCell.bottom - rCell.top - H) / 2, lBottom = rCell.bottom - H;
     const struct {

@@ -6,6 +6,7 @@
 #define TQUI_SETTINGS_CHECK_CORE_H
 
 #include "base/wide.h"
+#include "description/paper.h"
 #include "settings/checks.h"
 
 enum RuleGroup : int {
@@ -98,7 +99,7 @@ inline int HasBody(const XpiModel* pModel)
 /* 1 for a code that a paper field may hold, and for a size within the limits. */
 constexpr int IsPaperCode(i16 sCode)
 {
-    return (sCode >= 1 && sCode <= 118) || sCode >= 256;
+    return (sCode >= 1 && sCode < FIRST_UNKNOWN_CODE) || sCode >= USER_SIZED_PAPER;
 }
 
 constexpr int SizeFits(const CustomLimits& limits, i16 sWidth, i16 sLength)

@@ -1,8 +1,8 @@
-/* Colour choices: what a colour mode presets, and the printer commands that the choices come to. */
+#include "settings/color_choices.h"
+
 #include <cstring>
 
 #include "settings/counted_row.h"
-#include "settings/defaults.h"
 
 namespace {
 

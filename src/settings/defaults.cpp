@@ -9,15 +9,13 @@
 #include "description/paper.h"
 #include "description/xpi_text.h"
 #include "settings/checks.h"
+#include "settings/color_choices.h"
 #include "settings/counted_row.h"
 #include "settingsfile/settings_reader.h"
 
 namespace {
 
 /* Bits of dmFields that not every printer has. */
-constexpr u32 FIELDS_DUPLEX = 0x00001000;
-constexpr u32 FIELDS_COLOR = 0x00000800;
-constexpr u32 FIELDS_MATCHING = 0x03800000; /* method, intent and media type */
 
 constexpr u32 STD_DISPLAY = 0x04;      /* of the model's ulStdOptions: the job head says DISPLAY */
 constexpr u32 FEATURE_BARE_JOB = 0x40; /* of its ulLanguageFeatures: PostScript without a wrapper */

@@ -30,11 +30,4 @@ DefaultSource FindPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord,
 /* The same as 1 for DEFAULT_STORED, else 0. */
 int GetPrinterDefaults(PrinterCall& call, DriverDevmode* pRecord);
 
-/* Copies the option values that the chosen colour mode sets into the four choice arrays. Nothing without the
-   tables, or for a mode that sets none. */
-void ApplyColorPreset(PrivateDevmode* pPrivate, const XpiModel* pModel);
-
-/* Works out the colour command fields from the four choice arrays; clears nothing first. */
-void BuildColorCommands(PrivateDevmode* pPrivate, const XpiModel* pModel);
-
 #endif

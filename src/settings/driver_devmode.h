@@ -31,6 +31,7 @@ constexpr i16 EXCEPTION_OFFSET = 940;
 constexpr u32 OEM_OFFSET = 1744;
 constexpr u32 OEM_SIZE = 304;
 constexpr u16 BIN_AUTO = 1025;
+constexpr i16 FIRST_MEDIA_SOURCE = 2000; /* a source from here on is a row of the media table */
 constexpr u16 PAPER_OF_JOB = 0xFFFF;
 
 /* ulWMType: bit 0 a text, bit 1 a file, bit 5 a bitmap. */
@@ -47,6 +48,15 @@ enum : u16 {
     SCALE_TARGET_CENTRED = 68,
     SCALE_KEPT = 1024 /* accepted; nothing here writes it */
 };
+
+constexpr u16 COLOR_MONOCHROME = 1, COLOR_FULL = 2; /* dmColor */
+constexpr u32 MODE_ALWAYS_COLOR = 42;               /* ulColorMode: in colour whatever dmColor says */
+
+/* dmFields, by the system's bits; matching: method, intent and media type */
+constexpr u32 FIELDS_ORIENTATION = 0x0001, FIELDS_PAPERSIZE = 0x0002, FIELDS_COPIES = 0x0100,
+              FIELDS_DEFAULTSOURCE = 0x0200, FIELDS_COLOR = 0x0800, FIELDS_DUPLEX = 0x1000,
+              FIELDS_COLLATE = 0x8000, FIELDS_MEDIATYPE = 0x02000000, FIELDS_MATCHING = 0x03800000,
+              FIELDS_ALL_COLOR = FIELDS_COLOR | FIELDS_MATCHING;
 
 /* sLayoutType */
 enum : u16 { LAYOUT_N_UP = 0, LAYOUT_POSTER = 1, LAYOUT_BOOKLET = 99 };
@@ -296,7 +306,7 @@ struct DriverDevmode {
     i16 dmPaperWidth;       /* tenths of a millimetre */
     u16 dmScale;            /* must stay 100; scaling lives in sScale */
     i16 dmCopies;           /* at least 1 */
-    /* input bin id; 1025 automatic selection; 2000 + n selects media row n as a source */
+    /* input bin id; BIN_AUTO; FIRST_MEDIA_SOURCE + n is media row n */
     i16 dmDefaultSource;
     u16 dmPrintQuality;     /* horizontal dots per inch of the chosen resolution row */
     u16 dmColor;            /* 0 when the model has no colour, 1 monochrome, 2 colour */

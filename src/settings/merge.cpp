@@ -21,13 +21,7 @@ namespace {
 constexpr u32 MODE_UPDATE = 1, MODE_COPY = 2, MODE_MODIFY = 8; /* fMode */
 
 constexpr u32 FIELDS_FOREIGN = 0x830F; /* orientation, paper and its two sides, copies, source, collation */
-constexpr u32 FIELDS_COLOR = 0x0800, FIELDS_DUPLEX = 0x1000, FIELDS_MEDIATYPE = 0x02000000;
-constexpr u32 FIELDS_ALL_COLOR = 0x03800800; /* colour, matching method and intent, media type */
 
-constexpr i16 PAPER_OWN_SIZE = 256;
-constexpr i16 FIRST_MEDIA_SOURCE = 2000;
-constexpr u16 COLOR_MONOCHROME = 1, COLOR_FULL = 2; /* dmColor */
-constexpr u32 MODE_TOLD_COLOR = 42;                 /* ulColorMode: always in colour */
 constexpr u32 METHOD_NONE = 1;
 constexpr u32 FEATURE_OVERLAYS = 0x01; /* ulLanguageFeatures of an image model */
 
@@ -68,10 +62,10 @@ void TakeForeignFields(PrinterCall& call, const XpiModel* pModel, const DriverDe
 void FitPaper(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
 {
     PrivateDevmode& part = pRecord->rPrivate;
-    if (pRecord->dmPaperSize >= FIRST_UNKNOWN_CODE && pRecord->dmPaperSize < PAPER_OWN_SIZE) {
+    if (pRecord->dmPaperSize >= FIRST_UNKNOWN_CODE && pRecord->dmPaperSize < USER_SIZED_PAPER) {
         pRecord->dmPaperSize = GetDefaultPaper();
     }
-    if (pRecord->dmPaperSize != PAPER_OWN_SIZE) {
+    if (pRecord->dmPaperSize != USER_SIZED_PAPER) {
         StorePaperSize(call, pModel, pRecord);
         i16 sCompanion = GetCompanionPaper(pModel, pRecord->dmPaperSize);
         if (sCompanion > 0 && part.sScale != SCALE_FIT_CENTRED && part.sScale != SCALE_FIT) {
@@ -88,7 +82,7 @@ void FitPaper(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
     }
 }
 
-/* A source from 2000 up names a row of the media table. */
+/* A source from FIRST_MEDIA_SOURCE up names a row of the media table. */
 void FitMediaSource(const XpiModel* pModel, DriverDevmode* pRecord)
 {
     i16 sRow = static_cast<i16>(pRecord->dmDefaultSource - FIRST_MEDIA_SOURCE);
@@ -152,7 +146,7 @@ void FitColor(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
         return;
     }
     pRecord->dmFields |= FIELDS_COLOR | FIELDS_MEDIATYPE;
-    if (pRecord->dmColor != COLOR_MONOCHROME || part.ulColorMode == MODE_TOLD_COLOR) {
+    if (pRecord->dmColor != COLOR_MONOCHROME || part.ulColorMode == MODE_ALWAYS_COLOR) {
         pRecord->dmColor = COLOR_FULL;
     }
     if (part.ulWMType) {

@@ -20,11 +20,6 @@ int RuleIsOn(int nRule)
 namespace {
 
 constexpr i16 BIN_USER_SIZED = 1028; /* feeds paper of any size; no bin row needs to have it */
-constexpr i16 FIRST_MEDIA_SOURCE = 2000;
-
-constexpr u32 FIELDS_ORIENTATION = 0x0001, FIELDS_PAPERSIZE = 0x0002, FIELDS_COPIES = 0x0100,
-              FIELDS_DEFAULTSOURCE = 0x0200, FIELDS_COLOR = 0x0800, FIELDS_DUPLEX = 0x1000,
-              FIELDS_COLLATE = 0x8000;
 
 /* Bit nBit of dmFields as 0 or 1. */
 u32 FieldsBit(const DriverDevmode* pRecord, int nBit)

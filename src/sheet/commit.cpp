@@ -1,7 +1,7 @@
-/* The commit: pages write the record one by one, the last one with edits hands it to the host. */
+#include "sheet/commit.h"
+
 #include "description/printer_store.h"
 #include "sheet/notices.h"
-#include "sheet/page.h"
 
 namespace {
 

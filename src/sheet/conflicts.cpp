@@ -1,5 +1,7 @@
 #include "sheet/conflicts.h"
 
+#include <cstring>
+
 #include "base/arithmetic.h"
 #include "base/wide.h"
 #include "description/paper.h"
@@ -8,14 +10,9 @@
 
 namespace {
 
-constexpr u16 PAPER_OF_JOB = 0xFFFF;
-constexpr i32 USER_SIZED = 256;
-constexpr i32 FIRST_SIZED_CODE =
-    256; /* from here on a rule's size range counts, and bit 0 stands for the code */
-constexpr i32 FIRST_MEDIA_SOURCE = 2000;
 constexpr i32 BIN_LIMIT = 32;
 constexpr i32 FEATURE_LIMIT = 32;
-constexpr u32 OPTION_DUPLEX = 1;
+constexpr u16 DUPLEX_NONE = 1; /* of dmDuplex; 2 and 3 print both sides */
 
 /* What a kind of sheet is printed on. */
 struct Sheet {
@@ -26,71 +23,82 @@ struct Sheet {
     u16 usDuplex;
 };
 
-/* Chooses a sheet's own paper, or that of the job. */
-void ChoosePaper(Sheet* pSheet, u16 usPaper, i16 sWidth, i16 sLength, const DriverDevmode* pRecord)
+/* Where the record keeps what belongs to a kind of sheet, as offsets into the private part, since a pointer to a member
+   of a packed structure would be read as if it were aligned. */
+struct SheetFields {
+    u16 usSwitch;          /* u16: not 0 when the job prints such sheets */
+    u16 usPaper;           /* u16 */
+    u16 usWidth, usLength; /* i16, the size of a user-sized paper */
+    u16 usBin, usMedia;    /* i16 */
+    u16 usDuplex;          /* u16: not 0 when the sheets are printed as the job is; NO_FIELD: always */
+};
+constexpr u16 NO_FIELD = 0xFFFF;
+#define AT(field) static_cast<u16>(offsetof(PrivateDevmode, field))
+constexpr SheetFields aSheetFields[SHEET_KINDS] = {
+    {}, /* the body is the job itself, in the public part */
+    {AT(sFrontCover), AT(sFrontPaperSize), AT(sFrontWidth), AT(sFrontLength), AT(sFrontBin),
+     AT(sFrontMediaIndex), AT(sFrontDuplex)},
+    {AT(sBackCover), AT(sBackPaperSize), AT(sBackWidth), AT(sBackLength), AT(sBackBin), AT(sBackMediaIndex),
+     AT(sBackDuplex)},
+    {AT(sSeparators), AT(sSeparatorPaper), AT(sSeparatorWidth), AT(sSeparatorLength), AT(sSeparatorBin),
+     AT(sSeparatorMediaIndex), NO_FIELD},
+    {AT(sInsertPages), AT(sInsertPaper), AT(sInsertWidth), AT(sInsertLength), AT(sInsertPageBin),
+     AT(sInsertPageMediaIndex), NO_FIELD},
+};
+#undef AT
+
+u16 FieldAt(const PrivateDevmode& part, u16 usAt)
 {
-    if (usPaper == PAPER_OF_JOB) {
-        pSheet->lPaper = pRecord->dmPaperSize;
-        pSheet->sWidth = pRecord->dmPaperWidth;
-        pSheet->sLength = pRecord->dmPaperLength;
-    } else {
-        pSheet->lPaper = static_cast<i16>(usPaper);
-        pSheet->sWidth = sWidth;
-        pSheet->sLength = sLength;
+    u16 usValue;
+    std::memcpy(&usValue, reinterpret_cast<const u8*>(&part) + usAt, sizeof usValue);
+    return usValue;
+}
+
+/* The duplex of a kind of sheet: that of the job, or none. Inserts follow the job only where they are printed on. */
+u16 DuplexOfSheet(const DriverDevmode* pRecord, SheetKind kind)
+{
+    const PrivateDevmode& part = pRecord->rPrivate;
+    u16 usJob = pRecord->dmDuplex, usField = aSheetFields[kind].usDuplex;
+    if (kind == SHEET_INSERT) {
+        u16 usInsert = part.sInsertPages;
+        return (usInsert == 3 || usInsert == 5) && (usJob == 2 || usJob == 3) ? usJob : DUPLEX_NONE;
     }
+    return usField == NO_FIELD || FieldAt(part, usField) ? usJob : DUPLEX_NONE;
+}
+
+Sheet SheetOfJob(const DriverDevmode* pRecord)
+{
+    return {pRecord->dmPaperSize,
+            pRecord->dmPaperWidth,
+            pRecord->dmPaperLength,
+            static_cast<u16>(pRecord->dmDefaultSource),
+            pRecord->rPrivate.sMediaTypeIndex,
+            pRecord->dmDuplex};
 }
 
 /* 1 when the job prints sheets of this kind. */
 int DescribeSheet(const DriverDevmode* pRecord, SheetKind kind, Sheet* pSheet)
 {
     const PrivateDevmode& part = pRecord->rPrivate;
-    u16 usDuplex = pRecord->dmDuplex;
-    u16 usInsert = part.sInsertPages;
     int bOn = 1;
-    switch (kind) {
-    case SHEET_FRONT_COVER:
-        bOn = part.sFrontCover != 0;
-        *pSheet = {0,
-                   0,
-                   0,
-                   static_cast<u16>(part.sFrontBin),
-                   part.sFrontMediaIndex,
-                   part.sFrontDuplex ? usDuplex : u16{1}};
-        ChoosePaper(pSheet, part.sFrontPaperSize, part.sFrontWidth, part.sFrontLength, pRecord);
-        break;
-    case SHEET_BACK_COVER:
-        bOn = part.sBackCover != 0;
-        *pSheet = {0,
-                   0,
-                   0,
-                   static_cast<u16>(part.sBackBin),
-                   part.sBackMediaIndex,
-                   part.sBackDuplex ? usDuplex : u16{1}};
-        ChoosePaper(pSheet, part.sBackPaperSize, part.sBackWidth, part.sBackLength, pRecord);
-        break;
-    case SHEET_SEPARATOR:
-        bOn = part.sSeparators != 0;
-        *pSheet = {0, 0, 0, static_cast<u16>(part.sSeparatorBin), part.sSeparatorMediaIndex, usDuplex};
-        ChoosePaper(pSheet, part.sSeparatorPaper, part.sSeparatorWidth, part.sSeparatorLength, pRecord);
-        break;
-    case SHEET_INSERT:
-        bOn = usInsert != 0;
-        *pSheet = {0,
-                   0,
-                   0,
-                   static_cast<u16>(part.sInsertPageBin),
-                   part.sInsertPageMediaIndex,
-                   (usInsert == 3 || usInsert == 5) && (usDuplex == 2 || usDuplex == 3) ? usDuplex : u16{1}};
-        ChoosePaper(pSheet, part.sInsertPaper, part.sInsertWidth, part.sInsertLength, pRecord);
-        break;
-    default:
-        *pSheet = {0, 0, 0, static_cast<u16>(pRecord->dmDefaultSource), part.sMediaTypeIndex, usDuplex};
-        ChoosePaper(pSheet, PAPER_OF_JOB, 0, 0, pRecord);
-        break;
+    *pSheet = SheetOfJob(pRecord);
+    if (kind != SHEET_BODY) {
+        const SheetFields& fields = aSheetFields[kind];
+        u16 usPaper = FieldAt(part, fields.usPaper);
+        bOn = FieldAt(part, fields.usSwitch) != 0;
+        pSheet->usSource = FieldAt(part, fields.usBin);
+        pSheet->sMedia = static_cast<i16>(FieldAt(part, fields.usMedia));
+        pSheet->usDuplex = DuplexOfSheet(pRecord, kind);
+        if (usPaper != PAPER_OF_JOB) {
+            pSheet->lPaper = static_cast<i16>(usPaper);
+            pSheet->sWidth = static_cast<i16>(FieldAt(part, fields.usWidth));
+            pSheet->sLength = static_cast<i16>(FieldAt(part, fields.usLength));
+        }
     }
     /* What leaves the printer is the paper that the page is scaled to. */
     u16 usScale = part.sScale;
-    if (usScale == 1 || usScale == 4 || usScale == 33 || usScale == 68) {
+    if (usScale == SCALE_FIT_CENTRED || usScale == SCALE_TARGET || usScale == SCALE_FIT ||
+        usScale == SCALE_TARGET_CENTRED) {
         pSheet->lPaper = static_cast<i16>(part.sScaleTarget);
         pSheet->sWidth = part.sTargetWidth;
         pSheet->sLength = part.sTargetLength;
@@ -135,7 +143,7 @@ u32 MediaMask(const XpiModel* pModel, i16 sMedia)
 void KnowSize(ConflictTest* pTest)
 {
     Sheet& sheet = pTest->rSheet;
-    if (!pTest->bSized && sheet.lPaper != USER_SIZED) {
+    if (!pTest->bSized && sheet.lPaper != USER_SIZED_PAPER) {
         GetPaperSize(*pTest->pCall, pTest->pModel, static_cast<i16>(sheet.lPaper), &sheet.sWidth,
                      &sheet.sLength);
     }
@@ -155,11 +163,11 @@ int IsAnyPaper(const ConstraintRow* pRule)
 int PaperMatches(ConflictTest* pTest, const ConstraintRow* pRule)
 {
     Sheet& sheet = pTest->rSheet;
-    i32 lBit = sheet.lPaper < FIRST_SIZED_CODE ? sheet.lPaper : 0;
+    i32 lBit = sheet.lPaper < USER_SIZED_PAPER ? sheet.lPaper : 0;
     if (!IsBitSet(pRule->bPapers, sizeof pRule->bPapers * 8, lBit)) {
         return IsAnyPaper(pRule);
     }
-    if (sheet.lPaper < FIRST_SIZED_CODE) {
+    if (sheet.lPaper < USER_SIZED_PAPER) {
         return 1;
     }
     KnowSize(pTest);

@@ -1,24 +1,24 @@
 /* Loads and shows the duplex pictures. */
 #include "sheet/duplex_picture.h"
 
-namespace {
+#include "description/control_ids.h"
 
-enum : int { RADIO_LONG_EDGE = 1206, RADIO_SHORT_EDGE = 1207, CONTROL_DUPLEX_PICTURE = 1653 };
+namespace {
 
 constexpr const WCHAR* awcPictures[DUPLEX_PICTURES] = {TEXT("DUPLONG"), TEXT("DUPSHORT"), TEXT("DUPSIMPLE")};
 
 int CheckedPicture(HWND hPage)
 {
-    return IsDlgButtonChecked(hPage, RADIO_LONG_EDGE)    ? 0
-           : IsDlgButtonChecked(hPage, RADIO_SHORT_EDGE) ? 1
-                                                         : 2;
+    return IsDlgButtonChecked(hPage, IDC_LAYOUT_LONG_EDGE)    ? 0
+           : IsDlgButtonChecked(hPage, IDC_LAYOUT_SHORT_EDGE) ? 1
+                                                              : 2;
 }
 
 } // namespace
 
 void ShowDuplexPicture(HWND hPage, UiSession* pSession)
 {
-    HWND hControl = GetDlgItem(hPage, CONTROL_DUPLEX_PICTURE);
+    HWND hControl = GetDlgItem(hPage, IDC_LAYOUT_DUPLEX_PICTURE);
     if (!hControl || !pSession->hLanguageDll) {
         return;
     }
@@ -39,7 +39,7 @@ void ShowDuplexPicture(HWND hPage, UiSession* pSession)
 void DropDuplexPictures(UiSession* pSession)
 {
     if (HWND hPage = pSession->hPageWnd[SLOT_LAYOUT]) {
-        SendDlgItemMessageW(hPage, CONTROL_DUPLEX_PICTURE, STM_SETIMAGE, IMAGE_BITMAP, 0);
+        SendDlgItemMessageW(hPage, IDC_LAYOUT_DUPLEX_PICTURE, STM_SETIMAGE, IMAGE_BITMAP, 0);
     }
     DeleteDuplexPictures(pSession);
 }

@@ -4,7 +4,7 @@
 
 #include "sheet/session.h"
 
-/* Gives control 1653 the picture of the radio that is checked, from a page's painting on a model that can print on both
+/* Gives the page's control the picture of the radio that is checked, from a page's painting on a model that can print on both
    sides. Each picture is loaded when first shown and kept by the session. Nothing happens on a page without the control,
    or when the picture cannot be had. */
 void ShowDuplexPicture(HWND hPage, UiSession* pSession);

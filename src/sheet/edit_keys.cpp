@@ -1,11 +1,11 @@
-/* Numeric edit controls: measures and whole numbers in them, their spin buttons, and the keys that step them. */
+#include "sheet/edit_keys.h"
+
 #include "base/wide.h"
-#include "sheet/dialog_services.h"
+#include "description/control_ids.h"
 
 namespace {
 
 /* Paging through booklet groups goes by whole sheets of four pages. */
-constexpr int BOOKLET_EDIT = 1513;
 constexpr i32 BOOKLET_STEP = 4;
 
 constexpr i32 FARTHEST_METRIC = 25000, FARTHEST_INCH = 25400; /* from the middle of the page */
@@ -18,19 +18,19 @@ struct SpinRow {
     NumberKind kind; /* of the others the limits are the model's or the unit's */
 };
 constexpr SpinRow aSpins[] = {
-    {1601, 1501, 1, 99, WHOLE_NUMBER},
-    {1603, 1508, 8, 300, WHOLE_NUMBER},
-    {1604, 1509, 0, 359, WHOLE_NUMBER},
-    {1605, 1510, 1, 100, WHOLE_NUMBER},
-    {1606, BOOKLET_EDIT, 0, 32764, WHOLE_NUMBER},
-    {1607, 1515, 25, 400, WHOLE_NUMBER},
-    {1608, 1520, 0, 100, WHOLE_NUMBER},
-    {1612, 1530, -50, 50, WHOLE_NUMBER},
-    {1613, 1531, -50, 50, WHOLE_NUMBER},
-    {1622, 1504, 0, 0, PAPER_WIDTH},
-    {1623, 1505, 0, 0, PAPER_LENGTH},
-    {1624, 1511, 0, 0, POSITION},
-    {1625, 1512, 0, 0, POSITION},
+    {IDC_PAPER_COPIES_SPIN, IDC_PAPER_COPIES, 1, 99, WHOLE_NUMBER},
+    {IDC_TEXT_MARK_SIZE_SPIN, IDC_TEXT_MARK_SIZE, 8, 300, WHOLE_NUMBER},
+    {IDC_TEXT_MARK_ANGLE_SPIN, IDC_TEXT_MARK_ANGLE, 0, 359, WHOLE_NUMBER},
+    {IDC_TEXT_MARK_DARKNESS_SPIN, IDC_TEXT_MARK_DARKNESS, 1, 100, WHOLE_NUMBER},
+    {IDC_LAYOUT_BOOKLET_SPIN, IDC_LAYOUT_BOOKLET, 0, 32764, WHOLE_NUMBER},
+    {IDC_IMAGE_MARK_SCALE_SPIN, IDC_IMAGE_MARK_SCALE, 25, 400, WHOLE_NUMBER},
+    {IDC_WATERMARKS_TRANSPARENCY_SPIN, IDC_WATERMARKS_TRANSPARENCY, 0, 100, WHOLE_NUMBER},
+    {IDC_QUALITY_CONTRAST_SPIN, IDC_QUALITY_CONTRAST, -50, 50, WHOLE_NUMBER},
+    {IDC_QUALITY_BRIGHTNESS_SPIN, IDC_QUALITY_BRIGHTNESS, -50, 50, WHOLE_NUMBER},
+    {IDC_SIZE_WIDTH_SPIN, IDC_SIZE_WIDTH, 0, 0, PAPER_WIDTH},
+    {IDC_SIZE_LENGTH_SPIN, IDC_SIZE_LENGTH, 0, 0, PAPER_LENGTH},
+    {IDC_MARK_X_SPIN, IDC_MARK_X, 0, 0, POSITION},
+    {IDC_MARK_Y_SPIN, IDC_MARK_Y, 0, 0, POSITION},
     {},
 };
 
@@ -40,18 +40,18 @@ struct KeyRow {
     NumberRange range;
 };
 constexpr KeyRow aKeyRanges[] = {
-    {1501, WHOLE_NUMBER, {1, 1, 99}},
-    {1504, PAPER_WIDTH, {}},
-    {1505, PAPER_LENGTH, {}},
-    {1506, WHOLE_NUMBER, {25, 100, 400}},
-    {1508, WHOLE_NUMBER, {8, 72, 300}},
-    {1509, WHOLE_NUMBER, {0, 45, 359}},
-    {1510, WHOLE_NUMBER, {0, 25, 100}},
-    {1511, POSITION, {}},
-    {1512, POSITION, {}},
-    {1515, WHOLE_NUMBER, {25, 100, 400}},
-    {1530, WHOLE_NUMBER, {-50, 0, 50}},
-    {1531, WHOLE_NUMBER, {-50, 0, 50}},
+    {IDC_PAPER_COPIES, WHOLE_NUMBER, {1, 1, 99}},
+    {IDC_SIZE_WIDTH, PAPER_WIDTH, {}},
+    {IDC_SIZE_LENGTH, PAPER_LENGTH, {}},
+    {IDC_PAPER_ZOOM, WHOLE_NUMBER, {25, 100, 400}},
+    {IDC_TEXT_MARK_SIZE, WHOLE_NUMBER, {8, 72, 300}},
+    {IDC_TEXT_MARK_ANGLE, WHOLE_NUMBER, {0, 45, 359}},
+    {IDC_TEXT_MARK_DARKNESS, WHOLE_NUMBER, {0, 25, 100}},
+    {IDC_MARK_X, POSITION, {}},
+    {IDC_MARK_Y, POSITION, {}},
+    {IDC_IMAGE_MARK_SCALE, WHOLE_NUMBER, {25, 100, 400}},
+    {IDC_QUALITY_CONTRAST, WHOLE_NUMBER, {-50, 0, 50}},
+    {IDC_QUALITY_BRIGHTNESS, WHOLE_NUMBER, {-50, 0, 50}},
     {},
 };
 
@@ -162,7 +162,7 @@ void StepMeasureEdit(HWND hDialog, const UiSession* pSession, int nCode, int nCo
 
 void SpinEdit(HWND hDialog, int nCode, int nControl, i32 lMin, i32 lMax)
 {
-    i32 lStep = nControl == BOOKLET_EDIT ? BOOKLET_STEP : 1;
+    i32 lStep = nControl == IDC_LAYOUT_BOOKLET ? BOOKLET_STEP : 1;
     i32 lValue = StepNumber(ReadNumber(hDialog, nControl), nCode, lStep, lMin, lMax);
     SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lValue), 1);
 }

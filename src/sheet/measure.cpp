@@ -6,7 +6,6 @@
 namespace {
 
 constexpr i32 HUNDREDTHS_PER_MM = 100;
-constexpr i32 HUNDREDTHS_PER_INCH = 2540;
 constexpr i32 LARGEST = 0x7FFFFFFF;
 
 i32 Clamp(i64 llValue, i64 llMin, i64 llMax)
@@ -152,7 +151,8 @@ int PressNumberKey(int nKey, const NumberRange& range, i32* plValue)
 
 int PressMeasureKey(int nKey, const NumberRange& range, int bMetric, i32* plValue, RoundingMode* pMode)
 {
-    i32 lStep = bMetric ? KeyStep(nKey, 10, 100) : KeyStep(nKey, 254, 2540);
+    i32 lStep =
+        bMetric ? KeyStep(nKey, 10, 100) : KeyStep(nKey, HUNDREDTHS_PER_INCH / 10, HUNDREDTHS_PER_INCH);
     i64 llValue = static_cast<i64>(*plValue) + lStep;
     if (nKey == KEY_HOME || nKey == KEY_END) {
         llValue = nKey == KEY_HOME ? range.lHome : range.lMax;

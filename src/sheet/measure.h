@@ -8,6 +8,8 @@
 #include "base/types.h"
 #include "platform/basic.h"
 
+constexpr i32 HUNDREDTHS_PER_INCH = 2540;
+
 /* Rounding to what is shown. In metric both directions cut. */
 enum RoundingMode : int { ROUND_NEAREST, ROUND_DOWN, ROUND_UP };
 

@@ -2,18 +2,17 @@
 #include "sheet/notices.h"
 
 #include "base/format.h"
+#include "description/control_ids.h"
 #include "description/paper.h"
 #include "description/xpi_text.h"
 #include "entry/notice.h"
 #include "sheet/conflicts.h"
 #include "sheet/dialog_services.h"
+#include "sheet/measure.h"
 
 namespace {
 
-constexpr int ICON_PLACE = 1652, FIRST_LINE = 1921, LINES = 4, LARGE_TEXT = 1916;
-constexpr int BUTTON_YES = 1702, BUTTON_NO = 1703, BUTTON_OK = 1732;
-constexpr int TEMPLATE_TELL = 1090, TEMPLATE_ASK = 1091;
-constexpr int DIALOG_TOP = 25; /* below the parent's upper edge, in pixels */
+constexpr int LINES = 4;
 
 enum NoticeIcon : u8 { SHOWS_STOP, SHOWS_WARNING };
 enum NoticeBody : u8 { FIXED_LINES, CONFLICT_TEXT, PAPER_LIMITS };
@@ -28,11 +27,11 @@ struct NoticeRow {
     u8 bDuringJob; /* without an owner: brought to the foreground in place of being centred */
 };
 constexpr NoticeRow aNotices[] = {
-    {NOTICE_CONFLICT, TEMPLATE_TELL, SHOWS_STOP, CONFLICT_TEXT, 2509, 4, 0},
-    {NOTICE_PAPER_SIZE, TEMPLATE_TELL, SHOWS_STOP, PAPER_LIMITS, 2513, 4, 0},
-    {NOTICE_OUTLINE, TEMPLATE_ASK, SHOWS_WARNING, FIXED_LINES, 2505, 4, 0},
-    {NOTICE_NAME, TEMPLATE_TELL, SHOWS_WARNING, FIXED_LINES, 2509, 1, 0},
-    {NOTICE_NOT_PRINTED, TEMPLATE_TELL, SHOWS_STOP, FIXED_LINES, 2529, 4, 1},
+    {NOTICE_CONFLICT, IDD_NOTICE, SHOWS_STOP, CONFLICT_TEXT, IDS_ENTRY_REFUSED, 4, 0},
+    {NOTICE_PAPER_SIZE, IDD_NOTICE, SHOWS_STOP, PAPER_LIMITS, IDS_LEAST_WIDTH, 4, 0},
+    {NOTICE_OUTLINE, IDD_QUESTION, SHOWS_WARNING, FIXED_LINES, IDS_OUTLINE_LINE1, 4, 0},
+    {NOTICE_NAME, IDD_NOTICE, SHOWS_WARNING, FIXED_LINES, IDS_ENTRY_REFUSED, 1, 0},
+    {NOTICE_NOT_PRINTED, IDD_NOTICE, SHOWS_STOP, FIXED_LINES, IDS_NOT_PRINTED_LINE1, 4, 1},
 };
 
 const NoticeRow* FindNotice(i16 sId)
@@ -78,13 +77,13 @@ void FillBody(HWND hDialog, UiSession* pSession, const NoticeRow& row)
         ReadXpiString(pSession->rXpiFile, pSession->rLanguage.usPrimary,
                       static_cast<HMODULE>(pSession->hLanguageDll.get()), pSession->sNoticeText, wcText,
                       TEXT_CHARS);
-        SetDlgItemTextW(hDialog, LARGE_TEXT, wcText);
-        Show(hDialog, LARGE_TEXT, SW_SHOW);
+        SetDlgItemTextW(hDialog, IDC_NOTICE_TEXT, wcText);
+        Show(hDialog, IDC_NOTICE_TEXT, SW_SHOW);
         nLines = 0;
     }
     for (int i = 0; i < LINES; i++) {
         if (i >= nLines) {
-            Show(hDialog, FIRST_LINE + i, SW_HIDE);
+            Show(hDialog, IDC_NOTICE_LINE1 + i, SW_HIDE);
             continue;
         }
         if (row.body == PAPER_LIMITS) {
@@ -92,7 +91,7 @@ void FillBody(HWND hDialog, UiSession* pSession, const NoticeRow& row)
         } else {
             LoadUiText(pSession, row.usFirstString + i, wcText, TEXT_CHARS);
         }
-        SetDlgItemTextW(hDialog, FIRST_LINE + i, wcText);
+        SetDlgItemTextW(hDialog, IDC_NOTICE_LINE1 + i, wcText);
     }
 }
 
@@ -106,9 +105,9 @@ void InitNotice(HWND hDialog, UiSession* pSession)
     LabelControls(hDialog, pSession);
     LoadUiText(pSession, pRow->id, wcTitle, TEXT_CHARS);
     SetWindowTextW(hDialog, wcTitle);
-    Show(hDialog, LARGE_TEXT, SW_HIDE);
+    Show(hDialog, IDC_NOTICE_TEXT, SW_HIDE);
     HICON hIcon = LoadIconW(nullptr, pRow->icon == SHOWS_STOP ? IDI_HAND : IDI_EXCLAMATION);
-    SendDlgItemMessageW(hDialog, ICON_PLACE, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
+    SendDlgItemMessageW(hDialog, IDC_NOTICE_ICON, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
     FillBody(hDialog, pSession, *pRow);
     if (pRow->bDuringJob) {
         SetForegroundWindow(hDialog);
@@ -117,7 +116,7 @@ void InitNotice(HWND hDialog, UiSession* pSession)
     }
 }
 
-/* Ends with the number of the button, which no failure of the opening gives. */
+/* Returns the id of the button; a dialog that failed to open never returns one. */
 INT_PTR CALLBACK NoticeProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM lParam)
 {
     switch (uMessage) {
@@ -127,9 +126,9 @@ INT_PTR CALLBACK NoticeProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM l
         return 1;
     case WM_COMMAND:
         switch (LOWORD(wParam)) {
-        case BUTTON_YES:
-        case BUTTON_NO:
-        case BUTTON_OK:
+        case IDC_OK:
+        case IDC_CANCEL:
+        case IDC_NOTICE_OK:
         case IDCANCEL: EndDialog(hDialog, LOWORD(wParam)); break;
         default: break;
         }
@@ -152,7 +151,7 @@ INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice)
     INT_PTR nEnd = DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(pRow->usTemplate), hOwner, NoticeProc,
                                    reinterpret_cast<LPARAM>(pSession));
     pSession->sDialogArg = sBefore;
-    return nEnd != BUTTON_YES;
+    return nEnd != IDC_OK;
 }
 
 int ShowJobNotice(HMODULE hLanguageDll, const LanguageChoice& choice)

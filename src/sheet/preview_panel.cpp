@@ -1,48 +1,13 @@
 #include "sheet/preview_panel.h"
 
 #include "base/arithmetic.h"
+#include "description/control_ids.h"
 #include "preview/preview_tools.h"
 #include "sheet/dialog_services.h"
 #include "sheet/duplex_picture.h"
+#include "sheet/edit_keys.h"
 
 namespace {
-
-/* The pages' controls that the preview reads. */
-enum : int {
-    RADIO_LONG_EDGE = 1206,
-    RADIO_SHORT_EDGE = 1207,
-    RADIO_PORTRAIT = 1221,
-    RADIO_LANDSCAPE = 1222,
-    COMBO_PAGES = 1306,
-    COMBO_ORDER = 1323,
-    COMBO_POSTER = 1348,
-    COMBO_LAYOUT_TYPE = 1359,
-    CHECK_ROTATE = 1802,
-    CHECK_BORDERS = 1803,
-    CHECK_BOOK_ORDER = 1819,
-
-    COMBO_PAPER = 1301,
-    EDIT_COPIES = 1501,
-    EDIT_ZOOM = 1506,
-    CHECK_COLLATE = 1801,
-    CHECK_REVERSE = 1808,
-    CHECK_CENTRED = 1825,
-
-    RADIO_COLOR = 1208,
-    RADIO_MONOCHROME = 1209,
-    COMBO_RESOLUTION = 1304,
-
-    RADIO_FIRST_PAGE = 1204,
-    LIST_WATERMARKS = 1405
-};
-
-/* The panel. */
-enum : int {
-    CONTROL_PREVIEW = 1651,
-    BUTTON_UNIT = 1746,
-    CONTROL_SIZE_LINE = 1920,
-    CONTROL_FIRST_LINE = 1925
-};
 
 int IsChecked(HWND hPage, int nControl)
 {
@@ -65,19 +30,19 @@ i32 ComboOr(HWND hPage, int nControl, i32 lOther)
 void ReadPaperPage(HWND hPage, PreviewChoice* pChoice)
 {
     int bChosen;
-    i32 lPaper = GetComboValue(hPage, COMBO_PAPER, &bChosen);
+    i32 lPaper = GetComboValue(hPage, IDC_PAPER_SIZE, &bChosen);
     if (!bChosen) {
         return;
     }
     pChoice->usPaper = static_cast<u16>(LowWord(lPaper));
-    i32 lCopies = ReadNumber(hPage, EDIT_COPIES);
+    i32 lCopies = ReadNumber(hPage, IDC_PAPER_COPIES);
     pChoice->lCopies = lCopies < 1 ? 1 : lCopies;
-    pChoice->bCollate = IsChecked(hPage, CHECK_COLLATE);
-    pChoice->bReverse = IsChecked(hPage, CHECK_REVERSE);
-    pChoice->lZoom = ReadNumber(hPage, EDIT_ZOOM);
+    pChoice->bCollate = IsChecked(hPage, IDC_PAPER_COLLATE);
+    pChoice->bReverse = IsChecked(hPage, IDC_PAPER_REVERSE);
+    pChoice->lZoom = ReadNumber(hPage, IDC_PAPER_ZOOM);
     if (pChoice->lZoom != 100) {
         pChoice->bScaled = 1;
-        pChoice->bCentred = IsChecked(hPage, CHECK_CENTRED);
+        pChoice->bCentred = IsChecked(hPage, IDC_PAPER_CENTRE);
     }
 }
 
@@ -89,15 +54,15 @@ void ReadLayoutType(HWND hPage, i32 lType, PreviewChoice* pChoice)
     case LAYOUT_POSTER:
         pChoice->sLayout = 1;
         pChoice->sPageOrder = 0;
-        pChoice->sPosterSize = LowWord(ComboOr(hPage, COMBO_POSTER, 0));
+        pChoice->sPosterSize = LowWord(ComboOr(hPage, IDC_LAYOUT_POSTER, 0));
         break;
     case LAYOUT_BOOKLET:
         pChoice->sLayout = LAYOUT_BOOKLET;
-        pChoice->sPageOrder = static_cast<i16>(IsChecked(hPage, CHECK_BOOK_ORDER));
+        pChoice->sPageOrder = static_cast<i16>(IsChecked(hPage, IDC_LAYOUT_BIND_RIGHT));
         break;
     default:
-        pChoice->sLayout = LowWord(ComboOr(hPage, COMBO_PAGES, 1));
-        pChoice->sPageOrder = LowWord(ComboOr(hPage, COMBO_ORDER, 0));
+        pChoice->sLayout = LowWord(ComboOr(hPage, IDC_LAYOUT_PAGES, 1));
+        pChoice->sPageOrder = LowWord(ComboOr(hPage, IDC_LAYOUT_ORDER, 0));
         break;
     }
 }
@@ -105,41 +70,42 @@ void ReadLayoutType(HWND hPage, i32 lType, PreviewChoice* pChoice)
 void ReadLayoutPage(HWND hPage, const XpiModel* pModel, PreviewChoice* pChoice)
 {
     int bChosen;
-    i32 lType = GetComboValue(hPage, COMBO_LAYOUT_TYPE, &bChosen);
+    i32 lType = GetComboValue(hPage, IDC_LAYOUT_TYPE, &bChosen);
     if (!bChosen) {
         return;
     }
     ReadLayoutType(hPage, lType, pChoice);
-    pChoice->usDuplex = !HasDuplexOption(pModel)             ? 1
-                        : IsChecked(hPage, RADIO_LONG_EDGE)  ? 2
-                        : IsChecked(hPage, RADIO_SHORT_EDGE) ? 3
-                                                             : 1;
-    pChoice->usOrientation = static_cast<u16>(IsChecked(hPage, RADIO_PORTRAIT));
-    pChoice->bRotate180 = IsChecked(hPage, CHECK_ROTATE);
-    pChoice->bBorders = IsChecked(hPage, CHECK_BORDERS);
+    pChoice->usDuplex = !HasDuplexOption(pModel)                  ? 1
+                        : IsChecked(hPage, IDC_LAYOUT_LONG_EDGE)  ? 2
+                        : IsChecked(hPage, IDC_LAYOUT_SHORT_EDGE) ? 3
+                                                                  : 1;
+    pChoice->usOrientation = static_cast<u16>(IsChecked(hPage, IDC_LAYOUT_PORTRAIT));
+    pChoice->bRotate180 = IsChecked(hPage, IDC_LAYOUT_ROTATE);
+    pChoice->bBorders = IsChecked(hPage, IDC_LAYOUT_BORDERS);
 }
 
 void ReadWatermarkPage(HWND hPage, PreviewChoice* pChoice)
 {
     int bChosen;
-    i32 lRow = GetListValue(hPage, LIST_WATERMARKS, &bChosen);
+    i32 lRow = GetListValue(hPage, IDC_WATERMARKS_LIST, &bChosen);
     if (bChosen) {
         pChoice->lWatermark = lRow;
-        pChoice->bWMOnePage = IsChecked(hPage, RADIO_FIRST_PAGE);
+        pChoice->bWMOnePage = IsChecked(hPage, IDC_WATERMARKS_FIRST_PAGE);
     }
 }
 
 void ReadQualityPage(HWND hPage, const UiSession* pSession, PreviewChoice* pChoice)
 {
-    int bColor = IsChecked(hPage, RADIO_COLOR);
-    if (bColor || IsChecked(hPage, RADIO_MONOCHROME)) {
+    int bColor = IsChecked(hPage, IDC_QUALITY_COLOR);
+    if (bColor || IsChecked(hPage, IDC_QUALITY_MONOCHROME)) {
         pChoice->bColor = IsPreviewColor(*pSession->pRecord, bColor);
     }
     const XpiModel* pModel = pSession->pXpi.get();
     if (pModel->usLanguage == KIND_IMAGE) {
-        LRESULT nRow = SendDlgItemMessageW(hPage, COMBO_RESOLUTION, CB_GETCURSEL, 0, 0);
-        u16 usResolution =
-            GetDlgItem(hPage, COMBO_RESOLUTION) ? ResolutionOfRow(pModel, static_cast<i32>(nRow)) : u16{0};
+        LRESULT nRow = SendDlgItemMessageW(hPage, IDC_QUALITY_RESOLUTION, CB_GETCURSEL, 0, 0);
+        u16 usResolution = GetDlgItem(hPage, IDC_QUALITY_RESOLUTION)
+                               ? ResolutionOfRow(pModel, static_cast<i32>(nRow))
+                               : u16{0};
         pChoice->usResolution = usResolution ? usResolution : pChoice->usResolution;
     }
 }
@@ -154,7 +120,7 @@ void ShowSizeLine(HWND hPage, UiSession* pSession, const PreviewChoice& choice, 
     WCHAR wcUnit[TEXT_CHARS], wcLine[TEXT_CHARS];
     LoadUiText(pSession, UnitString(bMetric), wcUnit, TEXT_CHARS);
     FormatSizeLine(sizes, choice, bMetric, wcUnit, pSession->rLanguage.wcDecimal, wcLine);
-    SetDlgItemTextW(hPage, CONTROL_SIZE_LINE, wcLine);
+    SetDlgItemTextW(hPage, IDC_PREVIEW_SIZE, wcLine);
 }
 
 /* Controls without a line are emptied. */
@@ -168,7 +134,7 @@ void ShowStatusLines(HWND hPage, const UiSession* pSession, const PreviewChoice&
             LoadUiText(pSession, aLines[i].usString, wcString, TEXT_CHARS);
             FormatStatusLine(aLines[i], wcString, wcLine);
         }
-        SetDlgItemTextW(hPage, CONTROL_FIRST_LINE + i, wcLine);
+        SetDlgItemTextW(hPage, IDC_PREVIEW_LINE1 + i, wcLine);
     }
 }
 
@@ -239,12 +205,12 @@ void PaintDuplexPage(HWND hPage, UiSession* pSession)
 void FlipPreviewUnit(HWND hPage, UiSession* pSession)
 {
     pSession->bPreviewMetric = !pSession->bPreviewMetric;
-    RepaintControl(hPage, CONTROL_PREVIEW);
+    RepaintControl(hPage, IDC_PREVIEW);
 }
 
 void PreviewCommand(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM)
 {
-    if (LOWORD(wParam) == BUTTON_UNIT) {
+    if (LOWORD(wParam) == IDC_UNIT) {
         FlipPreviewUnit(hPage, pSession);
     }
 }

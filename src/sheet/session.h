@@ -55,7 +55,7 @@ struct UiSession {
     i16 sDeletedWatermarkCount;
     u32 ulFontSubsBytes;
     i16 sDialogArg;    /* of the modal dialog that is being opened: a row or the id of a notice */
-    i16 sNoticeText;   /* text of the description for notice 1090; 0: the library's own */
+    i16 sNoticeText;   /* text of the description for NOTICE_CONFLICT; 0: the library's own */
     void* pDialogData; /* handed to a modal dialog; its opener's */
     OwnedBlock<PaperSizeRow> pCustomPapers; /* and the spare row */
     OwnedBlock<WatermarkEntry> pWatermarks, pDeletedWatermarks;

@@ -6,7 +6,7 @@
 #include "settings/checks.h"
 #include "settings/defaults.h"
 #include "settings/merge.h"
-#include "sheet/pages.h"
+#include "sheet/page_table.h"
 
 namespace {
 

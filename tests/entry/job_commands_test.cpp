@@ -3,6 +3,7 @@
 #include <set>
 
 #include "base/narrow.h"
+#include "description/control_ids.h"
 #include "description/driver_files.h"
 #include "entry/pjl_commands.h"
 #include "entry/render_parameters.h"
@@ -192,7 +193,7 @@ TEST_F(JobCommands, TheNoticeTakesThePlaceOfTheHead)
             hParent = GetParent(hDialog);
             EXPECT_EQ(ForegroundWindow(), hDialog);
             GetWindowTextW(hDialog, wcTitle, 128);
-            ClickControl(hDialog, 1732);
+            ClickControl(hDialog, IDC_NOTICE_OK);
         });
         GuiJobRecord job = {};
         job.hPrinter = hPrinter;

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "built_library.h"
+#include "description/control_ids.h"
+#include "description/string_ids.h"
 #include "places.h"
 #include "platform/hosted/machine.h"
 #include "platform/hosted/pe_resources.h"
@@ -30,21 +32,54 @@ fs::path Source(const std::string& name)
     return fs::path(TQUI_SOURCE_DIR "/package/resources") / name;
 }
 
-/* Strings of a resource source, read line by line: id, text in quotation marks. */
+/* Numbers by the names that the headers of ids give them. */
+std::map<std::string, long> NamedIds()
+{
+    std::map<std::string, long> ids;
+    for (const char* cHeader : {"control_ids.h", "string_ids.h"}) {
+        std::ifstream file(fs::path(TQUI_SOURCE_DIR "/src/description") / cHeader);
+        for (std::string word; file >> word;) {
+            if (word == "#define" && file >> word && file.peek() != '\n') {
+                file >> ids[word];
+            }
+        }
+    }
+    return ids;
+}
+
+/* Strings of a resource source, read line by line: name, text in quotation marks. */
 Strings SourceStrings(const std::string& name)
 {
+    const std::map<std::string, long> ids = NamedIds();
     std::ifstream file(Source(name));
     Strings strings;
     for (std::string line; std::getline(file, line);) {
-        const size_t nOpen = line.find('"'), nClose = line.rfind('"');
-        char* pBehind = nullptr;
-        const long lId = std::strtol(line.c_str(), &pBehind, 10);
-        if (lId > 0 && *pBehind == ',' && nOpen < nClose) {
+        const size_t nName = line.find("ID"), nComma = line.find(','), nOpen = line.find('"'),
+                     nClose = line.rfind('"');
+        if (nName == 4 && nComma < nOpen && nOpen < nClose) {
             const std::string text = line.substr(nOpen + 1, nClose - nOpen - 1);
-            EXPECT_TRUE(strings.emplace(lId, Widen(text)).second) << name << ": " << line;
+            const auto id = ids.find(line.substr(nName, nComma - nName));
+            EXPECT_TRUE(id != ids.end() && strings.emplace(id->second, Widen(text)).second)
+                << name << ": " << line;
         }
     }
     return strings;
+}
+
+/* The numbers of strings, in order, what follows without a gap drawn together: "1 3-5". */
+std::string Ranges(const Strings& strings)
+{
+    std::string all;
+    for (auto it = strings.begin(); it != strings.end(); ++it) {
+        const long lFirst = it->first;
+        long lLast = lFirst;
+        for (auto next = std::next(it); next != strings.end() && next->first == lLast + 1; it = next++) {
+            lLast++;
+        }
+        all += (all.empty() ? "" : " ") + std::to_string(lFirst) +
+               (lLast > lFirst ? "-" + std::to_string(lLast) : "");
+    }
+    return all;
 }
 
 /* All strings that are not empty, in one language's order. */
@@ -89,7 +124,8 @@ void ReadHostile(std::span<const u8> bytes, int nLimit = 2000)
         ASSERT_LE(resource.data.nOffset, file.size());
         ASSERT_LE(resource.data.cbSize, file.size() - resource.data.nOffset);
     }
-    for (const u16 usId : {u16{0}, u16{15}, u16{16}, u16{17}, u16{121}, u16{1004}, u16{2335}}) {
+    for (const u16 usId : {u16{0}, u16{15}, u16{16}, u16{17}, u16{IDS_LETTER}, u16{IDS_TITLE_QUALITY},
+                           u16{IDS_ORDER_UP_RIGHT}}) {
         PeText text{};
         if (FindPeString(file, usId, LanguageOrder(GERMAN), &text)) {
             ASSERT_LE(text.nOffset, file.size());
@@ -115,6 +151,15 @@ TEST(LanguageLibraries, HoldTheTextsOfTheirSources)
     EXPECT_EQ(ReadStrings(all, {ENGLISH}), english);
     EXPECT_EQ(ReadStrings(all, {GERMAN}), german);
     EXPECT_EQ(ReadStrings(only, LanguageOrder(GERMAN)), english);
+    /* Libraries of other languages are made elsewhere: the numbers stand, whatever the names are. */
+    EXPECT_EQ(Ranges(english),
+              "121 129 1002-1004 1008 1011-1012 1021 1030-1032 1040-1042 1062-1063 1090-1093 1097 1099 "
+              "1101 1104-1106 1109-1110 1114-1115 1120-1122 1128 1132 1135-1136 1140-1144 1147-1149 "
+              "1151-1152 1203-1209 1216-1222 1701-1703 1706-1708 1711-1715 1718-1721 1732 1738 1746 "
+              "1748-1750 1752 1754-1756 1801-1811 1818-1819 1823 1825 1851-1856 1862-1865 1867 "
+              "1869-1879 1882-1883 1891 1893-1895 1918-1919 1945-1946 1964 1966 1979 1983 1989 "
+              "1997-2000 2201-2208 2224 2300 2310 2320-2321 2323 2326-2327 2330-2341 2370-2373 2420 "
+              "2423-2429 2455-2456 2505-2526 2529-2532 2601-2614 2631 2752-2759");
 }
 
 TEST(LanguageLibraries, SpeakOfTheSameThings)
@@ -130,17 +175,19 @@ TEST(LanguageLibraries, SpeakOfTheSameThings)
         EXPECT_LT(wcText.size(), 128u);
         EXPECT_LT(other->second.size(), 128u);
         EXPECT_GT(other->second.size(), 0u);
-        const bool bFormat = (nId >= 2513 && nId <= 2516) || nId == 2601 || nId == 2602;
-        if (nId == 1877) { /* the percent sign itself */
+        const bool bFormat = (nId >= IDS_LEAST_WIDTH && nId <= IDS_LARGEST_LENGTH) ||
+                             nId == IDS_STATUS_COPIES || nId == IDS_STATUS_COLLATED;
+        if (nId == IDC_PERCENT) {
             continue;
         }
         EXPECT_EQ(Conversions(wcText), Conversions(other->second));
-        EXPECT_EQ(Conversions(wcText), !bFormat ? "" : nId > 2600 ? "%d" : "%d%02d%d%d");
+        EXPECT_EQ(Conversions(wcText), !bFormat ? "" : nId > IDS_LARGEST_LENGTH ? "%d" : "%d%02d%d%d");
     }
     EXPECT_EQ(english.size(), german.size());
     for (const Strings& strings : {english, german}) {
-        EXPECT_NE(strings.at(2455), strings.at(2456)); /* the editors tell the unit by its name */
-        EXPECT_EQ(strings.at(2420), u"TQS");           /* a file extension is not translated */
+        EXPECT_NE(strings.at(IDS_UNIT_INCH),
+                  strings.at(IDS_UNIT_MM));                    /* the editors tell the unit by its name */
+        EXPECT_EQ(strings.at(IDS_SETTINGS_EXTENSION), u"TQS"); /* a file extension is not translated */
     }
 }
 
@@ -288,8 +335,10 @@ TEST(PeResources, DirectoriesThatLeadBackEnd)
 
 TEST(PeResources, CutFilesGiveTheSameTextOrNone)
 {
-    const Strings texts = {
-        {0, u"text"}, {121, u"Letter"}, {1004, u"Qualit\u00E4t"}, {2631, u"Werkseinstellungen"}};
+    const Strings texts = {{0, u"text"},
+                           {IDS_LETTER, u"Letter"},
+                           {IDS_TITLE_QUALITY, u"Qualit\u00E4t"},
+                           {IDS_PRESET_FACTORY, u"Werkseinstellungen"}};
     const TinyPe tiny({{PE_STRING, 1, 0, StringBlock({u"text"})}});
     for (const Bytes& whole : {BuiltLibrary("TXT.DLL"), tiny.bytes}) {
         int nFound = 0;
@@ -347,7 +396,7 @@ TEST(ResourceLies, LoadStringLiesAboutItsLength)
     const auto ask = [hModule](LieKind kind) {
         WCHAR wcText[12] = {};
         TellLies(kind, CALL_LoadStringW);
-        const int cch = LoadStringW(hModule, 1002, wcText, 10);
+        const int cch = LoadStringW(hModule, IDS_TITLE_LAYOUT, wcText, 10);
         TellLies(LIE_NONE);
         EXPECT_EQ(wcText[10], 0); /* no lie goes beyond the room */
         return std::pair(cch, std::u16string(wcText));

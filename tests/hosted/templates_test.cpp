@@ -9,6 +9,8 @@
 #include FT_FREETYPE_H
 
 #include "built_library.h"
+#include "description/control_ids.h"
+#include "description/string_ids.h"
 #include "platform/hosted/dialog_template.h"
 
 namespace {
@@ -33,81 +35,115 @@ const std::string ABOUT = "t1896 t1897 t1898 t1899 t1900 t1901 ";
 const std::string FONTS = "b1712 b1713 b1714 b1715 b1750 l1404 t1862 ";
 
 const std::map<u16, std::string> contract = {
-    {1002, PREVIEW +
-               "b1746 c1802 c1803 c1819 e1513- g1101 g1109 g1148 m1653 o1306 o1323 o1348- o1359 r1205 r1206 "
+    {IDD_LAYOUT,
+     PREVIEW + "b1746 c1802 c1803 c1819 e1513- g1101 g1109 g1148 m1653 o1306 o1323 o1348- o1359 r1205 r1206 "
                "r1207 r1221 r1222 t1110 t1852- t1919 t1989- t1997 t1998 v1606-"},
-    {1003,
+    {IDD_PAPER,
      PREVIEW +
          "b1746 b1756 c1801 c1808 c1811 c1818- c1823- c1825 e1501 e1506 g1149 h1602 i1661- i1686- o1301 "
          "o1302- o1303 o1305- o1344 o1400 t1121- t1122 t1851 t1853 t1854- t1855 t1877 t1891 t1999 v1601"},
-    {1004,
+    {IDD_QUALITY,
      PREVIEW +
          "b1711- b1738 b1746 c1809 e1530- e1531- g1114 g1128- g1151 o1304 o1316- o1331- o1342 r1208 r1209 "
          "r1216 r1217 t1132- t1863 t1892- t1945- t1946- t1964- t1983 v1612- v1613-"},
-    {1007, "b1703 b1748 b1749 d1740 e1538 e1539 g1152 o1333 o1334 o1335 r1218 r1219 r1220 t1135 t1136 t1966"},
-    {1008, "b1703 b1706 b1707 b1708 d1702 l1403 t1856"},
-    {1011, "b1703 b1709 b1710 b1746 e1503 e1504 e1505 g1104 t1864 t1865 t1866 t1867 t1868 v1622 v1623"},
-    {1030, PREVIEW + FONTS + "c1807 c1810"},
-    {1031, FONTS + "b1701 c1807- c1810- m1692"},
-    {1032, "b1703 d1717 e1518 o1319 o1320 t1880 t1881 t1882 t1883"},
-    {1040, PREVIEW + "b1718 b1719 b1721 b1746 e1520 g1105 l1405 r1203 r1204 t1869 t1877 t1895 v1608"},
-    {1041, POSITION +
-               "b1725 c1804 c1805 c1806 e1507 e1508 e1509 e1510 f1654- g1115 o1317 t1870 t1871 t1872 t1873 "
-               "t1874 t1877 t1979 v1603 v1604 v1605"},
-    {1042, POSITION + "b1754 e1514 e1515 e1516 o1357 t1147 t1878 t1893 t1894 v1607"},
-    {1063, THREE},
-    {1064, THREE + "g1143 l1413 o1329 t1953"},
-    {1090, NOTICE + "d1732"},
-    {1091, NOTICE + "b1703 d1702"},
-    {1098, ABOUT + "m1692"},
-    {1099, ABOUT + "d1732 m1692!"},
+    {IDD_FILES,
+     "b1703 b1748 b1749 d1740 e1538 e1539 g1152 o1333 o1334 o1335 r1218 r1219 r1220 t1135 t1136 t1966"},
+    {IDD_SIZES, "b1703 b1706 b1707 b1708 d1702 l1403 t1856"},
+    {IDD_SIZE, "b1703 b1709 b1710 b1746 e1503 e1504 e1505 g1104 t1864 t1865 t1866 t1867 t1868 v1622 v1623"},
+    {IDD_FONTS, PREVIEW + FONTS + "c1807 c1810"},
+    {IDD_DEVICE_FONTS, FONTS + "b1701 c1807- c1810- m1692"},
+    {IDD_PAIR, "b1703 d1717 e1518 o1319 o1320 t1880 t1881 t1882 t1883"},
+    {IDD_WATERMARKS,
+     PREVIEW + "b1718 b1719 b1721 b1746 e1520 g1105 l1405 r1203 r1204 t1869 t1877 t1895 v1608"},
+    {IDD_TEXT_MARK,
+     POSITION + "b1725 c1804 c1805 c1806 e1507 e1508 e1509 e1510 f1654- g1115 o1317 t1870 t1871 t1872 t1873 "
+                "t1874 t1877 t1979 v1603 v1604 v1605"},
+    {IDD_IMAGE_MARK, POSITION + "b1754 e1514 e1515 e1516 o1357 t1147 t1878 t1893 t1894 v1607"},
+    {IDD_OPTIONS3, THREE},
+    {IDD_OPTIONS4, THREE + "g1143 l1413 o1329 t1953"},
+    {IDD_NOTICE, NOTICE + "d1732"},
+    {IDD_QUESTION, NOTICE + "b1703 d1702"},
+    {IDD_ABOUT_PAGE, ABOUT + "m1692"},
+    {IDD_ABOUT, ABOUT + "d1732 m1692!"},
 };
 
-const std::set<u16> pages = {1002, 1003, 1004, 1030, 1031, 1040, 1098};
-const std::set<u16> withPreview = {1002, 1003, 1004, 1030, 1040};
+const std::set<u16> pages = {IDD_LAYOUT,       IDD_PAPER,      IDD_QUALITY,   IDD_FONTS,
+                             IDD_DEVICE_FONTS, IDD_WATERMARKS, IDD_ABOUT_PAGE};
+const std::set<u16> withPreview = {IDD_LAYOUT, IDD_PAPER, IDD_QUALITY, IDD_FONTS, IDD_WATERMARKS};
 
 /* Controls that take the place of each other: of two sets in a list at most one is to be seen. */
 const std::map<u16, std::vector<std::vector<Ids>>> alternatives = {
-    {1002, {{{1998, 1306, 1803, 1919, 1323}, {1989, 1348}, {1819}}}},
-    {1004,
-     {{{1132, 1892, 1316, 1711, 1964, 1331}, {1128, 1945, 1530, 1612, 1946, 1531, 1613}},
-      {{1132}, {1892}},
-      {{1711}, {1964, 1331}}}},
-    {1011, {{{1709}, {1710}}}},
-    {1032, {{{1881, 1319}, {1880, 1518}}}},
-    {1041, {{{1722}, {1723}}, {{1874, 1510, 1605, 1877}, {1115, 1654, 1725}}}},
-    {1042, {{{1722}, {1723}}}},
-    {1090, {{{1921, 1922, 1923, 1924}, {1916}}}},
-    {1091, {{{1921, 1922, 1923, 1924}, {1916}}}},
+    {IDD_LAYOUT,
+     {{{IDC_LAYOUT_PAGES_LABEL, IDC_LAYOUT_PAGES, IDC_LAYOUT_BORDERS, IDC_LAYOUT_ORDER_LABEL,
+        IDC_LAYOUT_ORDER},
+       {IDC_LAYOUT_POSTER_LABEL, IDC_LAYOUT_POSTER},
+       {IDC_LAYOUT_BIND_RIGHT}}}},
+    {IDD_QUALITY,
+     {{{IDC_QUALITY_CORRECTION_LABEL, IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION,
+        IDC_QUALITY_OPTIONS, IDC_QUALITY_INTENT_LABEL, IDC_QUALITY_INTENT},
+       {IDC_QUALITY_TONE, IDC_QUALITY_CONTRAST_LABEL, IDC_QUALITY_CONTRAST, IDC_QUALITY_CONTRAST_SPIN,
+        IDC_QUALITY_BRIGHTNESS_LABEL, IDC_QUALITY_BRIGHTNESS, IDC_QUALITY_BRIGHTNESS_SPIN}},
+      {{IDC_QUALITY_CORRECTION_LABEL}, {IDC_QUALITY_CORRECTION_LABEL_ALONE}},
+      {{IDC_QUALITY_OPTIONS}, {IDC_QUALITY_INTENT_LABEL, IDC_QUALITY_INTENT}}}},
+    {IDD_SIZE, {{{IDC_SIZE_CHANGE}, {IDC_SIZE_ADD}}}},
+    {IDD_PAIR, {{{IDC_PAIR_SYSTEM_LABEL, IDC_PAIR_SYSTEM}, {IDC_PAIR_NAME_LABEL, IDC_PAIR_NAME}}}},
+    {IDD_TEXT_MARK,
+     {{{IDC_MARK_ADD}, {IDC_MARK_CHANGE}},
+      {{IDC_TEXT_MARK_DARKNESS_LABEL, IDC_TEXT_MARK_DARKNESS, IDC_TEXT_MARK_DARKNESS_SPIN, IDC_PERCENT},
+       {IDC_TEXT_MARK_COLOR, IDC_TEXT_MARK_COLOR_FRAME, IDC_TEXT_MARK_COLOR_CHOOSE}}}},
+    {IDD_IMAGE_MARK, {{{IDC_MARK_ADD}, {IDC_MARK_CHANGE}}}},
+    {IDD_NOTICE,
+     {{{IDC_NOTICE_LINE1, IDC_NOTICE_LINE2, IDC_NOTICE_LINE3, IDC_NOTICE_LINE4}, {IDC_NOTICE_TEXT}}}},
+    {IDD_QUESTION,
+     {{{IDC_NOTICE_LINE1, IDC_NOTICE_LINE2, IDC_NOTICE_LINE3, IDC_NOTICE_LINE4}, {IDC_NOTICE_TEXT}}}},
 };
 
-/* What the program never shows, on any page. 1807 and 1810 are not shown on the page 1031. */
-const std::set<u32> neverShown = {1144, 1349, 1852, 1513, 1606, 1854, 1302, 1121, 1305, 1818, 1823};
+/* What the program never shows, on any page. Two choices are not shown on the page IDD_DEVICE_FONTS. */
+const std::set<u32> neverShown = {IDC_PRESET_LABEL,         IDC_PRESET,
+                                  IDC_LAYOUT_BOOKLET_LABEL, IDC_LAYOUT_BOOKLET,
+                                  IDC_LAYOUT_BOOKLET_SPIN,  IDC_PAPER_SOURCE_LABEL,
+                                  IDC_PAPER_SOURCE,         IDC_PAPER_TARGET_LABEL,
+                                  IDC_PAPER_TARGET,         IDC_PAPER_FIT_TARGET,
+                                  IDC_PAPER_CENTRE_TARGET};
 
-/* Labels whose string bears another number than they do; 1717 also takes 1702. */
-const std::map<u32, u16> otherStrings = {{1892, 1132}, {1709, 1702}, {1723, 1702}, {1724, 1702},
-                                         {1740, 1702}, {1710, 1752}, {1722, 1752}, {1717, 1752},
-                                         {1725, 1755}, {1880, 1879}, {1881, 1879}, {1866, 2456},
-                                         {1868, 2456}, {1980, 2456}, {1981, 2456}};
+/* Labels whose string has another number than they do; IDC_PAIR_OK also takes IDC_OK. */
+const std::map<u32, u16> otherStrings = {{IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION_LABEL},
+                                         {IDC_SIZE_CHANGE, IDC_OK},
+                                         {IDC_MARK_CHANGE, IDC_OK},
+                                         {IDC_OPTIONS_OK, IDC_OK},
+                                         {IDC_FILES_OK, IDC_OK},
+                                         {IDC_SIZE_ADD, IDS_ADD},
+                                         {IDC_MARK_ADD, IDS_ADD},
+                                         {IDC_PAIR_OK, IDS_ADD},
+                                         {IDC_TEXT_MARK_COLOR_CHOOSE, IDS_CHOOSE},
+                                         {IDC_PAIR_NAME_LABEL, IDS_SYSTEM_FONT},
+                                         {IDC_PAIR_SYSTEM_LABEL, IDS_SYSTEM_FONT},
+                                         {IDC_SIZE_WIDTH_UNIT, IDS_UNIT_MM},
+                                         {IDC_SIZE_LENGTH_UNIT, IDS_UNIT_MM},
+                                         {IDC_MARK_X_UNIT, IDS_UNIT_MM},
+                                         {IDC_MARK_Y_UNIT, IDS_UNIT_MM}};
 
 /* Strings that lists and lines show, first and last. */
-const std::map<u32, std::vector<std::pair<u16, u16>>> shownStrings = {{1359, {{2752, 2754}}},
-                                                                      {1306, {{2320, 2327}}},
-                                                                      {1323, {{2330, 2341}}},
-                                                                      {1348, {{2370, 2373}}},
-                                                                      {1400, {{2755, 2757}}},
-                                                                      {1316, {{2201, 2204}}},
-                                                                      {1331, {{2205, 2208}}},
-                                                                      {1357, {{2517, 2526}}},
-                                                                      {1334, {{2425, 2427}}},
-                                                                      {1335, {{2428, 2429}}},
-                                                                      {1320, {{2310, 2310}}},
-                                                                      {1326, {{2224, 2224}}},
-                                                                      {1405, {{2300, 2300}}},
-                                                                      {1925, {{2601, 2614}}},
-                                                                      {1929, {{2601, 2614}}},
-                                                                      {1921, {{2505, 2516}, {2529, 2532}}},
-                                                                      {1924, {{2505, 2516}, {2529, 2532}}}};
+const std::map<u32, std::vector<std::pair<u16, u16>>> shownStrings = {
+    {IDC_LAYOUT_TYPE, {{IDS_LAYOUT_PAGES, IDS_LAYOUT_BOOKLET}}},
+    {IDC_LAYOUT_PAGES, {{IDS_PAGES_1, IDS_PAGES_16}}},
+    {IDC_LAYOUT_ORDER, {{IDS_ORDER_RIGHT_DOWN, IDS_ORDER_BOTTOM_TO_TOP}}},
+    {IDC_LAYOUT_POSTER, {{IDS_POSTER_OFF, IDS_POSTER_4}}},
+    {IDC_PAPER_MEDICAL, {{IDS_MEDICAL_OFF, IDS_MEDICAL_LANDSCAPE}}},
+    {IDC_QUALITY_CORRECTION, {{IDS_MODE_SYSTEM, IDS_MODE_FIXED}}},
+    {IDC_QUALITY_INTENT, {{IDS_INTENT_PERCEPTUAL, IDS_INTENT_ABSOLUTE}}},
+    {IDC_IMAGE_MARK_PLACEMENT, {{IDS_PLACE_CENTRE, IDS_PLACE_BOTTOM_RIGHT}}},
+    {IDC_FILES_PROFILE, {{IDS_PROFILE_BUILT_IN, IDS_PROFILE_FILE}}},
+    {IDC_FILES_SCREEN, {{IDS_SCREEN_BUILT_IN, IDS_SCREEN_FILE}}},
+    {IDC_PAIR_PRINTER, {{IDS_NO_PRINTER_FONT, IDS_NO_PRINTER_FONT}}},
+    {IDC_OPTIONS_TEXT_VALUE, {{IDS_OPTION_DEFAULT, IDS_OPTION_DEFAULT}}},
+    {IDC_WATERMARKS_LIST, {{IDS_NO_WATERMARK, IDS_NO_WATERMARK}}},
+    {IDC_PREVIEW_LINE1, {{IDS_STATUS_COPIES, IDS_STATUS_BACK_COVER_EMPTY}}},
+    {IDC_PREVIEW_LINE5, {{IDS_STATUS_COPIES, IDS_STATUS_BACK_COVER_EMPTY}}},
+    {IDC_NOTICE_LINE1,
+     {{IDS_OUTLINE_LINE1, IDS_LARGEST_LENGTH}, {IDS_NOT_PRINTED_LINE1, IDS_NOT_PRINTED_LINE4}}},
+    {IDC_NOTICE_LINE4,
+     {{IDS_OUTLINE_LINE1, IDS_LARGEST_LENGTH}, {IDS_NOT_PRINTED_LINE1, IDS_NOT_PRINTED_LINE4}}}};
 
 struct Library {
     Bytes bytes;
@@ -199,7 +235,8 @@ bool Overlap(const DialogRect& a, const DialogRect& b)
 
 bool Shown(u16 usTemplate, u32 ulId)
 {
-    return !neverShown.count(ulId) && !(usTemplate == 1031 && (ulId == 1807 || ulId == 1810));
+    return !neverShown.count(ulId) &&
+           !(usTemplate == IDD_DEVICE_FONTS && (ulId == IDC_FONTS_RESIDENT || ulId == IDC_FONTS_BITMAPS));
 }
 
 bool Holds(const Ids& ids, u32 ulId)
@@ -290,7 +327,7 @@ int TextRoom(const DialogItem& item)
 
 TEST(Templates, HaveTheControlsOfTheContract)
 {
-    const DialogTemplate layout = Libraries()[0].Template(1002);
+    const DialogTemplate layout = Libraries()[0].Template(IDD_LAYOUT);
     EXPECT_EQ(std::count_if(layout.items.begin(), layout.items.end(),
                             [](const DialogItem& item) { return item.windowClass.usId == CLASS_COMBOBOX; }),
               5); /* the reader reads: what follows compares with what it gave */
@@ -311,7 +348,7 @@ TEST(Templates, HaveTheControlsOfTheContract)
         EXPECT_TRUE(read.font.wcFace == u"MS Shell Dlg" && read.font.usPoints == 8);
         EXPECT_EQ((read.ulStyle & CHILD) != 0, pages.count(usId) == 1); /* pages are children */
     });
-    for (const u16 usId : {u16{1063}, u16{1064}}) {
+    for (const u16 usId : {u16{IDD_OPTIONS3}, u16{IDD_OPTIONS4}}) {
         for (const DialogItem& item : Libraries()[0].Template(usId).items) {
             EXPECT_TRUE(Kind(item) != 'l' || (item.ulStyle & 0x80)) << item.ulId << " knows no tab stops";
         }
@@ -379,16 +416,17 @@ TEST(Templates, LieInTheirDialogsWithoutOverlap)
 /* Without the right to write, the list of fonts grows by half and its four buttons go. */
 TEST(Templates, LeaveTheFontListRoomToGrow)
 {
-    for (const u16 usId : {u16{1030}, u16{1031}}) {
+    for (const u16 usId : {u16{IDD_FONTS}, u16{IDD_DEVICE_FONTS}}) {
         const DialogTemplate read = Libraries()[0].Template(usId);
         const auto list = std::find_if(read.items.begin(), read.items.end(),
-                                       [](const DialogItem& i) { return i.ulId == 1404; });
+                                       [](const DialogItem& i) { return i.ulId == IDC_FONTS_LIST; });
         ASSERT_NE(list, read.items.end());
         DialogRect wide = list->rect;
         wide.cx = static_cast<i16>(wide.cx * 3 / 2);
         EXPECT_LE(Right(wide), read.rect.cx - 7);
         for (const DialogItem& item : read.items) {
-            EXPECT_TRUE(item.ulId == 1404 || (item.ulId >= 1712 && item.ulId <= 1715) ||
+            EXPECT_TRUE(item.ulId == IDC_FONTS_LIST ||
+                        (item.ulId >= IDC_FONTS_ADD && item.ulId <= IDC_FONTS_DEFAULTS) ||
                         !Shown(usId, item.ulId) || !Overlap(wide, Seen(item)))
                 << item.ulId;
         }
@@ -401,11 +439,11 @@ TEST(Templates, LookAlikeOnAllPages)
     std::map<u32, DialogRect> common;
     for (const u16 usId : pages) {
         const DialogTemplate read = library.Template(usId);
-        EXPECT_EQ(read.rect, library.Template(1002).rect) << usId;
+        EXPECT_EQ(read.rect, library.Template(IDD_LAYOUT).rect) << usId;
         for (const DialogItem& item : read.items) {
             const bool bCommon =
-                PREVIEW.find(std::to_string(item.ulId)) != std::string::npos || item.ulId == 1746;
-            if (bCommon && (withPreview.count(usId) || (usId == 1031 && item.ulId != 1746))) {
+                PREVIEW.find(std::to_string(item.ulId)) != std::string::npos || item.ulId == IDC_UNIT;
+            if (bCommon && (withPreview.count(usId) || (usId == IDD_DEVICE_FONTS && item.ulId != IDC_UNIT))) {
                 EXPECT_EQ(common.emplace(item.ulId, item.rect).first->second, item.rect)
                     << usId << ": " << item.ulId;
             }
@@ -438,7 +476,7 @@ TEST(Templates, AreReadInTheOrderOfTheKeyboard)
                 bAmongRadios = cKind == 'r';
             }
             EXPECT_EQ(cKind == 'r', bAmongRadios && (bFocus || cKind == 'r')) << item.ulId;
-            EXPECT_TRUE(!bFocus || (item.ulStyle & TABSTOP) || item.ulId == 1518) << item.ulId;
+            EXPECT_TRUE(!bFocus || (item.ulStyle & TABSTOP) || item.ulId == IDC_PAIR_NAME) << item.ulId;
             if ((!bFocus && cKind != 'r') || !Shown(usId, item.ulId)) {
                 continue;
             }
@@ -455,7 +493,7 @@ TEST(Templates, AreReadInTheOrderOfTheKeyboard)
 }
 
 /* Each label in each language, and each row that the libraries give a list, with 5 percent to spare; English
-   labels leave 40 percent for other languages, but for 1998 with its combo box beside it. */
+   labels leave 40 percent for other languages, but for IDC_LAYOUT_PAGES_LABEL with its combo box beside it. */
 TEST(Templates, GiveTheirTextsRoom)
 {
     TextMeasure measure("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
@@ -472,12 +510,13 @@ TEST(Templates, GiveTheirTextsRoom)
             if (!Shown(usId, item.ulId)) {
                 continue;
             }
-            fits(item, item.text.wcName, library.usLanguage == ENGLISH && item.ulId != 1998 ? 1.4 : 1.05);
-            if (item.ulId == 1717) {
-                fits(item, library.String(1702));
+            fits(item, item.text.wcName,
+                 library.usLanguage == ENGLISH && item.ulId != IDC_LAYOUT_PAGES_LABEL ? 1.4 : 1.05);
+            if (item.ulId == IDC_PAIR_OK) {
+                fits(item, library.String(IDC_OK));
             }
-            if (otherStrings.count(item.ulId) && otherStrings.at(item.ulId) == 2456) {
-                fits(item, library.String(2455));
+            if (otherStrings.count(item.ulId) && otherStrings.at(item.ulId) == IDS_UNIT_MM) {
+                fits(item, library.String(IDS_UNIT_INCH));
             }
             const auto shown = shownStrings.find(item.ulId);
             for (size_t n = 0; shown != shownStrings.end() && n < shown->second.size(); n++) {
@@ -492,7 +531,8 @@ TEST(Templates, GiveTheirTextsRoom)
     EXPECT_GT(nMeasured, 700);
     for (const Library& library : Libraries()) {
         double nTabs = 0;
-        for (const u16 usTitle : {u16{1002}, u16{1003}, u16{1004}, u16{1030}, u16{1040}}) {
+        for (const u16 usTitle : {u16{IDS_TITLE_LAYOUT}, u16{IDS_TITLE_PAPER}, u16{IDS_TITLE_QUALITY},
+                                  u16{IDS_TITLE_FONTS}, u16{IDS_TITLE_WATERMARKS}}) {
             nTabs += measure.Width(library.String(usTitle)) + 12;
         }
         EXPECT_LE(nTabs * 1.05, 296); /* one row of tabs */
@@ -501,7 +541,7 @@ TEST(Templates, GiveTheirTextsRoom)
 
 TEST(DialogTemplateReader, RefusesWhatEndsTooEarly)
 {
-    for (const u16 usId : {u16{1004}, u16{1090}}) {
+    for (const u16 usId : {u16{IDD_QUALITY}, u16{IDD_NOTICE}}) {
         PePiece piece{};
         const Library& library = Libraries()[1];
         ASSERT_TRUE(

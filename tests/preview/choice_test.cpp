@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <random>
 
+#include "description/control_ids.h"
 #include "description/driver_files.h"
+#include "description/string_ids.h"
 #include "preview/preview_choice.h"
 #include "support/sample_machine.h"
 
@@ -75,7 +77,8 @@ std::vector<int> LinesOf(const PreviewChoice& choice, const XpiModel* pModel)
     std::vector<int> ids;
     for (int i = 0, nLines = ListStatusLines(choice, pModel, aLines); i < nLines; i++) {
         ids.push_back(aLines[i].usString);
-        EXPECT_EQ(aLines[i].lCopies, ids.back() == 2601 || ids.back() == 2602 ? choice.lCopies : 0);
+        EXPECT_EQ(aLines[i].lCopies,
+                  ids.back() == IDS_STATUS_COPIES || ids.back() == IDS_STATUS_COLLATED ? choice.lCopies : 0);
     }
     return ids;
 }
@@ -179,7 +182,8 @@ TEST_F(ChoiceTest, DropsStatusLinesBehindTheFifth)
     record.rPrivate.sFrontCover = record.rPrivate.sBackCover = 1;
     record.rPrivate.sScale = 2;
     EXPECT_EQ(LinesOf(ChoiceFromRecord(record, lists), pModel.get()),
-              (std::vector<int>{2611, 2613, 2602, 2603, 2604}));
+              (std::vector<int>{IDS_STATUS_BOOKLET, IDS_STATUS_MONOCHROME, IDS_STATUS_COLLATED,
+                                IDS_STATUS_REVERSE, IDS_STATUS_FRONT_COVER}));
 }
 
 /* Each line is there exactly when the record says so and a line is free. */
@@ -212,19 +216,22 @@ TEST_F(ChoiceTest, HasALineForWhateverARecordChooses)
         std::vector<int> wanted;
         const auto Say = [&](bool bSaid, int nString) { bSaid ? wanted.push_back(nString) : void(); };
         const bool bColor = record.dmColor == 2 || part.ulColorMode == 42, bBook = part.sBookletPrint;
-        Say(bBook, 2611);
-        Say(pModel->usColorClass == 0 && !bColor, 2613);
-        Say(record.dmCopies > 1, record.dmCollate || bBook || part.lPagesPerSheet == 99 ? 2602 : 2601);
-        Say(part.sReverseOrder, 2603);
-        for (const auto& [nValue, nString] : std::map<int, int>{{1, 2604}, {2, 2605}}) {
+        Say(bBook, IDS_STATUS_BOOKLET);
+        Say(pModel->usColorClass == 0 && !bColor, IDS_STATUS_MONOCHROME);
+        Say(record.dmCopies > 1,
+            record.dmCollate || bBook || part.lPagesPerSheet == 99 ? IDS_STATUS_COLLATED : IDS_STATUS_COPIES);
+        Say(part.sReverseOrder, IDS_STATUS_REVERSE);
+        for (const auto& [nValue, nString] :
+             std::map<int, int>{{1, IDS_STATUS_FRONT_COVER}, {2, IDS_STATUS_FRONT_COVER_EMPTY}}) {
             Say(part.sFrontCover == nValue, nString);
         }
-        for (const auto& [nValue, nString] : std::map<int, int>{{1, 2606}, {2, 2614}}) {
+        for (const auto& [nValue, nString] :
+             std::map<int, int>{{1, IDS_STATUS_BACK_COVER}, {2, IDS_STATUS_BACK_COVER_EMPTY}}) {
             Say(part.sBackCover == nValue, nString);
         }
-        Say(part.sSeparators - 1u < 2u, 2606 + part.sSeparators);
-        Say(!bBook && record.dmDuplex / 2 == 1, 2607 + record.dmDuplex);
-        Say(part.sScale, 2612);
+        Say(part.sSeparators - 1u < 2u, IDS_STATUS_BACK_COVER + part.sSeparators);
+        Say(!bBook && record.dmDuplex / 2 == 1, IDS_STATUS_SEPARATORS + record.dmDuplex);
+        Say(part.sScale, IDS_STATUS_SCALED);
         nCut += wanted.size() > 5;
         wanted.resize(std::min<size_t>(wanted.size(), 5));
         ASSERT_EQ(LinesOf(ChoiceFromRecord(record, lists), pModel.get()), wanted) << i;
@@ -313,8 +320,8 @@ TEST_F(ChoiceTest, AsksForWhatTheRecordChooses)
                                     request.bBorders != 0, request.sPreviewControl, request.bCenterInFrame,
                                     request.bDeviceExtent, request.bColor,          request.sZoom,
                                     request.bNotCentered,  request.bFitZoom,        request.bWMOnePage};
-    EXPECT_EQ(found,
-              (std::vector<i32>{20320, 25400, 20320, 2, 1, 600, 4, 17, 0, 1, 1651, 0, 1, 1, 10000, 0, 0, 1}));
+    EXPECT_EQ(found, (std::vector<i32>{20320, 25400, 20320, 2, 1, 600, 4, 17, 0, 1, IDC_PREVIEW, 0, 1, 1,
+                                       10000, 0, 0, 1}));
     EXPECT_EQ(request.pWatermark, &copy);
     PreviewChoice typed = choice;
     for (const auto& [lTyped, sZoom] :

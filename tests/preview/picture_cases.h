@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "description/control_ids.h"
 #include "preview/preview_geometry.h"
 #include "preview/preview_tools.h"
 #include "support/bitmap_builder.h"
@@ -39,7 +40,7 @@ inline PictureCase SheetCase(const std::string& name, i16 sLayout = 1)
     sheet.request.sOrientation = 1;
     sheet.request.sResolution = 600;
     sheet.request.sLayout = sLayout;
-    sheet.request.sPreviewControl = 1651;
+    sheet.request.sPreviewControl = IDC_PREVIEW;
     sheet.request.bDeviceExtent = 1;
     sheet.request.bColor = 1;
     return sheet;

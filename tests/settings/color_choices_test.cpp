@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "description/driver_files.h"
-#include "settings/defaults.h"
+#include "settings/color_choices.h"
 #include "support/sample_machine.h"
 
 namespace {

@@ -1,8 +1,12 @@
 /* Edits on their way from pages to the host: two test pages over the templates of Layout and Paper, of which one
-   frames pages (1803, sPageBorders) and the other counts copies (1501, dmCopies). */
+   frames pages (sPageBorders) and the other counts copies (dmCopies). */
+#include "description/control_ids.h"
 #include "description/printer_store.h"
+#include "description/string_ids.h"
+#include "sheet/commit.h"
 #include "sheet/dialog_services.h"
-#include "sheet/pages.h"
+#include "sheet/edit_keys.h"
+#include "sheet/page_table.h"
 #include "support/same_bytes.h"
 #include "support/sheet_machine.h"
 #include "support/sweep_totals.h"
@@ -16,41 +20,43 @@ bool bRefuse, bDeviceKind;
 
 void InitFrames(HWND hPage, UiSession* pSession)
 {
-    CheckDlgButton(hPage, 1803, pSession->pRecord->rPrivate.sPageBorders ? BST_CHECKED : BST_UNCHECKED);
+    CheckDlgButton(hPage, IDC_LAYOUT_BORDERS,
+                   pSession->pRecord->rPrivate.sPageBorders ? BST_CHECKED : BST_UNCHECKED);
 }
 void CommandFrames(HWND, UiSession*, WPARAM, LPARAM) {}
 int FramesDiffer(HWND hPage, UiSession* pSession)
 {
-    return (IsDlgButtonChecked(hPage, 1803) == BST_CHECKED) !=
+    return (IsDlgButtonChecked(hPage, IDC_LAYOUT_BORDERS) == BST_CHECKED) !=
            (pSession->pRecord->rPrivate.sPageBorders != 0);
 }
 int ApplyFrames(HWND hPage, UiSession* pSession)
 {
     nAppliedPages++;
-    pSession->pRecord->rPrivate.sPageBorders = IsDlgButtonChecked(hPage, 1803) == BST_CHECKED;
+    pSession->pRecord->rPrivate.sPageBorders = IsDlgButtonChecked(hPage, IDC_LAYOUT_BORDERS) == BST_CHECKED;
     return !bRefuse;
 }
 void InitCopies(HWND hPage, UiSession* pSession)
 {
-    SetDlgItemInt(hPage, 1501, static_cast<UINT>(pSession->pRecord->dmCopies), 1);
+    SetDlgItemInt(hPage, IDC_PAPER_COPIES, static_cast<UINT>(pSession->pRecord->dmCopies), 1);
 }
 int CopiesDiffer(HWND hPage, UiSession* pSession)
 {
-    return ReadNumber(hPage, 1501) != pSession->pRecord->dmCopies;
+    return ReadNumber(hPage, IDC_PAPER_COPIES) != pSession->pRecord->dmCopies;
 }
 int ApplyCopies(HWND hPage, UiSession* pSession)
 {
     nAppliedPages++;
-    pSession->pRecord->dmCopies = static_cast<i16>(ReadNumber(hPage, 1501));
+    pSession->pRecord->dmCopies = static_cast<i16>(ReadNumber(hPage, IDC_PAPER_COPIES));
     return 1;
 }
 
 constexpr PageRoutines framesPage = {SLOT_LAYOUT, 0, InitFrames, FramesDiffer, ApplyFrames, nullptr, nullptr};
 constexpr PageRoutines copiesPage = {SLOT_PAPER, 0, InitCopies, CopiesDiffer, ApplyCopies, nullptr, nullptr};
 constexpr PageTableRow aTestPages[] = {
-    {SLOT_LAYOUT, 1002, 1002, 1002, PageProc<framesPage>, CommandFrames},
-    {SLOT_PAPER, 1003, 1003, 1003, PageProc<copiesPage>, CommandFrames},
-    {SLOT_FONTS, 1030, 1030, 0, PageProc<copiesPage>, CommandFrames}, /* not of a model without fonts */
+    {SLOT_LAYOUT, IDS_TITLE_LAYOUT, IDD_LAYOUT, IDD_LAYOUT, PageProc<framesPage>, CommandFrames},
+    {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, IDD_PAPER, PageProc<copiesPage>, CommandFrames},
+    {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, 0, PageProc<copiesPage>,
+     CommandFrames}, /* not of a model without fonts */
     {0, 0, 0, 0, nullptr, nullptr}};
 
 /* The start and the end of a sheet with these pages. */
@@ -88,12 +94,12 @@ class CommitTest : public SheetTest {
     void EditFrames()
     {
         ASSERT_TRUE(ShowSheetPage(pSheet, 0));
-        ASSERT_TRUE(ClickControl(Page(0), 1803));
+        ASSERT_TRUE(ClickControl(Page(0), IDC_LAYOUT_BORDERS));
     }
     void EditCopies(const WCHAR* wcText)
     {
         ASSERT_TRUE(ShowSheetPage(pSheet, 1));
-        ASSERT_TRUE(TypeText(Page(1), 1501, wcText));
+        ASSERT_TRUE(TypeText(Page(1), IDC_PAPER_COPIES, wcText));
     }
     bool IsDirty(int nSlot) const { return Session()->bPageDirty[nSlot] != 0; }
     bool IsSnapshotOf(const DriverDevmode& wanted) const { return SameBytes(Session()->rSnapshot, wanted); }
@@ -157,8 +163,8 @@ TEST_F(CommitTest, AConflictHoldsTheSheetAndNamesTheModelsText)
         WCHAR wcCaption[TEXT_CHARS] = {};
         GetWindowTextW(hDialog, wcCaption, TEXT_CHARS);
         wcTitle = wcCaption;
-        wcText = TextOf(hDialog, 1916);
-        ClickControl(hDialog, 1732);
+        wcText = TextOf(hDialog, IDC_NOTICE_TEXT);
+        ClickControl(hDialog, IDC_NOTICE_OK);
     });
     EXPECT_FALSE(PressSheetOk(pSheet));
     EXPECT_TRUE(IsSheetOpen(pSheet));
@@ -301,7 +307,7 @@ TEST_F(SheetFaults, EveryCallOfAFirstSheetFails)
     first();
     for (CallId call :
          {CALL_HeapAlloc, CALL_CreateFileW, CALL_WriteFile, CALL_LoadLibraryExW, CALL_LoadStringW}) {
-        const FaultSweep sweep = SweepFaults(call, FAIL_ONCE, 2000, first);
+        const FaultSweep sweep = SweepFaults(call, FAIL_ONCE, IDS_NO_TARGET, first);
         EXPECT_EQ(sweep.fault, "");
         EXPECT_GT(sweep.nFaults, 0) << CallName(call);
     }

@@ -1,25 +1,29 @@
 /* What pages and dialogs share, on the built library's own dialogs. */
 #include "sheet/dialog_services.h"
 
+#include "description/control_ids.h"
+#include "description/string_ids.h"
 #include "places.h"
+#include "sheet/edit_keys.h"
+#include "sheet/zoom_and_layout.h"
 #include "support/sheet_dialogs.h"
 #include "support/sweep.h"
 
 namespace {
 
 constexpr ComboTableRow aOrders[] = {
-    {16, 2330, 0, 0},
-    {16, 2331, 0, 1},
-    {16, 2332, 0, 2},
-    {16, 2333, 0, 3},
-    {16, 2334, 0, 16},
-    {16, 2335, 0, 17},
-    {16, 2336, 0, 18},
-    {16, 2337, 0, 19},
-    {1, 2338, 0, 0},
-    {1, 2339, 0, 1},
-    {2, 2340, 0, 0},
-    {2, 2341, 0, 1},
+    {16, IDS_ORDER_RIGHT_DOWN, 0, 0},
+    {16, IDS_ORDER_RIGHT_UP, 0, 1},
+    {16, IDS_ORDER_LEFT_DOWN, 0, 2},
+    {16, IDS_ORDER_LEFT_UP, 0, 3},
+    {16, IDS_ORDER_DOWN_RIGHT, 0, 16},
+    {16, IDS_ORDER_UP_RIGHT, 0, 17},
+    {16, IDS_ORDER_DOWN_LEFT, 0, 18},
+    {16, IDS_ORDER_UP_LEFT, 0, 19},
+    {1, IDS_ORDER_LEFT_TO_RIGHT, 0, 0},
+    {1, IDS_ORDER_RIGHT_TO_LEFT, 0, 1},
+    {2, IDS_ORDER_TOP_TO_BOTTOM, 0, 0},
+    {2, IDS_ORDER_BOTTOM_TO_TOP, 0, 1},
     {},
 };
 
@@ -65,49 +69,48 @@ class DialogServices : public SheetDialogs {
 
 TEST_F(DialogServices, ListsGoByTheirItemData)
 {
-    const HWND hPage = OpenTemplate(1002, hFrame);
-    constexpr int ORDER = 1323;
+    const HWND hPage = OpenTemplate(IDD_LAYOUT, hFrame);
     int bChosen = 7;
-    EXPECT_EQ(GetComboValue(hPage, ORDER, &bChosen), -1);
+    EXPECT_EQ(GetComboValue(hPage, IDC_LAYOUT_ORDER, &bChosen), -1);
     EXPECT_EQ(bChosen, 0);
-    EXPECT_EQ(SelectComboValue(hPage, ORDER, 0), -1) << "no rows";
+    EXPECT_EQ(SelectComboValue(hPage, IDC_LAYOUT_ORDER, 0), -1) << "no rows";
     EXPECT_EQ(GetComboValue(hPage, 4711, &bChosen), 0);
     EXPECT_EQ(bChosen, 0);
     EXPECT_EQ(SelectComboValue(hPage, 4711, 0), -1);
 
     for (const auto& [ulFilter, nRows] :
          std::vector<std::pair<u32, i64>>{{16, 8}, {1, 2}, {2, 2}, {3, 4}, {4, 0}, {ALL_ROWS, 12}}) {
-        FillComboFromTable(hPage, pSession.get(), ORDER, aOrders, ulFilter);
-        EXPECT_EQ(Count(hPage, ORDER), nRows) << ulFilter;
+        FillComboFromTable(hPage, pSession.get(), IDC_LAYOUT_ORDER, aOrders, ulFilter);
+        EXPECT_EQ(Count(hPage, IDC_LAYOUT_ORDER), nRows) << ulFilter;
     }
-    constexpr ComboTableRow aAlways[] = {{ALL_ROWS, 2754, 0, 0xFFFFFFFF}, {8, 2752, 0, 5}, {}};
-    FillComboFromTable(hPage, pSession.get(), ORDER, aAlways, 2);
+    constexpr ComboTableRow aAlways[] = {
+        {ALL_ROWS, IDS_LAYOUT_BOOKLET, 0, 0xFFFFFFFF}, {8, IDS_LAYOUT_PAGES, 0, 5}, {}};
+    FillComboFromTable(hPage, pSession.get(), IDC_LAYOUT_ORDER, aAlways, 2);
     WCHAR wcText[128] = u"";
-    SendDlgItemMessageW(hPage, ORDER, CB_GETLBTEXT, 0, reinterpret_cast<LPARAM>(wcText));
+    SendDlgItemMessageW(hPage, IDC_LAYOUT_ORDER, CB_GETLBTEXT, 0, reinterpret_cast<LPARAM>(wcText));
     EXPECT_EQ(Narrow(wcText), "Booklet");
-    EXPECT_EQ(SelectComboValue(hPage, ORDER, -1), 0);
-    EXPECT_EQ(GetComboValue(hPage, ORDER, &bChosen), -1);
+    EXPECT_EQ(SelectComboValue(hPage, IDC_LAYOUT_ORDER, -1), 0);
+    EXPECT_EQ(GetComboValue(hPage, IDC_LAYOUT_ORDER, &bChosen), -1);
     EXPECT_EQ(bChosen, 1) << "a row whose value is -1";
 
-    FillComboFromTable(hPage, pSession.get(), ORDER, aOrders, 16);
-    EXPECT_EQ(SelectComboValue(hPage, ORDER, 17), 5);
-    EXPECT_EQ(GetComboValue(hPage, ORDER, nullptr), 17);
-    EXPECT_EQ(SelectComboValue(hPage, ORDER, 4), -1);
-    EXPECT_EQ(GetComboValue(hPage, ORDER, &bChosen), 0) << "the first row stands in";
+    FillComboFromTable(hPage, pSession.get(), IDC_LAYOUT_ORDER, aOrders, 16);
+    EXPECT_EQ(SelectComboValue(hPage, IDC_LAYOUT_ORDER, 17), 5);
+    EXPECT_EQ(GetComboValue(hPage, IDC_LAYOUT_ORDER, nullptr), 17);
+    EXPECT_EQ(SelectComboValue(hPage, IDC_LAYOUT_ORDER, 4), -1);
+    EXPECT_EQ(GetComboValue(hPage, IDC_LAYOUT_ORDER, &bChosen), 0) << "the first row stands in";
     EXPECT_EQ(bChosen, 1);
 
-    const HWND hList = OpenTemplate(1040, hFrame);
-    constexpr int WATERMARKS = 1405;
+    const HWND hList = OpenTemplate(IDD_WATERMARKS, hFrame);
     for (i64 lData : {5, 9}) {
-        const LRESULT nRow =
-            SendDlgItemMessageW(hList, WATERMARKS, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(u"row"));
-        SendDlgItemMessageW(hList, WATERMARKS, LB_SETITEMDATA, static_cast<WPARAM>(nRow), lData);
+        const LRESULT nRow = SendDlgItemMessageW(hList, IDC_WATERMARKS_LIST, LB_ADDSTRING, 0,
+                                                 reinterpret_cast<LPARAM>(u"row"));
+        SendDlgItemMessageW(hList, IDC_WATERMARKS_LIST, LB_SETITEMDATA, static_cast<WPARAM>(nRow), lData);
     }
-    EXPECT_EQ(GetListValue(hList, WATERMARKS, &bChosen), -1);
-    EXPECT_EQ(SelectListValue(hList, WATERMARKS, 9), 1);
-    EXPECT_EQ(GetListValue(hList, WATERMARKS, &bChosen), 9);
-    EXPECT_EQ(SelectListValue(hList, WATERMARKS, 1), -1);
-    EXPECT_EQ(GetListValue(hList, WATERMARKS, nullptr), 5);
+    EXPECT_EQ(GetListValue(hList, IDC_WATERMARKS_LIST, &bChosen), -1);
+    EXPECT_EQ(SelectListValue(hList, IDC_WATERMARKS_LIST, 9), 1);
+    EXPECT_EQ(GetListValue(hList, IDC_WATERMARKS_LIST, &bChosen), 9);
+    EXPECT_EQ(SelectListValue(hList, IDC_WATERMARKS_LIST, 1), -1);
+    EXPECT_EQ(GetListValue(hList, IDC_WATERMARKS_LIST, nullptr), 5);
 }
 
 /* In a library whose string n reads "n", each control that has a string shows its own number. */
@@ -123,8 +126,9 @@ TEST_F(DialogServices, LabelsComeFromTheStringOfTheirNumber)
     }
     UseStrings(strings);
     int nLabelled = 0;
-    for (int nTemplate : {1002, 1003, 1004, 1007, 1008, 1011, 1030, 1031, 1032, 1040, 1041, 1042, 1063, 1064,
-                          1090, 1091, 1098, 1099}) {
+    for (int nTemplate : {IDD_LAYOUT, IDD_PAPER, IDD_QUALITY, IDD_FILES, IDD_SIZES, IDD_SIZE, IDD_FONTS,
+                          IDD_DEVICE_FONTS, IDD_PAIR, IDD_WATERMARKS, IDD_TEXT_MARK, IDD_IMAGE_MARK,
+                          IDD_OPTIONS3, IDD_OPTIONS4, IDD_NOTICE, IDD_QUESTION, IDD_ABOUT_PAGE, IDD_ABOUT}) {
         const HWND hDialog = OpenTemplate(nTemplate, hFrame);
         std::map<int, std::string> before;
         const auto keepText = [](HWND hControl, LPARAM lParam) -> BOOL {
@@ -142,27 +146,26 @@ TEST_F(DialogServices, LabelsComeFromTheStringOfTheirNumber)
     }
     EXPECT_GT(nLabelled, 150);
 
-    const HWND hPage = OpenTemplate(1002, hFrame);
-    UseStrings({{1132, u"taken"}});
+    const HWND hPage = OpenTemplate(IDD_LAYOUT, hFrame);
+    UseStrings({{IDC_QUALITY_CORRECTION_LABEL, u"taken"}});
     LabelControls(hPage, pSession.get());
-    EXPECT_EQ(TextOf(hPage, 1701), "About...") << "what the template says stays";
-    SetLabel(hPage, pSession.get(), 1701, 1703);
-    EXPECT_EQ(TextOf(hPage, 1701), "About...");
-    SetLabel(hPage, pSession.get(), 1701, 1132);
-    EXPECT_EQ(TextOf(hPage, 1701), "taken");
+    EXPECT_EQ(TextOf(hPage, IDC_ABOUT), "About...") << "what the template says stays";
+    SetLabel(hPage, pSession.get(), IDC_ABOUT, IDC_CANCEL);
+    EXPECT_EQ(TextOf(hPage, IDC_ABOUT), "About...");
+    SetLabel(hPage, pSession.get(), IDC_ABOUT, IDC_QUALITY_CORRECTION_LABEL);
+    EXPECT_EQ(TextOf(hPage, IDC_ABOUT), "taken");
 }
 
 TEST_F(DialogServices, MeasuresAndTheirSpins)
 {
-    const HWND hDialog = OpenTemplate(1011, hFrame);
-    constexpr int WIDTH = 1504, SPIN = 1622;
+    const HWND hDialog = OpenTemplate(IDD_SIZE, hFrame);
     const auto shown = [&](i32 lValue, int bMetric, RoundingMode mode) {
-        ShowMeasure(hDialog, pSession.get(), WIDTH, lValue, bMetric, mode);
-        return TextOf(hDialog, WIDTH);
+        ShowMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, lValue, bMetric, mode);
+        return TextOf(hDialog, IDC_SIZE_WIDTH);
     };
     const auto read = [&](const std::string& text, int bMetric) {
-        SetDlgItemTextW(hDialog, WIDTH, Wide(text).c_str());
-        return ReadMeasure(hDialog, pSession.get(), WIDTH, bMetric);
+        SetDlgItemTextW(hDialog, IDC_SIZE_WIDTH, Wide(text).c_str());
+        return ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, bMetric);
     };
     EXPECT_EQ(shown(2540, 0, ROUND_NEAREST), "1.00");
     EXPECT_EQ(shown(-50, 1, ROUND_NEAREST), "-0.5");
@@ -175,32 +178,35 @@ TEST_F(DialogServices, MeasuresAndTheirSpins)
     EXPECT_EQ(read("1,5", 0), 3810);
     CopyWide(pSession->rLanguage.wcDecimal, 4, u".");
     TellLies(LIE_UNTERMINATED, CALL_GetDlgItemTextW);
-    EXPECT_EQ(ReadMeasure(hDialog, pSession.get(), WIDTH, 1), 0x7FFFFFFF);
+    EXPECT_EQ(ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, 1), 0x7FFFFFFF);
     TellLies(LIE_NONE);
 
-    EXPECT_EQ(Spun(hDialog, SPIN, WIDTH, "12.60", {0}), "12.59") << "the maximum, rounded down";
-    EXPECT_EQ(Spun(hDialog, SPIN, WIDTH, "3.00", {1, 8}), "3.00");
-    EXPECT_EQ(Spun(hDialog, SPIN, WIDTH, "100.0", {0, 0, 1}, 1), "100.1");
-    EXPECT_EQ(Spun(hDialog, 1623, 1505, "200.0", {8}, 1), "200.0");
-    const HWND hEditor = OpenTemplate(1042, hFrame);
-    EXPECT_EQ(Spun(hEditor, 1624, 1511, "0.00", {0, 0, 0, 0, 0}), "0.05");
-    EXPECT_EQ(Spun(hEditor, 1625, 1512, "-249.9", {1, 1}, 1), "-250.0");
+    EXPECT_EQ(Spun(hDialog, IDC_SIZE_WIDTH_SPIN, IDC_SIZE_WIDTH, "12.60", {0}), "12.59")
+        << "the maximum, rounded down";
+    EXPECT_EQ(Spun(hDialog, IDC_SIZE_WIDTH_SPIN, IDC_SIZE_WIDTH, "3.00", {1, 8}), "3.00");
+    EXPECT_EQ(Spun(hDialog, IDC_SIZE_WIDTH_SPIN, IDC_SIZE_WIDTH, "100.0", {0, 0, 1}, 1), "100.1");
+    EXPECT_EQ(Spun(hDialog, IDC_SIZE_LENGTH_SPIN, IDC_SIZE_LENGTH, "200.0", {8}, 1), "200.0");
+    const HWND hEditor = OpenTemplate(IDD_IMAGE_MARK, hFrame);
+    EXPECT_EQ(Spun(hEditor, IDC_MARK_X_SPIN, IDC_MARK_X, "0.00", {0, 0, 0, 0, 0}), "0.05");
+    EXPECT_EQ(Spun(hEditor, IDC_MARK_Y_SPIN, IDC_MARK_Y, "-249.9", {1, 1}, 1), "-250.0");
 
-    const HWND hLayout = OpenTemplate(1002, hFrame), hPaper = OpenTemplate(1003, hFrame),
-               hQuality = OpenTemplate(1004, hFrame);
-    EXPECT_EQ(Spun(hLayout, 1606, 1513, "4", {0, 8}), "8");
-    EXPECT_EQ(Spun(hLayout, 1606, 1513, "32762", {0}), "32764");
-    EXPECT_EQ(Spun(hPaper, 1601, 1501, "250", {8}), "99");
-    EXPECT_EQ(Spun(hPaper, 1601, 1501, "text", {1}), "1");
-    EXPECT_EQ(Spun(hQuality, 1612, 1530, "-50", {1}), "-50");
-    EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0, reinterpret_cast<LPARAM>(GetDlgItem(hPaper, 1602)), 0),
+    const HWND hLayout = OpenTemplate(IDD_LAYOUT, hFrame), hPaper = OpenTemplate(IDD_PAPER, hFrame),
+               hQuality = OpenTemplate(IDD_QUALITY, hFrame);
+    EXPECT_EQ(Spun(hLayout, IDC_LAYOUT_BOOKLET_SPIN, IDC_LAYOUT_BOOKLET, "4", {0, 8}), "8");
+    EXPECT_EQ(Spun(hLayout, IDC_LAYOUT_BOOKLET_SPIN, IDC_LAYOUT_BOOKLET, "32762", {0}), "32764");
+    EXPECT_EQ(Spun(hPaper, IDC_PAPER_COPIES_SPIN, IDC_PAPER_COPIES, "250", {8}), "99");
+    EXPECT_EQ(Spun(hPaper, IDC_PAPER_COPIES_SPIN, IDC_PAPER_COPIES, "text", {1}), "1");
+    EXPECT_EQ(Spun(hQuality, IDC_QUALITY_CONTRAST_SPIN, IDC_QUALITY_CONTRAST, "-50", {1}), "-50");
+    EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0,
+                         reinterpret_cast<LPARAM>(GetDlgItem(hPaper, IDC_PAPER_ZOOM_BAR)), 0),
               0);
     EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0, 0, 0), 0);
     pSession->pXpi.reset();
-    SetDlgItemTextW(hDialog, WIDTH, u"5");
-    EXPECT_EQ(HandleSpin(hDialog, pSession.get(), 0, reinterpret_cast<LPARAM>(GetDlgItem(hDialog, SPIN)), 0),
+    SetDlgItemTextW(hDialog, IDC_SIZE_WIDTH, u"5");
+    EXPECT_EQ(HandleSpin(hDialog, pSession.get(), 0,
+                         reinterpret_cast<LPARAM>(GetDlgItem(hDialog, IDC_SIZE_WIDTH_SPIN)), 0),
               0);
-    EXPECT_EQ(TextOf(hDialog, WIDTH), "5");
+    EXPECT_EQ(TextOf(hDialog, IDC_SIZE_WIDTH), "5");
 }
 
 /* Stands where an edit control's own procedure does, and keeps what reaches it. */
@@ -219,48 +225,48 @@ LRESULT CALLBACK CountingProc(HWND hEdit, UINT uMessage, WPARAM wParam, LPARAM l
 
 TEST_F(DialogServices, KeysStepNumericEdits)
 {
-    const HWND hPaper = OpenTemplate(1003, hFrame), hSize = OpenTemplate(1011, hFrame);
+    const HWND hPaper = OpenTemplate(IDD_PAPER, hFrame), hSize = OpenTemplate(IDD_SIZE, hFrame);
     u32 bMetric = 1;
     nKeys = nCharacters = nTexts = nOwnAtEnd = 0;
-    for (const auto& [hDialog, nEdit] :
-         std::vector<std::pair<HWND, int>>{{hPaper, 1501}, {hPaper, 1506}, {hSize, 1504}}) {
+    for (const auto& [hDialog, nEdit] : std::vector<std::pair<HWND, int>>{
+             {hPaper, IDC_PAPER_COPIES}, {hPaper, IDC_PAPER_ZOOM}, {hSize, IDC_SIZE_WIDTH}}) {
         pfnBelow = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(GetDlgItem(hDialog, nEdit), GWLP_WNDPROC,
                                                                reinterpret_cast<LONG_PTR>(CountingProc)));
     }
     for (int nTimes = 0; nTimes < 2; nTimes++) { /* a page's start is also its reload */
-        SubclassNumberEdit(hPaper, pSession.get(), 1501);
-        SubclassNumberEdit(hPaper, pSession.get(), 1506);
-        SubclassMeasureEdit(hSize, pSession.get(), 1504, &bMetric);
+        SubclassNumberEdit(hPaper, pSession.get(), IDC_PAPER_COPIES);
+        SubclassNumberEdit(hPaper, pSession.get(), IDC_PAPER_ZOOM);
+        SubclassMeasureEdit(hSize, pSession.get(), IDC_SIZE_WIDTH, &bMetric);
         SubclassNumberEdit(hPaper, pSession.get(), 4711);
     }
     EXPECT_EQ(pSession->pfnEditProc, CountingProc);
 
-    EXPECT_EQ(Pressed(hPaper, 1501, "5", {VK_NEXT}), "99");
-    EXPECT_EQ(Pressed(hPaper, 1501, "11", {VK_NEXT}), "1");
-    EXPECT_EQ(Pressed(hPaper, 1501, "5", {VK_UP, VK_UP, VK_DOWN, VK_PRIOR}), "16");
-    EXPECT_EQ(Pressed(hPaper, 1506, "130", {VK_HOME}), "100");
-    EXPECT_EQ(Pressed(hPaper, 1506, "395", {VK_PRIOR}), "400");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_COPIES, "5", {VK_NEXT}), "99");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_COPIES, "11", {VK_NEXT}), "1");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_COPIES, "5", {VK_UP, VK_UP, VK_DOWN, VK_PRIOR}), "16");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_ZOOM, "130", {VK_HOME}), "100");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_ZOOM, "395", {VK_PRIOR}), "400");
     EXPECT_EQ(nKeys, 0) << "the control does not see these keys";
     nTexts = 0;
-    EXPECT_EQ(Pressed(hPaper, 1501, "99", {VK_END, VK_UP}), "99");
+    EXPECT_EQ(Pressed(hPaper, IDC_PAPER_COPIES, "99", {VK_END, VK_UP}), "99");
     EXPECT_EQ(nTexts, 1) << "what stays the same is not written";
 
     nCharacters = 0;
-    SendMessageW(GetDlgItem(hPaper, 1506), WM_CHAR, '7', 0);
+    SendMessageW(GetDlgItem(hPaper, IDC_PAPER_ZOOM), WM_CHAR, '7', 0);
     EXPECT_EQ(nCharacters, 1) << "two controls, one own procedure";
-    SetFocus(GetDlgItem(hPaper, 1506));
+    SetFocus(GetDlgItem(hPaper, IDC_PAPER_ZOOM));
     SendKey(VK_LEFT);
     EXPECT_EQ(nKeys, 1);
 
-    EXPECT_EQ(Pressed(hSize, 1504, "100.0", {VK_HOME}), "77.0");
-    EXPECT_EQ(Pressed(hSize, 1504, "100.0", {VK_NEXT, VK_DOWN}), "98.9") << "1.0 and 0.1 mm";
-    EXPECT_EQ(Pressed(hSize, 1504, "1", {VK_UP}), "76.2");
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "100.0", {VK_HOME}), "77.0");
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "100.0", {VK_NEXT, VK_DOWN}), "98.9") << "1.0 and 0.1 mm";
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "1", {VK_UP}), "76.2");
     bMetric = 0;
-    EXPECT_EQ(Pressed(hSize, 1504, "9", {VK_HOME}), "4.00");
-    EXPECT_EQ(Pressed(hSize, 1504, "9", {VK_END}), "12.59");
-    EXPECT_EQ(Pressed(hSize, 1504, "3.00", {VK_DOWN}), "3.00");
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "9", {VK_HOME}), "4.00");
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "9", {VK_END}), "12.59");
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "3.00", {VK_DOWN}), "3.00");
     pSession->pXpi.reset();
-    EXPECT_EQ(Pressed(hSize, 1504, "9", {VK_UP}), "9") << "without a model a key is a key";
+    EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "9", {VK_UP}), "9") << "without a model a key is a key";
 
     CloseWindows();
     EXPECT_EQ(nOwnAtEnd, 3);
@@ -290,23 +296,24 @@ TEST_F(DialogServices, ZoomAndLayoutExcludeEachOther)
     part.lPagesPerSheet = 2;
     part.sScale = 66;
     part.sScaleTarget = 150;
-    const HWND hLayout = p->hPageWnd[SLOT_LAYOUT] = OpenTemplate(1002, hFrame);
-    const HWND hPaper = p->hPageWnd[SLOT_PAPER] = OpenTemplate(1003, hFrame);
-    constexpr ComboTableRow aTypes[] = {{ALL_ROWS, 2752, 0, 0}, {ALL_ROWS, 2754, 0, 99}, {}};
-    constexpr ComboTableRow aPages[] = {{ALL_ROWS, 2320, 0, 1}, {ALL_ROWS, 2323, 0, 4}, {}};
+    const HWND hLayout = p->hPageWnd[SLOT_LAYOUT] = OpenTemplate(IDD_LAYOUT, hFrame);
+    const HWND hPaper = p->hPageWnd[SLOT_PAPER] = OpenTemplate(IDD_PAPER, hFrame);
+    constexpr ComboTableRow aTypes[] = {
+        {ALL_ROWS, IDS_LAYOUT_PAGES, 0, 0}, {ALL_ROWS, IDS_LAYOUT_BOOKLET, 0, 99}, {}};
+    constexpr ComboTableRow aPages[] = {{ALL_ROWS, IDS_PAGES_1, 0, 1}, {ALL_ROWS, IDS_PAGES_4, 0, 4}, {}};
     EXPECT_EQ(ScalingAllowed(p), 0) << "nothing is chosen";
-    FillComboFromTable(hLayout, p, 1359, aTypes, ALL_ROWS);
-    FillComboFromTable(hLayout, p, 1306, aPages, ALL_ROWS);
-    SelectComboValue(hLayout, 1359, 0);
-    SelectComboValue(hLayout, 1306, 1);
+    FillComboFromTable(hLayout, p, IDC_LAYOUT_TYPE, aTypes, ALL_ROWS);
+    FillComboFromTable(hLayout, p, IDC_LAYOUT_PAGES, aPages, ALL_ROWS);
+    SelectComboValue(hLayout, IDC_LAYOUT_TYPE, 0);
+    SelectComboValue(hLayout, IDC_LAYOUT_PAGES, 1);
     EXPECT_EQ(ScalingAllowed(p), 1);
     EXPECT_EQ(NupActive(p), 0);
-    SelectComboValue(hLayout, 1306, 4);
+    SelectComboValue(hLayout, IDC_LAYOUT_PAGES, 4);
     EXPECT_EQ(ScalingAllowed(p), 0);
     EXPECT_EQ(NupActive(p), 1);
-    SetDlgItemInt(hPaper, 1506, 100, 0);
+    SetDlgItemInt(hPaper, IDC_PAPER_ZOOM, 100, 0);
     EXPECT_EQ(IsZoom100(p), 1);
-    SetDlgItemInt(hPaper, 1506, 99, 0);
+    SetDlgItemInt(hPaper, IDC_PAPER_ZOOM, 99, 0);
     EXPECT_EQ(IsZoom100(p), 0);
 
     const auto enabled = [](HWND hPage, std::initializer_list<int> controls) {
@@ -316,16 +323,22 @@ TEST_F(DialogServices, ZoomAndLayoutExcludeEachOther)
         }
         return states;
     };
-    const auto layout = [&] { return enabled(hLayout, {1148, 1997, 1359, 1998, 1306, 1348, 1221}); };
+    const auto layout = [&] {
+        return enabled(hLayout,
+                       {IDC_LAYOUT_GROUP, IDC_LAYOUT_TYPE_LABEL, IDC_LAYOUT_TYPE, IDC_LAYOUT_PAGES_LABEL,
+                        IDC_LAYOUT_PAGES, IDC_LAYOUT_POSTER, IDC_LAYOUT_PORTRAIT});
+    };
     EnableLayoutGroup(p, 0);
     EXPECT_EQ(layout(), "0000001");
-    EnableWindow(GetDlgItem(hLayout, 1306), 1);
+    EnableWindow(GetDlgItem(hLayout, IDC_LAYOUT_PAGES), 1);
     EnableLayoutGroup(p, 0);
     EXPECT_EQ(layout(), "0000101") << "it acts only on a change of the group";
     EnableLayoutGroup(p, 100);
     EXPECT_EQ(layout(), "1111111");
     EnableScalingGroup(p, 0);
-    EXPECT_EQ(enabled(hPaper, {1122, 1506, 1602, 1877, 1825, 1501}), "000001");
+    EXPECT_EQ(enabled(hPaper, {IDC_PAPER_ZOOM_LABEL, IDC_PAPER_ZOOM, IDC_PAPER_ZOOM_BAR, IDC_PERCENT,
+                               IDC_PAPER_CENTRE, IDC_PAPER_COPIES}),
+              "000001");
     EXPECT_EQ(layout(), "1111111");
 }
 
@@ -349,7 +362,7 @@ TEST_F(DialogServices, PlacesOfControlsAndDialogs)
         return std::vector<LONG>{rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
     };
     const HWND hParent = OpenFrame(100, 50, 301, 400);
-    const HWND hDialog = OpenTemplate(1091, hParent);
+    const HWND hDialog = OpenTemplate(IDD_QUESTION, hParent);
     MoveWindow(hDialog, 7, 7, 200, 100, 0);
     CentreDialog(hDialog, CENTRE_X, 25);
     EXPECT_EQ(placed(hDialog), (std::vector<LONG>{150, 75, 200, 100}));
@@ -367,14 +380,14 @@ TEST_F(DialogServices, PlacesOfControlsAndDialogs)
     CentreDialog(hParent, CENTRE_X, CENTRE_Y);
     EXPECT_EQ(placed(hParent), (std::vector<LONG>{100, 50, 200, 400})) << "a window without a parent";
 
-    const HWND hPage = OpenTemplate(1002, hFrame, PaintProc);
+    const HWND hPage = OpenTemplate(IDD_LAYOUT, hFrame, PaintProc);
     PaintWindows(hPage);
     nPaintings = 0;
     RECT rect, screen;
-    ASSERT_TRUE(ControlRect(hPage, 1651, &rect));
-    GetWindowRect(GetDlgItem(hPage, 1651), &screen);
+    ASSERT_TRUE(ControlRect(hPage, IDC_PREVIEW, &rect));
+    GetWindowRect(GetDlgItem(hPage, IDC_PREVIEW), &screen);
     EXPECT_EQ(rect.right - rect.left, screen.right - screen.left);
-    RepaintControl(hPage, 1651);
+    RepaintControl(hPage, IDC_PREVIEW);
     EXPECT_EQ(nPaintings, 1) << "at once";
     EXPECT_EQ(std::memcmp(&rcPainted, &rect, sizeof rect), 0);
     RepaintControl(hPage, 4711);
@@ -386,21 +399,21 @@ TEST_F(DialogServices, SurviveEveryFailure)
 {
     const auto body = [&] {
         UiSession* p = pSession.get();
-        const HWND hLayout = p->hPageWnd[SLOT_LAYOUT] = OpenTemplate(1002, hFrame);
-        const HWND hPaper = p->hPageWnd[SLOT_PAPER] = OpenTemplate(1003, hFrame);
+        const HWND hLayout = p->hPageWnd[SLOT_LAYOUT] = OpenTemplate(IDD_LAYOUT, hFrame);
+        const HWND hPaper = p->hPageWnd[SLOT_PAPER] = OpenTemplate(IDD_PAPER, hFrame);
         LabelControls(hPaper, p);
-        FillComboFromTable(hLayout, p, 1323, aOrders, 1);
-        SelectComboValue(hLayout, 1323, 1);
-        GetComboValue(hLayout, 1323, nullptr);
-        SubclassNumberEdit(hPaper, p, 1501);
-        SetFocus(GetDlgItem(hPaper, 1501));
+        FillComboFromTable(hLayout, p, IDC_LAYOUT_ORDER, aOrders, 1);
+        SelectComboValue(hLayout, IDC_LAYOUT_ORDER, 1);
+        GetComboValue(hLayout, IDC_LAYOUT_ORDER, nullptr);
+        SubclassNumberEdit(hPaper, p, IDC_PAPER_COPIES);
+        SetFocus(GetDlgItem(hPaper, IDC_PAPER_COPIES));
         SendKey(VK_UP);
-        TypeText(hPaper, 1501, u"3");
-        SpinEdit(hPaper, SPIN_UP, 1501, 1, 99);
-        StepMeasureEdit(hPaper, p, SPIN_UP, 1501, 1, 99, 1);
+        TypeText(hPaper, IDC_PAPER_COPIES, u"3");
+        SpinEdit(hPaper, SPIN_UP, IDC_PAPER_COPIES, 1, 99);
+        StepMeasureEdit(hPaper, p, SPIN_UP, IDC_PAPER_COPIES, 1, 99, 1);
         EnableLayoutGroup(p, IsZoom100(p));
         EnableScalingGroup(p, ScalingAllowed(p));
-        RepaintControl(hPaper, 1651);
+        RepaintControl(hPaper, IDC_PREVIEW);
         CentreDialog(hPaper, CENTRE_X, CENTRE_Y);
         p->hPageWnd[SLOT_LAYOUT] = p->hPageWnd[SLOT_PAPER] = nullptr;
         p->pfnEditProc = nullptr;

@@ -1,10 +1,9 @@
 /* The duplex picture: which one is shown, loaded how often, and given back when. */
+#include "description/control_ids.h"
 #include "sheet/duplex_picture.h"
 #include "support/sheet_dialogs.h"
 
 namespace {
-
-constexpr int LAYOUT_PAGE = 1002, RADIO_NONE = 1205, RADIO_LONG = 1206, RADIO_SHORT = 1207, PICTURE = 1653;
 
 class DuplexPicture : public SheetDialogs {
   protected:
@@ -12,7 +11,7 @@ class DuplexPicture : public SheetDialogs {
     {
         SheetDialogs::SetUp();
         OpenSession(SizedModel());
-        hPage = OpenTemplate(LAYOUT_PAGE, OpenFrame());
+        hPage = OpenTemplate(IDD_LAYOUT, OpenFrame());
         pSession->hPageWnd[SLOT_LAYOUT] = hPage;
     }
     void TearDown() override
@@ -23,13 +22,14 @@ class DuplexPicture : public SheetDialogs {
 
     HBITMAP ShownFor(int nRadio)
     {
-        CheckRadioButton(hPage, RADIO_NONE, RADIO_SHORT, nRadio);
+        CheckRadioButton(hPage, IDC_LAYOUT_ONE_SIDE, IDC_LAYOUT_SHORT_EDGE, nRadio);
         ShowDuplexPicture(hPage, pSession.get());
         return Shown();
     }
     HBITMAP Shown() const
     {
-        return reinterpret_cast<HBITMAP>(SendDlgItemMessageW(hPage, PICTURE, STM_GETIMAGE, IMAGE_BITMAP, 0));
+        return reinterpret_cast<HBITMAP>(
+            SendDlgItemMessageW(hPage, IDC_LAYOUT_DUPLEX_PICTURE, STM_GETIMAGE, IMAGE_BITMAP, 0));
     }
     Bytes Resource(LPCWSTR wcName) const
     {
@@ -43,10 +43,10 @@ class DuplexPicture : public SheetDialogs {
 
 TEST_F(DuplexPicture, FollowsTheRadiosAndIsLoadedOnce)
 {
-    const std::pair<int, LPCWSTR> rows[] = {{RADIO_LONG, u"DUPLONG"},
-                                            {RADIO_SHORT, u"DUPSHORT"},
-                                            {RADIO_NONE, u"DUPSIMPLE"},
-                                            {RADIO_LONG, u"DUPLONG"}};
+    const std::pair<int, LPCWSTR> rows[] = {{IDC_LAYOUT_LONG_EDGE, u"DUPLONG"},
+                                            {IDC_LAYOUT_SHORT_EDGE, u"DUPSHORT"},
+                                            {IDC_LAYOUT_ONE_SIDE, u"DUPSIMPLE"},
+                                            {IDC_LAYOUT_LONG_EDGE, u"DUPLONG"}};
     for (const auto& [nRadio, wcName] : rows) {
         PictureSize size;
         Bytes bytes;
@@ -58,29 +58,30 @@ TEST_F(DuplexPicture, FollowsTheRadiosAndIsLoadedOnce)
     PaintWindows(hPage);
     ShowDuplexPicture(hPage, pSession.get());
     RECT rInvalid;
-    EXPECT_FALSE(GetInvalidRect(GetDlgItem(hPage, PICTURE), &rInvalid)) << "the same picture painted again";
+    EXPECT_FALSE(GetInvalidRect(GetDlgItem(hPage, IDC_LAYOUT_DUPLEX_PICTURE), &rInvalid))
+        << "the same picture painted again";
 }
 
 TEST_F(DuplexPicture, TheControlLetsGoBeforePicturesAreDeleted)
 {
-    ShownFor(RADIO_LONG);
-    ShownFor(RADIO_SHORT);
+    ShownFor(IDC_LAYOUT_LONG_EDGE);
+    ShownFor(IDC_LAYOUT_SHORT_EDGE);
     DropDuplexPictures(pSession.get());
     EXPECT_EQ(Shown(), nullptr);
     EXPECT_EQ(CountLive().nGdiObjects, 0);
-    EXPECT_NE(ShownFor(RADIO_SHORT), nullptr) << "loaded anew";
+    EXPECT_NE(ShownFor(IDC_LAYOUT_SHORT_EDGE), nullptr) << "loaded anew";
 }
 
 TEST_F(DuplexPicture, WithoutLibraryPictureOrControlNothingIsShown)
 {
     FailCall(CALL_LoadImageW, 1);
-    EXPECT_EQ(ShownFor(RADIO_LONG), nullptr);
+    EXPECT_EQ(ShownFor(IDC_LAYOUT_LONG_EDGE), nullptr);
     EXPECT_EQ(StopFaults(), 1);
-    EXPECT_NE(ShownFor(RADIO_LONG), nullptr) << "tried again at the next painting";
+    EXPECT_NE(ShownFor(IDC_LAYOUT_LONG_EDGE), nullptr) << "tried again at the next painting";
     const int nLoaded = CallCount(CALL_LoadImageW);
     ShowDuplexPicture(OpenFrame(), pSession.get());
     pSession->hLanguageDll.reset();
-    ShownFor(RADIO_SHORT);
+    ShownFor(IDC_LAYOUT_SHORT_EDGE);
     EXPECT_EQ(CallCount(CALL_LoadImageW), nLoaded);
 }
 

@@ -1,6 +1,8 @@
 /* The notices and the About box as the user sees them; the version resource that the box reads, also where it lies. */
 #include "sheet/notices.h"
 
+#include "description/control_ids.h"
+#include "description/string_ids.h"
 #include "places.h"
 #include "sheet/about.h"
 #include "sheet/version_text.h"
@@ -34,11 +36,12 @@ class Notices : public SheetDialogs {
         std::string shown;
         QueueModalStep([&](HWND hDialog) {
             shown = TitleOf(hDialog);
-            const LRESULT lIcon = SendDlgItemMessageW(hDialog, 1652, STM_GETICON, 0, 0);
+            const LRESULT lIcon = SendDlgItemMessageW(hDialog, IDC_NOTICE_ICON, STM_GETICON, 0, 0);
             shown += lIcon == reinterpret_cast<LRESULT>(LoadIconW(nullptr, IDI_HAND))          ? " (stop)"
                      : lIcon == reinterpret_cast<LRESULT>(LoadIconW(nullptr, IDI_EXCLAMATION)) ? " (warning)"
                                                                                                : " (?)";
-            for (int nControl : {1916, 1921, 1922, 1923, 1924, 1732, 1702, 1703}) {
+            for (int nControl : {IDC_NOTICE_TEXT, IDC_NOTICE_LINE1, IDC_NOTICE_LINE2, IDC_NOTICE_LINE3,
+                                 IDC_NOTICE_LINE4, IDC_NOTICE_OK, IDC_OK, IDC_CANCEL}) {
                 if (IsSeen(hDialog, nControl)) {
                     shown += "|" + TextOf(hDialog, nControl);
                 }
@@ -53,20 +56,20 @@ class Notices : public SheetDialogs {
         return shown;
     }
 
-    /* The lines of the About box from 1896 to 1901. */
+    /* The lines of the About box from IDC_ABOUT_LINE1 to IDC_ABOUT_LINE6. */
     std::vector<std::string> About()
     {
         std::vector<std::string> lines;
         QueueModalStep([&](HWND hDialog) {
             EXPECT_EQ(TitleOf(hDialog), "About");
-            EXPECT_NE(SendDlgItemMessageW(hDialog, 1692, STM_GETIMAGE, IMAGE_BITMAP, 0), 0);
+            EXPECT_NE(SendDlgItemMessageW(hDialog, IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP, 0), 0);
             for (int i = 0; i < 6; i++) {
-                lines.push_back(TextOf(hDialog, 1896 + i));
+                lines.push_back(TextOf(hDialog, IDC_ABOUT_LINE1 + i));
             }
             RECT rect;
             GetWindowRect(hDialog, &rect);
             EXPECT_EQ(rect.top, 75);
-            ClickControl(hDialog, 1732);
+            ClickControl(hDialog, IDC_NOTICE_OK);
         });
         ShowAbout(pSession.get(), hFrame);
         return lines;
@@ -104,11 +107,13 @@ TEST_F(Notices, TellTheirTextsInTheUsersLanguage)
         std::memcpy(wcText.data(), built.data() + text.nOffset, 2 * wcText.size());
         return Narrow(wcText);
     };
-    EXPECT_NE(german(1093), "Name Already in Use");
-    EXPECT_EQ(Shown(NOTICE_NAME), german(1093) + " (warning)|" + german(2509) + "|" + german(1732));
-    EXPECT_EQ(Shown(NOTICE_OUTLINE), german(1092) + " (warning)|" + german(2505) + "|" + german(2506) + "|" +
-                                         german(2507) + "|" + german(2508) + "|" + german(1702) + "|" +
-                                         german(1703));
+    EXPECT_NE(german(IDS_TITLE_NAME), "Name Already in Use");
+    EXPECT_EQ(Shown(NOTICE_NAME), german(IDS_TITLE_NAME) + " (warning)|" + german(IDS_ENTRY_REFUSED) + "|" +
+                                      german(IDC_NOTICE_OK));
+    EXPECT_EQ(Shown(NOTICE_OUTLINE), german(IDS_TITLE_OUTLINE) + " (warning)|" + german(IDS_OUTLINE_LINE1) +
+                                         "|" + german(IDS_OUTLINE_LINE2) + "|" + german(IDS_OUTLINE_LINE3) +
+                                         "|" + german(IDS_OUTLINE_LINE4) + "|" + german(IDC_OK) + "|" +
+                                         german(IDC_CANCEL));
     const std::string limits = Shown(NOTICE_PAPER_SIZE);
     for (const char* cPart : {"3,00", "76,2", "12,59", "320,0", "5,00", "127,0", "17,00", "431,8"}) {
         EXPECT_NE(limits.find(cPart), std::string::npos) << limits;
@@ -122,15 +127,15 @@ TEST_F(Notices, OnlyTheFirstButtonOfAQuestionIsYes)
         QueueModalStep(std::move(step));
         return ShowNotice(pSession.get(), hFrame, notice);
     };
-    EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND h) { ClickControl(h, 1702); }), 0);
-    EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND h) { ClickControl(h, 1703); }), 1);
+    EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND h) { ClickControl(h, IDC_OK); }), 0);
+    EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND h) { ClickControl(h, IDC_CANCEL); }), 1);
     EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND) { SendKey(VK_ESCAPE); }), 1);
     EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND) { SendKey(VK_RETURN); }), 0) << "the default button";
     EXPECT_EQ(ended(NOTICE_OUTLINE, [](HWND h) { CloseWindowByUser(h); }), 1);
-    EXPECT_EQ(ended(NOTICE_NAME, [](HWND h) { ClickControl(h, 1732); }), 1);
+    EXPECT_EQ(ended(NOTICE_NAME, [](HWND h) { ClickControl(h, IDC_NOTICE_OK); }), 1);
     EXPECT_EQ(ForcedCloses(), 0);
     const int nOpened = DialogsOpened();
-    EXPECT_EQ(ShowNotice(pSession.get(), hFrame, static_cast<NoticeId>(1094)), 1);
+    EXPECT_EQ(ShowNotice(pSession.get(), hFrame, static_cast<NoticeId>(IDS_TITLE_NAME + 1)), 1);
     const HWND hGone = OpenFrame();
     DestroyWindow(hGone);
     EXPECT_EQ(ShowNotice(pSession.get(), hGone, NOTICE_OUTLINE), 1)
@@ -144,11 +149,11 @@ TEST_F(Notices, OnlyTheFirstButtonOfAQuestionIsYes)
 /* A library of our own: formats that ask for other things than the four numbers, texts of every length. */
 TEST_F(Notices, FormatsThatAskForMoreAreShownAsTheyStand)
 {
-    UseStrings({{2513, u"%d %d %d %d %d"},
-                {2514, u"%s"},
-                {2515, u"%n%d"},
-                {2516, WideText(127, u'%')},
-                {1091, u"T"}});
+    UseStrings({{IDS_LEAST_WIDTH, u"%d %d %d %d %d"},
+                {IDS_LARGEST_WIDTH, u"%s"},
+                {IDS_LEAST_LENGTH, u"%n%d"},
+                {IDS_LARGEST_LENGTH, WideText(127, u'%')},
+                {IDS_TITLE_PAPER_SIZE, u"T"}});
     EXPECT_EQ(Shown(NOTICE_PAPER_SIZE), "T (stop)|%d %d %d %d %d|%s|%n%d|" + std::string(127, '%') + "|OK");
     TellLies(LIE_UNTERMINATED, CALL_LoadStringW);
     EXPECT_NE(Shown(NOTICE_PAPER_SIZE), "");
@@ -173,7 +178,8 @@ TEST_F(Notices, AConflictIsShownWithTheModelsTextAndRefuses)
     const auto check = [&](u16 usSource) {
         std::string shown;
         QueueModalStep([&](HWND hDialog) {
-            for (int nControl : {1916, 1921, 1922, 1923, 1924}) {
+            for (int nControl :
+                 {IDC_NOTICE_TEXT, IDC_NOTICE_LINE1, IDC_NOTICE_LINE2, IDC_NOTICE_LINE3, IDC_NOTICE_LINE4}) {
                 shown += IsSeen(hDialog, nControl) ? TextOf(hDialog, nControl) + "|" : "";
             }
             EXPECT_EQ(GetParent(hDialog), hFrame);
@@ -218,9 +224,9 @@ TEST_F(Notices, AboutMovesItsLinesWithTheModelsTexts)
 
     /* On a page the same lines, in whatever was filled before. */
     PutFile(tcCore, VersionedFile(VersionResource(u"040904B0", u"7", ENGLISH_UNICODE)));
-    const HWND hPage = OpenTemplate(1098, hFrame);
+    const HWND hPage = OpenTemplate(IDD_ABOUT_PAGE, hFrame);
     FillAbout(hPage, pSession.get());
-    EXPECT_EQ(TextOf(hPage, 1896) + TextOf(hPage, 1900), "oneVersion 7");
+    EXPECT_EQ(TextOf(hPage, IDC_ABOUT_LINE1) + TextOf(hPage, IDC_ABOUT_LINE5), "oneVersion 7");
     EXPECT_EQ(CountLive().nGdiObjects, 0) << "the box took its logo with it";
 }
 

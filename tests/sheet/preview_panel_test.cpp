@@ -3,12 +3,14 @@
 
 #include <random>
 
+#include "description/control_ids.h"
 #include "sheet/preview_panel.h"
 #include "support/sheet_machine.h"
 
 namespace {
 
-constexpr int LINES[] = {1925, 1926, 1927, 1928, 1929};
+constexpr int LINES[] = {IDC_PREVIEW_LINE1, IDC_PREVIEW_LINE2, IDC_PREVIEW_LINE3, IDC_PREVIEW_LINE4,
+                         IDC_PREVIEW_LINE5};
 
 class PreviewPanelTest : public SheetTest {
   protected:
@@ -26,7 +28,7 @@ class PreviewPanelTest : public SheetTest {
     /* Gives a list of a page these item data and selects a row. */
     static void Fill(HWND hPage, int nControl, const std::vector<i32>& values, int nSelected)
     {
-        const bool bList = nControl == 1405;
+        const bool bList = nControl == IDC_WATERMARKS_LIST;
         SendDlgItemMessageW(hPage, nControl, bList ? LB_RESETCONTENT : CB_RESETCONTENT, 0, 0);
         for (i32 lValue : values) {
             const LRESULT nRow = SendDlgItemMessageW(hPage, nControl, bList ? LB_ADDSTRING : CB_ADDSTRING, 0,
@@ -50,7 +52,7 @@ class PreviewPanelTest : public SheetTest {
     std::string Panel(size_t nPage)
     {
         UpdatePreview(Page(nPage), nullptr, Session(), 0);
-        std::string text = Narrow(TextOf(Page(nPage), 1920));
+        std::string text = Narrow(TextOf(Page(nPage), IDC_PREVIEW_SIZE));
         for (int nLine : LINES) {
             const std::string line = Narrow(TextOf(Page(nPage), nLine));
             text += line.empty() ? "" : "|" + line;
@@ -71,7 +73,7 @@ TEST_F(PreviewPanelTest, FollowsTheRecordWhereNoPageTells)
     part.sPosterGrowth = 3;
     EXPECT_EQ(Panel(2), "210 x 297 mm");
     EXPECT_EQ(GatherPreviewChoice(Session()).sPosterSize, 0);
-    SendMessageW(Page(2), WM_COMMAND, MAKEWPARAM(1746, BN_CLICKED), 0);
+    SendMessageW(Page(2), WM_COMMAND, MAKEWPARAM(IDC_UNIT, BN_CLICKED), 0);
     EXPECT_EQ(Panel(2), "8.27 x 11.69 in") << "a flip lasts as long as the paper";
     PaintWindows(Page(2));
     EXPECT_EQ(Panel(2), "8.27 x 11.69 in");
@@ -92,18 +94,18 @@ TEST_F(PreviewPanelTest, TakesWhatThePaperPageShows)
     Open("T410A", {1});
     record.rPrivate.sScale = 2;
     record.rPrivate.sScaleTarget = 150;
-    Fill(Page(1), 1301, {9, 1}, 1);
-    Type(Page(1), 1501, "-3");
-    Type(Page(1), 1506, "100");
-    Check(Page(1), 1801, true);
+    Fill(Page(1), IDC_PAPER_SIZE, {9, 1}, 1);
+    Type(Page(1), IDC_PAPER_COPIES, "-3");
+    Type(Page(1), IDC_PAPER_ZOOM, "100");
+    Check(Page(1), IDC_PAPER_COLLATE, true);
     EXPECT_EQ(Panel(1), "8.5 x 11 in|Scaled") << "the record's scaling stays until it is changed there";
     EXPECT_EQ(GatherPreviewChoice(Session()).lCopies, 1);
     EXPECT_EQ(GatherPreviewChoice(Session()).lZoom, 100);
     record.rPrivate.sScale = 0;
     EXPECT_EQ(Panel(1), "8.5 x 11 in");
-    Type(Page(1), 1506, "");
-    Type(Page(1), 1501, "12");
-    Check(Page(1), 1825, true);
+    Type(Page(1), IDC_PAPER_ZOOM, "");
+    Type(Page(1), IDC_PAPER_COPIES, "12");
+    Check(Page(1), IDC_PAPER_CENTRE, true);
     EXPECT_EQ(Panel(1), "8.5 x 11 in|12 copies, collated|Scaled");
     const PreviewChoice choice = GatherPreviewChoice(Session());
     EXPECT_EQ(choice.lZoom, 0);
@@ -118,25 +120,25 @@ TEST_F(PreviewPanelTest, TakesWhatQualityAndWatermarkPagesShow)
     record.rPrivate.ulResolution = 77;
     record.rPrivate.ulColorMode = 0;
     EXPECT_EQ(GatherPreviewChoice(Session()).usResolution, 77) << "no row, and the record tells";
-    Fill(hQuality, 1304, {0, 0}, 1);
+    Fill(hQuality, IDC_QUALITY_RESOLUTION, {0, 0}, 1);
     EXPECT_EQ(GatherPreviewChoice(Session()).usResolution,
               ResolutionOfRow(pModel, 1) ? ResolutionOfRow(pModel, 1) : 77)
         << "the row itself, whatever its item data";
     for (u16 usColor : {u16{1}, u16{2}}) {
         record.dmColor = usColor;
-        Check(hQuality, 1208, false);
-        Check(hQuality, 1209, false);
+        Check(hQuality, IDC_QUALITY_COLOR, false);
+        Check(hQuality, IDC_QUALITY_MONOCHROME, false);
         EXPECT_EQ(GatherPreviewChoice(Session()).bColor, usColor == 2);
         for (bool bColor : {false, true}) {
-            Check(hQuality, 1208, bColor);
-            Check(hQuality, 1209, !bColor);
+            Check(hQuality, IDC_QUALITY_COLOR, bColor);
+            Check(hQuality, IDC_QUALITY_MONOCHROME, !bColor);
             EXPECT_EQ(GatherPreviewChoice(Session()).bColor, bColor);
         }
     }
-    Fill(hMarks, 1405, {-1, 0}, 0);
+    Fill(hMarks, IDC_WATERMARKS_LIST, {-1, 0}, 0);
     EXPECT_EQ(GatherPreviewChoice(Session()).lWatermark, -1);
-    Fill(hMarks, 1405, {-1, 0}, 1);
-    Check(hMarks, 1204, true);
+    Fill(hMarks, IDC_WATERMARKS_LIST, {-1, 0}, 1);
+    Check(hMarks, IDC_WATERMARKS_FIRST_PAGE, true);
     EXPECT_EQ(GatherPreviewChoice(Session()).lWatermark, 0) << "its item data, not its row";
     EXPECT_EQ(GatherPreviewChoice(Session()).bWMOnePage, 1);
 }
@@ -163,22 +165,22 @@ TEST_F(PreviewPanelTest, TextAndPictureShowTheSameStateOfTheControls)
             record.rPrivate.ulColorMode = 0;
             record.rPrivate.sBackCover = static_cast<u16>(Any(3));
             record.rPrivate.sBookletPrint = static_cast<i16>(Any(2) * 4);
-            Fill(hLayout, 1359, {0, 1, 99}, nType == 99 ? 2 : nType);
-            Fill(hLayout, 1306, {nPages}, 0);
-            Fill(hLayout, 1323, {0, 17}, Any(2));
-            Fill(hLayout, 1348, {0, 2, 3}, 2);
+            Fill(hLayout, IDC_LAYOUT_TYPE, {0, 1, 99}, nType == 99 ? 2 : nType);
+            Fill(hLayout, IDC_LAYOUT_PAGES, {nPages}, 0);
+            Fill(hLayout, IDC_LAYOUT_ORDER, {0, 17}, Any(2));
+            Fill(hLayout, IDC_LAYOUT_POSTER, {0, 2, 3}, 2);
             for (int nRadio = 0; nRadio < 3; nRadio++) {
-                Check(hLayout, 1205 + nRadio, nRadio == nDuplex);
+                Check(hLayout, IDC_LAYOUT_ONE_SIDE + nRadio, nRadio == nDuplex);
             }
-            Check(hLayout, 1221, bPortrait);
-            Check(hLayout, 1222, !bPortrait);
-            Check(hLayout, 1803, bBorders);
-            Check(hLayout, 1819, bBack);
-            Fill(hPaper, 1301, {9, 1}, 0);
-            Type(hPaper, 1501, std::to_string(nCopies));
-            Type(hPaper, 1506, std::to_string(nZoom));
-            Check(hPaper, 1801, bCollate);
-            Check(hPaper, 1808, bReverse);
+            Check(hLayout, IDC_LAYOUT_PORTRAIT, bPortrait);
+            Check(hLayout, IDC_LAYOUT_LANDSCAPE, !bPortrait);
+            Check(hLayout, IDC_LAYOUT_BORDERS, bBorders);
+            Check(hLayout, IDC_LAYOUT_BIND_RIGHT, bBack);
+            Fill(hPaper, IDC_PAPER_SIZE, {9, 1}, 0);
+            Type(hPaper, IDC_PAPER_COPIES, std::to_string(nCopies));
+            Type(hPaper, IDC_PAPER_ZOOM, std::to_string(nZoom));
+            Check(hPaper, IDC_PAPER_COLLATE, bCollate);
+            Check(hPaper, IDC_PAPER_REVERSE, bReverse);
 
             std::string wanted;
             int nFree = 5;

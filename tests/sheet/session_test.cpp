@@ -1,8 +1,9 @@
 /* Opening and closing sheets: what the host is told, which record is edited, which pages there are, what a session
    knows and what is left when something cannot be had. */
+#include "description/control_ids.h"
 #include "description/printer_store.h"
 #include "sheet/dialog_services.h"
-#include "sheet/pages.h"
+#include "sheet/page_table.h"
 #include "support/same_bytes.h"
 #include "support/sheet_machine.h"
 
@@ -135,8 +136,8 @@ TEST_F(SessionTest, ShowsThePagesThatPrinterAndSheetHave)
         for (size_t i = 0; i < wanted.size(); i++) {
             ASSERT_TRUE(ShowSheetPage(pSheet, i));
             EXPECT_EQ(ActiveSheetPage(pSheet), static_cast<int>(i));
-            EXPECT_EQ(TextOf(Page(i), 1701), u"About...");
-            EXPECT_EQ(SendDlgItemMessageW(Page(i), 1692, STM_GETIMAGE, IMAGE_BITMAP, 0),
+            EXPECT_EQ(TextOf(Page(i), IDC_ABOUT), u"About...");
+            EXPECT_EQ(SendDlgItemMessageW(Page(i), IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP, 0),
                       reinterpret_cast<LRESULT>(Session()->hLogoBitmap));
         }
         EXPECT_EQ(CountLive().nGdiObjects, 1) << "one logo for all pages";
@@ -268,10 +269,17 @@ TEST_F(SessionTest, PagesWithoutASessionStayQuiet)
     OpenDocument();
     const HWND hPage = Page(0);
     ASSERT_NE(hPage, nullptr);
-    const std::pair<UINT, WPARAM> messages[] = {{WM_COMMAND, 1701}, {WM_COMMAND, 1720}, {WM_COMMAND, 1359},
-                                                {WM_NOTIFY, 0},     {WM_PAINT, 0},      {WM_VSCROLL, 0},
-                                                {WM_HSCROLL, 0},    {WM_MOUSEMOVE, 0},  {WM_LBUTTONUP, 0},
-                                                {WM_HELP, 0},       {WM_DESTROY, 0}};
+    const std::pair<UINT, WPARAM> messages[] = {{WM_COMMAND, IDC_ABOUT},
+                                                {WM_COMMAND, IDC_PRESET_APPLY},
+                                                {WM_COMMAND, IDC_LAYOUT_TYPE},
+                                                {WM_NOTIFY, 0},
+                                                {WM_PAINT, 0},
+                                                {WM_VSCROLL, 0},
+                                                {WM_HSCROLL, 0},
+                                                {WM_MOUSEMOVE, 0},
+                                                {WM_LBUTTONUP, 0},
+                                                {WM_HELP, 0},
+                                                {WM_DESTROY, 0}};
     auto quiet = [&](HWND hWnd) {
         for (const PageTableRow* pRow = aPageTable; pRow->sTitle; pRow++) {
             for (auto [uMessage, wParam] : messages) {
@@ -295,7 +303,7 @@ TEST_F(SessionTest, HotAreasFollowTheMouse)
     OpenDocument();
     RECT area;
     PaintWindows(Page(0)); /* the first painting takes the unit from the paper */
-    ASSERT_TRUE(ControlRect(Page(0), 1920, &area));
+    ASSERT_TRUE(ControlRect(Page(0), IDC_PREVIEW_SIZE, &area));
     const HCURSOR hArrow = LoadCursorW(nullptr, IDC_ARROW);
     SetCursor(hArrow);
     PressMouse(Page(0), area.left, area.top);
@@ -318,7 +326,7 @@ TEST_F(SessionTest, HotAreasFollowTheMouse)
         bMetric ^= place.bOver;
         EXPECT_EQ(Session()->bPreviewMetric, bMetric) << place.x << ", " << place.y;
     }
-    ASSERT_TRUE(ControlRect(Page(0), 1692, &area));
+    ASSERT_TRUE(ControlRect(Page(0), IDC_LOGO, &area));
     SendMessageW(Page(0), WM_MOUSEMOVE, 0, MAKELPARAM(area.left, area.top));
     EXPECT_EQ(GetCursor(), Session()->hCursorHand);
 }

@@ -8,6 +8,7 @@
 
 #include "description/installed_set.h"
 #include "description/language_dll.h"
+#include "description/margins.h"
 #include "description/paper.h"
 #include "description/xpi_text.h"
 

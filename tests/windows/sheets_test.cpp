@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "description/control_ids.h"
 #include "sheet_user.h"
 
 namespace {
@@ -121,7 +122,7 @@ TEST(Sheets, ShowTheirPages)
         const SheetVisit document = VisitDocumentSheet(printer, AsDevmode(record), nullptr, [&](HWND hSheet) {
             tabs = SheetTabs(hSheet);
             for (size_t n = 0; n < tabs.size(); n++) {
-                labels.push_back(ControlText(ShowTab(hSheet, static_cast<int>(n)), 1720));
+                labels.push_back(ControlText(ShowTab(hSheet, static_cast<int>(n)), IDC_PRESET_APPLY));
             }
             PressOk(hSheet);
         });

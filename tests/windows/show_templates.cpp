@@ -14,6 +14,8 @@
 
 #include <commctrl.h>
 
+#include "description/control_ids.h"
+#include "description/string_ids.h"
 #include "window_picture.h"
 
 namespace {
@@ -27,121 +29,194 @@ struct Picture {
     Ids shown, hidden, disabled;
 };
 
-const Ids CORRECTION = {1132, 1316, 1711};
-const Ids INTENT = {1132, 1316, 1964, 1331};
-const Ids TONE = {1128, 1945, 1530, 1612, 1946, 1531, 1613};
-const Ids IMAGE_ONLY = {1151, 1216, 1217, 1863, 1304, 1983, 1342, 1809, 1738};
+const Ids CORRECTION = {IDC_QUALITY_CORRECTION_LABEL, IDC_QUALITY_CORRECTION, IDC_QUALITY_OPTIONS};
+const Ids INTENT = {IDC_QUALITY_CORRECTION_LABEL, IDC_QUALITY_CORRECTION, IDC_QUALITY_INTENT_LABEL,
+                    IDC_QUALITY_INTENT};
+const Ids TONE = {IDC_QUALITY_TONE,           IDC_QUALITY_CONTRAST_LABEL,   IDC_QUALITY_CONTRAST,
+                  IDC_QUALITY_CONTRAST_SPIN,  IDC_QUALITY_BRIGHTNESS_LABEL, IDC_QUALITY_BRIGHTNESS,
+                  IDC_QUALITY_BRIGHTNESS_SPIN};
+const Ids IMAGE_ONLY = {IDC_QUALITY_ADJUSTMENT,       IDC_QUALITY_ADJUSTMENT_ON, IDC_QUALITY_ADJUSTMENT_OFF,
+                        IDC_QUALITY_RESOLUTION_LABEL, IDC_QUALITY_RESOLUTION,    IDC_QUALITY_SCREENING_LABEL,
+                        IDC_QUALITY_SCREENING,        IDC_QUALITY_BLACK_TEXT,    IDC_QUALITY_COLOR_FILES};
 
-const Ids AT_MANY = {1998, 1306, 1803, 1919, 1323};
+const Ids DUPLEX = {IDC_LAYOUT_ONE_SIDE, IDC_LAYOUT_LONG_EDGE, IDC_LAYOUT_SHORT_EDGE};
+const Ids AT_MANY = {IDC_LAYOUT_PAGES_LABEL, IDC_LAYOUT_PAGES, IDC_LAYOUT_BORDERS, IDC_LAYOUT_ORDER_LABEL,
+                     IDC_LAYOUT_ORDER};
+const Ids TRANSPARENCY = {IDC_WATERMARKS_TRANSPARENCY_LABEL, IDC_WATERMARKS_TRANSPARENCY,
+                          IDC_WATERMARKS_TRANSPARENCY_SPIN, IDC_PERCENT};
+const Ids FONT_BUTTONS = {IDC_FONTS_ADD, IDC_FONTS_EDIT, IDC_FONTS_DELETE, IDC_FONTS_DEFAULTS};
+const Ids NO_FONT = {IDC_FONTS_EDIT, IDC_FONTS_DELETE};
 
 const std::vector<Picture> pages = {
-    {1002, 1002, "layout-one-page", {}, {1819, 1803, 1919, 1323}, {}},
-    {1002, 1002, "layout-pages", {}, {1819}, {}},
-    {1002, 1002, "layout-poster", {1989, 1348}, {1998, 1306, 1803, 1919, 1323, 1819}, {1205, 1206, 1207}},
-    {1002, 1002, "layout-booklet", {}, AT_MANY, {1205, 1206, 1207}},
-    {1003, 1003, "paper", {}, {1811}, {}},
-    {1003, 1003, "paper-image-zoomed", {1661, 1686}, {}, {}},
-    {1004, 1004, "quality", CORRECTION, IMAGE_ONLY, {}},
-    {1004, 1004, "quality-intent", INTENT, IMAGE_ONLY, {}},
-    {1004, 1004, "quality-image-correction", CORRECTION, {}, {}},
-    {1004, 1004, "quality-image-tone", TONE, {}, {}},
-    {1040, 1040, "watermarks", {}, {1895, 1520, 1608, 1877}, {}},
-    {1040, 1040, "watermarks-transparency", {}, {}, {}},
-    {1030, 1030, "fonts", {}, {}, {1713, 1714}},
-    {1030, 1030, "fonts-read-only", {}, {1712, 1713, 1714, 1715}, {}},
-    {1031, 1030, "device-fonts", {}, {}, {1713, 1714}},
-    {1031, 1030, "device-fonts-read-only", {}, {1712, 1713, 1714, 1715}, {}},
-    {1098, 1099, "device-about", {}, {}, {}},
+    {IDD_LAYOUT,
+     IDS_TITLE_LAYOUT,
+     "layout-one-page",
+     {},
+     {IDC_LAYOUT_BIND_RIGHT, IDC_LAYOUT_BORDERS, IDC_LAYOUT_ORDER_LABEL, IDC_LAYOUT_ORDER},
+     {}},
+    {IDD_LAYOUT, IDS_TITLE_LAYOUT, "layout-pages", {}, {IDC_LAYOUT_BIND_RIGHT}, {}},
+    {IDD_LAYOUT,
+     IDS_TITLE_LAYOUT,
+     "layout-poster",
+     {IDC_LAYOUT_POSTER_LABEL, IDC_LAYOUT_POSTER},
+     {IDC_LAYOUT_PAGES_LABEL, IDC_LAYOUT_PAGES, IDC_LAYOUT_BORDERS, IDC_LAYOUT_ORDER_LABEL, IDC_LAYOUT_ORDER,
+      IDC_LAYOUT_BIND_RIGHT},
+     DUPLEX},
+    {IDD_LAYOUT, IDS_TITLE_LAYOUT, "layout-booklet", {}, AT_MANY, DUPLEX},
+    {IDD_PAPER, IDS_TITLE_PAPER, "paper", {}, {IDC_PAPER_IMAGE_OPTION}, {}},
+    {IDD_PAPER, IDS_TITLE_PAPER, "paper-image-zoomed", {IDC_PAPER_ZOOM_ICON, IDC_PAPER_LAYOUT_ICON}, {}, {}},
+    {IDD_QUALITY, IDS_TITLE_QUALITY, "quality", CORRECTION, IMAGE_ONLY, {}},
+    {IDD_QUALITY, IDS_TITLE_QUALITY, "quality-intent", INTENT, IMAGE_ONLY, {}},
+    {IDD_QUALITY, IDS_TITLE_QUALITY, "quality-image-correction", CORRECTION, {}, {}},
+    {IDD_QUALITY, IDS_TITLE_QUALITY, "quality-image-tone", TONE, {}, {}},
+    {IDD_WATERMARKS, IDS_TITLE_WATERMARKS, "watermarks", {}, TRANSPARENCY, {}},
+    {IDD_WATERMARKS, IDS_TITLE_WATERMARKS, "watermarks-transparency", {}, {}, {}},
+    {IDD_FONTS, IDS_TITLE_FONTS, "fonts", {}, {}, NO_FONT},
+    {IDD_FONTS, IDS_TITLE_FONTS, "fonts-read-only", {}, FONT_BUTTONS, {}},
+    {IDD_DEVICE_FONTS, IDS_TITLE_FONTS, "device-fonts", {}, {}, NO_FONT},
+    {IDD_DEVICE_FONTS, IDS_TITLE_FONTS, "device-fonts-read-only", {}, FONT_BUTTONS, {}},
+    {IDD_ABOUT_PAGE, IDS_TITLE_ABOUT, "device-about", {}, {}, {}},
 };
 
 const std::vector<Picture> dialogs = {
-    {1099, 1099, "about", {}, {}, {}},
-    {1008, 1008, "papers", {}, {}, {}},
-    {1011, 1011, "paper-new", {}, {1709}, {1710}},
-    {1011, 1012, "paper-edit", {}, {1710}, {}},
-    {1032, 1031, "fontpair-add", {}, {1880, 1518}, {}},
-    {1032, 1032, "fontpair-edit", {}, {1881, 1319}, {}},
-    {1041, 1041, "watermark-text-new-colour", {1654}, {1723, 1874, 1510, 1605, 1877}, {1722}},
-    {1041, 1042, "watermark-text-edit-monochrome", {}, {1722, 1115, 1725}, {}},
-    {1042, 1042, "watermark-image", {}, {1722}, {}},
-    {1063, 1062, "options-three", {}, {}, {}},
-    {1064, 1062, "options-four", {}, {}, {}},
-    {1064, 1063, "options-fixed", {}, {1950, 1326, 1951, 1327, 1952, 1328, 1953, 1329}, {}},
-    {1007, 1021, "colour-files", {}, {}, {}},
-    {1090, 1090, "notice", {}, {}, {}},
-    {1090, 1091, "notice-limits", {}, {}, {}},
-    {1090, 1090, "notice-description", {1916}, {1921, 1922, 1923, 1924}, {}},
-    {1091, 1092, "notice-choice", {}, {}, {}},
+    {IDD_ABOUT, IDS_TITLE_ABOUT, "about", {}, {}, {}},
+    {IDD_SIZES, IDS_TITLE_SIZES, "papers", {}, {}, {}},
+    {IDD_SIZE, IDS_TITLE_NEW_SIZE, "paper-new", {}, {IDC_SIZE_CHANGE}, {IDC_SIZE_ADD}},
+    {IDD_SIZE, IDS_TITLE_EDIT_SIZE, "paper-edit", {}, {IDC_SIZE_ADD}, {}},
+    {IDD_PAIR, IDS_TITLE_ADD_PAIR, "fontpair-add", {}, {IDC_PAIR_NAME_LABEL, IDC_PAIR_NAME}, {}},
+    {IDD_PAIR, IDS_TITLE_EDIT_PAIR, "fontpair-edit", {}, {IDC_PAIR_SYSTEM_LABEL, IDC_PAIR_SYSTEM}, {}},
+    {IDD_TEXT_MARK,
+     IDS_TITLE_NEW_MARK,
+     "watermark-text-new-colour",
+     {IDC_TEXT_MARK_COLOR_FRAME},
+     {IDC_MARK_CHANGE, IDC_TEXT_MARK_DARKNESS_LABEL, IDC_TEXT_MARK_DARKNESS, IDC_TEXT_MARK_DARKNESS_SPIN,
+      IDC_PERCENT},
+     {IDC_MARK_ADD}},
+    {IDD_TEXT_MARK,
+     IDS_TITLE_EDIT_MARK,
+     "watermark-text-edit-monochrome",
+     {},
+     {IDC_MARK_ADD, IDC_TEXT_MARK_COLOR, IDC_TEXT_MARK_COLOR_CHOOSE},
+     {}},
+    {IDD_IMAGE_MARK, IDS_TITLE_EDIT_MARK, "watermark-image", {}, {IDC_MARK_ADD}, {}},
+    {IDD_OPTIONS3, IDS_TITLE_OPTIONS, "options-three", {}, {}, {}},
+    {IDD_OPTIONS4, IDS_TITLE_OPTIONS, "options-four", {}, {}, {}},
+    {IDD_OPTIONS4,
+     IDS_TITLE_FIXED_OPTIONS,
+     "options-fixed",
+     {},
+     {IDC_OPTIONS_TEXT_LABEL, IDC_OPTIONS_TEXT_VALUE, IDC_OPTIONS_IMAGE_LABEL, IDC_OPTIONS_IMAGE_VALUE,
+      IDC_OPTIONS_GRAPHICS_LABEL, IDC_OPTIONS_GRAPHICS_VALUE, IDC_OPTIONS_GENERAL_LABEL,
+      IDC_OPTIONS_GENERAL_VALUE},
+     {}},
+    {IDD_FILES, IDS_TITLE_FILES, "colour-files", {}, {}, {}},
+    {IDD_NOTICE, IDS_TITLE_CONFLICT, "notice", {}, {}, {}},
+    {IDD_NOTICE, IDS_TITLE_PAPER_SIZE, "notice-limits", {}, {}, {}},
+    {IDD_NOTICE,
+     IDS_TITLE_CONFLICT,
+     "notice-description",
+     {IDC_NOTICE_TEXT},
+     {IDC_NOTICE_LINE1, IDC_NOTICE_LINE2, IDC_NOTICE_LINE3, IDC_NOTICE_LINE4},
+     {}},
+    {IDD_QUESTION, IDS_TITLE_OUTLINE, "notice-choice", {}, {}, {}},
 };
 
 /* Labels whose string bears another number. */
-const std::map<int, int> otherStrings = {{1892, 1132}, {1709, 1702}, {1723, 1702}, {1724, 1702},
-                                         {1740, 1702}, {1710, 1752}, {1722, 1752}, {1717, 1752},
-                                         {1725, 1755}, {1880, 1879}, {1881, 1879}, {1866, 2455},
-                                         {1868, 2456}, {1980, 2455}, {1981, 2456}};
+const std::map<int, int> otherStrings = {{IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION_LABEL},
+                                         {IDC_SIZE_CHANGE, IDC_OK},
+                                         {IDC_MARK_CHANGE, IDC_OK},
+                                         {IDC_OPTIONS_OK, IDC_OK},
+                                         {IDC_FILES_OK, IDC_OK},
+                                         {IDC_SIZE_ADD, IDS_ADD},
+                                         {IDC_MARK_ADD, IDS_ADD},
+                                         {IDC_PAIR_OK, IDS_ADD},
+                                         {IDC_TEXT_MARK_COLOR_CHOOSE, IDS_CHOOSE},
+                                         {IDC_PAIR_NAME_LABEL, IDS_SYSTEM_FONT},
+                                         {IDC_PAIR_SYSTEM_LABEL, IDS_SYSTEM_FONT},
+                                         {IDC_SIZE_WIDTH_UNIT, IDS_UNIT_INCH},
+                                         {IDC_SIZE_LENGTH_UNIT, IDS_UNIT_MM},
+                                         {IDC_MARK_X_UNIT, IDS_UNIT_INCH},
+                                         {IDC_MARK_Y_UNIT, IDS_UNIT_MM}};
 
 /* Rows of combo boxes from strings: first and last. */
 const std::map<int, std::pair<int, int>> stringRows = {
-    {1359, {2752, 2754}}, {1306, {2320, 2327}}, {1323, {2334, 2341}}, {1348, {2371, 2373}},
-    {1400, {2755, 2757}}, {1316, {2201, 2204}}, {1331, {2207, 2208}}, {1357, {2519, 2526}},
-    {1334, {2425, 2427}}, {1335, {2428, 2429}}, {1326, {2224, 2224}}, {1327, {2224, 2224}},
-    {1328, {2224, 2224}}, {1329, {2224, 2224}}, {1320, {2310, 2310}}};
+    {IDC_LAYOUT_TYPE, {IDS_LAYOUT_PAGES, IDS_LAYOUT_BOOKLET}},
+    {IDC_LAYOUT_PAGES, {IDS_PAGES_1, IDS_PAGES_16}},
+    {IDC_LAYOUT_ORDER, {IDS_ORDER_DOWN_RIGHT, IDS_ORDER_BOTTOM_TO_TOP}},
+    {IDC_LAYOUT_POSTER, {IDS_POSTER_2, IDS_POSTER_4}},
+    {IDC_PAPER_MEDICAL, {IDS_MEDICAL_OFF, IDS_MEDICAL_LANDSCAPE}},
+    {IDC_QUALITY_CORRECTION, {IDS_MODE_SYSTEM, IDS_MODE_FIXED}},
+    {IDC_QUALITY_INTENT, {IDS_INTENT_RELATIVE, IDS_INTENT_ABSOLUTE}},
+    {IDC_IMAGE_MARK_PLACEMENT, {IDS_PLACE_TOP, IDS_PLACE_BOTTOM_RIGHT}},
+    {IDC_FILES_PROFILE, {IDS_PROFILE_BUILT_IN, IDS_PROFILE_FILE}},
+    {IDC_FILES_SCREEN, {IDS_SCREEN_BUILT_IN, IDS_SCREEN_FILE}},
+    {IDC_OPTIONS_TEXT_VALUE, {IDS_OPTION_DEFAULT, IDS_OPTION_DEFAULT}},
+    {IDC_OPTIONS_IMAGE_VALUE, {IDS_OPTION_DEFAULT, IDS_OPTION_DEFAULT}},
+    {IDC_OPTIONS_GRAPHICS_VALUE, {IDS_OPTION_DEFAULT, IDS_OPTION_DEFAULT}},
+    {IDC_OPTIONS_GENERAL_VALUE, {IDS_OPTION_DEFAULT, IDS_OPTION_DEFAULT}},
+    {IDC_PAIR_PRINTER, {IDS_NO_PRINTER_FONT, IDS_NO_PRINTER_FONT}}};
 
 const std::map<int, const wchar_t*> sampleTexts = {
-    {1301, L"A3 Extra 322 x 445 mm"},
-    {1344, L"Heavy Coated Paper 2"},
-    {1303, L"Finisher Upper Tray"},
-    {1304, L"1200 x 1200 dpi"},
-    {1342, L"Fine, 175 lines"},
-    {1333, L"CMYK"},
-    {1317, L"Liberation Sans Narrow"},
-    {1319, L"Liberation Sans Narrow"},
-    {1501, L"99"},
-    {1506, L"141"},
-    {1520, L"50"},
-    {1530, L"-50"},
-    {1531, L"50"},
-    {1503, L"Index card 5 x 8"},
-    {1504, L"215.9"},
-    {1505, L"355.6"},
-    {1507, L"CONFIDENTIAL"},
-    {1508, L"300"},
-    {1509, L"359"},
-    {1510, L"100"},
-    {1511, L"-250.0"},
-    {1512, L"-250.0"},
-    {1515, L"400"},
-    {1516, L"Company emblem"},
-    {1514, L"C:\\Users\\Public\\Pictures\\emblem.tif"},
-    {1518, L"Liberation Sans"},
-    {1538, L"C:\\Profiles\\Coated paper.icc"},
-    {1539, L"C:\\Screens\\Stochastic.hft"},
-    {1920, L"297.2 x 420.6 mm"},
-    {1896, L"QP5 Printer Driver"},
-    {1897, L"Copyright Corvantis Optics"},
-    {1898, L"All rights reserved."},
-    {1899, L"Rendering library"},
-    {1900, L"Version 10.51.0.0"},
-    {1901, L"www.example.com"},
-    {1950, L"Colour reproduction"},
-    {1951, L"Colour reproduction"},
-    {1952, L"Colour reproduction"},
-    {1953, L"Trapping"},
-    {1403, L"Index card 5 x 8 (127.0 x 203.2 mm)"},
-    {1404, L"Liberation Sans => Helvetica"},
-    {1405, L"CONFIDENTIAL"},
-    {1410, L"Black generation\tMaximum"},
-    {1411, L"Rendering\tPhotographic"},
-    {1412, L"Rendering\tSaturated"},
-    {1413, L"Trapping\tDefault"},
-    {1916,
+    {IDC_PAPER_SIZE, L"A3 Extra 322 x 445 mm"},
+    {IDC_PAPER_MEDIA, L"Heavy Coated Paper 2"},
+    {IDC_PAPER_OUTPUT, L"Finisher Upper Tray"},
+    {IDC_QUALITY_RESOLUTION, L"1200 x 1200 dpi"},
+    {IDC_QUALITY_SCREENING, L"Fine, 175 lines"},
+    {IDC_FILES_FORMAT, L"CMYK"},
+    {IDC_TEXT_MARK_FONT, L"Liberation Sans Narrow"},
+    {IDC_PAIR_SYSTEM, L"Liberation Sans Narrow"},
+    {IDC_PAPER_COPIES, L"99"},
+    {IDC_PAPER_ZOOM, L"141"},
+    {IDC_WATERMARKS_TRANSPARENCY, L"50"},
+    {IDC_QUALITY_CONTRAST, L"-50"},
+    {IDC_QUALITY_BRIGHTNESS, L"50"},
+    {IDC_SIZE_NAME, L"Index card 5 x 8"},
+    {IDC_SIZE_WIDTH, L"215.9"},
+    {IDC_SIZE_LENGTH, L"355.6"},
+    {IDC_TEXT_MARK_TEXT, L"CONFIDENTIAL"},
+    {IDC_TEXT_MARK_SIZE, L"300"},
+    {IDC_TEXT_MARK_ANGLE, L"359"},
+    {IDC_TEXT_MARK_DARKNESS, L"100"},
+    {IDC_MARK_X, L"-250.0"},
+    {IDC_MARK_Y, L"-250.0"},
+    {IDC_IMAGE_MARK_SCALE, L"400"},
+    {IDC_IMAGE_MARK_NAME, L"Company emblem"},
+    {IDC_IMAGE_MARK_FILE, L"C:\\Users\\Public\\Pictures\\emblem.tif"},
+    {IDC_PAIR_NAME, L"Liberation Sans"},
+    {IDC_FILES_PROFILE_NAME, L"C:\\Profiles\\Coated paper.icc"},
+    {IDC_FILES_SCREEN_NAME, L"C:\\Screens\\Stochastic.hft"},
+    {IDC_PREVIEW_SIZE, L"297.2 x 420.6 mm"},
+    {IDC_ABOUT_LINE1, L"QP5 Printer Driver"},
+    {IDC_ABOUT_LINE2, L"Copyright Corvantis Optics"},
+    {IDC_ABOUT_LINE3, L"All rights reserved."},
+    {IDC_ABOUT_LINE4, L"Rendering library"},
+    {IDC_ABOUT_LINE5, L"Version 10.51.0.0"},
+    {IDC_ABOUT_LINE6, L"www.example.com"},
+    {IDC_OPTIONS_TEXT_LABEL, L"Colour reproduction"},
+    {IDC_OPTIONS_IMAGE_LABEL, L"Colour reproduction"},
+    {IDC_OPTIONS_GRAPHICS_LABEL, L"Colour reproduction"},
+    {IDC_OPTIONS_GENERAL_LABEL, L"Trapping"},
+    {IDC_SIZES_LIST, L"Index card 5 x 8 (127.0 x 203.2 mm)"},
+    {IDC_FONTS_LIST, L"Liberation Sans => Helvetica"},
+    {IDC_WATERMARKS_LIST, L"CONFIDENTIAL"},
+    {IDC_OPTIONS_TEXT_LIST, L"Black generation\tMaximum"},
+    {IDC_OPTIONS_IMAGE_LIST, L"Rendering\tPhotographic"},
+    {IDC_OPTIONS_GRAPHICS_LIST, L"Rendering\tSaturated"},
+    {IDC_OPTIONS_GENERAL_LIST, L"Trapping\tDefault"},
+    {IDC_NOTICE_TEXT,
      L"The finisher cannot staple transparencies or sheets of more than 128 g/m2 weight. Choose another "
      L"media type, or switch stapling off, before the document is printed with these settings."}};
 
 /* The longest strings that these lines may get. */
-const std::map<int, int> sampleStrings = {{1925, 2605}, {1926, 2614}, {1927, 2608},
-                                          {1928, 2609}, {1929, 2603}, {1921, 2509},
-                                          {1922, 2510}, {1923, 2506}, {1924, 2508}};
+const std::map<int, int> sampleStrings = {{IDC_PREVIEW_LINE1, IDS_STATUS_FRONT_COVER_EMPTY},
+                                          {IDC_PREVIEW_LINE2, IDS_STATUS_BACK_COVER_EMPTY},
+                                          {IDC_PREVIEW_LINE3, IDS_STATUS_SEPARATORS_PRINTED},
+                                          {IDC_PREVIEW_LINE4, IDS_STATUS_LONG_EDGE},
+                                          {IDC_PREVIEW_LINE5, IDS_STATUS_REVERSE},
+                                          {IDC_NOTICE_LINE1, IDS_ENTRY_REFUSED},
+                                          {IDC_NOTICE_LINE2, IDS_CONFLICT_LINE2},
+                                          {IDC_NOTICE_LINE3, IDS_OUTLINE_LINE2},
+                                          {IDC_NOTICE_LINE4, IDS_OUTLINE_LINE4}};
 
 HMODULE hLibrary;
 std::string folder;
@@ -164,8 +239,10 @@ void SetLabel(HWND hControl, int nId)
     if (!text.empty()) {
         SetWindowTextW(hControl, text.c_str());
     } else if (line != sampleStrings.end()) {
-        const bool bLimits = pPicture->nTitle == 1091 && nId >= 1921 && nId <= 1924;
-        SetWindowTextW(hControl, LoadText(bLimits ? nId - 1921 + 2513 : line->second).c_str());
+        const bool bLimits =
+            pPicture->nTitle == IDS_TITLE_PAPER_SIZE && nId >= IDC_NOTICE_LINE1 && nId <= IDC_NOTICE_LINE4;
+        SetWindowTextW(hControl,
+                       LoadText(bLimits ? nId - IDC_NOTICE_LINE1 + IDS_LEAST_WIDTH : line->second).c_str());
     } else if (sample != sampleTexts.end()) {
         SetWindowTextW(hControl, sample->second);
     }
@@ -199,13 +276,13 @@ BOOL CALLBACK FillControl(HWND hControl, LPARAM)
             SendMessageW(hControl, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&nTab));
         }
         FillRows(hControl, nId, bList ? LB_ADDSTRING : CB_ADDSTRING, bList ? LB_SETCURSEL : CB_SETCURSEL);
-    } else if (nId == 1692 || nId == 1653) {
+    } else if (nId == IDC_LOGO || nId == IDC_LAYOUT_DUPLEX_PICTURE) {
         const UINT uFlags = LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT;
         const HANDLE hPicture =
-            LoadImageW(hLibrary, nId == 1692 ? L"LOGOBITMAP" : L"DUPLONG", IMAGE_BITMAP, 0, 0, uFlags);
+            LoadImageW(hLibrary, nId == IDC_LOGO ? L"LOGOBITMAP" : L"DUPLONG", IMAGE_BITMAP, 0, 0, uFlags);
         SendMessageW(hControl, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(hPicture));
     } else if (!lstrcmpiW(wcClass, L"Static") && (lStyle & SS_TYPEMASK) == SS_ICON) {
-        const HICON hIcon = LoadIconW(nullptr, nId == 1652 ? IDI_HAND : IDI_ASTERISK);
+        const HICON hIcon = LoadIconW(nullptr, nId == IDC_NOTICE_ICON ? IDI_HAND : IDI_ASTERISK);
         SendMessageW(hControl, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
     } else {
         SetLabel(hControl, nId);
@@ -217,7 +294,7 @@ BOOL CALLBACK FillControl(HWND hControl, LPARAM)
 void WidenFontList(HWND hDialog)
 {
     RECT rect{};
-    const HWND hList = GetDlgItem(hDialog, 1404);
+    const HWND hList = GetDlgItem(hDialog, IDC_FONTS_LIST);
     GetWindowRect(hList, &rect);
     SetWindowPos(hList, nullptr, 0, 0, (rect.right - rect.left) * 3 / 2, rect.bottom - rect.top,
                  SWP_NOMOVE | SWP_NOZORDER);
@@ -226,9 +303,10 @@ void WidenFontList(HWND hDialog)
 /* Draws a sheet in the frames, so that their place is seen. */
 void DrawFrames(HWND hDialog)
 {
-    for (const int nId : {1651, 1684, 1654}) {
+    for (const int nId : {IDC_PREVIEW, IDC_MARK_PREVIEW, IDC_TEXT_MARK_COLOR_FRAME}) {
         const HWND hFrame = GetDlgItem(hDialog, nId);
-        if (!hFrame || (nId == 1654 && IsWindowVisible(GetDlgItem(hDialog, 1725)) == 0)) {
+        if (!hFrame || (nId == IDC_TEXT_MARK_COLOR_FRAME &&
+                        IsWindowVisible(GetDlgItem(hDialog, IDC_TEXT_MARK_COLOR_CHOOSE)) == 0)) {
             continue;
         }
         RECT rect{};
@@ -239,10 +317,12 @@ void DrawFrames(HWND hDialog)
         const int nSide =
             rect.right - rect.left < rect.bottom - rect.top ? rect.right - rect.left : rect.bottom - rect.top;
         const int nX = (rect.left + rect.right) / 2, nY = (rect.top + rect.bottom) / 2;
-        if (nId != 1654) {
+        if (nId != IDC_TEXT_MARK_COLOR_FRAME) {
             rect = {nX - nSide * 10 / 28, nY - nSide / 2, nX + nSide * 10 / 28, nY + nSide / 2};
         }
-        FillRect(hdc, &rect, static_cast<HBRUSH>(GetStockObject(nId == 1654 ? GRAY_BRUSH : WHITE_BRUSH)));
+        FillRect(
+            hdc, &rect,
+            static_cast<HBRUSH>(GetStockObject(nId == IDC_TEXT_MARK_COLOR_FRAME ? GRAY_BRUSH : WHITE_BRUSH)));
         FrameRect(hdc, &rect, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
         ReleaseDC(hDialog, hdc);
     }
@@ -255,7 +335,7 @@ INT_PTR CALLBACK DialogProc(HWND hDialog, UINT uMsg, WPARAM, LPARAM)
     }
     EnumChildWindows(hDialog, FillControl, 0);
     for (const int nId : pPicture->shown) {
-        ShowWindow(GetDlgItem(hDialog, nId), nId == 1654 ? SW_HIDE : SW_SHOW);
+        ShowWindow(GetDlgItem(hDialog, nId), nId == IDC_TEXT_MARK_COLOR_FRAME ? SW_HIDE : SW_SHOW);
     }
     for (const int nId : pPicture->hidden) {
         ShowWindow(GetDlgItem(hDialog, nId), SW_HIDE);
@@ -263,10 +343,12 @@ INT_PTR CALLBACK DialogProc(HWND hDialog, UINT uMsg, WPARAM, LPARAM)
     for (const int nId : pPicture->disabled) {
         EnableWindow(GetDlgItem(hDialog, nId), FALSE);
     }
-    for (const int nId : {1221, 1206, 1208, 1216, 1203, 1218, 1801, 1804}) {
+    for (const int nId :
+         {IDC_LAYOUT_PORTRAIT, IDC_LAYOUT_LONG_EDGE, IDC_QUALITY_COLOR, IDC_QUALITY_ADJUSTMENT_ON,
+          IDC_WATERMARKS_EVERY_PAGE, IDC_FILES_USE1, IDC_PAPER_COLLATE, IDC_TEXT_MARK_BOLD}) {
         CheckDlgButton(hDialog, nId, BST_CHECKED);
     }
-    if (GetDlgItem(hDialog, 1404) && !pPicture->hidden.empty()) {
+    if (GetDlgItem(hDialog, IDC_FONTS_LIST) && !pPicture->hidden.empty()) {
         WidenFontList(hDialog);
     }
     SetWindowTextW(hDialog, LoadText(pPicture->nTitle).c_str());
@@ -310,9 +392,10 @@ void NotOpened()
 /* The page among all tabs of its sheet. */
 void ShowPage()
 {
-    const bool bDevice = pPicture->nTemplate == 1031 || pPicture->nTemplate == 1098;
-    const int aTemplates[] = {1002, 1003, 1004, 1040, 1030};
-    const int aTitles[] = {1002, 1003, 1004, 1040, 1030};
+    const bool bDevice = pPicture->nTemplate == IDD_DEVICE_FONTS || pPicture->nTemplate == IDD_ABOUT_PAGE;
+    const int aTemplates[] = {IDD_LAYOUT, IDD_PAPER, IDD_QUALITY, IDD_WATERMARKS, IDD_FONTS};
+    const int aTitles[] = {IDS_TITLE_LAYOUT, IDS_TITLE_PAPER, IDS_TITLE_QUALITY, IDS_TITLE_WATERMARKS,
+                           IDS_TITLE_FONTS};
     PROPSHEETPAGEW aPages[5] = {};
     std::wstring aTexts[5];
     UINT nPages = 0, nStart = 0;

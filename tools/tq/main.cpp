@@ -1,13 +1,15 @@
 /* tq, the companion tool: shows what the library makes of a printer description, without Windows. */
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <iostream>
+#include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "places.h"
 #include "platform/hosted/standin.h"
-#include "tools/tq/ask.h"
+#include "tools/tq/caps.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/gallery.h"
 #include "tools/tq/install.h"
@@ -20,46 +22,6 @@
 #include "tools/tq/scripting.h"
 
 namespace {
-
-struct CapsOptions {
-    std::string what;
-    std::string package = TQUI_SAMPLES;
-    std::string language = "0409";
-    bool bMetric = false;
-    bool bRaw = false;
-};
-
-int RunCaps(const CapsOptions& options)
-{
-    namespace fs = std::filesystem;
-    StartMachine();
-    SetUserLanguage(static_cast<u16>(std::stoul(options.language, nullptr, 16)));
-    SetLocaleValue(u"iMeasure", options.bMetric ? u"0" : u"1");
-    PrinterSetup setup;
-    fs::path path(options.what);
-    if (fs::is_regular_file(path)) {
-        setup = InstallDescription(Widen(path.stem().string()), ReadDiskFile(path), options.package);
-    } else {
-        setup = InstallSample(FindInfModel(ReadInf(fs::path(options.package) / "tqui.inf"), options.what),
-                              options.package);
-    }
-    std::vector<CapabilityAnswer> answers;
-    {
-        OpenSample printer(setup.wcName);
-        for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
-            answers.push_back(AskCapability(printer.hPrinter, setup.wcName, wQuestion));
-        }
-    }
-    StopMachine();
-    if (options.bRaw) {
-        for (const CapabilityAnswer& answer : answers) {
-            std::cout << RawLine(answer) << "\n";
-        }
-    } else {
-        std::cout << Narrow(setup.wcName) << "\n" << ReadableLines(answers);
-    }
-    return 0;
-}
 
 std::string IsLanguageId(const std::string& text)
 {
@@ -121,15 +83,17 @@ void AddWatermarkOptions(CLI::App* pPreview, PreviewOptions* pOptions)
                        "On the first page of a sheet alone; also the record's own watermark");
 }
 
-} // namespace
+/* A command line's word, and what it runs with the options that the words behind it set. */
+struct Command {
+    CLI::App* pApp;
+    std::function<int()> run;
+};
+using Commands = std::vector<Command>;
 
-int main(int argc, char** argv)
+void AddCaps(CLI::App& app, Commands& commands)
 {
-    CLI::App app("Shows what the printer driver interface makes of a printer description.", "tq");
-    CapsOptions caps;
-    std::string lintFile;
-    app.require_subcommand(1);
-
+    auto pOptions = std::make_shared<CapsOptions>();
+    CapsOptions& caps = *pOptions;
     CLI::App* pCaps = app.add_subcommand("caps", "All 35 capability answers of a printer");
     pCaps
         ->add_option("printer", caps.what,
@@ -143,11 +107,23 @@ int main(int argc, char** argv)
         ->check(IsLanguageId);
     pCaps->add_flag("--metric", caps.bMetric, "The user's locale is metric");
     pCaps->add_flag("--raw", caps.bRaw, "One line a question: number, result, rows in hex");
+    caps.package = TQUI_SAMPLES;
+    commands.push_back({pCaps, [pOptions] { return RunCaps(*pOptions, std::cout); }});
+}
 
+void AddLint(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<std::string>();
+    std::string& lintFile = *pOptions;
     CLI::App* pLint = app.add_subcommand("lint", "The faults of a description file, by table, row and field");
     pLint->add_option("file", lintFile, "A description file (.XPI)")->required();
+    commands.push_back({pLint, [pOptions] { return RunLint(*pOptions, std::cout, std::cerr); }});
+}
 
-    RecordOptions record;
+void AddRecord(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<RecordOptions>();
+    RecordOptions& record = *pOptions;
     CLI::App* pRecord = app.add_subcommand("record", "A printer's default settings record, changed as asked");
     pRecord->add_option("--model", record.model, "A description file, or a sample's name or section")
         ->required();
@@ -158,8 +134,14 @@ int main(int argc, char** argv)
     pRecord->add_flag("--all", record.bAll,
                       "The text has every field, not only what differs from the template");
     pRecord->add_flag("--metric", record.bMetric, "The user's locale is metric");
+    record.package = TQUI_SAMPLES;
+    commands.push_back({pRecord, [pOptions] { return RunRecord(*pOptions, std::cout); }});
+}
 
-    ExplainOptions explain;
+void AddExplain(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<ExplainOptions>();
+    ExplainOptions& explain = *pOptions;
     CLI::App* pExplain =
         app.add_subcommand("explain", "Why a record is accepted, repaired or refused, rule by rule");
     pExplain->add_option("record", explain.file, "The record: its 4088 bytes, or the text of tq record")
@@ -170,9 +152,16 @@ int main(int argc, char** argv)
         ->add_option("--package", explain.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pExplain->add_flag("--metric", explain.bMetric, "The user's locale is metric");
+    explain.package = TQUI_SAMPLES;
+    commands.push_back({pExplain, [pOptions] { return RunExplain(*pOptions, std::cout); }});
+}
 
-    JobOptions job;
-    bool bLayout = false;
+void AddJob(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<JobOptions>();
+    auto pLayout = std::make_shared<bool>(false);
+    JobOptions& job = *pOptions;
+    bool& bLayout = *pLayout;
     CLI::App* pJob = app.add_subcommand("job", "What goes to the printer round a job and before a sheet");
     pJob->add_option("--model", job.model, "A description file, or a sample's name or section");
     pJob->add_option("--package", job.package, "Folder with tqui.inf, descriptions and settings files")
@@ -184,7 +173,24 @@ int main(int argc, char** argv)
     pJob->add_flag("--hex", job.bHex, "All bytes, sixteen a line");
     pJob->add_flag("--layout", bLayout, "The layout of the binary render parameters, and nothing else");
     job.package = TQUI_SAMPLES;
-    MergeOptions merge;
+    pJob->callback([pOptions, pLayout] {
+        if (!*pLayout && pOptions->model.empty()) {
+            throw CLI::RequiredError("--model");
+        }
+    });
+    commands.push_back({pJob, [pOptions, pLayout] {
+                            if (!*pLayout) {
+                                return RunJobCommand(*pOptions, std::cout);
+                            }
+                            std::cout << RenderRecordTable();
+                            return 0;
+                        }});
+}
+
+void AddMerge(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<MergeOptions>();
+    MergeOptions& merge = *pOptions;
     CLI::App* pMerge =
         app.add_subcommand("merge", "What a printer makes of an application's record, or of its own default");
     pMerge->add_option("--model", merge.model, "A description file, or a sample's name or section")
@@ -197,8 +203,14 @@ int main(int argc, char** argv)
     pMerge->add_option("--package", merge.package, "Folder with tqui.inf, descriptions and settings files")
         ->check(CLI::ExistingDirectory);
     pMerge->add_flag("--metric", merge.bMetric, "The user's locale is metric");
+    merge.package = TQUI_SAMPLES;
+    commands.push_back({pMerge, [pOptions] { return RunMerge(*pOptions, std::cout); }});
+}
 
-    PreviewOptions preview;
+void AddPreview(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<PreviewOptions>();
+    PreviewOptions& preview = *pOptions;
     CLI::App* pPreview =
         app.add_subcommand("preview", "The picture that the sheets show of a record, as PNG");
     pPreview->add_option("--model", preview.model, "A description file, or a sample's name or section")
@@ -209,7 +221,7 @@ int main(int argc, char** argv)
     pPreview->add_option("--record", preview.record,
                          "The record: its 4088 bytes, or the text of tq record; without one the default");
     pPreview->add_option("--set", preview.assignments, "field=value; several times");
-    AddWatermarkOptions(pPreview, &preview);
+    AddWatermarkOptions(pPreview, pOptions.get());
     pPreview->add_option("--frame", preview.nFrame, "Pixels of the frame's sides (default 240)")
         ->check(CLI::Range(20, 2000));
     pPreview->add_option("--language", preview.language, "Language id of the user, four hex digits")
@@ -217,47 +229,94 @@ int main(int argc, char** argv)
     pPreview->add_flag("--metric", preview.bMetric, "The user's locale is metric");
     pPreview->add_option("-o,--out", preview.file, "The PNG file")->required();
     preview.package = TQUI_SAMPLES;
+    pPreview->callback([pOptions] {
+        if (!pOptions->position.empty() && pOptions->text.empty() && pOptions->image.empty()) {
+            throw CLI::RequiresError("--position", "--watermark or --image");
+        }
+    });
+    commands.push_back({pPreview, [pOptions] { return RunPreview(*pOptions, std::cout); }});
+}
 
-    std::string galleryFile;
+void AddGallery(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<std::string>();
+    std::string& galleryFile = *pOptions;
     CLI::App* pGallery =
         app.add_subcommand("gallery", "One contact sheet of what the preview can show, as PNG");
     pGallery->add_option("-o,--out", galleryFile, "The PNG file")->required();
+    commands.push_back({pGallery, [pOptions] { return RunGallery(*pOptions); }});
+}
 
-    std::string scriptingPackage = TQUI_SAMPLES;
+void AddScripting(CLI::App& app, Commands& commands)
+{
+    auto pOptions = std::make_shared<std::string>();
+    std::string& scriptingPackage = *pOptions;
+    scriptingPackage = TQUI_SAMPLES;
     CLI::App* pScripting = app.add_subcommand("scripting", "The page docs/scripting.md");
     pScripting->add_option("--package", scriptingPackage, "Folder with tqui.inf and the samples' files")
         ->check(CLI::ExistingDirectory);
-    merge.package = TQUI_SAMPLES;
-    record.package = TQUI_SAMPLES;
-    explain.package = TQUI_SAMPLES;
+    commands.push_back({pScripting, [pOptions] {
+                            std::cout << ScriptingPage(*pOptions);
+                            return 0;
+                        }});
+}
 
-    MachineOptions install, uninstall, data;
+/* What names a printer of a machine that is there. */
+void AddMachine(CLI::App* pCommand, MachineOptions& options)
+{
+    pCommand->add_option("printer", options.printer, "Its name, where there are several");
+    pCommand->add_option("--machine", options.machine, "Folder of the machine")
+        ->required()
+        ->check(CLI::ExistingDirectory);
+}
+
+/* The three commands of a machine that is kept in a folder. */
+void AddMachineCommands(CLI::App& app, Commands& commands)
+{
+    auto pInstalled = std::make_shared<MachineOptions>(), pRemoved = std::make_shared<MachineOptions>(),
+         pShown = std::make_shared<MachineOptions>();
+    MachineOptions& install = *pInstalled;
     CLI::App* pInstall =
         app.add_subcommand("install", "Adds a printer to a machine that is kept in a folder");
     pInstall->add_option("model", install.model, "A sample's name or section of the INF")->required();
     pInstall->add_option("--package", install.package, "Folder with tqui.inf and the files that it names")
         ->check(CLI::ExistingDirectory);
-    CLI::App* pUninstall = app.add_subcommand("uninstall", "Removes a printer from such a machine");
-    CLI::App* pData = app.add_subcommand("data", "What such a machine holds for a printer");
-    pUninstall->add_option("printer", uninstall.printer, "Its name, where there are several");
-    pData->add_option("printer", data.printer, "Its name, where there are several");
     pInstall->add_option("--machine", install.machine, "Folder of the machine; made when missing")
         ->required();
-    for (auto [pCommand, pOptions] : {std::pair(pUninstall, &uninstall), std::pair(pData, &data)}) {
-        pCommand->add_option("--machine", pOptions->machine, "Folder of the machine")
-            ->required()
-            ->check(CLI::ExistingDirectory);
-    }
     install.package = TQUI_SAMPLES;
+    CLI::App* pUninstall = app.add_subcommand("uninstall", "Removes a printer from such a machine");
+    AddMachine(pUninstall, *pRemoved);
+    CLI::App* pData = app.add_subcommand("data", "What such a machine holds for a printer");
+    AddMachine(pData, *pShown);
+    commands.push_back({pInstall, [pInstalled] { return RunInstall(*pInstalled, std::cout); }});
+    commands.push_back({pUninstall, [pRemoved] { return RunUninstall(*pRemoved, std::cout); }});
+    commands.push_back({pData, [pShown] { return RunData(*pShown, std::cout); }});
+}
 
+/* Runs the one command that was asked for. */
+int RunAsked(const Commands& commands)
+{
+    for (const Command& command : commands) {
+        if (*command.pApp) {
+            return command.run();
+        }
+    }
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("Shows what the printer driver interface makes of a printer description.", "tq");
+    Commands commands;
+    app.require_subcommand(1);
+    for (auto* pfnAdd : {AddCaps, AddLint, AddRecord, AddExplain, AddJob, AddMerge, AddPreview, AddGallery,
+                         AddScripting, AddMachineCommands}) {
+        pfnAdd(app, commands);
+    }
     try {
         app.parse(argc, argv);
-        if (*pJob && !bLayout && job.model.empty()) {
-            throw CLI::RequiredError("--model");
-        }
-        if (!preview.position.empty() && preview.text.empty() && preview.image.empty()) {
-            throw CLI::RequiresError("--position", "--watermark or --image");
-        }
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
             return app.exit(error);
@@ -266,42 +325,7 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        if (*pRecord) {
-            return RunRecord(record, std::cout);
-        }
-        if (*pJob && bLayout) {
-            std::cout << RenderRecordTable();
-            return 0;
-        }
-        if (*pJob) {
-            return RunJobCommand(job, std::cout);
-        }
-        if (*pExplain) {
-            return RunExplain(explain, std::cout);
-        }
-        if (*pMerge) {
-            return RunMerge(merge, std::cout);
-        }
-        if (*pPreview) {
-            return RunPreview(preview, std::cout);
-        }
-        if (*pGallery) {
-            return RunGallery(galleryFile);
-        }
-        if (*pScripting) {
-            std::cout << ScriptingPage(scriptingPackage);
-            return 0;
-        }
-        if (*pInstall) {
-            return RunInstall(install, std::cout);
-        }
-        if (*pUninstall) {
-            return RunUninstall(uninstall, std::cout);
-        }
-        if (*pData) {
-            return RunData(data, std::cout);
-        }
-        return *pLint ? RunLint(lintFile, std::cout, std::cerr) : RunCaps(caps);
+        return RunAsked(commands);
     } catch (const std::exception& error) {
         std::cerr << "tq: " << error.what() << "\n";
         StopMachine();

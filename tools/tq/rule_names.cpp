@@ -5,6 +5,11 @@
 
 namespace {
 
+struct RuleName {
+    int nRule;          /* as RuleNumber of settings/check_core.h makes it */
+    const char* cField; /* field of the record, with the piece of it that is meant */
+};
+
 constexpr RuleName aRules[] = {
     {10100, "dmDeviceName"},
     {10200, "dmSpecVersion"},
@@ -187,11 +192,6 @@ constexpr const char* aGroups[] = {"",       "public identity",  "public bit",
                                    "public", "private identity", "private"};
 
 } // namespace
-
-std::span<const RuleName> AllRules()
-{
-    return aRules;
-}
 
 const char* RuleFieldName(int nRule)
 {

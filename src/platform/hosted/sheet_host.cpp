@@ -333,10 +333,3 @@ bool PressSheetCancel(Sheet* pSheet)
     CloseWindows(pSheet);
     return true;
 }
-
-void PressSheetHelp(Sheet* pSheet)
-{
-    if (const HWND hActive = ActiveWindow(pSheet)) {
-        Notify(pSheet, hActive, PSN_HELP);
-    }
-}

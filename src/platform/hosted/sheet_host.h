@@ -52,6 +52,5 @@ bool CanApplySheet(const Sheet* pSheet);         /* the Apply button, which PSM_
 bool PressSheetApply(Sheet* pSheet);
 bool PressSheetOk(Sheet* pSheet);
 bool PressSheetCancel(Sheet* pSheet);
-void PressSheetHelp(Sheet* pSheet);
 
 #endif

@@ -26,7 +26,6 @@ INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE hInstance, const void* pTemplat
 BOOL WINAPI DestroyWindow(HWND hWnd);
 BOOL WINAPI IsWindow(HWND hWnd);
 BOOL WINAPI MapDialogRect(HWND hDialog, RECT* pRect);
-BOOL WINAPI ScreenToClient(HWND hWnd, POINT* pPoint);
 int WINAPI GetWindowTextW(HWND hWnd, LPWSTR wcText, int cchText);
 WideText
 HostedClassName(HWND hWnd); /* "Button", "Edit", "Static", "ListBox", "ScrollBar", "ComboBox"; else empty */
@@ -59,7 +58,6 @@ HWND ForegroundWindow(); /* what SetForegroundWindow brought there last */
 
 /* ---- mouse and keyboard ---- */
 bool ClickControl(HWND hDialog, int nId); /* buttons act; statics tell when they notify */
-bool DoubleClickControl(HWND hDialog, int nId);
 bool PickRow(HWND hDialog, int nId,
              int nRow); /* of a list or combo box; what is picked already tells nothing */
 bool DoubleClickRow(HWND hDialog, int nId, int nRow);
@@ -76,7 +74,6 @@ void SendKey(WPARAM uKey, bool bShift = false);
 void MoveMouse(HWND hWnd, int x, int y);
 void PressMouse(HWND hWnd, int x, int y);
 void ReleaseMouse(HWND hWnd, int x, int y);
-void DoubleClickRight(HWND hWnd, int x, int y);
 void AskContextMenu(HWND hWnd, int x, int y); /* a right click's WM_CONTEXTMENU */
 void CloseWindowByUser(HWND hDialog);         /* the cross in its caption */
 

@@ -150,19 +150,6 @@ bool ClickControl(HWND hDialog, int nId)
     return true;
 }
 
-bool DoubleClickControl(HWND hDialog, int nId)
-{
-    const KeepRecords keep;
-    const Window* pWindow = Reach(hDialog, nId);
-    if (!pWindow || pWindow->kind != KIND_STATIC || !ClickControl(hDialog, nId)) {
-        return false;
-    }
-    if (const Window* pAfter = Reach(hDialog, nId)) {
-        NotifyParent(pAfter->hWnd, STN_DBLCLK);
-    }
-    return true;
-}
-
 bool PickRow(HWND hDialog, int nId, int nRow)
 {
     const KeepRecords keep;
@@ -303,14 +290,6 @@ void PressMouse(HWND hWnd, int x, int y)
 void ReleaseMouse(HWND hWnd, int x, int y)
 {
     SendMouse(hWnd, WM_LBUTTONUP, x, y);
-}
-
-void DoubleClickRight(HWND hWnd, int x, int y)
-{
-    SendMouse(hWnd, WM_RBUTTONDOWN, x, y);
-    SendMouse(hWnd, WM_RBUTTONUP, x, y);
-    SendMouse(hWnd, WM_RBUTTONDBLCLK, x, y);
-    SendMouse(hWnd, WM_RBUTTONUP, x, y);
 }
 
 void AskContextMenu(HWND hWnd, int x, int y)

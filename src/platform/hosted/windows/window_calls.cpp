@@ -265,16 +265,6 @@ int WINAPI MapWindowPoints(HWND hFrom, HWND hTo, LPPOINT pPoints, UINT nPoints)
     return static_cast<int>(MAKELONG(lX, lY));
 }
 
-BOOL WINAPI ScreenToClient(HWND hWnd, POINT* pPoint)
-{
-    POINT origin;
-    if (!hWnd || !OriginOf(hWnd, &origin)) {
-        return 0;
-    }
-    *pPoint = {pPoint->x - origin.x, pPoint->y - origin.y};
-    return 1;
-}
-
 static void PlaceWindow(Window* pWindow, const RECT& rect)
 {
     RECT newRect = rect;

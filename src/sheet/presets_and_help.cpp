@@ -1,5 +1,5 @@
 /* Empty until presets and help are built. */
-#include "sheet/page_extras.h"
+#include "sheet/presets_and_help.h"
 
 void InitPresets(HWND, UiSession*) {}
 

@@ -1,7 +1,7 @@
 /* The pages of a sheet. A page is a constant row of routines; one dialog procedure serves them all and does what
    every page does alike. */
-#ifndef TQUI_SHEET_PAGE_H
-#define TQUI_SHEET_PAGE_H
+#ifndef TQUI_SHEET_PAGE_FRAME_H
+#define TQUI_SHEET_PAGE_FRAME_H
 
 #include "sheet/session.h"
 
@@ -52,10 +52,5 @@ int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot);
 /* What a check found is told to the host: any difference marks the page, none takes the mark away unless a preset
    or a refused commit keeps the sheet changed. */
 void TrackChange(HWND hPage, UiSession* pSession, int nSlot, int bDiffers);
-
-/* Last step of a page's apply, or of a dialog that has a slot of its own: the last one with edits tests the conflicts
-   and gives the settings to the host. A conflict keeps the sheet on the page, and the page's edits count as not
-   applied; a dialog's are. */
-void CommitPage(UiSession* pSession, int nSlot);
 
 #endif

@@ -1,8 +1,8 @@
 /* All pages there are, in the order of their tabs. */
-#ifndef TQUI_SHEET_PAGES_H
-#define TQUI_SHEET_PAGES_H
+#ifndef TQUI_SHEET_PAGE_TABLE_H
+#define TQUI_SHEET_PAGE_TABLE_H
 
-#include "sheet/page.h"
+#include "sheet/page_frame.h"
 
 extern const PageTableRow aPageTable[];
 

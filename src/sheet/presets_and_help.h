@@ -1,14 +1,14 @@
 /* What belongs to every page and is not built yet: presets, help, web page. Each is called where it will act
    and does nothing now. */
-#ifndef TQUI_SHEET_PAGE_EXTRAS_H
-#define TQUI_SHEET_PAGE_EXTRAS_H
+#ifndef TQUI_SHEET_PRESETS_AND_HELP_H
+#define TQUI_SHEET_PRESETS_AND_HELP_H
 
 #include "sheet/session.h"
 
 /* Start of a page in a document sheet: the list of presets. */
 void InitPresets(HWND hPage, UiSession* pSession);
 
-/* Button 1720. */
+/* The button IDC_PRESET_APPLY. */
 void ApplyPreset(HWND hPage, UiSession* pSession);
 
 /* The sheet's Help button, by the key of the page. */

@@ -1,21 +1,15 @@
 /* The pages of a sheet: how they come to the host, and what every one of them does with its messages. */
-#include "sheet/page.h"
+#include "sheet/page_frame.h"
 
+#include "description/control_ids.h"
+#include "sheet/about.h"
+#include "sheet/commit.h"
 #include "sheet/dialog_services.h"
-#include "sheet/notices.h"
-#include "sheet/page_extras.h"
+#include "sheet/edit_keys.h"
+#include "sheet/presets_and_help.h"
 #include "sheet/preview_panel.h"
 
 namespace {
-
-enum : int {
-    CONTROL_PREVIEW = 1651,
-    CONTROL_DUPLEX_PICTURE = 1653, /* Layout page */
-    CONTROL_LOGO = 1692,
-    BUTTON_ABOUT = 1701,
-    BUTTON_PRESET = 1720,
-    CONTROL_SIZE_LINE = 1920
-};
 
 /* 1 when the model has what the page is about. */
 int IsPageWanted(const UiSession* pSession, int nSlot)
@@ -74,7 +68,7 @@ void ShowLogo(HWND hPage, UiSession* pSession)
                        0, 0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT));
     }
     if (pSession->hLogoBitmap) {
-        SendDlgItemMessageW(hPage, CONTROL_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
+        SendDlgItemMessageW(hPage, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
                             reinterpret_cast<LPARAM>(pSession->hLogoBitmap));
     }
 }
@@ -85,7 +79,7 @@ void ReleaseLogo(HWND hPage, UiSession* pSession)
     if (!pSession->hLogoBitmap) {
         return;
     }
-    SendDlgItemMessageW(hPage, CONTROL_LOGO, STM_SETIMAGE, IMAGE_BITMAP, 0);
+    SendDlgItemMessageW(hPage, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP, 0);
     for (HWND hOther : pSession->hPageWnd) {
         if (hOther) {
             return;
@@ -107,7 +101,7 @@ int IsOver(HWND hPage, int nControl, LPARAM lPoint)
 void MoveOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 {
     HCURSOR hNow = GetCursor();
-    if (IsOver(hPage, CONTROL_SIZE_LINE, lPoint) || IsOver(hPage, CONTROL_LOGO, lPoint)) {
+    if (IsOver(hPage, IDC_PREVIEW_SIZE, lPoint) || IsOver(hPage, IDC_LOGO, lPoint)) {
         if (hNow != pSession->hCursorHand) {
             pSession->hCursorSaved = hNow;
             SetCursor(pSession->hCursorHand);
@@ -120,10 +114,10 @@ void MoveOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 /* The size line turns between the units, the logo leads to the maker's page. */
 void ReleaseOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 {
-    if (IsOver(hPage, CONTROL_SIZE_LINE, lPoint)) {
+    if (IsOver(hPage, IDC_PREVIEW_SIZE, lPoint)) {
         SetCursor(pSession->hCursorHand);
         FlipPreviewUnit(hPage, pSession);
-    } else if (IsOver(hPage, CONTROL_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
+    } else if (IsOver(hPage, IDC_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
         OpenWebPage(pSession);
     }
 }
@@ -162,9 +156,9 @@ INT_PTR Notified(const PageRoutines& routines, HWND hPage, UiSession* pSession, 
     case PSN_APPLY: ApplyPage(routines, hPage, pSession); return 1;
     case PSN_HELP: ShowPageTopic(hPage, pSession, routines.nHelpKey); return 0;
     case PSN_SETACTIVE:
-        RepaintControl(hPage, CONTROL_PREVIEW);
+        RepaintControl(hPage, IDC_PREVIEW);
         if (routines.slot == SLOT_LAYOUT) {
-            RepaintControl(hPage, CONTROL_DUPLEX_PICTURE);
+            RepaintControl(hPage, IDC_LAYOUT_DUPLEX_PICTURE);
         }
         return 0;
     default: return 0;
@@ -242,17 +236,17 @@ int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot)
     }
     int bClicked = HIWORD(wParam) == BN_CLICKED;
     switch (LOWORD(wParam)) {
-    case CONTROL_LOGO:
+    case IDC_LOGO:
         if (bClicked && pSession->pXpi->sWebLinkCmdId) {
             OpenWebPage(pSession);
         }
         return 0;
-    case BUTTON_ABOUT:
+    case IDC_ABOUT:
         if (bClicked) {
             ShowAbout(pSession, hPage);
         }
         return 0;
-    case BUTTON_PRESET:
+    case IDC_PRESET_APPLY:
         if (bClicked) {
             ApplyPreset(hPage, pSession);
         }
@@ -310,7 +304,7 @@ INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessag
         return 0;
     case WM_MOUSEMOVE: MoveOverPage(hPage, pSession, lParam); return 0;
     case WM_LBUTTONDOWN:
-        if (IsOver(hPage, CONTROL_SIZE_LINE, lParam)) {
+        if (IsOver(hPage, IDC_PREVIEW_SIZE, lParam)) {
             SetCursor(pSession->hCursorHand);
         }
         return 0;

@@ -1,13 +1,16 @@
-/* Zoom and layout, which exclude each other across two pages. A page without a window has its values in the record. */
+#include "sheet/zoom_and_layout.h"
+
+#include "description/control_ids.h"
 #include "sheet/dialog_services.h"
+#include "sheet/edit_keys.h"
 
 namespace {
 
-constexpr int LAYOUT_TYPE = 1359, PAGES_PER_SHEET = 1306, ZOOM = 1506;
-
 /* The first control of each tells the state of its group. */
-constexpr int anLayoutGroup[] = {1148, 1997, LAYOUT_TYPE, 1998, PAGES_PER_SHEET, 1348};
-constexpr int anScalingGroup[] = {1122, ZOOM, 1602, 1877, 1825};
+constexpr int anLayoutGroup[] = {IDC_LAYOUT_GROUP,       IDC_LAYOUT_TYPE_LABEL, IDC_LAYOUT_TYPE,
+                                 IDC_LAYOUT_PAGES_LABEL, IDC_LAYOUT_PAGES,      IDC_LAYOUT_POSTER};
+constexpr int anScalingGroup[] = {IDC_PAPER_ZOOM_LABEL, IDC_PAPER_ZOOM, IDC_PAPER_ZOOM_BAR, IDC_PERCENT,
+                                  IDC_PAPER_CENTRE};
 
 template <size_t n> void EnableGroup(HWND hPage, const int (&anControls)[n], int bEnable)
 {
@@ -37,8 +40,8 @@ void EnableScalingGroup(UiSession* pSession, int bEnable)
 int ScalingAllowed(const UiSession* pSession)
 {
     if (HWND hPage = pSession->hPageWnd[SLOT_LAYOUT]) {
-        return GetComboValue(hPage, LAYOUT_TYPE, nullptr) == 0 &&
-               GetComboValue(hPage, PAGES_PER_SHEET, nullptr) == 1;
+        return GetComboValue(hPage, IDC_LAYOUT_TYPE, nullptr) == 0 &&
+               GetComboValue(hPage, IDC_LAYOUT_PAGES, nullptr) == 1;
     }
     const PrivateDevmode& part = pSession->pRecord->rPrivate;
     return part.sLayoutType == 0 && part.lPagesPerSheet == 1;
@@ -47,7 +50,7 @@ int ScalingAllowed(const UiSession* pSession)
 int IsZoom100(const UiSession* pSession)
 {
     if (HWND hPage = pSession->hPageWnd[SLOT_PAPER]) {
-        return ReadNumber(hPage, ZOOM) == 100;
+        return ReadNumber(hPage, IDC_PAPER_ZOOM) == 100;
     }
     const PrivateDevmode& part = pSession->pRecord->rPrivate;
     return part.sScaleTarget == 100 || part.sScale == 0;
@@ -56,7 +59,7 @@ int IsZoom100(const UiSession* pSession)
 int NupActive(const UiSession* pSession)
 {
     if (HWND hPage = pSession->hPageWnd[SLOT_LAYOUT]) {
-        return GetComboValue(hPage, PAGES_PER_SHEET, nullptr) > 1;
+        return GetComboValue(hPage, IDC_LAYOUT_PAGES, nullptr) > 1;
     }
     return pSession->pRecord->rPrivate.lPagesPerSheet > 1;
 }

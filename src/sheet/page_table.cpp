@@ -1,0 +1,41 @@
+/* The pages and their order. A page without routines shows its template's controls with their texts; when a page gets
+   its own file, that file supplies its row. */
+#include "sheet/page_table.h"
+
+#include "description/control_ids.h"
+#include "description/string_ids.h"
+#include "sheet/about.h"
+#include "sheet/dialog_services.h"
+#include "sheet/preview_panel.h"
+
+namespace {
+
+/* Two labels of the page say the same. */
+void InitQuality(HWND hPage, UiSession* pSession)
+{
+    SetLabel(hPage, pSession, IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION_LABEL);
+}
+
+constexpr PageRoutines layoutPage = {SLOT_LAYOUT, 50, nullptr, nullptr, nullptr, PaintDuplexPage, nullptr};
+constexpr PageRoutines paperPage = {SLOT_PAPER, 100, nullptr, nullptr, nullptr, PaintDuplexPage, nullptr};
+constexpr PageRoutines qualityPage = {SLOT_QUALITY,     400,    InitQuality, nullptr, nullptr,
+                                      PaintPreviewPage, nullptr};
+constexpr PageRoutines watermarksPage = {SLOT_WATERMARKS,  500,    nullptr, nullptr, nullptr,
+                                         PaintPreviewPage, nullptr};
+constexpr PageRoutines fontsPage = {SLOT_FONTS, 600, nullptr, nullptr, nullptr, PaintPreviewPage, nullptr};
+constexpr PageRoutines aboutPage = {SLOT_ABOUT, 0, FillAbout, nullptr, nullptr, nullptr, nullptr};
+
+} // namespace
+
+/* Slot, tab title, template in a document's and in the printer's own sheet. */
+const PageTableRow aPageTable[] = {
+    {SLOT_LAYOUT, IDS_TITLE_LAYOUT, IDD_LAYOUT, 0, PageProc<layoutPage>, PreviewCommand},
+    {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, 0, PageProc<paperPage>, PreviewCommand},
+    {SLOT_QUALITY, IDS_TITLE_QUALITY, IDD_QUALITY, 0, PageProc<qualityPage>, PreviewCommand},
+    {SLOT_WATERMARKS, IDS_TITLE_WATERMARKS, IDD_WATERMARKS, 0, PageProc<watermarksPage>, PreviewCommand},
+    {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, IDD_DEVICE_FONTS, PageProc<fontsPage>, PreviewCommand},
+    {0, 0, 0, 0, nullptr, nullptr},
+};
+
+const PageTableRow rAboutPage = {SLOT_ABOUT,     IDS_TITLE_ABOUT,     0,
+                                 IDD_ABOUT_PAGE, PageProc<aboutPage>, nullptr};
