@@ -53,8 +53,8 @@ using OwnedPrinter = std::unique_ptr<void, PrinterDeleter>;
 const DRIVER_INFO_3W* GetDriverInfo(PrinterCall& call);
 const PRINTER_INFO_2W* GetPrinterInfo(PrinterCall& call);
 
-/* Writes the printer's information back, without its record where that is cut, and never its security. The call asks anew for it afterwards.
-   1 when the spooler took it. */
+/* Writes the printer's information back, without its record where that is cut, and never its security. The call asks
+   anew for it afterwards. 1 when the spooler took it. */
 int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info);
 
 /* A text member of one of the two blocks: "" for null and for what does not lie in the block. The text ends
