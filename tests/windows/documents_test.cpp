@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t RECORD_BYTES = 4088, NAME_BYTES = 64;
+constexpr size_t RECORD_BYTES = 4088, NAME_BYTES = 64, FORM_NAME = 102;
 constexpr WCHAR wcMonitorKey[] = L"SOFTWARE\\QuilonMonitor";
 constexpr DWORD UPDATE = 1, COPY = 2, MODIFY = 8;
 
@@ -122,6 +122,8 @@ TEST_P(EveryRecord, IsMergedAsOnTheHostedBuild)
                           .cbOut = RECORD_BYTES,
                           .fMode = COPY};
     EXPECT_EQ(sheets(nullptr, reinterpret_cast<LPARAM>(&header)), 1);
+    /* Behind the end of the form's empty name the spooler leaves bytes of its own when it stores a record. */
+    std::memset(standard.data() + FORM_NAME, 0, 64);
     EXPECT_EQ(Difference(standard, HostedRecord(GetParam(), ".default"), NAME_BYTES), -1);
 
     Record settled = wanted, converted(RECORD_BYTES);
