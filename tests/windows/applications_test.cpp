@@ -77,7 +77,7 @@ class Applications : public ::testing::TestWithParam<std::string> {
                   PathFromEnvironment("TQUI_FULL_SIZE_LIBRARY"))
     {
         EXPECT_TRUE(SetDefaultPrinterW(printer.Name()));
-        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (GetParam() + ".default"),
+        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (GetParam() + ".stored"),
                            std::ios::binary);
         hosted = Record{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
