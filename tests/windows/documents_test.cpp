@@ -1,6 +1,7 @@
 /* Records in the system's own spooler: merged as applications ask for it, and by the exports, each byte held
    against what the hosted build makes of the same record. TQUI_HOSTED_CAPS has, for each model, NAME.in (the
-   application's record), NAME.merged and NAME.default. */
+   application's record), NAME.merged and NAME.default, which is what becomes of the default that the installation
+   stored. */
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t RECORD_BYTES = 4088, NAME_BYTES = 64;
+constexpr size_t RECORD_BYTES = 4088, NAME_BYTES = 64, FORM_NAME = 102, FORM_END = 166;
 constexpr WCHAR wcMonitorKey[] = L"SOFTWARE\\QuilonMonitor";
 constexpr DWORD UPDATE = 1, COPY = 2, MODIFY = 8;
 
@@ -62,11 +63,14 @@ Record HostedRecord(const std::string& section, const char* cKind)
 }
 
 /* First byte from nFrom on in which two records differ; -1 for none. A default bears the name of its printer, which
-   is another here: such records are compared from behind it. */
+   is another here: such records are compared from behind it. Behind the end of the form's empty name the spooler leaves
+   bytes of its own when it stores a record; they are no part of it. */
 int Difference(const Record& one, const Record& other, size_t nFrom = 0)
 {
+    const bool bNoForm = !one[FORM_NAME] && !one[FORM_NAME + 1] && !other[FORM_NAME] && !other[FORM_NAME + 1];
     for (size_t n = nFrom; n < RECORD_BYTES; n++) {
-        if (one[n] != other[n]) {
+        const bool bBehindForm = bNoForm && n > FORM_NAME && n < FORM_END;
+        if (!bBehindForm && one[n] != other[n]) {
             return static_cast<int>(n);
         }
     }
