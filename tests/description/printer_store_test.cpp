@@ -307,6 +307,9 @@ TEST_F(PrinterStoreTest, ProfileAndScreenNamesLieInTheUsersFile)
         Widen(SettingsPath(u"mine.ini")),
         "[PrinterSettings]\r\nProfile=2\r\n[Basalt]\r\nProfile= \"Coated 12.icc\" \r\nScreen=fine.scr\r\n");
     GetProfileName(call, wcName, 16);
+    EXPECT_EQ(WideText(wcName), u"") << "what a call has read stays for that call";
+    ForgetUserSettings(call);
+    GetProfileName(call, wcName, 16);
     EXPECT_EQ(WideText(wcName), u"Coated 12.icc");
     GetScreenName(call, wcName, 16);
     EXPECT_EQ(WideText(wcName), u"fine.scr");
