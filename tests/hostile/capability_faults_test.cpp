@@ -8,7 +8,7 @@
 
 namespace {
 
-[[maybe_unused]] const auto* const pTotals = ExpectTotals(20000, 5000, 0);
+[[maybe_unused]] const auto* const pTotals = ExpectTotals(16000, 5000, 0);
 
 constexpr size_t ROOM = 256; /* rows; no list of the machines below comes near */
 constexpr int RUN_LIMIT = 2000;

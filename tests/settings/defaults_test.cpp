@@ -13,7 +13,7 @@
 
 namespace {
 
-[[maybe_unused]] const auto* const pTotals = ExpectTotals(1000, 30, 0);
+[[maybe_unused]] const auto* const pTotals = ExpectTotals(600, 30, 0);
 
 using Names = std::vector<std::string>;
 
