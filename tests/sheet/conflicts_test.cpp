@@ -195,7 +195,10 @@ TEST_F(ConflictsTest, EverySheetOfTheJobIsTested)
     EXPECT_FALSE(Ask(twoSided)) << "the cover has one side";
     part.sFrontDuplex = 1;
     EXPECT_TRUE(Ask(twoSided));
-    part.sFrontCover = part.sBackCover = 0;
+    part.sFrontCover = part.sBackCover = part.sFrontDuplex = part.sBackDuplex = 0;
+    part.sSeparatorPaper = 11, part.sSeparators = 1;
+    EXPECT_TRUE(Ask(twoSided)) << "separators are printed as the job is";
+    part.sSeparators = 0;
     part.sInsertPaper = 11;
     for (auto [usInsert, bHit] : {std::pair<u16, bool>{1, false}, {3, true}, {4, false}, {5, true}}) {
         part.sInsertPages = usInsert;
