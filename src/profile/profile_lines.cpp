@@ -55,20 +55,31 @@ int IsSameName(Span one, Span other)
     return 1;
 }
 
-Span TakeLine(Span text, u32* pnAt)
+u32 FindLineEnd(Span text, u32 nAt)
 {
-    const WCHAR* pFrom = text.pText + *pnAt;
     const WCHAR* const pEnd = text.pText + text.nLength;
-    const WCHAR* pTo = pFrom;
+    const WCHAR* pTo = text.pText + nAt;
     while (pTo < pEnd && (*pTo > '\r' || (*pTo != '\r' && *pTo != '\n'))) {
         pTo++;
     }
-    const WCHAR* pNext = pTo;
-    if (pNext < pEnd) {
-        pNext += *pTo == '\r' && pTo + 1 < pEnd && pTo[1] == '\n' ? 2 : 1;
+    return static_cast<u32>(pTo - text.pText);
+}
+
+u32 FindNextLine(Span text, u32 nLineEnd)
+{
+    if (nLineEnd == text.nLength) {
+        return nLineEnd;
     }
-    *pnAt = static_cast<u32>(pNext - text.pText);
-    return TrimSpan({pFrom, static_cast<u32>(pTo - pFrom)});
+    int bPair =
+        text.pText[nLineEnd] == '\r' && nLineEnd + 1 < text.nLength && text.pText[nLineEnd + 1] == '\n';
+    return nLineEnd + (bPair ? 2 : 1);
+}
+
+Span TakeLine(Span text, u32* pnAt)
+{
+    u32 nFrom = *pnAt, nEnd = FindLineEnd(text, nFrom);
+    *pnAt = FindNextLine(text, nEnd);
+    return TrimSpan({text.pText + nFrom, nEnd - nFrom});
 }
 
 int IsHeader(Span line, Span* pName)
@@ -98,6 +109,11 @@ void SplitLine(Span line, Span* pKey, Span* pValue)
     if (nAt < line.nLength) {
         *pValue = CutAtNul(TrimSpan({line.pText + nAt + 1, line.nLength - nAt - 1}));
     }
+}
+
+Span ValueAt(Span text, u32 nAt)
+{
+    return CutAtNul(TrimSpan({text.pText + nAt, FindLineEnd(text, nAt) - nAt}));
 }
 
 u32 FindSectionBody(Span text, Span name, u32* pnHeader)
