@@ -196,6 +196,22 @@ Span DigitsOf(i32 nIndex, WCHAR (&wcDigits)[DIGITS])
     return {wcDigits + nAt, static_cast<u32>(DIGITS - nAt)};
 }
 
+/* The name that is asked for, its number in wcDigits. 0 for one that no key can have. */
+int TakeName(const ProfileKey& key, WCHAR (&wcDigits)[DIGITS], Name* pName)
+{
+    Span digits = DigitsOf(key.nIndex, wcDigits);
+    u32 n = 0, ulHash = HASH_START;
+    for (; key.wcStem[n] > ' ' && key.wcStem[n] != '='; n++) {
+        ulHash = HashOn(ulHash, key.wcStem[n]);
+    }
+    if (!key.wcStem[n]) {
+        *pName = {{key.wcStem, n}, digits, EndHash(HashOn(ulHash, digits))};
+        return 1;
+    }
+    *pName = NameOf(TrimSpan(SpanOf(key.wcStem)), digits);
+    return !FindWide(key.wcStem, TEXT("="));
+}
+
 } // namespace
 
 ProfileSection OpenSection(const ProfileFile& file, const WCHAR* wcSection)
@@ -223,16 +239,11 @@ int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR*
 {
     WCHAR wcDigits[DIGITS];
     Span value = {nullptr, 0};
-    Span stem = TrimSpan(SpanOf(key.wcStem));
-    for (u32 i = 0; i < stem.nLength; i++) {
-        if (stem.pText[i] == '=') {
-            return 0; /* no key has one in its name */
-        }
-    }
-    if (!section.pSlots) {
+    Name name;
+    if (!section.pSlots || !TakeName(key, wcDigits, &name)) {
         return 0;
     }
-    u32* pSlot = FindSlot(section, NameOf(stem, DigitsOf(key.nIndex, wcDigits)), &value);
+    u32* pSlot = FindSlot(section, name, &value);
     if (!pSlot || *pSlot == FREE_SLOT || !value.pText) {
         return 0;
     }
