@@ -13,11 +13,6 @@ int IsBlank(WCHAR wcChar)
     return wcChar <= HIGHEST_BLANK && (wcChar == ' ' || (wcChar >= 9 && wcChar <= 13) || wcChar == 0x1A);
 }
 
-WCHAR Capital(WCHAR wcChar)
-{
-    return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
-}
-
 /* The part in front of the first NUL, which ends a name or value but not its line. */
 Span CutAtNul(Span span)
 {
@@ -40,19 +35,6 @@ Span TrimSpan(Span span)
         span.nLength--;
     }
     return span;
-}
-
-int IsSameName(Span one, Span other)
-{
-    if (one.nLength != other.nLength) {
-        return 0;
-    }
-    for (u32 i = 0; i < one.nLength; i++) {
-        if (one.pText[i] != other.pText[i] && Capital(one.pText[i]) != Capital(other.pText[i])) {
-            return 0;
-        }
-    }
-    return 1;
 }
 
 u32 FindLineEnd(Span text, u32 nAt)

@@ -12,8 +12,24 @@ struct Span {
 
 Span TrimSpan(Span span);
 
+inline WCHAR Capital(WCHAR wcChar)
+{
+    return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
+}
+
 /* 1 when both are the same but for the case of ASCII letters. */
-int IsSameName(Span one, Span other);
+inline int IsSameName(Span one, Span other)
+{
+    u32 i = 0;
+    if (one.nLength != other.nLength) {
+        return 0;
+    }
+    while (i < one.nLength &&
+           (one.pText[i] == other.pText[i] || Capital(one.pText[i]) == Capital(other.pText[i]))) {
+        i++;
+    }
+    return i == one.nLength;
+}
 
 /* Where the line that holds the position ends, and where the next one begins. */
 u32 FindLineEnd(Span text, u32 nAt);

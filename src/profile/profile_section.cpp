@@ -17,7 +17,7 @@ constexpr u32 CHARS_TO_A_SLOT = 8; /* so that honest lines fill half of the slot
 constexpr u32 MOST_STEPS = 256;
 constexpr int DIGITS = 12;
 
-constexpr u32 HASH_START = 0x811C9DC5;
+constexpr u32 HASH_START = 0;
 
 /* The two parts of a name that is looked for, and the hash of both. */
 struct Name {
@@ -26,10 +26,11 @@ struct Name {
     u32 ulHash;
 };
 
-/* Letters of either case fall together, and so may few other characters: the names themselves are compared. */
+/* Letters of either case fall together, and so may few other characters: the names themselves are compared. Four
+   digits behind one stem never do. */
 inline u32 HashOn(u32 ulHash, WCHAR wcChar)
 {
-    return (ulHash ^ (wcChar & 0xFFDFu)) * 0x01000193;
+    return (ulHash << 7 | ulHash >> 25) ^ (wcChar & 0xFFDFu);
 }
 
 u32 HashOn(u32 ulHash, Span span)
@@ -42,8 +43,8 @@ u32 HashOn(u32 ulHash, Span span)
 
 u32 EndHash(u32 ulHash)
 {
-    ulHash = (ulHash ^ ulHash >> 15) * 0x2C1B3C6D;
-    return ulHash ^ ulHash >> 13;
+    ulHash *= 0x9E3779B1;
+    return ulHash ^ ulHash >> 15;
 }
 
 Name NameOf(Span stem, Span digits)
