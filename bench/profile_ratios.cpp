@@ -94,7 +94,7 @@ int MeasureRows()
     }
     Require(WriteWatermarks(ROWS_FILE, rows.data(), WATERMARK_LIMIT), "rows", "not written");
     Watch read;
-    for (int nRound = 0; nRound < 20; nRound++) {
+    for (int nRound = 0; nRound < 100; nRound++) {
         read.Round(1, [] {
             OwnedBlock<WatermarkEntry> pRows;
             Require(ReadWatermarks(OpenProfile(ROWS_FILE), &pRows) == WATERMARK_LIMIT, "rows",

@@ -13,11 +13,6 @@ int IsBlank(WCHAR wcChar)
     return wcChar <= HIGHEST_BLANK && (wcChar == ' ' || (wcChar >= 9 && wcChar <= 13) || wcChar == 0x1A);
 }
 
-WCHAR Capital(WCHAR wcChar)
-{
-    return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
-}
-
 /* The part in front of the first NUL, which ends a name or value but not its line. */
 Span CutAtNul(Span span)
 {
@@ -42,33 +37,31 @@ Span TrimSpan(Span span)
     return span;
 }
 
-int IsSameName(Span one, Span other)
+u32 FindLineEnd(Span text, u32 nAt)
 {
-    if (one.nLength != other.nLength) {
-        return 0;
+    const WCHAR* const pEnd = text.pText + text.nLength;
+    const WCHAR* pTo = text.pText + nAt;
+    while (pTo < pEnd && (*pTo > '\r' || (*pTo != '\r' && *pTo != '\n'))) {
+        pTo++;
     }
-    for (u32 i = 0; i < one.nLength; i++) {
-        if (one.pText[i] != other.pText[i] && Capital(one.pText[i]) != Capital(other.pText[i])) {
-            return 0;
-        }
+    return static_cast<u32>(pTo - text.pText);
+}
+
+u32 FindNextLine(Span text, u32 nLineEnd)
+{
+    if (nLineEnd == text.nLength) {
+        return nLineEnd;
     }
-    return 1;
+    int bPair =
+        text.pText[nLineEnd] == '\r' && nLineEnd + 1 < text.nLength && text.pText[nLineEnd + 1] == '\n';
+    return nLineEnd + (bPair ? 2 : 1);
 }
 
 Span TakeLine(Span text, u32* pnAt)
 {
-    const WCHAR* pFrom = text.pText + *pnAt;
-    const WCHAR* const pEnd = text.pText + text.nLength;
-    const WCHAR* pTo = pFrom;
-    while (pTo < pEnd && (*pTo > '\r' || (*pTo != '\r' && *pTo != '\n'))) {
-        pTo++;
-    }
-    const WCHAR* pNext = pTo;
-    if (pNext < pEnd) {
-        pNext += *pTo == '\r' && pTo + 1 < pEnd && pTo[1] == '\n' ? 2 : 1;
-    }
-    *pnAt = static_cast<u32>(pNext - text.pText);
-    return TrimSpan({pFrom, static_cast<u32>(pTo - pFrom)});
+    u32 nFrom = *pnAt, nEnd = FindLineEnd(text, nFrom);
+    *pnAt = FindNextLine(text, nEnd);
+    return TrimSpan({text.pText + nFrom, nEnd - nFrom});
 }
 
 int IsHeader(Span line, Span* pName)
@@ -98,6 +91,11 @@ void SplitLine(Span line, Span* pKey, Span* pValue)
     if (nAt < line.nLength) {
         *pValue = CutAtNul(TrimSpan({line.pText + nAt + 1, line.nLength - nAt - 1}));
     }
+}
+
+Span ValueAt(Span text, u32 nAt)
+{
+    return CutAtNul(TrimSpan({text.pText + nAt, FindLineEnd(text, nAt) - nAt}));
 }
 
 u32 FindSectionBody(Span text, Span name, u32* pnHeader)

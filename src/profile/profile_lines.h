@@ -12,8 +12,28 @@ struct Span {
 
 Span TrimSpan(Span span);
 
+inline WCHAR Capital(WCHAR wcChar)
+{
+    return wcChar >= 'a' && wcChar <= 'z' ? static_cast<WCHAR>(wcChar - ('a' - 'A')) : wcChar;
+}
+
 /* 1 when both are the same but for the case of ASCII letters. */
-int IsSameName(Span one, Span other);
+inline int IsSameName(Span one, Span other)
+{
+    u32 i = 0;
+    if (one.nLength != other.nLength) {
+        return 0;
+    }
+    while (i < one.nLength &&
+           (one.pText[i] == other.pText[i] || Capital(one.pText[i]) == Capital(other.pText[i]))) {
+        i++;
+    }
+    return i == one.nLength;
+}
+
+/* Where the line that holds the position ends, and where the next one begins. */
+u32 FindLineEnd(Span text, u32 nAt);
+u32 FindNextLine(Span text, u32 nLineEnd);
 
 /* Takes the line at *pnAt, without the blanks around it, and moves *pnAt to the next one. Result: the line, empty
    for a blank one; the caller sees to it that *pnAt is below nLength. */
@@ -31,6 +51,9 @@ inline int IsRemark(Span line)
 /* Takes a line that is neither header nor remark apart: its key, and the value without blanks, whose pText is null
    when the line has no "=". */
 void SplitLine(Span line, Span* pKey, Span* pValue);
+
+/* The value that begins at nAt, behind the "=", as SplitLine gives it. */
+Span ValueAt(Span text, u32 nAt);
 
 /* Where the section's lines begin; nLength when there is no such section. An empty name is that of the lines in
    front of the first section. pnHeader, which may be null: where its header line begins. */

@@ -17,26 +17,39 @@ constexpr u32 CHARS_TO_A_SLOT = 8; /* so that honest lines fill half of the slot
 constexpr u32 MOST_STEPS = 256;
 constexpr int DIGITS = 12;
 
-/* The two parts of a name that is looked for. */
+constexpr u32 HASH_START = 0;
+
+/* The two parts of a name that is looked for, and the hash of both. */
 struct Name {
     Span stem;
     Span digits;
+    u32 ulHash;
 };
+
+/* Letters of either case fall together, and so may few other characters: the names themselves are compared. Four
+   digits behind one stem never do. */
+inline u32 HashOn(u32 ulHash, WCHAR wcChar)
+{
+    return (ulHash << 7 | ulHash >> 25) ^ (wcChar & 0xFFDFu);
+}
 
 u32 HashOn(u32 ulHash, Span span)
 {
     for (u32 i = 0; i < span.nLength; i++) {
-        /* Letters of either case fall together, and so may few others: the names themselves are compared. */
-        ulHash = (ulHash ^ (span.pText[i] & 0xFFDFu)) * 0x01000193;
+        ulHash = HashOn(ulHash, span.pText[i]);
     }
     return ulHash;
 }
 
-u32 HashOf(const Name& name)
+u32 EndHash(u32 ulHash)
 {
-    u32 ulHash = HashOn(HashOn(0x811C9DC5, name.stem), name.digits);
-    ulHash = (ulHash ^ ulHash >> 15) * 0x2C1B3C6D;
-    return ulHash ^ ulHash >> 13;
+    ulHash *= 0x9E3779B1;
+    return ulHash ^ ulHash >> 15;
+}
+
+Name NameOf(Span stem, Span digits)
+{
+    return {stem, digits, EndHash(HashOn(HashOn(HASH_START, stem), digits))};
 }
 
 u32 SlotOf(u32 nLine, u32 ulHash)
@@ -44,36 +57,73 @@ u32 SlotOf(u32 nLine, u32 ulHash)
     return nLine | (ulHash & ~LINE_MASK) | USED_SLOT;
 }
 
-/* The key of the line that begins at nLine; pValue as in SplitLine. */
-Span KeyAt(const ProfileSection& section, u32 nLine, Span* pValue)
+Span TextOf(const ProfileSection& section)
 {
-    Span key;
-    SplitLine(TakeLine({section.pText, section.nLength}, &nLine), &key, pValue);
-    return key;
+    return {section.pText, section.nLength};
 }
 
-int IsKey(Span key, const Name& name)
+int IsSame(const WCHAR* pText, const Name& name)
 {
-    return key.nLength == name.stem.nLength + name.digits.nLength &&
-           IsSameName({key.pText, name.stem.nLength}, name.stem) &&
-           IsSameName({key.pText + name.stem.nLength, name.digits.nLength}, name.digits);
+    return IsSameName({pText, name.stem.nLength}, name.stem) &&
+           IsSameName({pText + name.stem.nLength, name.digits.nLength}, name.digits);
+}
+
+/* 1 when the line at nLine has the key, with its value as in SplitLine. */
+int IsKeyAt(const ProfileSection& section, u32 nLine, const Name& name, Span* pValue)
+{
+    Span text = TextOf(section), key;
+    u32 nName = name.stem.nLength + name.digits.nLength;
+    if (nName < text.nLength - nLine && text.pText[nLine + nName] == '=' &&
+        IsSame(text.pText + nLine, name)) {
+        *pValue = ValueAt(text, nLine + nName + 1);
+        return 1;
+    }
+    SplitLine(TakeLine(text, &nLine), &key, pValue);
+    return key.nLength == nName && IsSame(key.pText, name);
 }
 
 /* The slot that holds the name or is free for it; null when too many steps lead to it. */
 u32* FindSlot(const ProfileSection& section, const Name& name, Span* pValue)
 {
-    u32 ulHash = HashOf(name);
     for (u32 nStep = 0; nStep < MOST_STEPS; nStep++) {
-        u32* pSlot = section.pSlots.get() + ((ulHash + nStep) & (section.nSlots - 1));
+        u32* pSlot = section.pSlots.get() + ((name.ulHash + nStep) & (section.nSlots - 1));
         if (*pSlot == FREE_SLOT) {
             return pSlot;
         }
         u32 nLine = *pSlot & LINE_MASK;
-        if (*pSlot == SlotOf(nLine, ulHash) && IsKey(KeyAt(section, nLine, pValue), name)) {
+        if (*pSlot == SlotOf(nLine, name.ulHash) && IsKeyAt(section, nLine, name, pValue)) {
             return pSlot;
         }
     }
     return nullptr;
+}
+
+/* What the line at *pnAt has for the index, with *pnAt moved to the next line. */
+enum LineKind : int { LINE_OF_KEY, LINE_OF_NONE, LINE_OF_NEXT_SECTION };
+
+LineKind TakeKey(Span text, u32* pnAt, Name* pName)
+{
+    /* Nearly all lines are "key=value" with nothing in front of the "=" that would need a second look. */
+    u32 nFrom = *pnAt, n = nFrom, ulHash = HASH_START;
+    for (; n < text.nLength && text.pText[n] > ' ' && text.pText[n] != '='; n++) {
+        ulHash = HashOn(ulHash, text.pText[n]);
+    }
+    WCHAR wcFirst = text.pText[nFrom];
+    if (n < text.nLength && text.pText[n] == '=' && wcFirst != ';' && wcFirst != '[') {
+        *pName = {{text.pText + nFrom, n - nFrom}, {}, EndHash(ulHash)};
+        *pnAt = FindNextLine(text, FindLineEnd(text, n));
+        return LINE_OF_KEY;
+    }
+    Span line = TakeLine(text, pnAt), key, value;
+    if (IsRemark(line)) {
+        return LINE_OF_NONE;
+    }
+    if (IsHeader(line, &key)) {
+        return LINE_OF_NEXT_SECTION;
+    }
+    SplitLine(line, &key, &value);
+    *pName = NameOf(key, {});
+    return LINE_OF_KEY;
 }
 
 int MakeSlots(ProfileSection* pSection, u32 nSlots)
@@ -93,10 +143,11 @@ int Grow(ProfileSection* pSection)
         return 0;
     }
     for (u32 i = 0; i < nOld; i++) {
-        u32 ulSlot = pOld.get()[i];
+        u32 ulSlot = pOld.get()[i], nLine = ulSlot & LINE_MASK;
+        Name name;
         Span value;
-        if (ulSlot != FREE_SLOT) {
-            u32* pSlot = FindSlot(*pSection, {KeyAt(*pSection, ulSlot & LINE_MASK, &value), {}}, &value);
+        if (ulSlot != FREE_SLOT && TakeKey(TextOf(*pSection), &nLine, &name) == LINE_OF_KEY) {
+            u32* pSlot = FindSlot(*pSection, name, &value);
             if (pSlot) {
                 *pSlot = ulSlot;
             }
@@ -108,24 +159,23 @@ int Grow(ProfileSection* pSection)
 /* Puts the keys into the table, up to the next section. */
 void Index(ProfileSection* pSection)
 {
-    Span text = {pSection->pText, pSection->nLength};
+    Span text = TextOf(*pSection), value;
+    Name name;
     u32 nNext = pSection->nBody;
     for (u32 nAt = nNext; nAt < text.nLength; nAt = nNext) {
-        Span line = TakeLine(text, &nNext), key, value;
-        if (IsRemark(line)) {
-            continue;
-        }
-        if (IsHeader(line, &key)) {
+        LineKind kind = TakeKey(text, &nNext, &name);
+        if (kind == LINE_OF_NEXT_SECTION) {
             return;
         }
-        SplitLine(line, &key, &value);
-        Name name = {key, {}};
+        if (kind == LINE_OF_NONE) {
+            continue;
+        }
         u32* pSlot = FindSlot(*pSection, name, &value);
         if (!pSlot || (*pSlot == FREE_SLOT && pSection->nKeys == SECTION_KEYS_LIMIT)) {
             return;
         }
         if (*pSlot == FREE_SLOT) {
-            *pSlot = SlotOf(nAt, HashOf(name));
+            *pSlot = SlotOf(nAt, name.ulHash);
             pSection->nKeys++;
             if (pSection->nKeys * 2 > pSection->nSlots && !Grow(pSection)) {
                 return;
@@ -145,6 +195,22 @@ Span DigitsOf(i32 nIndex, WCHAR (&wcDigits)[DIGITS])
         }
     }
     return {wcDigits + nAt, static_cast<u32>(DIGITS - nAt)};
+}
+
+/* The name that is asked for, its number in wcDigits. 0 for one that no key can have. */
+int TakeName(const ProfileKey& key, WCHAR (&wcDigits)[DIGITS], Name* pName)
+{
+    Span digits = DigitsOf(key.nIndex, wcDigits);
+    u32 n = 0, ulHash = HASH_START;
+    for (; key.wcStem[n] > ' ' && key.wcStem[n] != '='; n++) {
+        ulHash = HashOn(ulHash, key.wcStem[n]);
+    }
+    if (!key.wcStem[n]) {
+        *pName = {{key.wcStem, n}, digits, EndHash(HashOn(ulHash, digits))};
+        return 1;
+    }
+    *pName = NameOf(TrimSpan(SpanOf(key.wcStem)), digits);
+    return !FindWide(key.wcStem, TEXT("="));
 }
 
 } // namespace
@@ -174,10 +240,11 @@ int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR*
 {
     WCHAR wcDigits[DIGITS];
     Span value = {nullptr, 0};
-    if (!section.pSlots) {
+    Name name;
+    if (!section.pSlots || !TakeName(key, wcDigits, &name)) {
         return 0;
     }
-    u32* pSlot = FindSlot(section, {TrimSpan(SpanOf(key.wcStem)), DigitsOf(key.nIndex, wcDigits)}, &value);
+    u32* pSlot = FindSlot(section, name, &value);
     if (!pSlot || *pSlot == FREE_SLOT || !value.pText) {
         return 0;
     }
@@ -188,7 +255,7 @@ int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR*
 
 u32 ListProfileKeys(const ProfileSection& section, WCHAR* wcOut, u32 cch)
 {
-    Span text = {section.pText, section.nLength}, key, value;
+    Span text = TextOf(section), key, value;
     u32 nUsed = 0;
     for (u32 nAt = section.nBody; nAt < text.nLength;) {
         Span line = TakeLine(text, &nAt);
