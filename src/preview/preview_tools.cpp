@@ -48,9 +48,10 @@ void ReleasePreviewTools(PreviewTools* pTools)
             DeleteDC(hDc);
         }
     }
-    HGDIOBJ ahObjects[] = {pTools->hPreviewBitmap, pTools->hImage,    pTools->hFramePen,
-                           pTools->hSheetPen,      pTools->hCellPen,  pTools->hEnvelopePen,
-                           pTools->hPosterPen,     pTools->hLogoFont, pTools->hWatermarkFont};
+    DropWatermarkImage(*pTools);
+    HGDIOBJ ahObjects[] = {pTools->hPreviewBitmap, pTools->hFramePen,     pTools->hSheetPen,
+                           pTools->hCellPen,       pTools->hEnvelopePen,  pTools->hPosterPen,
+                           pTools->hLogoFont,      pTools->hWatermarkFont};
     for (HGDIOBJ hObject : ahObjects) {
         if (hObject) {
             DeleteObject(hObject);

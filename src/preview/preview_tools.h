@@ -5,14 +5,21 @@
 #include "platform/glyphs.h"
 #include "preview/preview_request.h"
 
+/* A copy of a watermark's image in the size that cells show. */
+struct ShrunkImage {
+    HBITMAP hBitmap;
+    SIZE size;
+};
+
 struct PreviewTools {
     HDC hPreviewDC; /* draws on hPreviewBitmap while a picture is composed */
     HDC hImageDC;   /* for watermark images */
     HBITMAP
-        hPreviewBitmap; /* ten times the first sheet, or as large as the frame; anew for a sheet beyond it */
-    SIZE rSurface;      /* its pixels */
-    HBITMAP hImage;     /* of the watermark, for the time of one paint */
-    int bImageAsked;    /* its file was asked for in this paint, with or without success */
+    hPreviewBitmap; /* ten times the first sheet, or as large as the frame; anew for a sheet beyond it */
+    SIZE rSurface;  /* its pixels */
+    HBITMAP hImage; /* of the watermark, for the time of one paint */
+    ShrunkImage aShrunk[2]; /* of that image; cells of a sheet have two widths at most */
+    int bImageAsked;        /* its file was asked for in this paint, with or without success */
     HPEN hFramePen, hSheetPen, hCellPen, hEnvelopePen, hPosterPen;
     HPEN ahPiePen[2][3]; /* grey, colour; left half, lower right, upper right quarter */
     HBRUSH ahPieBrush[2][3];

@@ -20,6 +20,8 @@ constexpr u16 LAST_PLACEMENT = 9;
 constexpr i64 LARGEST_SIDE =
     0x7FFFFFFF;                   /* of an image on screen; beyond it no pixel of a cell would differ */
 constexpr i64 MOST_TILES = 20000; /* in a cell */
+/* From so many pixels on an image may be shrunk; up to so many its pieces are taken from the image itself. */
+constexpr i64 FEWEST_SHRUNK_PIXELS = 0x4000, MOST_CUT_PIXELS = 0x100000;
 
 int ReadWhole(HANDLE hFile, void* pOut, u32 cb)
 {
@@ -99,17 +101,38 @@ HBITMAP ReadImage(PreviewTools& tools, HDC hdc, const WatermarkEntry& entry)
     return hBitmap;
 }
 
-void CopyOne(HDC hdc, HDC hImageDc, StretchArea source, StretchArea target, const RECT& rCell)
+/* What cells are drawn from. */
+struct ImageSource {
+    HDC hDc;                 /* has one of the bitmaps */
+    HBITMAP hWhole, hShrunk; /* the latter null when the image is drawn from as it is */
+    StretchArea whole, shrunk;
+    int bCutWhole; /* pieces that an edge cuts off come from the whole image */
+};
+
+void CopyOne(HDC hdc, const ImageSource& image, const StretchArea& place, const RECT& rCell)
 {
-    if (ClipStretch(&source, &target, rCell)) {
+    StretchArea source = image.hShrunk ? image.shrunk : image.whole, target = place;
+    if (!ClipStretch(&source, &target, rCell)) {
+        return;
+    }
+    HBITMAP hBitmap = image.hShrunk;
+    if (hBitmap && image.bCutWhole && (target.cx != place.cx || target.cy != place.cy)) {
+        hBitmap = image.hWhole;
+        source = image.whole;
+        target = place;
+        if (!ClipStretch(&source, &target, rCell)) {
+            return;
+        }
+    }
+    if (!hBitmap || SelectObject(image.hDc, hBitmap)) {
         StretchBlt(hdc, static_cast<int>(target.x), static_cast<int>(target.y), static_cast<int>(target.cx),
-                   static_cast<int>(target.cy), hImageDc, static_cast<int>(source.x),
+                   static_cast<int>(target.cy), image.hDc, static_cast<int>(source.x),
                    static_cast<int>(source.y), static_cast<int>(source.cx), static_cast<int>(source.cy),
                    SRCCOPY);
     }
 }
 
-void CopyTiles(HDC hdc, HDC hImageDc, const StretchArea& source, const StretchArea& first, const RECT& rCell)
+void CopyTiles(HDC hdc, const ImageSource& image, const StretchArea& first, const RECT& rCell)
 {
     i64 lLeft = FirstTile(first.x, first.cx, rCell.left), lTop = FirstTile(first.y, first.cy, rCell.top);
     i64 nColumns = (rCell.right - lLeft + first.cx - 1) / first.cx;
@@ -120,29 +143,75 @@ void CopyTiles(HDC hdc, HDC hImageDc, const StretchArea& source, const StretchAr
     }
     for (i64 y = lTop; y < rCell.bottom; y += first.cy) {
         for (i64 x = lLeft; x < rCell.right; x += first.cx) {
-            CopyOne(hdc, hImageDc, source, {x, y, first.cx, first.cy}, rCell);
+            CopyOne(hdc, image, {x, y, first.cx, first.cy}, rCell);
         }
     }
 }
 
+/* A bitmap of the target's size with the whole image, which hImageDC has; null when it cannot be had. */
+HBITMAP Shrink(PreviewTools& tools, HDC hdc, const StretchArea& whole, const StretchArea& target)
+{
+    HDC hDc = CreateCompatibleDC(hdc);
+    const int nWidth = static_cast<int>(target.cx), nHeight = static_cast<int>(target.cy);
+    HBITMAP hBitmap = hDc ? CreateCompatibleBitmap(hdc, nWidth, nHeight) : nullptr;
+    HGDIOBJ hOld = hBitmap ? SelectObject(hDc, hBitmap) : nullptr;
+    int bDrawn = hOld && StretchBlt(hDc, 0, 0, nWidth, nHeight, tools.hImageDC, 0, 0,
+                                    static_cast<int>(whole.cx), static_cast<int>(whole.cy), SRCCOPY);
+    if (hOld) {
+        SelectObject(hDc, hOld);
+    }
+    if (hDc) {
+        DeleteDC(hDc);
+    }
+    if (hBitmap && !bDrawn) {
+        DeleteObject(hBitmap);
+        return nullptr;
+    }
+    return hBitmap;
+}
+
+/* An image that is far larger than what is shown of it is shrunk once for all cells and tiles of a size. The copy has the
+   pixels that each of them would get. Null without one. */
+HBITMAP NeedShrunk(PreviewTools& tools, HDC hdc, const StretchArea& whole, const StretchArea& target)
+{
+    if (whole.cx * whole.cy < FEWEST_SHRUNK_PIXELS || target.cx > LONGEST_SIDE || target.cy > LONGEST_SIDE ||
+        target.cx * target.cy * 4 > whole.cx * whole.cy) {
+        return nullptr;
+    }
+    for (ShrunkImage& shrunk : tools.aShrunk) {
+        if (!shrunk.hBitmap) {
+            shrunk.hBitmap = Shrink(tools, hdc, whole, target);
+            shrunk.size = {static_cast<LONG>(target.cx), static_cast<LONG>(target.cy)};
+            return shrunk.hBitmap;
+        }
+        if (shrunk.size.cx == target.cx && shrunk.size.cy == target.cy) {
+            return shrunk.hBitmap;
+        }
+    }
+    return nullptr;
+}
+
 /* The bitmap is in the context of images. */
-void CopyImage(HDC hdc, HDC hImageDc, HBITMAP hBitmap, const PreviewRequest& request, const RECT& rCell)
+void CopyImage(PreviewTools& tools, HDC hdc, const PreviewRequest& request, const RECT& rCell)
 {
     BITMAP bitmap = {};
     StretchArea target;
-    if (!SetBkMode(hImageDc, TRANSPARENT) || !GetObjectW(hBitmap, sizeof bitmap, &bitmap)) {
+    if (!SetBkMode(tools.hImageDC, TRANSPARENT) || !GetObjectW(tools.hImage, sizeof bitmap, &bitmap)) {
         return;
     }
     POINT corner = {bitmap.bmWidth, bitmap.bmHeight};
-    if (!DPtoLP(hImageDc, &corner, 1) ||
+    if (!DPtoLP(tools.hImageDC, &corner, 1) ||
         !PlaceWatermarkImage(request, rCell, bitmap.bmWidth, bitmap.bmHeight, &target)) {
         return;
     }
-    StretchArea source = {0, 0, corner.x, corner.y};
+    ImageSource image = {
+        tools.hImageDC, tools.hImage, nullptr, {0, 0, corner.x, corner.y}, {0, 0, target.cx, target.cy}, 0};
+    image.hShrunk = NeedShrunk(tools, hdc, image.whole, target);
+    image.bCutWhole = image.whole.cx * image.whole.cy <= MOST_CUT_PIXELS;
     if (PlacementOf(*request.pWatermark) == PLACEMENT_TILED) {
-        CopyTiles(hdc, hImageDc, source, target, rCell);
+        CopyTiles(hdc, image, target, rCell);
     } else {
-        CopyOne(hdc, hImageDc, source, target, rCell);
+        CopyOne(hdc, image, target, rCell);
     }
 }
 
@@ -308,7 +377,7 @@ void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& requ
     }
     HGDIOBJ hOld = tools.hImage ? SelectObject(tools.hImageDC, tools.hImage) : nullptr;
     if (hOld) {
-        CopyImage(hdc, tools.hImageDC, tools.hImage, request, rCell);
+        CopyImage(tools, hdc, request, rCell);
         if (!SelectObject(tools.hImageDC, hOld)) {
             DeleteDC(tools.hImageDC); /* which lets go of the bitmap, too */
             tools.hImageDC = nullptr;
@@ -320,6 +389,12 @@ void DrawWatermarkImage(PreviewTools& tools, HDC hdc, const PreviewRequest& requ
 
 void DropWatermarkImage(PreviewTools& tools)
 {
+    for (ShrunkImage& shrunk : tools.aShrunk) {
+        if (shrunk.hBitmap) {
+            DeleteObject(shrunk.hBitmap);
+            shrunk.hBitmap = nullptr;
+        }
+    }
     if (tools.hImage) {
         DeleteObject(tools.hImage);
         tools.hImage = nullptr;

@@ -18,16 +18,25 @@ class DrawingFaults : public MachineTest {
     {
         MachineTest::SetUp();
         PutFile(IMAGE, FourColors(24));
+        PutFile(LARGE_IMAGE, Large(0x4000 / 128));
+    }
+    /* 128 pixels wide, each row of another colour. */
+    static Bytes Large(i32 lRows)
+    {
+        return BitmapFile({128, lRows, 24},
+                          [](int x, int y) { return static_cast<u32>(x * 2 + y * 0x10100); });
     }
 
     static constexpr const WCHAR* IMAGE = u"C:\\Images\\Four.bmp";
+    static constexpr const WCHAR* LARGE_IMAGE = u"C:\\Images\\Large.bmp";
 
     /* Together they walk every step of a picture. */
     static std::vector<PictureCase> Sheets()
     {
         std::vector<PictureCase> sheets = {
-            SheetCase("page"),  SheetCase("envelope"), SheetCase("dividers", 4), SheetCase("image", 2),
-            SheetCase("tiles"), SheetCase("solid"),    SheetCase("outline"),     SheetCase("poster")};
+            SheetCase("page"),     SheetCase("envelope"), SheetCase("dividers", 4),
+            SheetCase("image", 2), SheetCase("tiles"),    SheetCase("solid"),
+            SheetCase("outline"),  SheetCase("poster"),   SheetCase("shrunk")};
         sheets[1].request.bEnvelope = 1;
         UseImage(sheets[3], IMAGE, 9, 30);
         sheets[3].request.bBorders = sheets[3].request.bWMOnePage = 1;
@@ -36,6 +45,7 @@ class DrawingFaults : public MachineTest {
         UseText(sheets[6], u"No", 1);
         sheets[7].request.sPosterSize = 2;
         sheets[7].request.bRotate180 = 1;
+        UseImage(sheets[8], LARGE_IMAGE, 0, 100);
         for (PictureCase& sheet : sheets) {
             sheet.rFrame = {12, 20, 82, 90}; /* small, since there are so many */
         }
@@ -355,6 +365,30 @@ TEST_F(HostileBitmaps, LiesDoNoHarm)
             << nKind;
         TellLies(LIE_NONE);
     }
+}
+
+/* An image that is shrunk once gives the pixels that each cell and each tile would take from the image itself, also at
+   the edges; and a great one in many tiny tiles holds nothing up. */
+TEST_F(HostileBitmaps, AShrunkImageGivesTheSamePixels)
+{
+    for (const i16 sLayout : {i16{0}, i16{4}, i16{25}}) {
+        for (const u16 usPlacement : {u16{0}, u16{1}, u16{3}}) {
+            PictureCase sheet = With(SheetCase("", sLayout), [&](PictureCase& cells) {
+                UseImage(cells, LARGE_IMAGE, usPlacement, 60);
+                cells.watermark.WMPositionX = 4000; /* some beyond the edge */
+            });
+            PutFile(LARGE_IMAGE, Large(128));
+            const Picture shrunk = DrawCase(sheet);
+            FailCall(CALL_CreateCompatibleBitmap, 3, FAIL_FROM_THERE); /* behind canvas and surface */
+            const Picture direct = DrawCase(sheet);
+            EXPECT_GT(StopFaults(), 0);
+            EXPECT_EQ(Compare(direct, shrunk).nPixels, 0) << sLayout << ", placement " << usPlacement;
+        }
+    }
+    PictureCase tiles = SheetCase("", 0);
+    PutFile(LARGE_IMAGE, BitmapFile({1600, 1600, 1}));
+    UseImage(tiles, LARGE_IMAGE, 1, 0x4000);
+    EXPECT_EQ(WithinBounds([&] { DrawCase(tiles); }), "");
 }
 
 /* Requests that no page makes. */
