@@ -48,15 +48,22 @@ void AskValue(HANDLE hPrinter, const WCHAR* wcValue)
                     sizeof wcText, &cb);
 }
 
+/* A device or a pipe is never read, so every opening asks what it got. */
+HANDLE OpenOnDisk(const WCHAR* tcPath)
+{
+    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    Require(hFile != INVALID_HANDLE_VALUE && GetFileType(hFile) == FILE_TYPE_DISK);
+    return hFile;
+}
+
 } // namespace
 
 void FloorOfTextFile(const WCHAR* tcPath)
 {
-    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE hFile = OpenOnDisk(tcPath);
     LARGE_INTEGER size;
     DWORD cbRead = 0;
-    Require(hFile != INVALID_HANDLE_VALUE && GetFileType(hFile) == FILE_TYPE_DISK &&
-            GetFileSizeEx(hFile, &size));
+    Require(GetFileSizeEx(hFile, &size));
     u32 cb = static_cast<u32>(size.QuadPart);
     u8* pBytes = static_cast<u8*>(TakeBlock(cb));
     Require(ReadFile(hFile, pBytes, cb, &cbRead, nullptr) && cbRead == cb);
@@ -66,14 +73,19 @@ void FloorOfTextFile(const WCHAR* tcPath)
         ulSum = (ulSum ^ pBytes[i]) * 0x01000193;
     }
     asm volatile("" : : "r"(ulSum));
+    if (cb < 2 || pBytes[0] != 0xFF || pBytes[1] != 0xFE) { /* in the system's code page */
+        WCHAR* pText = static_cast<WCHAR*>(TakeBlock(cb * sizeof(WCHAR)));
+        MultiByteToWideChar(CP_ACP, 0, reinterpret_cast<const char*>(pBytes), static_cast<int>(cb), pText,
+                            static_cast<int>(cb));
+        GiveBlock(pText);
+    }
     GiveBlock(pBytes);
 }
 
 void FloorOfModelLoad(const WCHAR* tcPath, FileSpan body)
 {
     u8 abHeader[HEADER_BYTES];
-    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    Require(hFile != INVALID_HANDLE_VALUE);
+    HANDLE hFile = OpenOnDisk(tcPath);
     DWORD cbRead = 0;
     Require(ReadFile(hFile, abHeader, HEADER_BYTES, &cbRead, nullptr) && cbRead == HEADER_BYTES);
     void* pBody = TakeBlock(body.cb);
@@ -122,8 +134,7 @@ void FloorOfJobStart(HANDLE hPrinter, DWORD dwJobId, const WCHAR* tcPath, const 
     AskValue(hPrinter, TEXT("XPI"));
     BYTE* pAnswer = static_cast<BYTE*>(TakeBlock(ANSWER_BYTES));
     Require(GetPrinterDriverW(hPrinter, nullptr, 3, pAnswer, ANSWER_BYTES, &cb));
-    HANDLE hFile = CreateFileW(tcPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    Require(hFile != INVALID_HANDLE_VALUE);
+    HANDLE hFile = OpenOnDisk(tcPath);
     ReadSpan(hFile, {0, HEADER_BYTES}, abHeader);
     void* pBody = TakeBlock(sections.body.cb);
     ReadSpan(hFile, sections.body, pBody);

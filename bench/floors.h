@@ -14,7 +14,8 @@ struct FileSpan {
 /* Opens a description, reads 64 bytes and then the body into a zeroed block, closes. */
 void FloorOfModelLoad(const WCHAR* tcPath, FileSpan body);
 
-/* Reads a text file whole, and passes over its bytes once, one behind the other. */
+/* Reads a text file whole, passes over its bytes once, one behind the other, and has the system make wide text of them
+   where the file is not UTF-16. */
 void FloorOfTextFile(const WCHAR* tcPath);
 
 /* Reads header, base row, offset rows and texts of a list from an open description: at most 4096 bytes of
