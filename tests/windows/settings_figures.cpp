@@ -1,8 +1,10 @@
 /* What settings files cost on Windows, where a call of the system costs what it does there: prints the times and their
    ratios, and ends with 1 when one is over its figure.
 
-     settings_figures FOLDER [PRINTER]   files are made in FOLDER; the printer must be one of this driver, whose stored
-                                         default record is taken away for a moment and put back */
+     settings_figures FOLDER   files are made in FOLDER
+
+   The package and the ConfigFile to install are named by TQUI_BUILT and TQUI_FULL_SIZE_LIBRARY; scripts/wine-figures
+   runs it. */
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -13,6 +15,7 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include "installed_printer.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
 
@@ -130,13 +133,17 @@ std::wstring Widen(const char* cText)
 
 int main(int nArgs, char** cArgs)
 {
-    if (nArgs < 2) {
-        std::printf("settings_figures FOLDER [PRINTER]\n");
+    if (nArgs != 2) {
+        std::printf("settings_figures FOLDER\n");
         return 2;
     }
-    int nOver = MeasureSettings(Widen(cArgs[1]) + L"\\figures.ini");
-    if (nArgs > 2) {
-        nOver |= MeasureDefaults(Widen(cArgs[2]));
+    try {
+        const std::filesystem::path tcPackage = PathFromEnvironment("TQUI_BUILT");
+        const InstalledPrinter printer(FindInfModel(ReadInf(tcPackage / "tqui.inf"), "T410A"), tcPackage,
+                                       PathFromEnvironment("TQUI_FULL_SIZE_LIBRARY"));
+        return MeasureSettings(Widen(cArgs[1]) + L"\\figures.ini") | MeasureDefaults(printer.Name());
+    } catch (const std::exception& error) {
+        std::printf("settings_figures: %s\n", error.what());
+        return 2;
     }
-    return nOver;
 }
