@@ -8,11 +8,11 @@
 #include <memory>
 
 #include "description/driver_files.h"
+#include "document/defaults.h"
 #include "entry/exports.h"
 #include "entry/job_records.h"
 #include "places.h"
 #include "settings/checks.h"
-#include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
 #include "tools/tq/ask.h"

@@ -5,10 +5,10 @@
 #include "bench/floors.h"
 #include "bench/watch.h"
 #include "description/driver_files.h"
+#include "document/defaults.h"
 #include "entry/exports.h"
 #include "entry/pjl_commands.h"
 #include "places.h"
-#include "settings/defaults.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "bench/watch.h"
 #include "description/control_ids.h"
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #include "preview/preview_geometry.h"
 #include "preview/preview_tools.h"
 #include "tests/support/bitmap_builder.h"

@@ -4,14 +4,14 @@
 #include "bench/watch.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
+#include "document/defaults.h"
 #include "entry/exports.h"
-#include "entry/settings_file.h"
+#include "entry/user_settings_file.h"
 #include "places.h"
-#include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
-#include "settingsfile/watermark_rows.h"
 #include "tools/tq/sample_printer.h"
+#include "watermark/watermark_rows.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include "description/xpi_file.h"
 #include "description/xpi_text.h"
 #include "entry/exports.h"
+#include "hosted/standin.h"
 #include "places.h"
-#include "platform/hosted/standin.h"
 #include "support/description_builder.h"
 #include "tools/tq/sample_printer.h"
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 
 #include "entry/exports.h"
+#include "hosted/sheet_host.h"
 #include "places.h"
-#include "platform/hosted/sheet_host.h"
 #include "tools/tq/sample_printer.h"
 
 namespace {

@@ -6,11 +6,11 @@
 #include <cstdlib>
 
 #include "base/owned.h"
+#include "description/custom_sizes.h"
 #include "description/driver_files.h"
+#include "document/defaults.h"
 #include "places.h"
 #include "profile/section_file.h"
-#include "settings/defaults.h"
-#include "settingsfile/custom_sizes.h"
 #include "settingsfile/settings_writer.h"
 #include "tools/tq/sample_printer.h"
 

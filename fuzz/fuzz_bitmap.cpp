@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "fuzz/require.h"
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #include "preview/preview_tools.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)

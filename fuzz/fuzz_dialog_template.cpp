@@ -1,7 +1,7 @@
 /* The reader of dialog templates, on any bytes. The seeds are templates of the language library. */
 #include <cstdlib>
 
-#include "platform/hosted/dialog_template.h"
+#include "hosted/dialog_template.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
 {

@@ -10,8 +10,8 @@
 #include "entry/connection.h"
 #include "entry/exports.h"
 #include "fuzz/require.h"
+#include "hosted/standin.h"
 #include "places.h"
-#include "platform/hosted/standin.h"
 #include "support/well_formed.h"
 #include "tools/tq/sample_printer.h"
 

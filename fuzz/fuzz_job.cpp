@@ -7,9 +7,9 @@
 #include <optional>
 
 #include "base/owned.h"
+#include "document/defaults.h"
 #include "entry/exports.h"
 #include "fuzz/fuzz_samples.h"
-#include "settings/defaults.h"
 #include "support/same_bytes.h"
 
 namespace {

@@ -3,7 +3,7 @@
    32-bit form. */
 #include <cstdlib>
 
-#include "platform/hosted/pe_resources.h"
+#include "hosted/pe_resources.h"
 
 static void Inside(std::span<const u8> file, size_t nOffset, u64 cbSize)
 {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/measure.h"
 #include "fuzz/require.h"
 #include "preview/preview_choice.h"
 #include "preview/preview_geometry.h"
-#include "sheet/measure.h"
 
 namespace {
 

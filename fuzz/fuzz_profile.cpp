@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "fuzz/require.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "profile/profile_values.h"
 #include "profile/section_file.h"
 

@@ -6,13 +6,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "description/custom_sizes.h"
 #include "fuzz/require.h"
-#include "platform/hosted/machine.h"
-#include "settingsfile/custom_sizes.h"
+#include "hosted/machine.h"
 #include "settingsfile/font_substitutions.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
-#include "settingsfile/watermark_rows.h"
+#include "watermark/watermark_rows.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #ifndef TQUI_BASE_ARITHMETIC_H
 #define TQUI_BASE_ARITHMETIC_H
 
-#include "base/types.h"
+#include "platform/types.h"
 
 /* lValue * lMul / lDiv with the product in 64 bits, rounded toward zero.
    Result: 0 for a zero divisor; else the quotient, which the caller brings to its field. */

@@ -8,8 +8,8 @@
 #ifndef TQUI_BASE_FORMAT_H
 #define TQUI_BASE_FORMAT_H
 
-#include "base/types.h"
 #include "platform/basic.h"
+#include "platform/types.h"
 
 template <class Char> struct FormatArgument {
     enum Kind { SIGNED, UNSIGNED, TEXT_ARGUMENT } kind;

@@ -1,9 +1,9 @@
 /* Conversion from wide text to the code page. */
 #include "base/narrow.h"
 
-#include "base/types.h"
 #include "base/wide.h"
 #include "platform/text.h"
+#include "platform/types.h"
 
 namespace {
 

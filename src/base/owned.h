@@ -4,10 +4,10 @@
 
 #include <memory>
 
-#include "base/types.h"
 #include "platform/files.h"
 #include "platform/process.h"
 #include "platform/resources.h"
+#include "platform/types.h"
 
 /* A zero-filled block of the process heap, or null when there is no memory or cbSize is 0 or beyond
    BLOCK_LIMIT (no honest structure of ours comes near). Freed with FreeBlock. */

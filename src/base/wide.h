@@ -3,8 +3,8 @@
 #ifndef TQUI_BASE_WIDE_H
 #define TQUI_BASE_WIDE_H
 
-#include "base/types.h"
 #include "platform/basic.h"
+#include "platform/types.h"
 
 /* Room for a path with its terminator, and for a text of the language library with its terminator. */
 constexpr int PATH_CHARS = 260;

@@ -2,8 +2,8 @@
 #include "description/paper.h"
 
 #include "base/arithmetic.h"
+#include "description/custom_sizes.h"
 #include "description/printer_store.h"
-#include "settingsfile/custom_sizes.h"
 
 namespace {
 

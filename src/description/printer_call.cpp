@@ -139,7 +139,8 @@ int IsWholeRecord(const PrinterCall& call, const void* pRecord)
 int SetPrinterInfo(PrinterCall& call, const PRINTER_INFO_2W& info)
 {
     PRINTER_INFO_2W copy = info;
-    copy.pSecurityDescriptor = nullptr; /* the spooler keeps its own, with what was changed since it was read */
+    copy.pSecurityDescriptor =
+        nullptr; /* the spooler keeps its own, with what was changed since it was read */
     if (call.pPrinterInfo && copy.pDevMode == call.pPrinterInfo->pDevMode &&
         !IsWholeRecord(call, copy.pDevMode)) {
         copy.pDevMode = nullptr; /* the spooler would read what is not there; without one it keeps its own */

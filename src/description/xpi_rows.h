@@ -6,7 +6,7 @@
 #ifndef TQUI_DESCRIPTION_XPI_ROWS_H
 #define TQUI_DESCRIPTION_XPI_ROWS_H
 
-#include "base/types.h"
+#include "platform/types.h"
 
 #pragma pack(push, 1)
 

@@ -5,10 +5,10 @@
 #include "description/installed_set.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
+#include "document/spool_folder.h"
 #include "entry/capability_lists.h"
 #include "entry/exports.h"
 #include "entry/fast_drivers.h"
-#include "entry/spool_folder.h"
 #include "platform/process.h"
 #include "settings/driver_devmode.h"
 

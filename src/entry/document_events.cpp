@@ -6,6 +6,8 @@
 
 #include "base/format.h"
 #include "description/driver_files.h"
+#include "document/defaults.h"
+#include "document/merge.h"
 #include "entry/exports.h"
 #include "entry/fast_drivers.h"
 #include "entry/thread_store.h"
@@ -13,8 +15,6 @@
 #include "platform/registry.h"
 #include "settings/caller_record.h"
 #include "settings/checks.h"
-#include "settings/defaults.h"
-#include "settings/merge.h"
 
 namespace {
 

@@ -5,16 +5,14 @@
 
 #include "base/system_library.h"
 #include "description/driver_files.h"
+#include "document/defaults.h"
 #include "entry/connection.h"
 #include "entry/thread_store.h"
 #include "platform/process.h"
 #include "settings/caller_record.h"
 #include "settings/checks.h"
-#include "settings/defaults.h"
 
 namespace {
-
-constexpr DWORD MODE_MODIFY = 8; /* fMode */
 
 /* The converted record: the caller's when it passes both checks, else the printer's default. */
 void ConvertRecord(PrinterCall& call, const WCHAR* wcPrinterName, void* pIn, DriverDevmode* pConverted)
@@ -57,21 +55,6 @@ template <class Routine, class... Arguments> BOOL Forward(const char* cName, Arg
 } // namespace
 
 extern "C" {
-
-LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
-                                  PDEVMODEW pdmIn, DWORD fMode)
-{
-    DOCUMENTPROPERTYHEADER header = {};
-    header.cbSize = sizeof header;
-    header.hPrinter = hPrinter;
-    header.pszPrinterName = pszPrinterName;
-    header.pdmIn = pdmIn;
-    header.pdmOut = pdmOut;
-    header.cbOut =
-        fMode & MODE_MODIFY && pdmIn ? reinterpret_cast<const DriverDevmode*>(pdmIn)->dmSize : PUBLIC_BYTES;
-    header.fMode = fMode;
-    return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
-}
 
 LONG WINAPI DrvAdvancedDocumentProperties(HWND, HANDLE, LPWSTR, PDEVMODEW, PDEVMODEW)
 {

@@ -3,9 +3,9 @@
 #ifndef TQUI_ENTRY_EXPORTS_H
 #define TQUI_ENTRY_EXPORTS_H
 
-#include "base/types.h"
 #include "entry/job_records.h"
 #include "platform/spooler.h"
+#include "platform/types.h"
 #include "settings/driver_devmode.h"
 
 extern "C" {

@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "base/arithmetic.h"
+#include "description/custom_sizes.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
 #include "entry/digest.h"
 #include "entry/forms.h"
-#include "settingsfile/custom_sizes.h"
-#include "settingsfile/watermark_rows.h"
+#include "watermark/watermark_rows.h"
 #include "watermark/watermark_store.h"
 
 namespace {

@@ -34,6 +34,8 @@ DWORD FitResult(int bFitted)
     return bFitted ? JOB_DONE : JOB_TOO_SMALL;
 }
 
+JobNotice pfnJobNotice;
+
 /* Without a language library there is no dialog: its template would be looked for in the program's own
    resources. */
 DWORD ShowNotice(PrinterCall& call)
@@ -41,7 +43,7 @@ DWORD ShowNotice(PrinterCall& call)
     LanguageChoice choice;
     OwnedModule hLanguageDll = OpenLanguageDll(call, &choice);
     HMODULE hModule = static_cast<HMODULE>(hLanguageDll.get());
-    return !hModule || ShowJobNotice(hModule, choice) ? JOB_NOTICE : JOB_FAILED;
+    return !hModule || !pfnJobNotice || pfnJobNotice(hModule, choice) ? JOB_NOTICE : JOB_FAILED;
 }
 
 /* Opens the description that the record names for the job's end: a whole path on a drive of this computer.
@@ -68,6 +70,11 @@ XpiFile* ChooseDescription(PrinterCall& call, const PrivateDevmode& part, XpiFil
 }
 
 } // namespace
+
+void SetJobNotice(JobNotice pfnNotice)
+{
+    pfnJobNotice = pfnNotice;
+}
 
 extern "C" {
 

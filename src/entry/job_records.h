@@ -11,8 +11,8 @@
 #ifndef TQUI_ENTRY_JOB_RECORDS_H
 #define TQUI_ENTRY_JOB_RECORDS_H
 
-#include "base/types.h"
 #include "platform/basic.h"
+#include "platform/types.h"
 
 /* Results of the three exports. */
 enum JobResult : u32 {

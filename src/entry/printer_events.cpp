@@ -5,6 +5,7 @@
 #include "base/wide.h"
 #include "description/driver_files.h"
 #include "description/printer_store.h"
+#include "document/defaults.h"
 #include "entry/connection.h"
 #include "entry/digest.h"
 #include "entry/exports.h"
@@ -13,9 +14,8 @@
 #include "entry/install_import.h"
 #include "entry/print_processor.h"
 #include "entry/printer_driver_section.h"
-#include "entry/settings_file.h"
 #include "entry/started_program.h"
-#include "settings/defaults.h"
+#include "entry/user_settings_file.h"
 
 namespace {
 

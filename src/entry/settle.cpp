@@ -1,8 +1,8 @@
 /* Settles a job's record. */
 #include "entry/settle.h"
 
+#include "document/defaults.h"
 #include "settings/checks.h"
-#include "settings/defaults.h"
 
 void SettleRecord(PrinterCall& call, DriverDevmode* pRecord, const XpiModel* pModel, int bOwnModel)
 {

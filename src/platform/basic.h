@@ -21,7 +21,7 @@
 
 #else
 
-#include "base/types.h"
+#include "platform/types.h"
 
 #define WINAPI
 #define CALLBACK

@@ -4,8 +4,8 @@
 #ifndef TQUI_PREVIEW_GLYPH_OUTLINE_H
 #define TQUI_PREVIEW_GLYPH_OUTLINE_H
 
-#include "base/types.h"
 #include "platform/glyphs.h"
+#include "platform/types.h"
 
 /* Sine and cosine of tenths of a degree, times 10000, from a table of whole degrees; angles outside 0 to 3600 are
    turned into that range. */

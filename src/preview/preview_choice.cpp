@@ -4,11 +4,11 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "base/measure.h"
 #include "description/control_ids.h"
 #include "description/paper.h"
 #include "description/string_ids.h"
 #include "description/xpi_text.h"
-#include "sheet/measure.h"
 #include "watermark/watermark_store.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include "base/arithmetic.h"
 #include "base/format.h"
+#include "base/measure.h"
 #include "settings/driver_devmode.h"
-#include "sheet/measure.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <cstring>
 
+#include "base/measure.h"
 #include "base/owned.h"
 #include "platform/files.h"
 #include "preview/preview_tools.h"
 #include "preview/short_path.h"
-#include "sheet/measure.h"
 
 namespace {
 

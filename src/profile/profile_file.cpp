@@ -123,7 +123,7 @@ ProfileFile OpenProfile(const WCHAR* tcPath)
 
 u32 ListProfileSections(const ProfileFile& file, WCHAR* wcOut, u32 cch)
 {
-    Span text = TextOf(file), name;
+    TextSpan text = TextOf(file), name;
     u32 nUsed = 0;
     for (u32 nAt = 0; nAt < text.nLength;) {
         if (!IsHeader(TakeLine(text, &nAt), &name) || !name.nLength) {

@@ -8,7 +8,7 @@
 #define TQUI_PROFILE_PROFILE_FILE_H
 
 #include "base/owned.h"
-#include "base/wide.h"
+#include "profile/profile_lines.h"
 
 /* A file of more bytes reads as empty, and none is written. */
 constexpr u32 PROFILE_BYTES_LIMIT = 0x400000;
@@ -36,6 +36,12 @@ ProfileFile OpenProfile(const WCHAR* tcPath);
 
 /* Reads the whole of an open file, from its start where it has just been opened. */
 ProfileFile ReadProfile(HANDLE hFile);
+
+/* The file's text. */
+inline TextSpan TextOf(const ProfileFile& file)
+{
+    return {file.pText.get(), file.pText ? file.nLength : 0};
+}
 
 /* The names of all sections one behind the other, each ended by a NUL and the last by two, in cch characters, at
    least 2. Names that do not fit whole are left out with all behind them.

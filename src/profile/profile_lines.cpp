@@ -14,7 +14,7 @@ int IsBlank(WCHAR wcChar)
 }
 
 /* The part in front of the first NUL, which ends a name or value but not its line. */
-Span CutAtNul(Span span)
+TextSpan CutAtNul(TextSpan span)
 {
     u32 nAt = 0;
     while (nAt < span.nLength && span.pText[nAt]) {
@@ -25,7 +25,7 @@ Span CutAtNul(Span span)
 
 } // namespace
 
-Span TrimSpan(Span span)
+TextSpan TrimSpan(TextSpan span)
 {
     while (span.nLength && IsBlank(span.pText[0])) {
         span.pText++;
@@ -37,7 +37,7 @@ Span TrimSpan(Span span)
     return span;
 }
 
-u32 FindLineEnd(Span text, u32 nAt)
+u32 FindLineEnd(TextSpan text, u32 nAt)
 {
     const WCHAR* const pEnd = text.pText + text.nLength;
     const WCHAR* pTo = text.pText + nAt;
@@ -47,7 +47,7 @@ u32 FindLineEnd(Span text, u32 nAt)
     return static_cast<u32>(pTo - text.pText);
 }
 
-u32 FindNextLine(Span text, u32 nLineEnd)
+u32 FindNextLine(TextSpan text, u32 nLineEnd)
 {
     if (nLineEnd == text.nLength) {
         return nLineEnd;
@@ -57,14 +57,14 @@ u32 FindNextLine(Span text, u32 nLineEnd)
     return nLineEnd + (bPair ? 2 : 1);
 }
 
-Span TakeLine(Span text, u32* pnAt)
+TextSpan TakeLine(TextSpan text, u32* pnAt)
 {
     u32 nFrom = *pnAt, nEnd = FindLineEnd(text, nFrom);
     *pnAt = FindNextLine(text, nEnd);
     return TrimSpan({text.pText + nFrom, nEnd - nFrom});
 }
 
-int IsHeader(Span line, Span* pName)
+int IsHeader(TextSpan line, TextSpan* pName)
 {
     if (!line.nLength || line.pText[0] != '[') {
         return 0;
@@ -80,7 +80,7 @@ int IsHeader(Span line, Span* pName)
     return 1;
 }
 
-void SplitLine(Span line, Span* pKey, Span* pValue)
+void SplitLine(TextSpan line, TextSpan* pKey, TextSpan* pValue)
 {
     u32 nAt = 0;
     while (nAt < line.nLength && line.pText[nAt] != '=') {
@@ -93,16 +93,16 @@ void SplitLine(Span line, Span* pKey, Span* pValue)
     }
 }
 
-Span ValueAt(Span text, u32 nAt)
+TextSpan ValueAt(TextSpan text, u32 nAt)
 {
     return CutAtNul(TrimSpan({text.pText + nAt, FindLineEnd(text, nAt) - nAt}));
 }
 
-u32 FindSectionBody(Span text, Span name, u32* pnHeader)
+u32 FindSectionBody(TextSpan text, TextSpan name, u32* pnHeader)
 {
     u32 nNext = 0;
     for (u32 nAt = 0; nAt < text.nLength && name.nLength; nAt = nNext) {
-        Span found;
+        TextSpan found;
         if (IsHeader(TakeLine(text, &nNext), &found) && IsSameName(found, name)) {
             if (pnHeader) {
                 *pnHeader = nAt;
@@ -113,7 +113,7 @@ u32 FindSectionBody(Span text, Span name, u32* pnHeader)
     return name.nLength ? text.nLength : 0;
 }
 
-int AddListName(Span name, WCHAR* wcOut, u32 cch, u32* pnUsed)
+int AddListName(TextSpan name, WCHAR* wcOut, u32 cch, u32* pnUsed)
 {
     if (u64{*pnUsed} + name.nLength + 1 + 2 > cch) {
         return 0;

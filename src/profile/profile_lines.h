@@ -2,15 +2,15 @@
 #ifndef TQUI_PROFILE_PROFILE_LINES_H
 #define TQUI_PROFILE_PROFILE_LINES_H
 
-#include "profile/profile_file.h"
+#include "base/wide.h"
 
 /* A piece of a text. */
-struct Span {
+struct TextSpan {
     const WCHAR* pText;
     u32 nLength;
 };
 
-Span TrimSpan(Span span);
+TextSpan TrimSpan(TextSpan span);
 
 inline WCHAR Capital(WCHAR wcChar)
 {
@@ -18,7 +18,7 @@ inline WCHAR Capital(WCHAR wcChar)
 }
 
 /* 1 when both are the same but for the case of ASCII letters. */
-inline int IsSameName(Span one, Span other)
+inline int IsSameName(TextSpan one, TextSpan other)
 {
     u32 i = 0;
     if (one.nLength != other.nLength) {
@@ -32,43 +32,38 @@ inline int IsSameName(Span one, Span other)
 }
 
 /* Where the line that holds the position ends, and where the next one begins. */
-u32 FindLineEnd(Span text, u32 nAt);
-u32 FindNextLine(Span text, u32 nLineEnd);
+u32 FindLineEnd(TextSpan text, u32 nAt);
+u32 FindNextLine(TextSpan text, u32 nLineEnd);
 
 /* Takes the line at *pnAt, without the blanks around it, and moves *pnAt to the next one. Result: the line, empty
    for a blank one; the caller sees to it that *pnAt is below nLength. */
-Span TakeLine(Span text, u32* pnAt);
+TextSpan TakeLine(TextSpan text, u32* pnAt);
 
 /* 1 when the line opens a section, with its name. */
-int IsHeader(Span line, Span* pName);
+int IsHeader(TextSpan line, TextSpan* pName);
 
 /* 1 when the line is a comment or blank. */
-inline int IsRemark(Span line)
+inline int IsRemark(TextSpan line)
 {
     return !line.nLength || line.pText[0] == ';';
 }
 
 /* Takes a line that is neither header nor remark apart: its key, and the value without blanks, whose pText is null
    when the line has no "=". */
-void SplitLine(Span line, Span* pKey, Span* pValue);
+void SplitLine(TextSpan line, TextSpan* pKey, TextSpan* pValue);
 
 /* The value that begins at nAt, behind the "=", as SplitLine gives it. */
-Span ValueAt(Span text, u32 nAt);
+TextSpan ValueAt(TextSpan text, u32 nAt);
 
 /* Where the section's lines begin; nLength when there is no such section. An empty name is that of the lines in
    front of the first section. pnHeader, which may be null: where its header line begins. */
-u32 FindSectionBody(Span text, Span name, u32* pnHeader);
+u32 FindSectionBody(TextSpan text, TextSpan name, u32* pnHeader);
 
 /* Adds a name and its NUL to a list of cch characters of which *pnUsed are taken, where it fits whole and leaves room
    for the list's own NUL. Result: 1 when it was added. */
-int AddListName(Span name, WCHAR* wcOut, u32 cch, u32* pnUsed);
+int AddListName(TextSpan name, WCHAR* wcOut, u32 cch, u32* pnUsed);
 
-inline Span TextOf(const ProfileFile& file)
-{
-    return {file.pText.get(), file.pText ? file.nLength : 0};
-}
-
-inline Span SpanOf(const WCHAR* wcText)
+inline TextSpan SpanOf(const WCHAR* wcText)
 {
     return {wcText, static_cast<u32>(WideLength(wcText))};
 }

@@ -21,8 +21,8 @@ constexpr u32 HASH_START = 0;
 
 /* The two parts of a name that is looked for, and the hash of both. */
 struct Name {
-    Span stem;
-    Span digits;
+    TextSpan stem;
+    TextSpan digits;
     u32 ulHash;
 };
 
@@ -33,7 +33,7 @@ inline u32 HashOn(u32 ulHash, WCHAR wcChar)
     return (ulHash << 7 | ulHash >> 25) ^ (wcChar & 0xFFDFu);
 }
 
-u32 HashOn(u32 ulHash, Span span)
+u32 HashOn(u32 ulHash, TextSpan span)
 {
     for (u32 i = 0; i < span.nLength; i++) {
         ulHash = HashOn(ulHash, span.pText[i]);
@@ -47,7 +47,7 @@ u32 EndHash(u32 ulHash)
     return ulHash ^ ulHash >> 15;
 }
 
-Name NameOf(Span stem, Span digits)
+Name NameOf(TextSpan stem, TextSpan digits)
 {
     return {stem, digits, EndHash(HashOn(HashOn(HASH_START, stem), digits))};
 }
@@ -57,7 +57,7 @@ u32 SlotOf(u32 nLine, u32 ulHash)
     return nLine | (ulHash & ~LINE_MASK) | USED_SLOT;
 }
 
-Span TextOf(const ProfileSection& section)
+TextSpan TextOf(const ProfileSection& section)
 {
     return {section.pText, section.nLength};
 }
@@ -69,9 +69,9 @@ int IsSame(const WCHAR* pText, const Name& name)
 }
 
 /* 1 when the line at nLine has the key, with its value as in SplitLine. */
-int IsKeyAt(const ProfileSection& section, u32 nLine, const Name& name, Span* pValue)
+int IsKeyAt(const ProfileSection& section, u32 nLine, const Name& name, TextSpan* pValue)
 {
-    Span text = TextOf(section), key;
+    TextSpan text = TextOf(section), key;
     u32 nName = name.stem.nLength + name.digits.nLength;
     if (nName < text.nLength - nLine && text.pText[nLine + nName] == '=' &&
         IsSame(text.pText + nLine, name)) {
@@ -83,7 +83,7 @@ int IsKeyAt(const ProfileSection& section, u32 nLine, const Name& name, Span* pV
 }
 
 /* The slot that holds the name or is free for it; null when too many steps lead to it. */
-u32* FindSlot(const ProfileSection& section, const Name& name, Span* pValue)
+u32* FindSlot(const ProfileSection& section, const Name& name, TextSpan* pValue)
 {
     for (u32 nStep = 0; nStep < MOST_STEPS; nStep++) {
         u32* pSlot = section.pSlots.get() + ((name.ulHash + nStep) & (section.nSlots - 1));
@@ -101,7 +101,7 @@ u32* FindSlot(const ProfileSection& section, const Name& name, Span* pValue)
 /* What the line at *pnAt has for the index, with *pnAt moved to the next line. */
 enum LineKind : int { LINE_OF_KEY, LINE_OF_NONE, LINE_OF_NEXT_SECTION };
 
-LineKind TakeKey(Span text, u32* pnAt, Name* pName)
+LineKind TakeKey(TextSpan text, u32* pnAt, Name* pName)
 {
     /* Nearly all lines are "key=value" with nothing in front of the "=" that would need a second look. */
     u32 nFrom = *pnAt, n = nFrom, ulHash = HASH_START;
@@ -114,7 +114,7 @@ LineKind TakeKey(Span text, u32* pnAt, Name* pName)
         *pnAt = FindNextLine(text, FindLineEnd(text, n));
         return LINE_OF_KEY;
     }
-    Span line = TakeLine(text, pnAt), key, value;
+    TextSpan line = TakeLine(text, pnAt), key, value;
     if (IsRemark(line)) {
         return LINE_OF_NONE;
     }
@@ -145,7 +145,7 @@ int Grow(ProfileSection* pSection)
     for (u32 i = 0; i < nOld; i++) {
         u32 ulSlot = pOld.get()[i], nLine = ulSlot & LINE_MASK;
         Name name;
-        Span value;
+        TextSpan value;
         if (ulSlot != FREE_SLOT && TakeKey(TextOf(*pSection), &nLine, &name) == LINE_OF_KEY) {
             u32* pSlot = FindSlot(*pSection, name, &value);
             if (pSlot) {
@@ -159,7 +159,7 @@ int Grow(ProfileSection* pSection)
 /* Puts the keys into the table, up to the next section. */
 void Index(ProfileSection* pSection)
 {
-    Span text = TextOf(*pSection), value;
+    TextSpan text = TextOf(*pSection), value;
     Name name;
     u32 nNext = pSection->nBody;
     for (u32 nAt = nNext; nAt < text.nLength; nAt = nNext) {
@@ -185,7 +185,7 @@ void Index(ProfileSection* pSection)
 }
 
 /* The digits of a number, none of a negative one, at the end of wcDigits. */
-Span DigitsOf(i32 nIndex, WCHAR (&wcDigits)[DIGITS])
+TextSpan DigitsOf(i32 nIndex, WCHAR (&wcDigits)[DIGITS])
 {
     int nAt = DIGITS;
     for (u32 ulRest = nIndex < 0 ? 0 : static_cast<u32>(nIndex); nIndex >= 0; ulRest /= 10) {
@@ -200,7 +200,7 @@ Span DigitsOf(i32 nIndex, WCHAR (&wcDigits)[DIGITS])
 /* The name that is asked for, its number in wcDigits. 0 for one that no key can have. */
 int TakeName(const ProfileKey& key, WCHAR (&wcDigits)[DIGITS], Name* pName)
 {
-    Span digits = DigitsOf(key.nIndex, wcDigits);
+    TextSpan digits = DigitsOf(key.nIndex, wcDigits);
     u32 n = 0, ulHash = HASH_START;
     for (; key.wcStem[n] > ' ' && key.wcStem[n] != '='; n++) {
         ulHash = HashOn(ulHash, key.wcStem[n]);
@@ -217,7 +217,7 @@ int TakeName(const ProfileKey& key, WCHAR (&wcDigits)[DIGITS], Name* pName)
 
 ProfileSection OpenSection(const ProfileFile& file, const WCHAR* wcSection)
 {
-    Span text = TextOf(file);
+    TextSpan text = TextOf(file);
     ProfileSection section = {};
     section.pText = text.pText;
     section.nLength = text.nLength;
@@ -239,7 +239,7 @@ ProfileSection OpenSection(const ProfileFile& file, const WCHAR* wcSection)
 int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR** ppText, u32* pnLength)
 {
     WCHAR wcDigits[DIGITS];
-    Span value = {nullptr, 0};
+    TextSpan value = {nullptr, 0};
     Name name;
     if (!section.pSlots || !TakeName(key, wcDigits, &name)) {
         return 0;
@@ -255,10 +255,10 @@ int FindValue(const ProfileSection& section, const ProfileKey& key, const WCHAR*
 
 u32 ListProfileKeys(const ProfileSection& section, WCHAR* wcOut, u32 cch)
 {
-    Span text = TextOf(section), key, value;
+    TextSpan text = TextOf(section), key, value;
     u32 nUsed = 0;
     for (u32 nAt = section.nBody; nAt < text.nLength;) {
-        Span line = TakeLine(text, &nAt);
+        TextSpan line = TakeLine(text, &nAt);
         if (IsRemark(line)) {
             continue;
         }

@@ -10,9 +10,9 @@ namespace {
 constexpr u32 INT_CHARS = 29;
 
 /* The value without its quotation marks; pText null when the key is missing. */
-Span ReadValue(const ProfileSection& section, const ProfileKey& key)
+TextSpan ReadValue(const ProfileSection& section, const ProfileKey& key)
 {
-    Span value = {nullptr, 0};
+    TextSpan value = {nullptr, 0};
     if (!FindValue(section, key, &value.pText, &value.nLength) || value.nLength < 2) {
         return value;
     }
@@ -23,19 +23,19 @@ Span ReadValue(const ProfileSection& section, const ProfileKey& key)
     return value;
 }
 
-WCHAR First(Span span)
+WCHAR First(TextSpan span)
 {
     return span.nLength ? span.pText[0] : 0;
 }
 
-void Skip(Span* pSpan, u32 nChars)
+void Skip(TextSpan* pSpan, u32 nChars)
 {
     pSpan->pText += nChars;
     pSpan->nLength -= nChars;
 }
 
 /* Skips a sign. 1 for a minus. */
-int TakeSign(Span* pSpan)
+int TakeSign(TextSpan* pSpan)
 {
     WCHAR wcFirst = First(*pSpan);
     if (wcFirst == '-' || wcFirst == '+') {
@@ -44,7 +44,7 @@ int TakeSign(Span* pSpan)
     return wcFirst == '-';
 }
 
-void SkipBlanks(Span* pSpan, WCHAR wcHighest)
+void SkipBlanks(TextSpan* pSpan, WCHAR wcHighest)
 {
     while (pSpan->nLength && First(*pSpan) <= wcHighest) {
         Skip(pSpan, 1);
@@ -62,7 +62,7 @@ u32 DigitOf(WCHAR wcDigit)
 }
 
 /* Skips "0x", "0o" or "0b". Result: the base that it tells, 10 without one. */
-u32 TakeBase(Span* pSpan)
+u32 TakeBase(TextSpan* pSpan)
 {
     u32 ulBase = 10;
     if (pSpan->nLength >= 2 && pSpan->pText[0] == '0') {
@@ -76,7 +76,7 @@ u32 TakeBase(Span* pSpan)
 }
 
 /* Digits up to the first that is none; what is beyond the limit stays at it. */
-u32 ParseDigits(Span digits, u32 ulBase, u32 ulLimit)
+u32 ParseDigits(TextSpan digits, u32 ulBase, u32 ulLimit)
 {
     u64 ullValue = 0;
     for (; First(digits) && DigitOf(First(digits)) < ulBase; Skip(&digits, 1)) {
@@ -90,7 +90,7 @@ u32 ParseDigits(Span digits, u32 ulBase, u32 ulLimit)
 
 i32 ReadProfileInt(const ProfileSection& section, const ProfileKey& key, i32 lDefault)
 {
-    Span value = ReadValue(section, key);
+    TextSpan value = ReadValue(section, key);
     if (!value.nLength) {
         return lDefault;
     }
@@ -106,7 +106,7 @@ i32 ReadProfileInt(const ProfileSection& section, const ProfileKey& key, i32 lDe
 
 i32 ReadProfileLong(const ProfileSection& section, const ProfileKey& key, i32 lDefault)
 {
-    Span value = ReadValue(section, key);
+    TextSpan value = ReadValue(section, key);
     if (!value.pText) {
         return lDefault;
     }
@@ -118,13 +118,13 @@ i32 ReadProfileLong(const ProfileSection& section, const ProfileKey& key, i32 lD
 
 u32 ReadProfileHex(const ProfileSection& section, const ProfileKey& key, u32 ulDefault)
 {
-    Span value = ReadValue(section, key);
+    TextSpan value = ReadValue(section, key);
     return value.pText ? ParseDigits(TrimSpan(value), 16, 0xFFFFFFFF) : ulDefault;
 }
 
 int ReadProfileText(const ProfileSection& section, const ProfileKey& key, WCHAR* wcOut, int cch)
 {
-    Span value = ReadValue(section, key);
+    TextSpan value = ReadValue(section, key);
     if (!value.pText || cch < 1) {
         return 0;
     }

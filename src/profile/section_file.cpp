@@ -32,7 +32,7 @@ struct Place {
 struct Change {
     u32 nFrom, nTo;
     const WCHAR* wcSection; /* null: no header line */
-    Span lines;
+    TextSpan lines;
 };
 
 int Append(SectionLines* pLines, const WCHAR* pText, u32 nLength)
@@ -67,15 +67,15 @@ int IsControl(WCHAR wcChar)
     return wcChar < 0x20 || wcChar == 0x7F;
 }
 
-Place FindSection(Span text, const WCHAR* wcSection)
+Place FindSection(TextSpan text, const WCHAR* wcSection)
 {
     Place place = {text.nLength, text.nLength, text.nLength, 0};
-    Span name;
+    TextSpan name;
     u32 nNext = FindSectionBody(text, SpanOf(wcSection), &place.nHeader);
     place.bFound = place.nHeader < text.nLength;
     place.nBody = place.nEnd = nNext;
     while (nNext < text.nLength) {
-        Span line = TakeLine(text, &nNext);
+        TextSpan line = TakeLine(text, &nNext);
         if (IsHeader(line, &name)) {
             break;
         }
@@ -87,11 +87,11 @@ Place FindSection(Span text, const WCHAR* wcSection)
 }
 
 /* 1 when the section has the key, whose line is then from *pnFrom to *pnTo. */
-int FindKey(Span text, const Place& place, const WCHAR* wcKey, u32* pnFrom, u32* pnTo)
+int FindKey(TextSpan text, const Place& place, const WCHAR* wcKey, u32* pnFrom, u32* pnTo)
 {
     u32 nNext = place.nBody;
     for (u32 nAt = place.nBody; nAt < place.nEnd; nAt = nNext) {
-        Span line = TakeLine(text, &nNext), key, value;
+        TextSpan line = TakeLine(text, &nNext), key, value;
         if (IsRemark(line)) {
             continue;
         }
@@ -177,7 +177,7 @@ Outcome PutInPlace(const WCHAR* tcPath, const WCHAR* pText, u32 nLength)
 }
 
 /* Puts the new text together and on the disk. */
-Outcome WriteChange(const WCHAR* tcPath, Span old, const Change& change)
+Outcome WriteChange(const WCHAR* tcPath, TextSpan old, const Change& change)
 {
     const WCHAR wcMark[] = {BYTE_ORDER_MARK, 0};
     const WCHAR* pOld = old.pText;
@@ -198,14 +198,14 @@ Outcome WriteChange(const WCHAR* tcPath, Span old, const Change& change)
 }
 
 /* One try. Without a key the lines are the section's, with one they are the key's. */
-Outcome TryChange(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, Span lines)
+Outcome TryChange(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, TextSpan lines)
 {
     ProfileFile file = {};
     Outcome outcome = ReadOld(tcPath, &file);
     if (outcome != DONE) {
         return outcome;
     }
-    Span old = TextOf(file);
+    TextSpan old = TextOf(file);
     Place place = FindSection(old, wcSection);
     Change change = {place.nHeader, place.nEnd, wcSection, lines};
     if (wcKey && place.bFound) {

@@ -14,8 +14,8 @@
 #ifndef TQUI_SETTINGS_DRIVER_DEVMODE_H
 #define TQUI_SETTINGS_DRIVER_DEVMODE_H
 
-#include "base/types.h"
 #include "platform/basic.h"
+#include "platform/types.h"
 
 /* Values that a record of this family holds. */
 constexpr u32 RECORD_STAMP = 0xCACA0001; /* ulVersion */

@@ -2,7 +2,7 @@
 #ifndef TQUI_SHEET_EDIT_KEYS_H
 #define TQUI_SHEET_EDIT_KEYS_H
 
-#include "sheet/measure.h"
+#include "base/measure.h"
 #include "sheet/session.h"
 
 /* Measures in edit controls; see measure.h. */

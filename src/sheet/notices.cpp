@@ -2,13 +2,12 @@
 #include "sheet/notices.h"
 
 #include "base/format.h"
+#include "base/measure.h"
 #include "description/control_ids.h"
 #include "description/paper.h"
 #include "description/xpi_text.h"
-#include "entry/notice.h"
 #include "sheet/conflicts.h"
 #include "sheet/dialog_services.h"
-#include "sheet/measure.h"
 
 namespace {
 

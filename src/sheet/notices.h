@@ -19,6 +19,9 @@ enum NoticeId : i16 {
    end and when it cannot be shown. */
 INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice);
 
+/* The notice of the job path; see entry/notice.h. */
+int ShowJobNotice(HMODULE hLanguageDll, const LanguageChoice& choice);
+
 /* Looks for a conflict of the session's record and shows it over the page. 1 when there is one. */
 int CheckConstraints(HWND hPage, UiSession* pSession);
 

@@ -10,7 +10,7 @@
 #include "description/paper.h"
 #include "description/printer_store.h"
 #include "entry/install_import.h"
-#include "entry/settings_file.h"
+#include "entry/user_settings_file.h"
 #include "platform/text.h"
 #include "preview/preview_choice.h"
 #include "watermark/watermark_store.h"

@@ -1,16 +1,17 @@
-/* The exports that the property sheet host calls: what is edited, who may write, and the life of the session. */
+/* The exports that the property sheet host calls, and the one that asks the same without a host: what is edited, who may
+   write, and the life of the session. */
 #include "description/printer_store.h"
+#include "document/defaults.h"
+#include "document/merge.h"
 #include "entry/exports.h"
 #include "entry/font_file.h"
 #include "settings/caller_record.h"
 #include "settings/checks.h"
-#include "settings/defaults.h"
-#include "settings/merge.h"
 #include "sheet/page_table.h"
 
 namespace {
 
-constexpr DWORD MODE_PROMPT = 4; /* fMode */
+constexpr DWORD MODE_PROMPT = 4, MODE_MODIFY = 8; /* fMode */
 
 /* The printer's current settings; what the description alone gives when the printer does not tell them. */
 void CurrentSettings(PrinterCall& call, const WCHAR* wcName, const XpiModel* pModel, DriverDevmode* pRecord)
@@ -147,6 +148,21 @@ LONG WINAPI DrvDocumentPropertySheets(void* pPSUIInfo, LPARAM lParam)
     case PROPSHEETUI_REASON_DESTROY: CloseSheet(pInfo, pHeader->hPrinter); return 1;
     default: pInfo->Result = 1; return 1;
     }
+}
+
+LONG WINAPI DrvDocumentProperties(HWND, HANDLE hPrinter, LPWSTR pszPrinterName, PDEVMODEW pdmOut,
+                                  PDEVMODEW pdmIn, DWORD fMode)
+{
+    DOCUMENTPROPERTYHEADER header = {};
+    header.cbSize = sizeof header;
+    header.hPrinter = hPrinter;
+    header.pszPrinterName = pszPrinterName;
+    header.pdmIn = pdmIn;
+    header.pdmOut = pdmOut;
+    header.cbOut =
+        fMode & MODE_MODIFY && pdmIn ? reinterpret_cast<const DriverDevmode*>(pdmIn)->dmSize : PUBLIC_BYTES;
+    header.fMode = fMode;
+    return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
 }
 
 LONG WINAPI DrvDevicePropertySheets(void* pPSUIInfo, LPARAM)

@@ -5,7 +5,7 @@
 
 #include "description/printer_store.h"
 #include "platform/text.h"
-#include "settingsfile/watermark_rows.h"
+#include "watermark/watermark_rows.h"
 
 namespace {
 

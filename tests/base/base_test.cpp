@@ -8,7 +8,7 @@
 #include "base/format.h"
 #include "base/owned.h"
 #include "base/wide.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "support/both_builds.h"
 
 namespace {

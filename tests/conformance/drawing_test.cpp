@@ -12,7 +12,7 @@
 #ifdef _WIN32
 #include <windows.h>
 #else
-#include "platform/hosted/pictures.h"
+#include "hosted/pictures.h"
 #endif
 
 namespace {

@@ -8,7 +8,7 @@
 #include "support/both_builds.h"
 
 #ifndef _WIN32
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #endif
 
 namespace {

@@ -3,7 +3,7 @@
 #include "support/dialog_user.h"
 
 #ifndef _WIN32
-#include "platform/hosted/sheet_host.h"
+#include "hosted/sheet_host.h"
 #endif
 
 namespace {

@@ -1,7 +1,7 @@
 /* Paper codes: sizes, margins, forms and saved papers, in tenths, hundredths and thousandths of a millimetre. */
+#include "description/custom_sizes.h"
 #include "description/margins.h"
 #include "description/paper.h"
-#include "settingsfile/custom_sizes.h"
 #include "support/sample_machine.h"
 
 namespace {

@@ -3,10 +3,10 @@
 
 #include <thread>
 
+#include "document/defaults.h"
+#include "document/merge.h"
 #include "entry/exports.h"
 #include "settings/check_support.h"
-#include "settings/defaults.h"
-#include "settings/merge.h"
 #include "support/guarded_pages.h"
 #include "support/well_formed.h"
 

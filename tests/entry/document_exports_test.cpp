@@ -1,8 +1,8 @@
 /* The exports round the merge: sizes, conversion, and what is handed on to the system's spooler library. */
 #include "entry/exports.h"
 
+#include "document/defaults.h"
 #include "settings/check_support.h"
-#include "settings/defaults.h"
 #include "support/guarded_pages.h"
 #include "tools/tq/record_text.h"
 

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "description/printer_store.h"
-#include "platform/hosted/open_files.h"
+#include "hosted/open_files.h"
 #include "support/sheet_machine.h"
 
 namespace {

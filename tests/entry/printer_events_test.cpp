@@ -1,6 +1,6 @@
 /* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
+#include "document/defaults.h"
 #include "places.h"
-#include "settings/defaults.h"
 #include "settingsfile/settings_reader.h"
 #include "support/event_machine.h"
 #include "tools/tq/machine_text.h"

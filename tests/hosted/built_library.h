@@ -10,9 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include "hosted/pe_resources.h"
+#include "hosted/standin.h"
 #include "places.h"
-#include "platform/hosted/pe_resources.h"
-#include "platform/hosted/standin.h"
 
 inline Bytes ReadDisk(const std::filesystem::path& path)
 {

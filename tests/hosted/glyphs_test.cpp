@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/hosted/pictures.h"
-#include "platform/hosted/standin.h"
+#include "hosted/pictures.h"
+#include "hosted/standin.h"
 #include "support/both_builds.h"
 
 namespace {

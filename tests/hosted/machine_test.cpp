@@ -1,6 +1,6 @@
 /* The hosted machine itself: what it counts, what it fails, what it holds, and how it lies. A fault loop is
    worth what this harness is worth. */
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "support/sample_machine.h"
 
 namespace {

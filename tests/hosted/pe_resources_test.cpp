@@ -11,10 +11,10 @@
 #include "built_library.h"
 #include "description/control_ids.h"
 #include "description/string_ids.h"
+#include "hosted/machine.h"
+#include "hosted/pe_resources.h"
+#include "hosted/standin.h"
 #include "places.h"
-#include "platform/hosted/machine.h"
-#include "platform/hosted/pe_resources.h"
-#include "platform/hosted/standin.h"
 #include "support/tiny_pe.h"
 
 namespace {

@@ -1,6 +1,6 @@
 /* The hosted drawing beyond what both builds state: objects in use, windows that are painted, pictures as files, and that
    no extent makes it run long or write outside its surface. */
-#include "platform/hosted/pictures.h"
+#include "hosted/pictures.h"
 
 #include <algorithm>
 #include <ctime>

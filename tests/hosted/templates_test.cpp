@@ -11,7 +11,7 @@
 #include "built_library.h"
 #include "description/control_ids.h"
 #include "description/string_ids.h"
-#include "platform/hosted/dialog_template.h"
+#include "hosted/dialog_template.h"
 
 namespace {
 

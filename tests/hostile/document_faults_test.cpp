@@ -1,9 +1,9 @@
 /* Conversion, merge and document events while the system fails or lies: every call that they make fails once, and
    from then on, at each of its turns; every call gives each kind of false answer. What they then give is a whole
    record or none, and nothing is held behind them. */
+#include "document/defaults.h"
 #include "entry/connection.h"
 #include "entry/exports.h"
-#include "settings/defaults.h"
 #include "support/guarded_pages.h"
 #include "support/sample_machine.h"
 #include "support/sweep.h"

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <span>
 
+#include "document/defaults.h"
 #include "places.h"
-#include "settings/defaults.h"
 #include "support/every_reader.h"
 #include "support/sample_machine.h"
 #include "support/sweep_totals.h"

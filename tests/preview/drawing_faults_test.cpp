@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "platform/hosted/drawing/drawing_state.h"
+#include "hosted/drawing/drawing_state.h"
 #include "preview/picture_cases.h"
 #include "support/sample_machine.h"
 #include "support/sweep.h"

@@ -2,12 +2,12 @@
 #include <chrono>
 #include <cstring>
 
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "settingsfile/font_substitutions.h"
-#include "settingsfile/watermark_rows.h"
 #include "support/both_builds.h"
 #include "support/same_bytes.h"
 #include "support/sweep.h"
+#include "watermark/watermark_rows.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "settingsfile/settings_key_rows.h"
 #include "support/both_builds.h"
 #include "support/same_bytes.h"

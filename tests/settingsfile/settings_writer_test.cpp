@@ -10,18 +10,18 @@
 #include <set>
 #include <sstream>
 
+#include "description/custom_sizes.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
 #include "places.h"
 #include "profile/section_file.h"
-#include "settingsfile/custom_sizes.h"
 #include "settingsfile/settings_key_rows.h"
 #include "settingsfile/settings_reader.h"
-#include "settingsfile/watermark_rows.h"
 #include "support/power_cuts.h"
 #include "support/same_bytes.h"
 #include "support/sample_machine.h"
 #include "support/sweep.h"
+#include "watermark/watermark_rows.h"
 #include "watermark/watermark_store.h"
 
 namespace {

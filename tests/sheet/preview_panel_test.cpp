@@ -1,5 +1,5 @@
 /* The preview of a sheet that is open: pages win over the record, item by item, and text and picture say the same. */
-#include "platform/hosted/windows.h"
+#include "hosted/user_input.h"
 
 #include <random>
 

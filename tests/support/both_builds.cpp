@@ -10,7 +10,7 @@
 #include "platform/process.h"
 
 #ifndef _WIN32
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #endif
 
 namespace {

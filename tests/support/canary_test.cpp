@@ -4,7 +4,7 @@
 #include "support/both_builds.h"
 
 #ifndef _WIN32
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #endif
 
 TEST(Canary, FailsAnExpectation)

@@ -1,5 +1,5 @@
 /* A user of dialogs on both builds: hosted the machine's own, on Windows one who sends what mouse and keyboard
-   would. The names are those of platform/hosted/windows.h. */
+   would. The names are those of hosted/windows.h. */
 #ifndef TQUI_TESTS_DIALOG_USER_H
 #define TQUI_TESTS_DIALOG_USER_H
 
@@ -88,7 +88,7 @@ inline void FinishPainting(HWND hDialog)
 
 #else
 
-#include "platform/hosted/windows.h"
+#include "hosted/user_input.h"
 
 inline HINSTANCE GetProgram()
 {

@@ -3,7 +3,7 @@
 #ifndef TQUI_TESTS_JOB_MACHINE_H
 #define TQUI_TESTS_JOB_MACHINE_H
 
-#include "settings/defaults.h"
+#include "document/defaults.h"
 #include "standins/job_core.h"
 #include "support/job_golden.h"
 #include "support/sample_machine.h"

@@ -21,7 +21,7 @@ bool SavePng(const std::filesystem::path& path, const Picture& picture);
 bool LoadPng(const std::filesystem::path& path, Picture* pPicture);
 
 #else
-#include "platform/hosted/pictures.h"
+#include "hosted/pictures.h"
 #endif
 
 /* What of the rectangle lies inside. */

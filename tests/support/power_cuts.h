@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 
 struct PowerSweep {
     size_t nCuts = 0, nBad = 0;

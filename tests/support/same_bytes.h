@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/types.h"
+#include "platform/types.h"
 
 template <class T> bool SameBytes(const T& one, const T& other)
 {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "description/printer_call.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "support/both_builds.h"
 #include "support/description_builder.h"
 #include "tools/tq/ask.h"

@@ -4,9 +4,9 @@
 
 #include <memory>
 
+#include "document/defaults.h"
+#include "hosted/user_input.h"
 #include "places.h"
-#include "platform/hosted/windows.h"
-#include "settings/defaults.h"
 #include "sheet/session.h"
 #include "support/dialog_builder.h"
 #include "support/sample_machine.h"

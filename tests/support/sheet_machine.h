@@ -2,9 +2,9 @@
 #ifndef TQUI_TESTS_SHEET_MACHINE_H
 #define TQUI_TESTS_SHEET_MACHINE_H
 
+#include "document/defaults.h"
 #include "entry/exports.h"
-#include "platform/hosted/sheet_host.h"
-#include "settings/defaults.h"
+#include "hosted/sheet_host.h"
 #include "sheet/session.h"
 #include "support/sample_machine.h"
 #include "tools/tq/record_text.h"

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "entry/exports.h"
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #include "tools/tq/ask.h"
 
 /* What one entry call may take, of this thread's own time and of the process heap. */

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/hosted/pe_resources.h"
+#include "hosted/pe_resources.h"
 
 using Bytes = std::vector<u8>;
 

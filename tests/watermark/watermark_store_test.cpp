@@ -3,9 +3,9 @@
 
 #include <cstring>
 
-#include "settingsfile/watermark_rows.h"
 #include "support/same_bytes.h"
 #include "support/sample_machine.h"
+#include "watermark/watermark_rows.h"
 
 namespace {
 

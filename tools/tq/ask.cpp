@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "entry/exports.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 
 constexpr WORD FIRST_QUESTION = DC_FIELDS, LAST_QUESTION = DC_MEDIATYPES;
 

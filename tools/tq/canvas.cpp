@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "base/wide.h"
-#include "platform/hosted/pictures.h"
-#include "platform/hosted/standin.h"
+#include "hosted/pictures.h"
+#include "hosted/standin.h"
 #include "tools/save_file.h"
 
 Canvas::Canvas(int nWidth, int nHeight)

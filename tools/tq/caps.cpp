@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <ostream>
 
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "tools/tq/ask.h"
 #include "tools/tq/sample_printer.h"
 

@@ -11,7 +11,7 @@
 #include "description/driver_files.h"
 #include "description/paper.h"
 #include "description/xpi_text.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "settings/check_core.h"
 #include "sheet/conflicts.h"
 #include "tools/tq/record.h"

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #include "preview/preview_tools.h"
 #include "tools/tq/canvas.h"
 

@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "entry/exports.h"
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 #include "tools/save_file.h"
 #include "tools/tq/machine_text.h"
 #include "tools/tq/sample_printer.h"

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <ostream>
 
+#include "document/defaults.h"
 #include "entry/render_parameters.h"
-#include "platform/hosted/standin.h"
-#include "settings/defaults.h"
+#include "hosted/standin.h"
 #include "standins/job_core.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/record.h"

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 
 namespace {
 

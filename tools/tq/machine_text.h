@@ -16,7 +16,7 @@
 
 #include <string>
 
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 
 /* All that those lines hold of the running machine. */
 std::string MachineText();

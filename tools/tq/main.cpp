@@ -7,8 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "hosted/standin.h"
 #include "places.h"
-#include "platform/hosted/standin.h"
 #include "tools/tq/caps.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/gallery.h"

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <ostream>
 
-#include "platform/hosted/standin.h"
-#include "settings/defaults.h"
+#include "document/defaults.h"
+#include "hosted/standin.h"
 #include "tools/save_file.h"
 #include "tools/tq/record_text.h"
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "platform/hosted/standin.h"
+#include "hosted/standin.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "platform/hosted/machine.h"
+#include "hosted/machine.h"
 #include "tools/tq/inf.h"
 
 /* Where the driver's files lie on the machine, with a backslash at the end. */

@@ -2,8 +2,8 @@
    constructor and three more imports into every process that loads us. */
 #include "platform/stack_guard.h"
 
-#include "base/types.h"
 #include "platform/process.h"
+#include "platform/types.h"
 
 extern "C" {
 

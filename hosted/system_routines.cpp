@@ -1,0 +1,110 @@
+/* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. WINSPOOL.DRV
+   is always there, with its routine 204, and so is version.dll, with the calls of platform/version.h. */
+#include <map>
+
+#include "hosted/standin.h"
+
+namespace {
+
+void (*fnSpoolerCallback)() = nullptr;
+
+std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
+std::map<HMODULE, WideText> openLibraries;
+std::uintptr_t nLastLibrary = 0;
+const WideText wcSpooler = u"winspool.drv", wcVersion = u"version.dll"; /* in that form */
+
+BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
+{
+    AnnouncePrinter(wcName);
+    return 1;
+}
+
+template <class Routine> FARPROC AnyRoutine(Routine fnRoutine)
+{
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(fnRoutine));
+}
+
+/* A routine that every machine has; null when there is none of that name or number. */
+FARPROC FixedRoutine(const WideText& wcLibrary, LPCSTR cName, bool bNumber)
+{
+    constexpr std::uintptr_t ANNOUNCE = 204;
+    if (wcLibrary == wcSpooler && bNumber && reinterpret_cast<std::uintptr_t>(cName) == ANNOUNCE) {
+        return AnyRoutine(&TakeAnnouncement);
+    }
+#define FIND_CALL(result, name, params, failed) \
+    if (wcLibrary == wcVersion && !bNumber && std::string_view(cName) == #name) { \
+        return AnyRoutine(&name); \
+    }
+    VERSION_CALLS(FIND_CALL)
+#undef FIND_CALL
+    return nullptr;
+}
+
+} // namespace
+
+void SetSpoolerCallback(void (*fnCallback)())
+{
+    fnSpoolerCallback = fnCallback;
+}
+
+void CallDriverBack()
+{
+    if (fnSpoolerCallback) {
+        fnSpoolerCallback();
+    }
+}
+
+void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, void* fnRoutine)
+{
+    systemLibraries[LowerText(wcLibrary)][name] = fnRoutine;
+}
+
+void ResetSystemRoutines()
+{
+    systemLibraries.clear();
+    liveCounts.nModules -= static_cast<int>(openLibraries.size());
+    openLibraries.clear();
+}
+
+HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
+{
+    WideText wcForm = LowerText(wcLibrary);
+    if (const WideText wcFolder = LowerText(tcSystemFolder) + u"\\"; wcForm.starts_with(wcFolder)) {
+        wcForm.erase(0, wcFolder.size());
+    }
+    if (wcForm != wcSpooler && wcForm != wcVersion && !systemLibraries.count(wcForm)) {
+        SetHostedError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    const auto hLibrary = reinterpret_cast<HMODULE>(++nLastLibrary * 0x10000 + 8);
+    openLibraries.emplace(hLibrary, wcForm);
+    liveCounts.nModules++;
+    return hLibrary;
+}
+
+bool FreeSystemLibrary(HMODULE hLibrary)
+{
+    if (!openLibraries.erase(hLibrary)) {
+        return false;
+    }
+    liveCounts.nModules--;
+    return true;
+}
+
+FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
+{
+    FAILS(GetProcAddress);
+    constexpr std::uintptr_t LAST_NUMBER = 0xFFFF;
+    const bool bNumber = reinterpret_cast<std::uintptr_t>(cName) <= LAST_NUMBER; /* small ones are numbers */
+    if (const auto library = openLibraries.find(hModule); library != openLibraries.end()) {
+        const auto& routines = systemLibraries[library->second];
+        if (auto routine = bNumber ? routines.end() : routines.find(cName); routine != routines.end()) {
+            return reinterpret_cast<FARPROC>(routine->second);
+        }
+        if (const FARPROC fnFixed = FixedRoutine(library->second, cName, bNumber)) {
+            return fnFixed;
+        }
+    }
+    SetHostedError(ERROR_PROC_NOT_FOUND); /* data files have no code */
+    return nullptr;
+}
