@@ -90,9 +90,10 @@ Bytes StampFile()
     poke(22, i32{nHeight});
     poke(26, u16{1});
     poke(28, u16{24});
+    const int nMiddleX = nWidth / 2, nMiddleY = nHeight / 2;
     for (int y = 0; y < nHeight; y++) {
         for (int x = 0; x < nWidth; x++) {
-            const double dX = (x - nWidth / 2) / (nWidth / 2.0), dY = (y - nHeight / 2) / (nHeight / 2.0);
+            const double dX = (x - nMiddleX) / (nWidth / 2.0), dY = (y - nMiddleY) / (nHeight / 2.0);
             const double dDistance = dX * dX + dY * dY;
             const bool bInk = (dDistance < 0.9 && dDistance > 0.6) || (dDistance < 0.4 && y > 220 && y < 260);
             u8* pPixel = &file[54 + static_cast<size_t>(y) * cbRow + static_cast<size_t>(x) * 3];
