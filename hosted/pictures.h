@@ -32,10 +32,6 @@ bool EncodePng(const Picture& picture, std::vector<u8>* pPng);
 bool SavePng(const std::filesystem::path& path, const Picture& picture);
 bool LoadPng(const std::filesystem::path& path, Picture* pPicture);
 
-/* For people: where both agree a pale copy of the first, where they do not red. As large as both together; a pixel that
-   one of them lacks differs. Result: the pixels that differ. */
-size_t DifferenceOf(const Picture& one, const Picture& other, Picture* pDifference);
-
 /* ---- what the system offers besides, for tests alone ---- */
 COLORREF WINAPI GetPixel(HDC hDc, int x, int y); /* CLR_INVALID outside */
 COLORREF WINAPI SetPixel(HDC hDc, int x, int y, COLORREF color);

@@ -151,21 +151,6 @@ bool LoadPng(const std::filesystem::path& path, Picture* pPicture)
     return true;
 }
 
-size_t DifferenceOf(const Picture& one, const Picture& other, Picture* pDifference)
-{
-    *pDifference = {std::max(one.nWidth, other.nWidth), std::max(one.nHeight, other.nHeight), {}};
-    size_t nDiffer = 0;
-    for (int y = 0; y < pDifference->nHeight; y++) {
-        for (int x = 0; x < pDifference->nWidth; x++) {
-            const bool bSame = x < one.nWidth && y < one.nHeight && x < other.nWidth && y < other.nHeight &&
-                               one.At(x, y) == other.At(x, y);
-            pDifference->pixels.push_back(bSame ? Pale(one.At(x, y)) : DIFFERS);
-            nDiffer += bSame ? 0 : 1;
-        }
-    }
-    return nDiffer;
-}
-
 COLORREF WINAPI GetPixel(HDC hDc, int x, int y)
 {
     const DrawingContext* pContext = FindContext(hDc);

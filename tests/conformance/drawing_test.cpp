@@ -4,16 +4,12 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/resources.h"
 #include "support/both_builds.h"
-
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include "hosted/pictures.h"
-#endif
+#include "support/picture.h"
 
 namespace {
 
@@ -39,10 +35,11 @@ class Drawing : public BothBuilds {
     void SetUp() override
     {
         BothBuilds::SetUp();
+        canvas_.emplace(SIDE, SIDE, WHITE);
+        source_.emplace(SIDE, SIDE, WHITE);
+        hDc_ = canvas_->Dc();
+        hSource_ = source_->Dc();
         hScreen_ = CreateDCW(TEXT("DISPLAY"), nullptr, nullptr, nullptr);
-        ASSERT_NE(hScreen_, nullptr);
-        hDc_ = Memory(SIDE, SIDE, &hBitmap_);
-        hSource_ = Memory(SIDE, SIDE, &hSourceBitmap_);
         for (int y = 0; y < SIDE; y++) {
             for (int x = 0; x < SIDE; x++) {
                 SetPixel(hSource_, x, y, static_cast<COLORREF>(x * 5 | y * 3 << 8 | (x * y & 255) << 16));
@@ -52,19 +49,10 @@ class Drawing : public BothBuilds {
     }
     void TearDown() override
     {
-        for (HDC hDc : {hDc_, hSource_, hScreen_}) {
-            EXPECT_TRUE(DeleteDC(hDc));
-        }
-        EXPECT_TRUE(DeleteObject(hBitmap_));
-        EXPECT_TRUE(DeleteObject(hSourceBitmap_));
+        EXPECT_TRUE(DeleteDC(hScreen_));
+        canvas_.reset();
+        source_.reset();
         BothBuilds::TearDown();
-    }
-    HDC Memory(int nWidth, int nHeight, HBITMAP* pBitmap)
-    {
-        const HDC hDc = CreateCompatibleDC(hScreen_);
-        *pBitmap = CreateCompatibleBitmap(hScreen_, nWidth, nHeight);
-        EXPECT_NE(SelectObject(hDc, *pBitmap), nullptr);
-        return hDc;
     }
     void Clear(COLORREF color = WHITE) { Box(hDc_, {0, 0, SIDE + 1, SIDE + 1}, color); }
     static void Box(HDC hDc, const RECT& r, COLORREF color) /* without an outline: one pixel less */
@@ -90,22 +78,13 @@ class Drawing : public BothBuilds {
         SelectObject(hDc_, hOld);
         DeleteObject(hObject);
     }
-    static std::vector<COLORREF> Pixels(HDC hDc, int nWidth, int nHeight)
+    std::string Rows(int nRows, int nWidth)
     {
-        std::vector<COLORREF> pixels;
-        for (int y = 0; y < nHeight; y++) {
-            for (int x = 0; x < nWidth; x++) {
-                pixels.push_back(GetPixel(hDc, x, y));
-            }
-        }
-        return pixels;
-    }
-    std::string Rows(int nTop, int nRows, int nWidth)
-    {
+        const Picture picture = canvas_->Pixels();
         std::string text;
-        for (int y = nTop; y < nTop + nRows; y++) {
+        for (int y = 0; y < nRows; y++) {
             for (int x = 0; x < nWidth; x++) {
-                const COLORREF color = GetPixel(hDc_, x, y);
+                const COLORREF color = picture.At(x, y);
                 text += color == WHITE ? '.' : color == BLACK ? '#' : color == RED ? 'r' : '?';
             }
             text += '\n';
@@ -120,16 +99,25 @@ class Drawing : public BothBuilds {
         for (int i = 0; i < nScenes; i++) {
             Clear(background);
             draw(i);
-            for (COLORREF color : Pixels(hDc_, SIDE, SIDE)) {
+            for (COLORREF color : canvas_->Pixels().pixels) {
                 uSum = (uSum ^ color) * 16777619u;
             }
         }
         EXPECT_EQ(uSum, uExpected) << std::hex << uSum;
     }
+    /* The picture of a bitmap, against a figure. */
+    void ExpectBitmap(unsigned uExpected, HGDIOBJ hImage, int nWidth = SIDE, int nHeight = SIDE)
+    {
+        const HGDIOBJ hOld = SelectObject(hSource_, hImage);
+        ExpectScenes(uExpected, 1,
+                     [&](int) { BitBlt(hDc_, 0, 0, nWidth, nHeight, hSource_, 0, 0, SRCCOPY); });
+        SelectObject(hSource_, hOld);
+        EXPECT_TRUE(DeleteObject(hImage));
+    }
     int Near() { return chance_.From(-12, SIDE + 12); }
 
+    std::optional<Canvas> canvas_, source_;
     HDC hScreen_ = nullptr, hDc_ = nullptr, hSource_ = nullptr;
-    HBITMAP hBitmap_ = nullptr, hSourceBitmap_ = nullptr;
     Chance chance_;
 };
 
@@ -145,7 +133,7 @@ TEST_F(Drawing, ThinLinesInAllDirections)
     Line(1, 1, 5, 1); /* the last pixel is left to the next line */
     LineTo(hDc_, 5, 4);
     Line(8, 3, 8, 3);
-    EXPECT_EQ(Rows(0, 5, 10), "..........\n.#####....\n.....#....\n.....#....\n..........\n");
+    EXPECT_EQ(Rows(5, 10), "..........\n.#####....\n.....#....\n.....#....\n..........\n");
     POINT old = {9, 9};
     EXPECT_TRUE(MoveToEx(hDc_, 2, 3, &old));
     EXPECT_EQ(old.x, 8);
@@ -163,12 +151,12 @@ TEST_F(Drawing, DottedLines)
         SetBkMode(hDc_, OPAQUE);
         Line(12, 4, 28, 4);
         SetBkMode(hDc_, TRANSPARENT);
-        EXPECT_EQ(Rows(0, 6, 30), "###...###...#####...###...###.\n"
-                                  "..............................\n"
-                                  "#rrr###rrr###rrrrrrrrrrrrrrrrr\n"
-                                  "#...........rrrrrrrrrrrrrrrrrr\n"
-                                  "#...........###...###...###.rr\n"
-                                  "...###...###..................\n");
+        EXPECT_EQ(Rows(6, 30), "###...###...#####...###...###.\n"
+                               "..............................\n"
+                               "#rrr###rrr###rrrrrrrrrrrrrrrrr\n"
+                               "#...........rrrrrrrrrrrrrrrrrr\n"
+                               "#...........###...###...###.rr\n"
+                               "...###...###..................\n");
     });
     With(CreatePen(PS_DOT, 0, RED), [this] {
         ExpectScenes(
@@ -194,7 +182,7 @@ TEST_F(Drawing, Rectangles)
     Rectangle(hDc_, 15, 4, 10, 0); /* turned around */
     Rectangle(hDc_, 20, 0, 20, 4);
     With(GetStockObject(NULL_PEN), [this] { Box(hDc_, {16, 1, 19, 4}, RED); });
-    EXPECT_EQ(Rows(0, 4, 21),
+    EXPECT_EQ(Rows(4, 21),
               "....#.##..#####......\n....#.##..#...#.rr...\n....#.....#...#.rr...\n..........#####......\n");
     With(CreateSolidBrush(RED), [this] {
         ExpectScenes(0x4933be77, 60, [this](int i) {
@@ -283,30 +271,16 @@ TEST_F(Drawing, Copies)
         },
         RED);
     /* Onto itself: as if all had been read before. */
-    for (int i = 0; i < 40; i++) {
+    ExpectScenes(0xbf02c804, 40, [this](int) {
         BitBlt(hDc_, 0, 0, SIDE, SIDE, hSource_, 0, 0, SRCCOPY);
-        const std::vector<COLORREF> before = Pixels(hDc_, SIDE, SIDE);
-        const int nX = chance_.Below(20), nY = chance_.Below(20), nFromX = chance_.Below(20),
-                  nFromY = chance_.Below(20);
+        const int nX = chance_.Below(20), nY = chance_.Below(20);
+        const int nFromX = chance_.Below(20), nFromY = chance_.Below(20);
         BitBlt(hDc_, nX, nY, 25, 25, hDc_, nFromX, nFromY, SRCCOPY);
-        int nBad = 0;
-        for (int y = 0; y < 25; y++) {
-            for (int x = 0; x < 25; x++) {
-                nBad += GetPixel(hDc_, nX + x, nY + y) !=
-                        before[static_cast<size_t>(nFromY + y) * SIDE + static_cast<size_t>(nFromX + x)];
-            }
-        }
-        EXPECT_EQ(nBad, 0);
-    }
+    });
     /* Turned by 180 degrees, as the preview's sheet. */
-    Clear();
-    EXPECT_TRUE(StretchBlt(hDc_, 39, 29, -35, -25, hSource_, 0, 0, 35, 25, SRCCOPY));
-    for (int y = 0; y < 25; y++) {
-        for (int x = 0; x < 35; x++) {
-            EXPECT_EQ(GetPixel(hDc_, 39 - x, 29 - y), GetPixel(hSource_, x, y));
-        }
-    }
-    EXPECT_EQ(Pixels(hDc_, 5, SIDE), std::vector<COLORREF>(5 * SIDE, WHITE));
+    ExpectScenes(0x56ed27d5, 1, [this](int) {
+        EXPECT_TRUE(StretchBlt(hDc_, 39, 29, -35, -25, hSource_, 0, 0, 35, 25, SRCCOPY));
+    });
 }
 
 TEST_F(Drawing, Stretching)
@@ -353,42 +327,35 @@ TEST_F(Drawing, RowsOfEachForm)
                  {32, {}, 0, 0xcd13d16f},
                  {32, {0x0000FF, 0x00FF00, 0xFF0000}, 0, 0xb1b1004f},
                  {32, {0x3FF00000, 0x000FFC00, 0x000003FF}, 0, 0x7a45b2e6}};
-    for (const auto& row : aRows) {
-        Info info{};
-        info.header = {sizeof info.header,
-                       37,
-                       21,
-                       1,
-                       row.usBits,
-                       row.aMasks[0] ? DWORD{BI_BITFIELDS} : DWORD{BI_RGB},
-                       0,
-                       0,
-                       0,
-                       row.dwUsed,
-                       0};
-        for (BYTE& b : info.rest) {
+    const auto fill = [this](auto* pBytes) {
+        for (BYTE& b : *pBytes) {
             b = static_cast<BYTE>(chance_.Below(256));
         }
+    };
+    for (const auto& row : aRows) {
+        Info info{};
+        fill(&info.rest);
+        info.header.biSize = sizeof info.header;
+        info.header.biWidth = 37;
+        info.header.biHeight = 21;
+        info.header.biPlanes = 1;
+        info.header.biBitCount = row.usBits;
+        info.header.biClrUsed = row.dwUsed;
         if (row.aMasks[0]) {
+            info.header.biCompression = BI_BITFIELDS;
             std::memcpy(info.rest.data(), row.aMasks, sizeof row.aMasks);
         }
         std::vector<BYTE> line(static_cast<size_t>((row.usBits * 37 + 31) / 32 * 4));
         const HBITMAP hImage = CreateDIBitmap(hScreen_, &info.header, 0, nullptr, nullptr, DIB_RGB_COLORS);
         BITMAP size;
         ASSERT_EQ(GetObjectW(hImage, sizeof size, &size), static_cast<int>(sizeof size));
-        EXPECT_EQ(size.bmWidth, 37);
-        EXPECT_EQ(size.bmHeight, 21);
+        EXPECT_EQ(std::pair(size.bmWidth, size.bmHeight), (std::pair<LONG, LONG>(37, 21)));
         for (UINT y = 0; y < 21; y++) {
-            for (BYTE& b : line) {
-                b = static_cast<BYTE>(chance_.Below(256));
-            }
+            fill(&line);
             EXPECT_EQ(SetDIBits(hDc_, hImage, y, 1, line.data(), info.Get(), DIB_RGB_COLORS), 1);
         }
         EXPECT_EQ(SetDIBits(hDc_, hImage, 21, 1, line.data(), info.Get(), DIB_RGB_COLORS), 0);
-        const HGDIOBJ hOld = SelectObject(hSource_, hImage);
-        ExpectScenes(row.uExpected, 1, [this](int) { BitBlt(hDc_, 0, 0, 37, 21, hSource_, 0, 0, SRCCOPY); });
-        SelectObject(hSource_, hOld);
-        EXPECT_TRUE(DeleteObject(hImage));
+        ExpectBitmap(row.uExpected, hImage, 37, 21);
     }
 }
 
@@ -396,22 +363,14 @@ TEST_F(Drawing, PicturesOfALibrary)
 {
     const HMODULE hLibrary = LoadLibraryExW(BuiltFile("TXT.DLL").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(hLibrary, nullptr);
-    constexpr struct {
-        const WCHAR* wcName;
-        unsigned uExpected;
-    } aRows[] = {{TEXT("DUPLONG"), 0xf8be0739},
-                 {TEXT("DUPSHORT"), 0x914aef60},
-                 {TEXT("DUPSIMPLE"), 0x62bc038f},
-                 {TEXT("LogoBitmap"), 0x59d5019d}};
-    for (const auto& row : aRows) {
-        const HANDLE hImage =
-            LoadImageW(hLibrary, row.wcName, IMAGE_BITMAP, 0, 0, LR_LOADTRANSPARENT | LR_LOADMAP3DCOLORS);
-        const HGDIOBJ hOld = SelectObject(hSource_, hImage);
-        ExpectScenes(row.uExpected, 1,
-                     [this](int) { BitBlt(hDc_, 0, 0, SIDE, SIDE, hSource_, 0, 0, SRCCOPY); });
-        SelectObject(hSource_, hOld);
-        EXPECT_TRUE(DeleteObject(hImage));
+    for (const auto& [wcName, uExpected] : {std::pair(TEXT("DUPLONG"), 0xf8be0739),
+                                            {TEXT("DUPSHORT"), 0x914aef60},
+                                            {TEXT("DUPSIMPLE"), 0x62bc038f},
+                                            {TEXT("LogoBitmap"), 0x59d5019d}}) {
+        ExpectBitmap(uExpected, LoadImageW(hLibrary, wcName, IMAGE_BITMAP, 0, 0,
+                                           LR_LOADTRANSPARENT | LR_LOADMAP3DCOLORS));
     }
+    EXPECT_EQ(LoadImageW(hLibrary, TEXT("NONE"), IMAGE_BITMAP, 0, 0, 0), nullptr);
     EXPECT_TRUE(FreeLibrary(hLibrary));
 }
 
@@ -428,7 +387,7 @@ TEST_F(Drawing, MonochromeBitmaps)
     Box(hFresh, {0, 0, SIDE + 1, SIDE + 1}, WHITE);
     Box(hFresh, {2, 1, 6, 4}, BLACK);
     EXPECT_TRUE(BitBlt(hDc_, 0, 0, 8, 4, hFresh, 0, 0, SRCCOPY));
-    EXPECT_EQ(Rows(0, 4, 8), "........\n..###...\n..###...\n........\n");
+    EXPECT_EQ(Rows(4, 8), "........\n..###...\n..###...\n........\n");
     Box(hDc_, {0, 0, 4, 4}, RED);
     EXPECT_TRUE(BitBlt(hFresh, 0, 0, 8, 4, hDc_, 0, 0, SRCCOPY));
     EXPECT_EQ(GetPixel(hFresh, 0, 0), BLACK);
@@ -440,8 +399,11 @@ TEST_F(Drawing, MonochromeBitmaps)
 TEST_F(Drawing, ObjectsAndContexts)
 {
     const HDC hOther = CreateCompatibleDC(hDc_);
-    EXPECT_EQ(SelectObject(hOther, hBitmap_), nullptr) << "a bitmap is in one context at a time";
-    EXPECT_EQ(SelectObject(hScreen_, hBitmap_), nullptr);
+    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen_, SIDE, SIDE);
+    const HGDIOBJ hOld = SelectObject(hSource_, hBitmap);
+    EXPECT_EQ(SelectObject(hOther, hBitmap), nullptr) << "a bitmap is in one context at a time";
+    EXPECT_EQ(SelectObject(hSource_, hOld), hBitmap);
+    EXPECT_EQ(SelectObject(hScreen_, hBitmap), nullptr);
     EXPECT_EQ(SelectObject(hOther, nullptr), nullptr);
     EXPECT_EQ(SelectObject(nullptr, GetStockObject(BLACK_PEN)), nullptr);
     const HPEN hPen = CreatePen(PS_SOLID, 0, RED);
@@ -450,8 +412,7 @@ TEST_F(Drawing, ObjectsAndContexts)
     EXPECT_EQ(SelectObject(hOther, GetStockObject(WHITE_BRUSH)), GetStockObject(WHITE_BRUSH));
     EXPECT_TRUE(DeleteObject(hPen));
     EXPECT_EQ(SelectObject(hOther, hPen), nullptr) << "it is gone";
-    EXPECT_FALSE(DeleteObject(hPen));
-    EXPECT_FALSE(DeleteObject(nullptr));
+    EXPECT_FALSE(DeleteObject(hPen) || DeleteObject(nullptr));
     EXPECT_TRUE(DeleteObject(GetStockObject(WHITE_BRUSH)));
     EXPECT_TRUE(DeleteObject(GetSysColorBrush(COLOR_BTNFACE)));
     EXPECT_EQ(SetBkMode(hOther, TRANSPARENT), OPAQUE);
@@ -468,11 +429,12 @@ TEST_F(Drawing, ObjectsAndContexts)
     EXPECT_EQ(CreateCompatibleBitmap(nullptr, 5, 5), nullptr);
 
     BITMAP bitmap;
-    EXPECT_EQ(GetObjectW(hBitmap_, sizeof bitmap - 1, &bitmap), 0);
-    EXPECT_EQ(GetObjectW(hBitmap_, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
+    EXPECT_EQ(GetObjectW(hBitmap, sizeof bitmap - 1, &bitmap), 0);
+    EXPECT_EQ(GetObjectW(hBitmap, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
     EXPECT_EQ(bitmap.bmWidth, SIDE);
     EXPECT_EQ(bitmap.bmBitsPixel, 32);
     EXPECT_EQ(bitmap.bmWidthBytes, 4 * SIDE);
+    EXPECT_TRUE(DeleteObject(hBitmap));
     LOGFONTW font;
     EXPECT_EQ(GetObjectW(GetStockObject(SYSTEM_FONT), sizeof font, &font), static_cast<int>(sizeof font));
     EXPECT_EQ(Ascii(font.lfFaceName), "System");

@@ -6,7 +6,7 @@
 #include "platform/files.h"
 #include "platform/profile.h"
 #include "profile/profile_values.h"
-#include "support/both_builds.h"
+#include "support/script.h"
 
 #ifndef _WIN32
 #include "hosted/machine.h"
@@ -37,13 +37,13 @@ class ProfileFiles : public BothBuilds {
     int nFile = 0;
 };
 
-/* A list of names, each ended by |; empty ones are left out. */
+/* A list of names, each ended by a comma; empty ones are left out. */
 std::string List(const WCHAR* wcList, size_t cch)
 {
     std::string list;
     for (size_t nAt = 0; nAt < cch;) {
         WideString wcName = wcList + nAt;
-        list += wcName.empty() ? "" : Ascii(wcName) + "|";
+        list += wcName.empty() ? "" : Ascii(wcName) + ",";
         nAt += wcName.size() + 1;
     }
     return list;
@@ -118,18 +118,24 @@ struct SystemReader {
 using SystemReader = OwnReader;
 #endif
 
-std::string Read(const WideString& tcPath, const std::string& section, const std::string& key)
+/* The bytes that a word of a script stands for, with \r, \n, \t and \xHH in it. */
+std::string Bytes(const std::string& word)
 {
-    std::string own = OwnReader(tcPath).Text(Wide(section), Wide(key));
-    EXPECT_EQ(own, SystemReader(tcPath).Text(Wide(section), Wide(key))) << section << " / " << key;
-    return own;
-}
-
-INT Number(const WideString& tcPath, const std::string& section, const std::string& key)
-{
-    INT nOwn = OwnReader(tcPath).Number(Wide(section), Wide(key));
-    EXPECT_EQ(nOwn, SystemReader(tcPath).Number(Wide(section), Wide(key))) << section << " / " << key;
-    return nOwn;
+    std::string bytes;
+    for (size_t i = 0; i < word.size(); i++) {
+        const char cNext = word[i] == '\\' && i + 1 < word.size() ? word[i + 1] : 0;
+        const size_t nPlain = std::string("rnt").find(cNext);
+        if (cNext == 'x') {
+            bytes += static_cast<char>(std::stoi(word.substr(i + 2, 2), nullptr, 16));
+            i += 3;
+        } else if (cNext && nPlain != std::string::npos) {
+            bytes += "\r\n\t"[nPlain];
+            i++;
+        } else {
+            bytes += word[i];
+        }
+    }
+    return bytes;
 }
 
 /* ASCII text as the bytes of a file in UTF-16LE with its mark. */
@@ -143,78 +149,74 @@ std::string Utf16(const std::string& text)
     return bytes;
 }
 
-TEST_F(ProfileFiles, ValuesByLinesOfAFile)
-{
-    WideString tcPath = Put("k=before\r\n"
-                            "; comment\r\n"
-                            "[ Sec ]\r\n"
-                            "key = value \r\n"
-                            "KEY=second\r\n"
-                            ";skipped=1\r\n"
-                            "#hash=2\r\n"
-                            "flag\r\n"
-                            "empty=\r\n"
-                            "two words\t=\t x \t y \t\r\n"
-                            "eq=a=b\r\n"
-                            "semi=a;b # c\r\n"
-                            "q1= \"kept \" \r\n"
-                            "q2=' single'\r\n"
-                            "q3=\"half\r\n"
-                            "q4=\"a\"b\"\r\n"
-                            "q5=\"\"\r\n"
-                            "q6=\"\r\n"
-                            "q7=\"mixed'\r\n"
-                            "q8=\"\"twice\"\"\r\n"
-                            "k[1]=z\r\n"
-                            "[sec2]\n"
-                            "a=1\n"
-                            "\n"
-                            "b=2\r"
-                            "c=3\r\n"
-                            "[SEC]\r\n"
-                            "late=1\r\n"
-                            "[open\r\n"
-                            "o=1\r\n"
-                            "  [ in ] dented\r\n"
-                            "  i  = 1\r\n"
-                            "[x]y]\r\n"
-                            "end=last");
-    static const struct {
-        const char *cSection, *cKey, *cValue;
-    } aCases[] = {
-        {"Sec", "key", "value"},
-        {"sec", "KEY", "value"},
-        {" SEC ", " key ", "value"},
-        {"Sec", "skipped", "none"},
-        {"Sec", "#hash", "2"},
-        {"Sec", "flag", "none"},
-        {"Sec", "empty", ""},
-        {"Sec", "two words", "x \\u0009 y"},
-        {"Sec", "eq", "a=b"},
-        {"Sec", "semi", "a;b # c"},
-        {"Sec", "q1", "kept "},
-        {"Sec", "q2", " single"},
-        {"Sec", "q3", "\"half"},
-        {"Sec", "q4", "a\"b"},
-        {"Sec", "q5", ""},
-        {"Sec", "q6", "\""},
-        {"Sec", "q7", "\"mixed'"},
-        {"Sec", "q8", "\"twice\""},
-        {"Sec", "k[1]", "z"},
-        {"Sec", "late", "none"}, /* the first of two sections of one name is the one */
-        {"Sec", "a", "none"},
-        {"sec2", "a", "1"},
-        {"sec2", "b", "2"},
-        {"sec2", "c", "3"},
-        {"sec2", "k", "none"},
-        {"open", "o", "none"},
-        {"in", "i", "1"},
-        {"x]y", "end", "last"},
-        {"none", "key", "none"},
-    };
-    for (const auto& one : aCases) {
-        EXPECT_EQ(Read(tcPath, one.cSection, one.cKey), one.cValue) << one.cSection << " / " << one.cKey;
+class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<Scenario> {
+  protected:
+    /* What both readers answer about the file that the script has put together. */
+    template <class Question> std::string AskBoth(Question question)
+    {
+        const WideString tcPath = Put(text_);
+        const std::string own = question(OwnReader(tcPath));
+        EXPECT_EQ(own, question(SystemReader(tcPath)));
+        return own;
     }
+    std::string Read(const Words& w)
+    {
+        std::string text = AskBoth([&](const auto& reader) { return reader.Text(Wide(w[0]), Wide(w[1])); });
+        for (char* pEnd : {&text.front(), &text.back()}) {
+            *pEnd = *pEnd == ' ' ? '_' : *pEnd;
+        }
+        return text;
+    }
+    std::string Number(const Words& w)
+    {
+        return AskBoth(
+            [&](const auto& reader) { return std::to_string(reader.Number(Wide(w[0]), Wide(w[1]))); });
+    }
+    std::string text_;
+};
+
+TEST_P(ProfileScripts, AreReadAsWritten)
+{
+    const Verbs verbs = {
+        {"file", [&](const Words& w) { return text_ = Bytes(w[0]), ""; }},
+        {"wide-file", [&](const Words& w) { return text_ = Utf16(Bytes(w[0])), ""; }},
+        {"line", [&](const Words& w) { return text_ += Bytes(w[0]), ""; }},
+        {"read", [&](const Words& w) { return Read(w); }},
+        {"number", [&](const Words& w) { return Number(w); }},
+        {"number-of",
+         [&](const Words& w) {
+             text_ = "[s]\r\nk=" + Bytes(w[0]) + "\r\n";
+             return Number({"S", "K"});
+         }},
+        {"sections",
+         [&](const Words&) { return AskBoth([](const auto& reader) { return reader.Sections(); }); }},
+        {"keys",
+         [&](const Words& w) {
+             return AskBoth([&](const auto& reader) { return reader.Keys(Wide(w[0])); });
+         }},
+        {"cut-sections",
+         [&](const Words& w) { return OwnReader(Put(text_)).Sections(static_cast<u32>(ToNumber(w[0]))); }},
+        {"cut-keys",
+         [&](const Words& w) {
+             return OwnReader(Put(text_)).Keys(Wide(w[0]), static_cast<u32>(ToNumber(w[1])));
+         }},
+#ifndef _WIN32
+        {"code-page", [](const Words& w) { return SetCodePage(static_cast<UINT>(ToNumber(w[0]))), ""; }},
+#endif
+    };
+    Play(GetParam(), verbs);
+}
+
+INSTANTIATE_TEST_SUITE_P(, ProfileScripts, testing::ValuesIn(ReadScenarios("conformance_profile.txt")),
+                         ScenarioName);
+
+TEST_F(ProfileFiles, FilesThatAnotherHoldsAloneAreAsIfEmpty)
+{
+    const WideString tcHeld = Put("[a]\r\nx=1\r\n");
+    const HANDLE hFile = CreateFileW(tcHeld.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(OwnReader(tcHeld).Text(TEXT("a"), TEXT("x")), "none");
+    EXPECT_EQ(SystemReader(tcHeld).Text(TEXT("a"), TEXT("x")), "none");
+    CloseHandle(hFile);
 }
 
 TEST_F(ProfileFiles, TextsAreCutToTheBuffer)
@@ -232,97 +234,6 @@ TEST_F(ProfileFiles, TextsAreCutToTheBuffer)
             EXPECT_EQ(wcOut[cch], UNTOUCHED);
         }
     }
-}
-
-TEST_F(ProfileFiles, ListsOfKeysAndSections)
-{
-    WideString tcPath = Put("[ab]\r\nx=1\r\nflag\r\n;c=1\r\n Long key = 2\r\nX=3\r\n"
-                            "[CD]\r\n[]\r\ny=1\r\n[Ab]\r\nz=1\r\n");
-    for (const auto& [list, expected] : {std::pair{OwnReader(tcPath).Sections(), "ab|CD|Ab|"},
-                                         {SystemReader(tcPath).Sections(), "ab|CD|Ab|"},
-                                         {OwnReader(tcPath).Keys(TEXT("AB")), "x|Long key|X|"},
-                                         {SystemReader(tcPath).Keys(TEXT("AB")), "x|Long key|X|"},
-                                         {OwnReader(tcPath).Keys(TEXT("cd")), ""},
-                                         {OwnReader(tcPath).Keys(TEXT("none")), ""}}) {
-        EXPECT_EQ(list, expected);
-    }
-    /* A name that does not fit whole ends the list. */
-    OwnReader cut(Put("[ab]\r\n[cd]\r\n[keys]\r\nkl=1\r\nmn=2\r\nop=3\r\n"));
-    static const char* const aLists[] = {"",       "",       "kl|",    "kl|",      "kl|",
-                                         "kl|mn|", "kl|mn|", "kl|mn|", "kl|mn|op|"};
-    for (u32 i = 0; i < std::size(aLists); i++) {
-        EXPECT_EQ(cut.Keys(TEXT("keys"), i + 3), aLists[i]) << i + 3;
-    }
-    EXPECT_EQ(cut.Sections(7), "ab|");
-    EXPECT_EQ(cut.Sections(8), "ab|cd|");
-}
-
-TEST_F(ProfileFiles, NumbersAreReadToTheirLastDigit)
-{
-    static const struct {
-        const char* cValue;
-        INT nNumber;
-    } aCases[] = {
-        {"12", 12},
-        {"12abc", 12},
-        {"-1", -1},
-        {" \t 5 ", 5},
-        {"+7", 7},
-        {"-0", 0},
-        {"--3", 0},
-        {"- 4", 0},
-        {"abc", 0},
-        {"007", 7},
-        {"1.5", 1},
-        {"1e3", 1},
-        {"\"12\"", 12},
-        {"\" 12\"", 12},
-        {"'8'", 8},
-        {"12 34", 12},
-        {"4294967295", -1},
-        {"4294967296", 0},
-        {"2147483648", INT(0x80000000)},
-        {"99999999999", 1215752191},
-        {"-2147483648", INT(0x80000000)},
-        {"-99999999999", -1215752191},
-        {"0x10", 16},
-        {"0X10", 0},
-        {"0xfG", 15},
-        {"-0x10", -16},
-        {"0b11", 3},
-        {"0o17", 15},
-        {"0x", 0},
-        {"", 77}, /* a key without a value is none for numbers */
-    };
-    for (const auto& one : aCases) {
-        WideString tcPath = Put(std::string("[s]\r\nk=") + one.cValue + "\r\n");
-        EXPECT_EQ(Number(tcPath, "S", "K"), one.nNumber) << one.cValue;
-    }
-}
-
-TEST_F(ProfileFiles, Encodings)
-{
-    EXPECT_EQ(Read(Put("[s]\r\nk=\xE4\x80\xA0\r\n"), "s", "k"), "\\u00E4\\u20AC\\u00A0");
-    EXPECT_EQ(Read(Put(Utf16("[s]\r\nk=v\r\n")), "s", "k"), "v");
-    EXPECT_EQ(Read(Put(Utf16("[s]\r\nk=") + "\x2D\x4E\xE4" + std::string(1, '\0') + "\r"), "s", "k"),
-              "\\u4E2D\\u00E4"); /* a lone byte at the end is none of the text */
-    EXPECT_EQ(Read(Put("\xEF\xBB\xBF[s]\r\nk=\xC3\xA4\r\n"), "s", "k"), "\\u00E4");
-    EXPECT_EQ(Read(Put("[s]\r\nk=\xC3\xA4\r\n"), "s", "k"), "\\u00C3\\u00A4");
-    EXPECT_EQ(Read(Put(std::string("\xFE\xFF\0[\0s\0]\0\n\0k\0=\x4E\x2D", 16)), "s", "k"), "\\u4E2D");
-    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 17)), "s", "k"), "a");
-    EXPECT_EQ(Read(Put(std::string("[s]\r\nk=a\0b\r\nl=2\r\n", 17)), "s", "l"), "2");
-    for (const char* cMarkOnly : {"\xFF", "\xFF\xFE", "\xFE\xFF", "\xEF\xBB\xBF", "\xEF\xBB"}) {
-        EXPECT_EQ(Read(Put(cMarkOnly), "s", "k"), "none");
-    }
-}
-
-TEST_F(ProfileFiles, FilesThatAnotherHoldsAloneAreAsIfEmpty)
-{
-    WideString tcHeld = Put("[a]\r\nx=1\r\n");
-    HANDLE hFile = CreateFileW(tcHeld.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    EXPECT_EQ(Read(tcHeld, "a", "x"), "none");
-    CloseHandle(hFile);
-    EXPECT_EQ(Read(tcHeld, "a", "x"), "1");
 }
 
 /* A file put together of what the format knows, with odd bytes in between. The same on every build. */
@@ -434,20 +345,5 @@ TEST_F(ProfileFiles, ValuesOfTheLocale)
     EXPECT_EQ(static_cast<INT>(GetProfileIntW(TEXT("intl"), TEXT("none"), -7)), -7);
     EXPECT_EQ(static_cast<INT>(GetProfileIntW(TEXT("tqui none"), TEXT("iMeasure"), -7)), -7);
 }
-
-#ifndef _WIN32
-
-TEST_F(ProfileFiles, HostedLocaleAndCodePage)
-{
-    SetLocaleValue(u"iMeasure", u"0");
-    EXPECT_EQ(GetProfileIntW(u"intl", u"imeasure", 7), 0u);
-    WideString tcPath = Put("[s]\r\nk=\x82\xA0\r\n");
-    EXPECT_EQ(Read(tcPath, "s", "k"), "\\u201A\\u00A0");
-    SetCodePage(932);
-    EXPECT_EQ(Read(tcPath, "s", "k"), "\\u3042") << "another code page, the same file";
-    SetCodePage(1252);
-}
-
-#endif
 
 } // namespace

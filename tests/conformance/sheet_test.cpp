@@ -1,6 +1,9 @@
 /* What a page hears from its sheet, in which order, and what its answers do: the system's own property sheet
-   on Windows, the host of the tests on the hosted machine. */
+   on Windows, the host of the tests on the hosted machine. The steps are those of tests/data/conformance_sheet.txt. */
+#include <algorithm>
+
 #include "support/dialog_user.h"
+#include "support/script.h"
 
 #ifndef _WIN32
 #include "hosted/sheet_host.h"
@@ -8,15 +11,9 @@
 
 namespace {
 
-using Heard = std::vector<std::string>;
-Heard heard;
+std::string heard; /* "PAGE NOTICE, ..." */
 LONG_PTR lApplyAnswer[3];
 bool bKeepsActive;
-
-Heard TakeHeard()
-{
-    return std::exchange(heard, {});
-}
 
 std::string NotificationName(const PSHNOTIFY& notify)
 {
@@ -37,23 +34,21 @@ INT_PTR CALLBACK PageProc(HWND hPage, UINT uMessage, WPARAM, LPARAM lParam)
         SetWindowLongPtrW(hPage, DWLP_USER, reinterpret_cast<const PROPSHEETPAGEW*>(lParam)->lParam);
     }
     const LONG_PTR nPage = GetWindowLongPtrW(hPage, DWLP_USER);
-    const std::string page = std::to_string(nPage);
-    switch (uMessage) {
-    case WM_INITDIALOG: heard.push_back(page + " INIT"); return FALSE;
-    case WM_DESTROY: heard.push_back(page + " DESTROY"); return FALSE;
-    case WM_NOTIFY: {
-        const auto& notify = *reinterpret_cast<const PSHNOTIFY*>(lParam);
-        if (const std::string name = NotificationName(notify); !name.empty()) {
-            heard.push_back(page + " " + name);
-        }
+    const auto* pNotify = uMessage == WM_NOTIFY ? reinterpret_cast<const PSHNOTIFY*>(lParam) : nullptr;
+    const std::string name = uMessage == WM_INITDIALOG ? "INIT"
+                             : uMessage == WM_DESTROY  ? "DESTROY"
+                             : pNotify                 ? NotificationName(*pNotify)
+                                                       : "";
+    if (!name.empty()) {
+        heard += (heard.empty() ? "" : ", ") + std::to_string(nPage) + " " + name;
+    }
+    if (pNotify) {
         SetWindowLongPtrW(hPage, DWLP_MSGRESULT,
-                          notify.hdr.code == PSN_APPLY        ? lApplyAnswer[nPage]
-                          : notify.hdr.code == PSN_KILLACTIVE ? bKeepsActive
-                                                              : 0);
-        return TRUE;
+                          pNotify->hdr.code == PSN_APPLY        ? lApplyAnswer[nPage]
+                          : pNotify->hdr.code == PSN_KILLACTIVE ? bKeepsActive
+                                                                : 0);
     }
-    default: return FALSE;
-    }
+    return pNotify != nullptr;
 }
 
 const DialogBuilder& PageForm()
@@ -143,81 +138,43 @@ class TestSheet {
 
 #endif
 
-class SheetHost : public BothBuilds {
-  protected:
-    void SetUp() override
-    {
-        BothBuilds::SetUp();
-        heard.clear();
-        bKeepsActive = false;
-        std::fill(std::begin(lApplyAnswer), std::end(lApplyAnswer), PSNRET_NOERROR);
-    }
-    static void TellChanged(TestSheet& sheet, UINT uMessage)
-    {
-        SendMessageW(GetParent(sheet.Page()), uMessage, reinterpret_cast<WPARAM>(sheet.Page()), 0);
-    }
-};
+class SheetHost : public BothBuilds, public testing::WithParamInterface<Scenario> {};
 
-TEST_F(SheetHost, PagesAreMadeWhenShown)
+TEST_P(SheetHost, TellsItsPagesAsWritten)
 {
+    heard.clear();
+    bKeepsActive = false;
+    std::fill(std::begin(lApplyAnswer), std::end(lApplyAnswer), PSNRET_NOERROR);
     TestSheet sheet;
-    EXPECT_EQ(TakeHeard(), (Heard{"0 INIT", "0 SETACTIVE"}));
     EXPECT_EQ(GetParent(sheet.Page()), sheet.Frame());
-    EXPECT_TRUE(sheet.Show(2));
-    EXPECT_EQ(TakeHeard(), (Heard{"0 KILLACTIVE", "2 INIT", "2 SETACTIVE"}));
-    EXPECT_TRUE(sheet.Show(0));
-    EXPECT_EQ(TakeHeard(), (Heard{"2 KILLACTIVE", "0 SETACTIVE"}));
-    bKeepsActive = true;
-    sheet.Show(1);
-    EXPECT_EQ(TakeHeard(), Heard{"0 KILLACTIVE"});
-    EXPECT_EQ(GetWindowLongPtrW(sheet.Page(), DWLP_USER), 0);
+    const auto yesNo = [](bool bYes) -> std::string { return bYes ? "yes" : "no"; };
+    const auto tell = [&](UINT uMessage) {
+        SendMessageW(GetParent(sheet.Page()), uMessage, reinterpret_cast<WPARAM>(sheet.Page()), 0);
+        return yesNo(sheet.CanApply());
+    };
+    const Verbs verbs = {
+        {"heard", [&](const Words&) { return std::exchange(heard, {}); }},
+        {"show", [&](const Words& w) { return yesNo(sheet.Show(static_cast<int>(ToNumber(w[0])))); }},
+        {"active", [&](const Words&) { return std::to_string(GetWindowLongPtrW(sheet.Page(), DWLP_USER)); }},
+        {"keep-active", [&](const Words&) { return bKeepsActive = true, ""; }},
+        {"answer-apply",
+         [&](const Words& w) {
+             lApplyAnswer[0] = w[0] == "accept"   ? PSNRET_NOERROR
+                               : w[0] == "refuse" ? PSNRET_INVALID
+                                                  : PSNRET_INVALID_NOCHANGEPAGE;
+             return "";
+         }},
+        {"changed", [&](const Words&) { return tell(PSM_CHANGED); }},
+        {"unchanged", [&](const Words&) { return tell(PSM_UNCHANGED); }},
+        {"can-apply", [&](const Words&) { return yesNo(sheet.CanApply()); }},
+        {"apply", [&](const Words&) { return sheet.Apply(), ""; }},
+        {"ok", [&](const Words&) { return sheet.Ok(), yesNo(sheet.IsOpen()); }},
+        {"cancel", [&](const Words&) { return sheet.Cancel(), ""; }},
+    };
+    Play(GetParam(), verbs);
 }
 
-TEST_F(SheetHost, ApplyGoesToEveryPageWithAWindow)
-{
-    TestSheet sheet;
-    sheet.Show(2);
-    EXPECT_FALSE(sheet.CanApply());
-    TellChanged(sheet, PSM_CHANGED);
-    EXPECT_TRUE(sheet.CanApply());
-    TellChanged(sheet, PSM_UNCHANGED);
-    EXPECT_FALSE(sheet.CanApply());
-    TellChanged(sheet, PSM_CHANGED);
-    TakeHeard();
-    sheet.Apply();
-    EXPECT_EQ(TakeHeard(), (Heard{"2 KILLACTIVE", "0 APPLY", "2 APPLY", "2 SETACTIVE"}));
-    EXPECT_FALSE(sheet.CanApply());
-}
-
-TEST_F(SheetHost, RefusedApplyKeepsTheSheetOpen)
-{
-    TestSheet sheet;
-    sheet.Show(1);
-    TellChanged(sheet, PSM_CHANGED);
-    TakeHeard();
-    lApplyAnswer[0] = PSNRET_INVALID_NOCHANGEPAGE;
-    sheet.Ok();
-    EXPECT_EQ(TakeHeard(), (Heard{"1 KILLACTIVE", "0 APPLY"})); /* the later pages are not asked */
-    EXPECT_TRUE(sheet.IsOpen());
-    EXPECT_TRUE(sheet.CanApply());
-    EXPECT_EQ(GetWindowLongPtrW(sheet.Page(), DWLP_USER), 1);
-    lApplyAnswer[0] = PSNRET_INVALID; /* shows the page that refused */
-    sheet.Ok();
-    EXPECT_TRUE(sheet.IsOpen());
-    EXPECT_EQ(GetWindowLongPtrW(sheet.Page(), DWLP_USER), 0);
-    lApplyAnswer[0] = PSNRET_NOERROR;
-    TakeHeard();
-    sheet.Ok();
-    EXPECT_EQ(TakeHeard(), (Heard{"0 KILLACTIVE", "0 APPLY", "1 APPLY", "0 DESTROY", "1 DESTROY"}));
-}
-
-TEST_F(SheetHost, CancelResetsTheShownPages)
-{
-    TestSheet sheet;
-    sheet.Show(1);
-    TakeHeard();
-    sheet.Cancel();
-    EXPECT_EQ(TakeHeard(), (Heard{"1 QUERYCANCEL", "0 RESET", "1 RESET", "0 DESTROY", "1 DESTROY"}));
-}
+INSTANTIATE_TEST_SUITE_P(, SheetHost, testing::ValuesIn(ReadScenarios("conformance_sheet.txt")),
+                         ScenarioName);
 
 } // namespace

@@ -1,11 +1,12 @@
-/* Letters: how large they are, what their outlines are made of, where their ink falls, on both builds. The rows are
-   what the real system gives for fonts that both builds have; smoothing is off, so that ink is ink. */
+/* Letters: how large they are, what their outlines are made of, where their ink falls, on both builds. The answers in
+   tests/data/conformance_letters.txt are what the real system gives for fonts that both builds have; smoothing is off, so
+   that ink is ink. */
 #include <algorithm>
 #include <cstring>
 #include <memory>
 
-#include "support/both_builds.h"
 #include "support/picture.h"
+#include "support/script.h"
 
 #include "platform/glyphs.h"
 
@@ -16,7 +17,7 @@ constexpr MAT2 IDENTITY = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
 constexpr COLORREF WHITE = 0xFFFFFF, GREEN = 0x80FF80;
 
 struct Face {
-    const WCHAR* wcName;
+    WideString wcName;
     int nHeight, nAngle = 0, nWeight = FW_NORMAL;
     BYTE bItalic = 0, bCharSet = 0;
 };
@@ -45,7 +46,7 @@ class TextOutput : public BothBuilds {
         font.lfItalic = face.bItalic;
         font.lfCharSet = face.bCharSet;
         font.lfQuality = WITHOUT_SMOOTHING;
-        std::copy_n(face.wcName, WideString(face.wcName).size(), font.lfFaceName);
+        face.wcName.copy(font.lfFaceName, LF_FACESIZE - 1);
         UseFont(CreateFontIndirectW(&font));
     }
     /* A new canvas of one colour. */
@@ -125,92 +126,102 @@ class TextOutput : public BothBuilds {
     HFONT hFont = nullptr;
 };
 
-constexpr const WCHAR *SANS = TEXT("Liberation Sans"), *SERIF = TEXT("Liberation Serif"),
-                      *DEJAVU = TEXT("DejaVu Sans");
-const WideString HEBREW = TEXT("\u05D0\u05D1\u05D2"), ARABIC = TEXT("\u0628\u0628\u0628");
+const WideString SANS = TEXT("Liberation Sans"), DEJAVU = TEXT("DejaVu Sans");
+const WideString HEBREW = TEXT("\u05D0\u05D1\u05D2");
 
-TEST_F(TextOutput, HeightsAndWidthsAreTheSystems)
-{
-    const struct {
-        Face face;
-        WideString wcText;
-        const char* cExtent;
-    } aRows[] = {
-        {{SANS, 20}, TEXT("Wavy Agq 123"), "117x20"},
-        {{SANS, -20}, TEXT("Wavy Agq 123"), "130x22"},
-        {{SANS, 0}, TEXT("Wavy Agq 123"), "92x16"},
-        {{SANS, 14}, TEXT("CONFIDENTIAL"), "88x14"}, /* the nearest size would be too high */
-        {{SANS, 29}, TEXT("CONFIDENTIAL"), "190x30"},
-        {{SANS, 33}, TEXT("CONFIDENTIAL"), "213x32"},
-        {{SANS, 33, 450}, TEXT("CONFIDENTIAL"), "213x32"}, /* of the upright text */
-        {{SANS, 59, 0, FW_BOLD, 1}, TEXT("CONFIDENTIAL"), "392x59"},
-        {{SANS, 1}, TEXT("CONFIDENTIAL"), "10x1"},
-        {{SERIF, 20}, TEXT("AVAVTo"), "72x20"}, /* no kerning */
-        {{DEJAVU, 20}, TEXT("Wavy Agq 123"), "124x20"},
-        {{TEXT("No Such Face"), 20}, TEXT("Wavy Agq 123"), "117x20"},
-        {{SANS, 30, 0, FW_NORMAL, 0, 177},
-         HEBREW,
-         "43x30"}, /* the face lacks the set: another takes its place */
-        {{SANS, 30, 0, FW_NORMAL, 0, 178}, ARABIC, "72x30"},
-        {{SANS, 20}, TEXT(""), "0x0"},
-    };
-    for (const auto& row : aRows) {
-        Use(row.face);
-        EXPECT_EQ(Extent(row.wcText), row.cExtent)
-            << Ascii(row.face.wcName) << " " << row.face.nHeight << " " << Ascii(row.wcText);
+class LetterScripts : public TextOutput, public testing::WithParamInterface<Scenario> {
+  protected:
+    /* FACE HEIGHT [angle N] [bold-italic] [set N] */
+    std::string Font(const Words& words)
+    {
+        Face face = {WideWord(words[0]), static_cast<int>(ToNumber(words[1]))};
+        for (size_t i = 2; i < words.size(); i++) {
+            face.nAngle = words[i] == "angle" ? static_cast<int>(ToNumber(words[i + 1])) : face.nAngle;
+            face.bCharSet = words[i] == "set" ? static_cast<BYTE>(ToNumber(words[i + 1])) : face.bCharSet;
+            if (words[i] == "bold-italic") {
+                face.nWeight = FW_BOLD;
+                face.bItalic = 1;
+            }
+        }
+        Use(face);
+        return "";
     }
+    std::string InkOf(const Words& words)
+    {
+        Wipe(WHITE);
+        Draw(WideWord(words[0]), words.size() > 1 ? static_cast<int>(ToNumber(words[1])) : 100,
+             words.size() > 2 ? static_cast<int>(ToNumber(words[2])) : 60);
+        return Ink();
+    }
+    /* Of the text in the rectangle: the result and the ink. */
+    std::string Set(const Words& words)
+    {
+        RECT rect = {20, 10, 120, 90};
+        const UINT uFormat = (words[1].find('c') != std::string::npos ? DT_CENTER : 0) |
+                             (words[1].find('v') != std::string::npos ? DT_VCENTER : 0);
+        Wipe(WHITE);
+        const int nResult = DrawTextW(hDc, WideWord(words[0]).c_str(), -1, &rect, DT_SINGLELINE | uFormat);
+        return std::to_string(nResult) + ": " + Ink();
+    }
+};
+
+TEST_P(LetterScripts, AreTheSystems)
+{
+    const std::map<std::string, UINT> aligns = {
+        {"left", TA_LEFT}, {"center", TA_CENTER}, {"baseline", TA_BASELINE}, {"rtl", TA_RTLREADING}};
+    UINT uBefore = TA_LEFT;
+    const Verbs verbs = {
+        {"font", [&](const Words& w) { return Font(w); }},
+        {"extent", [&](const Words& w) { return Extent(WideWord(w[0])); }},
+        {"outline",
+         [&](const Words& w) {
+             std::vector<unsigned char> native;
+             return Outline(WideWord(w[0])[0], GGO_NATIVE, &native);
+         }},
+        {"align",
+         [&](const Words& w) {
+             UINT uAlign = 0;
+             for (const std::string& word : w) {
+                 uAlign |= aligns.at(word);
+             }
+             EXPECT_EQ(SetTextAlign(hDc, uAlign), std::exchange(uBefore, uAlign));
+             return "";
+         }},
+        {"ink", [&](const Words& w) { return InkOf(w); }},
+        {"set", [&](const Words& w) { return Set(w); }},
+    };
+    Play(GetParam(), verbs);
+}
+
+INSTANTIATE_TEST_SUITE_P(, LetterScripts, testing::ValuesIn(ReadScenarios("conformance_letters.txt")),
+                         ScenarioName);
+
+TEST_F(TextOutput, CallsWithoutAContextOrAGlyphFail)
+{
     SIZE size;
     EXPECT_FALSE(GetTextExtentPoint32W(hDc, TEXT("abc"), -1, &size));
     EXPECT_FALSE(GetTextExtentPoint32W(nullptr, TEXT("abc"), 3, &size));
-}
-
-TEST_F(TextOutput, OutlinesHaveTheSystemsSizesBoxesAndSteps)
-{
-    const struct {
-        Face face;
-        WCHAR wcChar;
-        const char* cOutline;
-    } aRows[] = {
-        {{SANS, 40}, 'A', "200 24x25@0,25 24,0"},
-        {{SANS, 40}, 'g', "668 17x26@1,19 20,0"},
-        {{SANS, 40}, ' ', "0 1x1@0,0 10,0"},
-        {{SANS, 40, 450}, 'A', "200 35x35@-18,35 17,-17"},
-        {{SANS, 40, 900}, 'A', "200 25x24@-25,24 0,-24"},
-        {{SANS, 40, 1800}, 'g', "668 17x26@-18,7 -20,0"},
-        {{SANS, 40, 2700}, 'g', "668 26x17@-7,-1 0,20"},
-        {{SANS, 40, -450}, 'A', "200 35x35@0,18 17,16"},
-        {{SANS, 40, 3600}, 'A', "200 24x25@0,25 24,0"},
-        {{SANS, 40, 450, FW_BOLD, 1}, 'A', "200 36x36@-19,35 19,-19"},
-        {{DEJAVU, 30, 0, FW_NORMAL, 0, 178}, 0x0628, "352 22x13@1,9 24,0"},
-        {{SANS, 30, 0, FW_NORMAL, 0, 177}, 0x05D0, "368 14x14@2,14 17,0"},
-        {{DEJAVU, 30}, 0x4E2D, "88 14x23@1,18 16,0"}, /* the box of a missing letter */
-    };
+    Use({SANS, 40});
     std::vector<unsigned char> native;
-    for (const auto& row : aRows) {
-        Use(row.face);
-        EXPECT_EQ(Outline(row.wcChar, GGO_NATIVE, &native), row.cOutline)
-            << Ascii(row.face.wcName) << " " << row.face.nAngle << " " << int{row.wcChar};
-    }
     GLYPHMETRICS metrics;
     EXPECT_EQ(Outline(60000, GGO_NATIVE | GGO_GLYPH_INDEX, &native), "none");
     EXPECT_EQ(Outline('A', 7, &native), "none") << "a format that there is not";
     EXPECT_EQ(GetGlyphOutlineW(nullptr, 'A', GGO_NATIVE, &metrics, 0, nullptr, &IDENTITY), GDI_ERROR);
     EXPECT_EQ(GetGlyphOutlineW(hDc, 'A', GGO_NATIVE, &metrics, 0, nullptr, nullptr), GDI_ERROR);
-    EXPECT_NE(GetGlyphOutlineW(hDc, 'A', GGO_METRICS, &metrics, 0, nullptr, &IDENTITY), GDI_ERROR);
+    EXPECT_EQ(SetTextAlign(nullptr, 0), GDI_ERROR);
+    RECT rect = {20, 10, 120, 90};
+    EXPECT_EQ(DrawTextW(nullptr, TEXT("A"), 1, &rect, DT_SINGLELINE), 0);
+    EXPECT_FALSE(ExtTextOutW(nullptr, 0, 0, 0, nullptr, TEXT("A"), 1, nullptr));
+    EXPECT_TRUE(ExtTextOutW(hDc, 0, 0, 0, nullptr, TEXT(""), 0, nullptr));
 }
 
-double Value(const FIXED& fixed)
-{
-    return fixed.value + fixed.fract / 65536.0;
-}
-
-/* Every outline is polygons of records that end where they say, within the box that is told; the real one is a pixel short at
-   times. */
+/* Every outline is polygons of records that end where they say, within the box that is told; the real one is a pixel
+   short at times. */
 TEST_F(TextOutput, OutlinesAreWholePolygonsWithinTheirBoxes)
 {
+    const auto value = [](const FIXED& fixed) { return fixed.value + fixed.fract / 65536.0; };
     int nSplines = 0, nLines = 0;
-    for (const Face& face :
-         {Face{SANS, 37}, {SERIF, 50, 300}, {DEJAVU, 25, 1234}, {DEJAVU, 90, 2000, FW_BOLD, 1}}) {
+    for (const Face& face : {Face{SANS, 37}, {DEJAVU, 25, 1234}, {DEJAVU, 90, 2000, FW_BOLD, 1}}) {
         Use(face);
         for (WCHAR wcChar = 0x21; wcChar < 0x17F; wcChar++) {
             std::vector<unsigned char> native;
@@ -218,73 +229,44 @@ TEST_F(TextOutput, OutlinesAreWholePolygonsWithinTheirBoxes)
             Outline(wcChar, GGO_NATIVE, &native);
             GetGlyphOutlineW(hDc, wcChar, GGO_METRICS, &metrics, 0, nullptr, &IDENTITY);
             const POINT corner = metrics.gmptGlyphOrigin;
-            const auto inBox = [&](const POINTFX& point) {
-                const double x = Value(point.x) - corner.x, y = corner.y - Value(point.y);
-                return x >= -1 && x <= metrics.gmBlackBoxX + 1 && y >= -1 && y <= metrics.gmBlackBoxY + 1;
+            size_t nAt = 0;
+            const auto take = [&](auto* pValue) {
+                ASSERT_LE(nAt + sizeof *pValue, native.size());
+                std::memcpy(pValue, native.data() + nAt, sizeof *pValue);
+                nAt += sizeof *pValue;
             };
-            for (size_t nAt = 0; nAt < native.size();) {
-                TTPOLYGONHEADER head;
-                ASSERT_LE(nAt + sizeof head, native.size());
-                std::memcpy(&head, native.data() + nAt, sizeof head);
+            const auto expectInBox = [&](const POINTFX& point) {
+                const double x = value(point.x) - corner.x, y = corner.y - value(point.y);
+                EXPECT_TRUE(x >= -1 && x <= metrics.gmBlackBoxX + 1 && y >= -1 &&
+                            y <= metrics.gmBlackBoxY + 1)
+                    << int{wcChar};
+            };
+            while (nAt < native.size() && !HasFatalFailure()) {
+                TTPOLYGONHEADER head = {};
+                const size_t nStart = nAt;
+                take(&head);
                 ASSERT_EQ(head.dwType, DWORD{TT_POLYGON_TYPE});
-                ASSERT_TRUE(inBox(head.pfxStart)) << int{wcChar};
-                const size_t nEnd = nAt + head.cb;
-                ASSERT_LE(nEnd, native.size());
-                nAt += sizeof head;
-                WORD wBefore = 0;
-                while (nAt < nEnd) {
-                    WORD wType, nPoints;
-                    std::memcpy(&wType, native.data() + nAt, 2);
-                    std::memcpy(&nPoints, native.data() + nAt + 2, 2);
+                expectInBox(head.pfxStart);
+                for (WORD wBefore = 0; nAt < nStart + head.cb && !HasFatalFailure();) {
+                    WORD wType = 0, nPoints = 0;
+                    POINTFX point;
+                    take(&wType);
+                    take(&nPoints);
                     ASSERT_TRUE(wType == TT_PRIM_LINE || (wType == TT_PRIM_QSPLINE && nPoints >= 2));
                     ASSERT_FALSE(wType == TT_PRIM_LINE && wBefore == TT_PRIM_LINE) << "one record a run";
                     (wType == TT_PRIM_LINE ? nLines : nSplines)++;
                     wBefore = wType;
-                    nAt += 4;
-                    for (int i = 0; i < nPoints; i++, nAt += sizeof(POINTFX)) {
-                        POINTFX point;
-                        std::memcpy(&point, native.data() + nAt, sizeof point);
-                        ASSERT_TRUE(inBox(point)) << int{wcChar};
+                    for (int i = 0; i < nPoints; i++) {
+                        take(&point);
+                        expectInBox(point);
                     }
                 }
-                ASSERT_EQ(nAt, nEnd);
+                ASSERT_EQ(nAt, nStart + head.cb);
             }
         }
     }
     EXPECT_GT(nLines, 1000);
     EXPECT_GT(nSplines, 1000);
-}
-
-TEST_F(TextOutput, InkFallsWhereAlignmentAndAngleSay)
-{
-    const struct {
-        UINT uAlign;
-        Face face;
-        const char* cInk;
-    } aRows[] = {
-        {TA_LEFT, {SANS, 16}, "101,63..121,75 66"},
-        {TA_CENTER, {SANS, 16}, "89,63..109,75 66"},
-        {TA_BASELINE, {SANS, 16}, "101,50..121,62 66"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16}, "89,50..109,62 66"},
-        {TA_CENTER | TA_BASELINE | TA_RTLREADING, {SANS, 16}, "89,50..109,62 66"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 300}, "86,48..110,64 71"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 450}, "86,47..109,66 67"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 900}, "90,48..102,70 66"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 1800}, "88,57..110,69 66"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 2700}, "97,49..109,71 66"},
-        {TA_CENTER | TA_BASELINE, {SANS, 16, 3150}, "93,46..112,69 67"},
-        {TA_CENTER | TA_BASELINE, {TEXT("DejaVu Serif"), 30, 450}, "69,33..117,77 330"},
-    };
-    UINT uBefore = TA_LEFT;
-    for (const auto& row : aRows) {
-        Use(row.face);
-        Wipe(WHITE);
-        EXPECT_EQ(SetTextAlign(hDc, row.uAlign), uBefore);
-        uBefore = row.uAlign;
-        Draw(TEXT("Hxg"));
-        EXPECT_EQ(Ink(), row.cInk) << row.uAlign << " " << row.face.nAngle;
-    }
-    EXPECT_EQ(SetTextAlign(nullptr, 0), GDI_ERROR);
 }
 
 TEST_F(TextOutput, TextHasAColourAGroundAndABoundary)
@@ -308,53 +290,6 @@ TEST_F(TextOutput, TextHasAColourAGroundAndABoundary)
     Draw(TEXT("Hxg"), 90, 60);
     EXPECT_EQ(Ink(WHITE), "90,60..114,75 334");
     EXPECT_EQ(Ink(), "91,63..111,75 66");
-    EXPECT_FALSE(ExtTextOutW(nullptr, 0, 0, 0, nullptr, TEXT("A"), 1, nullptr));
-    EXPECT_TRUE(ExtTextOutW(hDc, 0, 0, 0, nullptr, TEXT(""), 0, nullptr));
-}
-
-TEST_F(TextOutput, LinesAreSetIntoRectangles)
-{
-    const struct {
-        UINT uFormat;
-        const WCHAR* wcText;
-        int nResult;
-        const char* cInk;
-    } aRows[] = {
-        {DT_SINGLELINE | DT_CENTER | DT_VCENTER, TEXT("Hxg"), 55, "47,40..88,64 288"},
-        {DT_SINGLELINE, TEXT("Hxg"), 30, "22,15..63,39 288"},
-        {DT_SINGLELINE | DT_CENTER, TEXT("Hxg"), 30, "47,15..88,39 288"},
-        {DT_SINGLELINE | DT_VCENTER, TEXT("Hxg"), 55, "22,40..63,64 288"},
-        {DT_SINGLELINE | DT_CENTER | DT_VCENTER, TEXT("a&bc"), 55, "49,39..90,60 259"}, /* b is underlined */
-        {DT_SINGLELINE | DT_CENTER | DT_VCENTER, TEXT(""), 30, "999,999..-1,-1 0"},
-        {DT_SINGLELINE | DT_CENTER | DT_VCENTER, TEXT("Wide enough to be cut"), 55, "23,39..119,64 512"},
-    };
-    Use({SANS, 30});
-    for (const auto& row : aRows) {
-        RECT rect = {20, 10, 120, 90};
-        Wipe(WHITE);
-        EXPECT_EQ(DrawTextW(hDc, row.wcText, -1, &rect, row.uFormat), row.nResult) << Ascii(row.wcText);
-        EXPECT_EQ(Ink(), row.cInk) << Ascii(row.wcText) << " " << row.uFormat;
-    }
-    RECT rect = {20, 10, 120, 90};
-    EXPECT_EQ(DrawTextW(nullptr, TEXT("A"), 1, &rect, DT_SINGLELINE), 0);
-}
-
-TEST_F(TextOutput, TextOfBothDirectionsIsReorderedAndShaped)
-{
-    Use({DEJAVU, 20, 0, FW_NORMAL, 0, 178});
-    const struct {
-        UINT uAlign;
-        WideString wcText;
-        const char* cInk;
-    } aRows[] = {{TA_LEFT, TEXT("\u05D0\u05D1(ab"), "21,43..69,57 181"},
-                 {TA_RTLREADING, TEXT("\u05D0\u05D1(ab"), "21,43..67,57 181"},
-                 {TA_LEFT, ARABIC + TEXT("\u0644\u0627 1"), "22,43..58,57 117"}};
-    for (const auto& row : aRows) {
-        Wipe(WHITE);
-        SetTextAlign(hDc, row.uAlign);
-        Draw(row.wcText, 20, 40);
-        EXPECT_EQ(Ink(), row.cInk) << Ascii(row.wcText);
-    }
 }
 
 struct Placed {

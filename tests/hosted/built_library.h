@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -35,6 +36,21 @@ inline std::u16string TextAt(std::span<const u8> file, const PeText& text)
         wcText[n] = static_cast<char16_t>(file[text.nOffset + 2 * n] | file[text.nOffset + 2 * n + 1] << 8);
     }
     return wcText;
+}
+
+/* Numbers by the names that the headers of ids give them. */
+inline std::map<std::string, long> NamedIds()
+{
+    std::map<std::string, long> ids;
+    for (const char* cHeader : {"control_ids.h", "string_ids.h"}) {
+        std::ifstream file(std::string(TQUI_SOURCE_DIR "/src/description/") + cHeader);
+        for (std::string word; file >> word;) {
+            if (word == "#define" && file >> word && file.peek() != '\n') {
+                file >> ids[word];
+            }
+        }
+    }
+    return ids;
 }
 
 #endif

@@ -1,21 +1,21 @@
 /* The hosted drawing beyond what both builds state: objects in use, windows that are painted, pictures as files, and that
    no extent makes it run long or write outside its surface. */
-#include "hosted/pictures.h"
 
 #include <algorithm>
 #include <ctime>
 
 #include "support/dialog_user.h"
+#include "support/picture.h"
 #include "support/sample_machine.h"
 
 namespace {
 
 enum { INNER = 101, SHOWN = 102 };
-constexpr COLORREF FACE = 0xF5F5F5, RED = 0x0000FF, BLUE = 0xFF0000;
+constexpr COLORREF WHITE = 0xFFFFFF, FACE = 0xF5F5F5, RED = 0x0000FF, BLUE = 0xFF0000;
 
 class HostedDrawing : public MachineTest {};
 
-void Fill(HDC hDc, int nLeft, int nTop, int nRight, int nBottom, COLORREF color)
+void FillDc(HDC hDc, int nLeft, int nTop, int nRight, int nBottom, COLORREF color)
 {
     const HPEN hPen = CreatePen(PS_SOLID, 0, color);
     const HBRUSH hBrush = CreateSolidBrush(color);
@@ -27,56 +27,39 @@ void Fill(HDC hDc, int nLeft, int nTop, int nRight, int nBottom, COLORREF color)
     EXPECT_TRUE(DeleteObject(hBrush));
 }
 
-struct Canvas {
-    HDC hScreen = CreateDCW(u"DISPLAY", nullptr, nullptr, nullptr), hDc = CreateCompatibleDC(hScreen);
-    HBITMAP hBitmap;
-    Canvas(int nWidth, int nHeight) : hBitmap(CreateCompatibleBitmap(hScreen, nWidth, nHeight))
-    {
-        SelectObject(hDc, hBitmap);
-        Fill(hDc, 0, 0, nWidth, nHeight, 0xFFFFFF);
-    }
-    ~Canvas()
-    {
-        DeleteDC(hDc);
-        DeleteDC(hScreen);
-        DeleteObject(hBitmap);
-    }
-};
-
 TEST_F(HostedDrawing, ObjectsInUseAreKept)
 {
     {
-        const Canvas canvas(8, 8);
-        EXPECT_EQ(CountLive().nContexts, 2);
+        const Canvas canvas(8, 8, WHITE);
+        EXPECT_EQ(CountLive().nContexts, 1);
         EXPECT_EQ(CountLive().nGdiObjects, 1);
         const HPEN hPen = CreatePen(PS_SOLID, 0, RED);
-        const HGDIOBJ hOld = SelectObject(canvas.hDc, hPen);
+        const HGDIOBJ hOld = SelectObject(canvas.Dc(), hPen);
         EXPECT_FALSE(DeleteObject(hPen)) << "a pen that is still selected is a mistake, and leaks";
-        EXPECT_FALSE(DeleteObject(canvas.hBitmap));
         EXPECT_EQ(CountLive().nGdiObjects, 2);
-        SelectObject(canvas.hDc, hOld);
+        SelectObject(canvas.Dc(), hOld);
         EXPECT_TRUE(DeleteObject(hPen));
         FailCall(CALL_DeleteDC, 1);
         const HDC hOther = CreateCompatibleDC(nullptr);
         EXPECT_FALSE(DeleteDC(hOther)) << "a release that fails still releases";
         EXPECT_EQ(StopFaults(), 1);
-        EXPECT_EQ(CountLive().nContexts, 2);
+        EXPECT_EQ(CountLive().nContexts, 1);
         /* Ten times a hostile sheet: refused, not taken from the machine. */
-        EXPECT_EQ(CreateCompatibleBitmap(canvas.hScreen, 327680, 327680), nullptr);
-        EXPECT_EQ(CreateCompatibleBitmap(canvas.hScreen, -0x7FFFFFFF - 1, 0x7FFFFFFF), nullptr);
+        EXPECT_EQ(CreateCompatibleBitmap(canvas.Dc(), 327680, 327680), nullptr);
+        EXPECT_EQ(CreateCompatibleBitmap(canvas.Dc(), -0x7FFFFFFF - 1, 0x7FFFFFFF), nullptr);
         EXPECT_FALSE(
-            BitBlt(canvas.hDc, 0, 0, 5, 5, canvas.hDc, 1, 1, 0x00EE0086)); /* copies alone are drawn */
+            BitBlt(canvas.Dc(), 0, 0, 5, 5, canvas.Dc(), 1, 1, 0x00EE0086)); /* copies alone are drawn */
     }
     EXPECT_EQ(CountLive(), LiveCounts());
 }
 
 TEST_F(HostedDrawing, HostileExtentsEndSoon)
 {
-    const Canvas canvas(64, 64);
+    const Canvas canvas(64, 64, WHITE);
     constexpr int aEdges[] = {-0x7FFFFFFF - 1, -0x7FFFFFF, -70000,    -1, 0, 1, 63, 64,
                               70000,           0x7FFFFFF,  0x7FFFFFFF};
     const std::clock_t begun = std::clock();
-    const HDC hDc = canvas.hDc;
+    const HDC hDc = canvas.Dc();
     LOGBRUSH brush = {BS_SOLID, RED, 0};
     const HPEN aPens[] = {CreatePen(PS_SOLID, 0, RED), CreatePen(PS_DOT, 0, RED),
                           ExtCreatePen(PS_GEOMETRIC | PS_ENDCAP_FLAT, 2, &brush, 0, nullptr),
@@ -113,9 +96,7 @@ TEST_F(HostedDrawing, HostileExtentsEndSoon)
     /* A square of the surface's own size fills it from far away. */
     SelectObject(hDc, GetStockObject(BLACK_BRUSH));
     EXPECT_TRUE(Rectangle(hDc, -1000000, -1000000, 1000000, 1000000));
-    Picture picture;
-    ASSERT_TRUE(ReadContext(hDc, &picture));
-    EXPECT_EQ(picture.pixels, std::vector<COLORREF>(64 * 64, 0));
+    EXPECT_EQ(canvas.Pixels().pixels, std::vector<COLORREF>(64 * 64, 0));
 }
 
 /* A dialog that paints a red square. */
@@ -126,7 +107,7 @@ INT_PTR CALLBACK PaintProc(HWND hDialog, UINT uMessage, WPARAM, LPARAM)
     }
     PAINTSTRUCT paint;
     const HDC hDc = BeginPaint(hDialog, &paint);
-    Fill(hDc, 10, 10, 20, 20, RED);
+    FillDc(hDc, 10, 10, 20, 20, RED);
     EXPECT_FALSE(DeleteDC(hDc)) << "that is EndPaint's";
     EndPaint(hDialog, &paint);
     return TRUE;
@@ -147,10 +128,8 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
     GetClientRect(hDialog, &client);
     EXPECT_EQ(picture.nWidth, client.right);
     EXPECT_EQ(picture.nHeight, client.bottom);
-    EXPECT_EQ(picture.At(9, 9), FACE);
-    EXPECT_EQ(picture.At(10, 10), RED);
-    EXPECT_EQ(picture.At(19, 19), RED);
-    EXPECT_EQ(picture.At(20, 20), FACE);
+    EXPECT_TRUE(picture.At(9, 9) == FACE && picture.At(20, 20) == FACE);
+    EXPECT_TRUE(picture.At(10, 10) == RED && picture.At(19, 19) == RED);
 
     /* A control's own area: its own origin, and no pixel outside it or outside what is invalid. */
     const HWND hInner = GetDlgItem(hDialog, INNER);
@@ -159,7 +138,7 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
     PaintWindows(hDialog);
     InvalidateRect(hInner, &part, 0);
     PAINTSTRUCT paint;
-    Fill(BeginPaint(hInner, &paint), -50, -50, 500, 500, BLUE);
+    FillDc(BeginPaint(hInner, &paint), -50, -50, 500, 500, BLUE);
     EndPaint(hInner, &paint);
     POINT at = {0, 0};
     MapWindowPoints(hInner, hDialog, &at, 1);
@@ -174,15 +153,13 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
     EXPECT_EQ(own.At(5, 3), FACE);
 
     /* A bitmap that a static control shows lies over it. */
-    {
-        const Canvas canvas(6, 5);
-        Fill(canvas.hDc, 0, 0, 6, 5, 0x00FF00);
-        SendDlgItemMessageW(hDialog, SHOWN, STM_SETIMAGE, IMAGE_BITMAP,
-                            reinterpret_cast<LPARAM>(canvas.hBitmap));
-        ASSERT_TRUE(WindowPicture(hDialog, &picture));
-        EXPECT_EQ(std::count(picture.pixels.begin(), picture.pixels.end(), 0x00FF00u), 30);
-        SendDlgItemMessageW(hDialog, SHOWN, STM_SETIMAGE, IMAGE_BITMAP, 0);
-    }
+    const HDC hScreen = CreateDCW(u"DISPLAY", nullptr, nullptr, nullptr);
+    const HBITMAP hShown = CreateCompatibleBitmap(hScreen, 6, 5);
+    SendDlgItemMessageW(hDialog, SHOWN, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(hShown));
+    ASSERT_TRUE(WindowPicture(hDialog, &picture));
+    EXPECT_EQ(std::count(picture.pixels.begin(), picture.pixels.end(), 0u), 30);
+    SendDlgItemMessageW(hDialog, SHOWN, STM_SETIMAGE, IMAGE_BITMAP, 0);
+    EXPECT_TRUE(DeleteObject(hShown) && DeleteDC(hScreen));
     DestroyWindow(hDialog);
     EXPECT_FALSE(WindowPicture(hDialog, &picture));
     EXPECT_EQ(CountLive().nGdiObjects, 0);
@@ -191,21 +168,13 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
 
 TEST_F(HostedDrawing, PicturesAsFiles)
 {
-    Picture picture{5, 3, {}}, back, difference;
+    Picture picture{5, 3, {}}, back;
     for (COLORREF i = 0; i < 15; i++) {
         picture.pixels.push_back(i * 0x0A141E);
     }
     const std::filesystem::path path = HostPath(u"C:\\picture.png");
-    ASSERT_TRUE(SavePng(path, picture));
-    ASSERT_TRUE(LoadPng(path, &back));
+    ASSERT_TRUE(SavePng(path, picture) && LoadPng(path, &back));
     EXPECT_EQ(back, picture);
-    EXPECT_EQ(DifferenceOf(picture, back, &difference), 0u);
-    back.pixels[7] ^= 1;
-    EXPECT_EQ(DifferenceOf(picture, back, &difference), 1u);
-    EXPECT_EQ(difference.At(2, 1), RED);
-    EXPECT_NE(difference.At(1, 1), RED);
-    back = {4, 4, std::vector<COLORREF>(16, 0)};
-    EXPECT_EQ(DifferenceOf(picture, back, &difference), 5u * 4 - 1) << "black meets black in one pixel alone";
     EXPECT_FALSE(SavePng(path.parent_path() / "none" / "x.png", picture));
     std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
     EXPECT_FALSE(LoadPng(path, &back));

@@ -1,0 +1,105 @@
+/* Scripts of calls and what they answer, from files under tests/data, for both builds. A line "[Name]" begins a
+   scenario; each row below it is a step of words, and behind '|' the answer that is wanted: "one or other" where the
+   systems differ. A step without '|' is only done. Scenarios named "... hosted" are left out on Windows. */
+#ifndef TQUI_TESTS_SCRIPT_H
+#define TQUI_TESTS_SCRIPT_H
+
+#include <functional>
+#include <map>
+
+#include "support/both_builds.h"
+#include "support/data_file.h"
+
+using Words = std::vector<std::string>;
+using Verbs = std::map<std::string, std::function<std::string(const Words&)>>;
+
+struct Scenario {
+    std::string name;
+    std::vector<DataRow> steps;
+};
+
+inline void PrintTo(const Scenario& scenario, std::ostream* pOut)
+{
+    *pOut << scenario.name;
+}
+
+inline std::vector<Scenario> ReadScenarios(const char* cFile)
+{
+    std::vector<Scenario> scenarios;
+    for (const DataRow& row : ReadRows(cFile)) {
+        if (row[0].front() == '[') {
+            scenarios.push_back({row[0].substr(1, row[0].size() - 2), {}});
+        } else {
+            scenarios.back().steps.push_back(row);
+        }
+    }
+#ifdef _WIN32
+    std::erase_if(scenarios, [](const Scenario& each) { return each.name.ends_with(" hosted"); });
+#endif
+    return scenarios;
+}
+
+/* For INSTANTIATE_TEST_SUITE_P: a scenario's name without blanks. */
+inline std::string ScenarioName(const testing::TestParamInfo<Scenario>& info)
+{
+    std::string name = info.param.name;
+    std::erase(name, ' ');
+    return name;
+}
+
+/* Words are separated by blanks; quotation marks hold blanks together, or nothing. */
+inline Words WordsOf(const std::string& text)
+{
+    Words words;
+    bool bInside = false, bOpen = false;
+    for (const char c : text) {
+        if (c == '"') {
+            bInside = !bInside;
+        }
+        if (c == ' ' && !bInside) {
+            bOpen = false;
+            continue;
+        }
+        if (!bOpen) {
+            words.emplace_back();
+            bOpen = true;
+        }
+        if (c != '"') {
+            words.back() += c;
+        }
+    }
+    return words;
+}
+
+/* A word with each \uXXXX as the character that it names. */
+inline WideString WideWord(const std::string& word)
+{
+    WideString wcText;
+    for (size_t i = 0; i < word.size(); i++) {
+        const std::string code = word.compare(i, 2, "\\u") ? "" : word.substr(i + 2, 4);
+        if (code.size() == 4 && code.find_first_not_of("0123456789ABCDEF") == std::string::npos) {
+            wcText += static_cast<WCHAR>(std::stoi(code, nullptr, 16));
+            i += 5;
+        } else {
+            wcText += static_cast<WCHAR>(word[i]);
+        }
+    }
+    return wcText;
+}
+
+/* Takes the steps one after the other, each by the verb that its first word names. */
+inline void Play(const Scenario& scenario, const Verbs& verbs)
+{
+    for (const DataRow& row : scenario.steps) {
+        const Words words = WordsOf(row[0]);
+        const auto verb = verbs.find(words[0]);
+        ASSERT_NE(verb, verbs.end()) << row[0];
+        const std::string answer = verb->second({words.begin() + 1, words.end()});
+        const size_t nOr = row.size() < 2 ? std::string::npos : row[1].find(" or ");
+        const bool bOther = nOr != std::string::npos && answer == row[1].substr(nOr + 4);
+        EXPECT_TRUE(row.size() < 2 || bOther || answer == row[1].substr(0, nOr))
+            << row[0] << "\nanswers: " << answer << "\nwanted:  " << row[1];
+    }
+}
+
+#endif
