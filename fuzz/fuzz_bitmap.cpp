@@ -3,17 +3,11 @@
 #include <cstring>
 
 #include "fuzz/require.h"
-#include "hosted/machine.h"
 #include "preview/preview_tools.h"
-
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    StartMachine();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
 {
+    StartOnce();
     if (cbData < 2) {
         return 0;
     }

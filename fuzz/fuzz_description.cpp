@@ -5,11 +5,11 @@
    Seeds are the first 8192 bytes of the samples; made anew with
      cd build/hosted/samples && for f in ?*.XPI; do head -c 8192 $f >../../../fuzz/corpus/description/$f; done */
 #include <cstdio>
-#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "fuzz/require.h"
 #include "places.h"
 #include "support/every_reader.h"
 #include "support/sweep.h"
@@ -22,17 +22,9 @@ constexpr size_t LARGEST_FILE = 1 << 20;
 HANDLE hPrinter;
 int nDescriptor;
 
-void Require(const std::string& fault, const char* cAsked)
-{
-    if (!fault.empty()) {
-        std::fprintf(stderr, "%s: %s\n", cAsked, fault.c_str());
-        std::abort();
-    }
-}
-
 /* One machine for all runs; only the description's bytes change. A small language library: it is read anew by
    every question that wants it. */
-void Begin()
+bool Begin()
 {
     StartMachine();
     PrinterSetup setup = InstallDescription(u"Test", {}, "");
@@ -43,44 +35,37 @@ void Begin()
     AddMachineForm(u"Form", FORM_USER, 215905, 310000);
     SetPrinterValue(setup.wcName, u"Memory", REG_DWORD, {98, 0, 0, 0});
     SetPrinterText(setup.wcName, u"DefaultSpoolDirectory", u"D:\\Spool");
-    if (!OpenPrinterW(setup.wcName.data(), &hPrinter, nullptr)) {
-        std::abort();
-    }
+    Require(OpenPrinterW(setup.wcName.data(), &hPrinter, nullptr));
     nDescriptor = open(HostPath(wcDriverFolder + WideText(u"MODEL.XPI")).c_str(), O_WRONLY | O_CLOEXEC);
-    if (nDescriptor < 0) {
-        std::abort();
-    }
+    Require(nDescriptor >= 0);
+    return true;
 }
 
-void Put(const u8* pBytes, size_t cb)
+void RequireGood(const std::string& fault, const char* cAsked)
 {
-    if (ftruncate(nDescriptor, 0) || pwrite(nDescriptor, pBytes, cb, 0) != static_cast<ssize_t>(cb)) {
+    if (!fault.empty()) {
+        std::fprintf(stderr, "%s: %s\n", cAsked, fault.c_str());
         std::abort();
     }
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    Begin();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    if (cb > LARGEST_FILE) {
+    static const bool bBegun = Begin();
+    if (!bBegun || cb > LARGEST_FILE) {
         return -1;
     }
-    Put(pBytes, cb);
-    Require(HoldsNothing([] { return ReadEverything(hPrinter); }), "readers");
+    Require(ftruncate(nDescriptor, 0) == 0 && pwrite(nDescriptor, pBytes, cb, 0) == static_cast<ssize_t>(cb));
+    RequireGood(HoldsNothing([] { return ReadEverything(hPrinter); }), "readers");
     for (WORD wQuestion = FIRST_QUESTION; wQuestion <= LAST_QUESTION; wQuestion++) {
-        std::string fault = HoldsNothing([&] {
+        const std::string fault = HoldsNothing([&] {
             GuardedAnswer answer = AskGuarded(ByHandle(hPrinter, u"Test", wQuestion), wQuestion);
             return answer.fault +
                    (answer.dwCounted == answer.dwFilled ? "" : "counted and filled differently; ");
         });
-        Require(fault, QuestionName(wQuestion));
+        RequireGood(fault, QuestionName(wQuestion));
     }
     return 0;
 }

@@ -1,6 +1,5 @@
 /* The reader of dialog templates, on any bytes. The seeds are templates of the language library. */
-#include <cstdlib>
-
+#include "fuzz/require.h"
 #include "hosted/dialog_template.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
@@ -14,8 +13,6 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
     for (const DialogItem& item : read.items) {
         cbText += (item.text.wcName.size() + item.windowClass.wcName.size()) * 2;
     }
-    if (read.items.size() * 30 + cbText > cbData) {
-        std::abort();
-    }
+    Require(read.items.size() * 30 + cbText <= cbData);
     return 0;
 }

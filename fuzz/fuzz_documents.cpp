@@ -3,7 +3,6 @@
    claimed sizes is touched (each record lies in a block of just its bytes), and nothing is held at the end.
 
    Byte 0 picks the sample; then calls: kind, fault (call, turn) or lie, sizes, pokes into the printer's default. */
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -24,14 +23,7 @@ struct Input {
     const u8* pBytes;
     size_t cb;
 
-    u8 Byte()
-    {
-        if (!cb) {
-            return 0;
-        }
-        cb--;
-        return *pBytes++;
-    }
+    u8 Byte() { return cb ? cb--, *pBytes++ : u8{0}; }
     u16 Word()
     {
         u8 bLow = Byte();

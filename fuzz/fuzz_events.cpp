@@ -1,8 +1,6 @@
 /* The bytes tell which sample's printer has an event, then what its .INI file, its user's settings file and two of its
    values hold: the pieces are cut at the byte 0xFE. Whatever they are, nothing outside the driver's own folders changes
    and nothing is held. */
-#include <cstdlib>
-
 #include "entry/exports.h"
 #include "fuzz/require.h"
 #include "places.h"
@@ -29,22 +27,18 @@ Bytes TakePiece(const u8** ppBytes, const u8* pEnd)
     return piece;
 }
 
-const std::vector<Sample>& Samples()
+std::vector<Sample> InstallSamples()
 {
-    static std::vector<Sample> samples;
-    if (samples.empty()) {
-        StartMachine();
-        std::vector<InfModel> models = ReadInf(TQUI_SAMPLES "/tqui.inf");
-        for (const InfModel& model : models) {
-            Sample sample;
-            sample.setup = InstallSample(model, TQUI_SAMPLES);
-            for (const WideText& tcFile : sample.setup.atcDependentFiles) {
-                sample.tcIni = tcFile.ends_with(u".INI") ? tcFile : sample.tcIni;
-            }
-            sample.tcSettings = u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\" +
-                                sample.setup.wcDriverName + u"\\s.ini";
-            samples.push_back(sample);
+    std::vector<Sample> samples;
+    StartOnce();
+    for (const InfModel& model : ReadInf(TQUI_SAMPLES "/tqui.inf")) {
+        Sample sample = {InstallSample(model, TQUI_SAMPLES), {}, {}};
+        for (const WideText& tcFile : sample.setup.atcDependentFiles) {
+            sample.tcIni = tcFile.ends_with(u".INI") ? tcFile : sample.tcIni;
         }
+        sample.tcSettings = u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\" +
+                            sample.setup.wcDriverName + u"\\s.ini";
+        samples.push_back(sample);
     }
     return samples;
 }
@@ -53,7 +47,7 @@ const std::vector<Sample>& Samples()
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    const std::vector<Sample>& samples = Samples();
+    static const std::vector<Sample> samples = InstallSamples();
     if (cb < 1) {
         return 0;
     }

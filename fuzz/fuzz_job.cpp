@@ -2,9 +2,7 @@
    the third the size of the buffer, then come patches of the description and the rest lies over a record. The
    sizing call and a call with what it told are the oracle: the second succeeds, writes no more than it tells
    and nothing outside. */
-#include <cstdlib>
-#include <cstring>
-#include <optional>
+#include <map>
 
 #include "base/owned.h"
 #include "document/defaults.h"
@@ -17,32 +15,21 @@ namespace {
 constexpr size_t PATCH_BYTES = 4; /* offset in the file, u16; value; reserved */
 constexpr DWORD JOB_ID = 7;
 
-struct Sample {
-    WideText wcName, tcXpi;
-    Bytes description;
-    std::optional<OpenSample> printer;
-    DriverDevmode record;
-};
-Sample* const aSamples = new Sample[SAMPLES]; /* held to the end: the machine may go first */
-
-void StartSamples()
+/* The sample's default record; with a job of its printer. */
+const DriverDevmode& DefaultOf(FuzzSample& sample)
 {
-    StartMachine();
-    for (size_t i = 0; i < SAMPLES; i++) {
-        PrinterSetup setup;
-        Sample& sample = aSamples[i];
-        sample.description = AddFuzzSample(i, &setup);
-        sample.tcXpi = setup.atcDependentFiles[0];
-        AddJob(setup.wcName, JOB_ID, u"Fuzz \u00E9");
-        sample.printer.emplace(setup.wcName);
-        WideText wcName = setup.wcName;
-        PrinterCall call(sample.printer->hPrinter);
-        BuildDefaultRecord(call, wcName.data(), &sample.record, 0);
+    static std::map<WideText, DriverDevmode> records;
+    const auto [found, bNew] = records.try_emplace(sample.wcName);
+    if (bNew) {
+        AddJob(sample.wcName, JOB_ID, u"Fuzz \u00E9");
+        WideText wcName = sample.wcName;
+        BuildDefaultRecord(*sample.call, wcName.data(), &found->second, 0);
     }
+    return found->second;
 }
 
 /* One call with a block of just cb bytes, so that a sanitizer sees each byte too many. */
-DWORD Call(int nCall, const Sample& sample, DriverDevmode* pRecord, DWORD cb, DWORD* pcbLength,
+DWORD Call(int nCall, const FuzzSample& sample, DriverDevmode* pRecord, DWORD cb, DWORD* pcbLength,
            Bytes* pWritten)
 {
     OwnedBlock<char> pBuffer(static_cast<char*>(AllocateBlock(cb)));
@@ -65,7 +52,7 @@ DWORD Call(int nCall, const Sample& sample, DriverDevmode* pRecord, DWORD cb, DW
     return dwResult;
 }
 
-void CheckTwoCalls(int nCall, const Sample& sample, const DriverDevmode& record, DWORD cbSmall)
+void CheckTwoCalls(int nCall, const FuzzSample& sample, const DriverDevmode& record, DWORD cbSmall)
 {
     DriverDevmode first = record, second = record, small = record;
     DWORD cbNeeded, cbUsed, cbTold;
@@ -93,15 +80,11 @@ void CheckTwoCalls(int nCall, const Sample& sample, const DriverDevmode& record,
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    static bool bStarted = false;
-    if (!bStarted) {
-        StartSamples();
-        bStarted = true;
-    }
     if (cb < 3) {
         return 0;
     }
-    Sample& sample = aSamples[pBytes[0] % SAMPLES];
+    FuzzSample& sample = SampleOf(pBytes[0]);
+    DriverDevmode record = DefaultOf(sample);
     size_t nPatches = pBytes[1] % 16, nAt = 3;
     Bytes description = sample.description;
     for (; nPatches > 0 && nAt + PATCH_BYTES <= cb; nPatches--, nAt += PATCH_BYTES) {
@@ -110,11 +93,9 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
         description[usPlace % description.size()] = pBytes[nAt + 2];
     }
     PutFile(sample.tcXpi, description);
-    DriverDevmode record = sample.record;
     /* Either the bytes themselves, or pairs of place and value, which a check lets pass more often. */
-    size_t cbRest = cb - nAt;
     if (pBytes[1] & 0x80) {
-        std::memcpy(&record, pBytes + nAt, cbRest < sizeof record ? cbRest : sizeof record);
+        LayOver(&record, pBytes + nAt, cb - nAt);
     } else {
         for (; nAt + 3 <= cb; nAt += 3) {
             u16 usPlace;

@@ -1,15 +1,12 @@
 /* The reader of resources in PE files, on any bytes. The seeds are small libraries with two bitmaps, a few
    strings in two languages and a version, as the resource compiler and the linker make them, and one of the
    32-bit form. */
-#include <cstdlib>
-
+#include "fuzz/require.h"
 #include "hosted/pe_resources.h"
 
 static void Inside(std::span<const u8> file, size_t nOffset, u64 cbSize)
 {
-    if (nOffset > file.size() || cbSize > file.size() - nOffset) {
-        std::abort();
-    }
+    Require(nOffset <= file.size() && cbSize <= file.size() - nOffset);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
@@ -31,8 +28,6 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pData, size_t cbData)
             }
         }
     }
-    if (IsWholePeImage(file) && !IsPeFile(file)) {
-        std::abort();
-    }
+    Require(!IsWholePeImage(file) || IsPeFile(file));
     return 0;
 }

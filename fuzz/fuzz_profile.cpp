@@ -1,7 +1,6 @@
 /* The bytes are a settings file. What is listed in it is read; nothing may be read or written outside the buffers.
    Then a key and a section of it are written: they must be found, and everything else as it was. */
 #include <algorithm>
-#include <cstdlib>
 
 #include "fuzz/require.h"
 #include "hosted/standin.h"
@@ -101,11 +100,7 @@ void WriteBoth()
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    static bool bStarted = false;
-    if (!bStarted) {
-        StartMachine();
-        bStarted = true;
-    }
+    StartOnce();
     u8 bKind = cb ? pBytes[cb - 1] : 0;
     SetCodePage(bKind % 3 == 0 ? 1252 : bKind % 3 == 1 ? 932 : 65001);
     PutFile(FUZZ_FILE, Bytes(pBytes, pBytes + cb));

@@ -1,9 +1,5 @@
 /* Any bytes as a settings record: the first picks a sample's model, the rest lie over the record. A record
    that is accepted is accepted again, and has what its readers rely on. */
-#include <cstdlib>
-#include <cstring>
-#include <optional>
-
 #include "description/driver_files.h"
 #include "fuzz/fuzz_samples.h"
 #include "settings/check_core.h"
@@ -11,25 +7,16 @@
 
 namespace {
 
-struct Sample {
-    std::optional<OpenSample> printer;
-    std::optional<PrinterCall> call;
-    OwnedModel pModel;
-};
-Sample* const aOfStem = new Sample[SAMPLES]; /* held to the end: the machine may go first */
-
-void StartSamples()
+/* The sample's model, loaded once. */
+const XpiModel* ModelOf(size_t i)
 {
-    StartMachine();
-    for (size_t i = 0; i < SAMPLES; i++) {
-        PrinterSetup setup;
-        AddFuzzSample(i, &setup);
-        Sample& sample = aOfStem[i];
-        sample.printer.emplace(setup.wcName);
-        sample.call.emplace(sample.printer->hPrinter);
-        sample.pModel = LoadPrinterModel(*sample.call);
-        Require(sample.pModel != nullptr);
+    static std::array<OwnedModel, acStems.size()>& models = *new std::array<OwnedModel, acStems.size()>;
+    OwnedModel& pModel = models[i % acStems.size()];
+    if (!pModel) {
+        pModel = LoadPrinterModel(*SampleOf(i).call);
     }
+    Require(pModel != nullptr);
+    return pModel.get();
 }
 
 bool IsSettled(const DriverDevmode& record)
@@ -44,17 +31,12 @@ bool IsSettled(const DriverDevmode& record)
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    static bool bStarted = false;
-    if (!bStarted) {
-        StartSamples();
-        bStarted = true;
-    }
     if (cb < 1) {
         return 0;
     }
-    Sample& sample = aOfStem[pBytes[0] % SAMPLES];
+    FuzzSample& sample = SampleOf(pBytes[0]);
     DriverDevmode record = recordTemplate;
-    std::memcpy(&record, pBytes + 1, cb - 1 < sizeof record ? cb - 1 : sizeof record);
+    LayOver(&record, pBytes + 1, cb - 1);
     if (pBytes[0] & 0x80) { /* past the identity, which random bytes hardly ever are */
         PrivateDevmode& part = record.rPrivate;
         part.ulVersion = RECORD_STAMP;
@@ -68,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
         part.tcXPIName[159] = 0;
     }
     for (int nTime = 0; nTime < 2; nTime++) {
-        const XpiModel* pModel = nTime ? nullptr : sample.pModel.get();
+        const XpiModel* pModel = nTime ? nullptr : ModelOf(pBytes[0]);
         PrinterCall fresh(sample.printer->hPrinter);
         PrinterCall& call = nTime ? fresh : *sample.call;
         int nPublic = ValidatePublicPart(call, &record, pModel);

@@ -3,12 +3,10 @@
    own result again (bit 7) changes nothing more. What was read is written, read and written until it is the same
    again, which it must be after the first time but for quotation marks, of which each reading takes a pair. */
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "description/custom_sizes.h"
 #include "fuzz/require.h"
-#include "hosted/machine.h"
 #include "settingsfile/font_substitutions.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
@@ -31,14 +29,9 @@ template <class Round> void Settles(Round round)
     Require(bQuoted || GetFile(COPY_FILE) == once);
 }
 
-bool HasEnd(const WCHAR* wcField, size_t nChars)
+template <size_t N> bool HasEnd(const WCHAR (&wcField)[N])
 {
-    for (size_t i = 0; i < nChars; i++) {
-        if (!wcField[i]) {
-            return true;
-        }
-    }
-    return false;
+    return std::find(wcField, wcField + N, 0) != wcField + N;
 }
 
 void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
@@ -54,15 +47,13 @@ void ReadRecord(u16 usKind, u8 bFill, int bReadOnly, int bAgain, int bCopy)
         return;
     }
     const u8* pBytes = block.data() + 1;
-    auto Same = [&](size_t nFrom, size_t nEnd) {
-        Require(std::memcmp(pBytes + nFrom, before.data() + 1 + nFrom, nEnd - nFrom) == 0);
+    const auto Same = [&](int nFrom, int nEnd) {
+        Require(std::equal(pBytes + nFrom, pBytes + nEnd, before.data() + 1 + nFrom));
     };
-    Same(0, 76);
-    Same(684, 1720);
-    Same(1970, 2692);
-    Same(3716, 3718);
-    Same(3730, 3768);
-    Same(3770, 4088);
+    for (const auto& [nFrom, nEnd] :
+         {std::pair(0, 76), {684, 1720}, {1970, 2692}, {3716, 3718}, {3730, 3768}, {3770, 4088}}) {
+        Same(nFrom, nEnd);
+    }
     if (bReadOnly) { /* margins */
         Same(682, 684);
         Same(1790, 1798);
@@ -100,9 +91,8 @@ void ReadLists(int bCopy)
     Require(pMarks && nMarks >= 0 && nMarks <= WATERMARK_LIMIT && pMarks.get()[nMarks].WMType == ENTRY_FREE);
     for (i32 i = 0; i < nMarks; i++) {
         const WatermarkEntry& row = pMarks.get()[i];
-        Require(row.WMString[0] && HasEnd(row.WMString, 64) && HasEnd(row.WMFileName, 260) &&
-                HasEnd(row.WMColorFile, 260));
-        Require(row.WMType == ENTRY_IMAGE ? HasEnd(row.WMImageName, 260) : HasEnd(row.WMFace, 32));
+        Require(row.WMString[0] && HasEnd(row.WMString) && HasEnd(row.WMFileName) && HasEnd(row.WMColorFile));
+        Require(row.WMType == ENTRY_IMAGE ? HasEnd(row.WMImageName) : HasEnd(row.WMFace));
         Require(!row.bWMStale &&
                 (row.WMFileName[0] || row.WMColorFile[0] ? row.WMResolution && row.WMWidth && row.WMHeight
                                                          : !row.WMResolution && !row.WMWidth));
@@ -111,7 +101,7 @@ void ReadLists(int bCopy)
     i32 nPapers = ReadCustomSizes(OpenProfile(FUZZ_FILE), nullptr, &pPapers);
     Require(pPapers && nPapers >= 0 && nPapers <= LIST_LIMIT);
     for (i32 i = 0; i < nPapers; i++) {
-        Require(pPapers.get()[i].wcName[0] && HasEnd(pPapers.get()[i].wcName, 64));
+        Require(pPapers.get()[i].wcName[0] && HasEnd(pPapers.get()[i].wcName));
     }
     auto Copy = [&] {
         Require(WriteWatermarks(COPY_FILE, pMarks.get(), nMarks) &&
@@ -134,11 +124,7 @@ void ReadLists(int bCopy)
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* pBytes, size_t cb)
 {
-    static bool bStarted = false;
-    if (!bStarted) {
-        StartMachine();
-        bStarted = true;
-    }
+    StartOnce();
     u8 bHow = cb ? pBytes[cb - 1] : 0;
     LiveCounts before = CountLive();
     SetCodePage(bHow & 1 ? 1252 : 932);

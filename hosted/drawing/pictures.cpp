@@ -11,7 +11,6 @@
 namespace {
 
 constexpr size_t MOST_PIXELS = size_t{1} << 26;
-constexpr COLORREF DIFFERS = 0x0000FF;
 
 /* A part of a surface; black where it has none. */
 void ReadSurface(const Surface& surface, const RECT& part, Picture* pPicture)
@@ -27,11 +26,6 @@ void ReadSurface(const Surface& surface, const RECT& part, Picture* pPicture)
                         : 0);
         }
     }
-}
-
-COLORREF Pale(COLORREF color)
-{
-    return 0xC0C0C0 + (color >> 2 & 0x3F3F3F);
 }
 
 /* Static controls show their bitmaps over what was painted below them. */

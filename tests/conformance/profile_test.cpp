@@ -177,31 +177,20 @@ class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<S
 
 TEST_P(ProfileScripts, AreReadAsWritten)
 {
+    const auto number = [](const std::string& word) { return static_cast<u32>(ToNumber(word)); };
     const Verbs verbs = {
-        {"file", [&](const Words& w) { return text_ = Bytes(w[0]), ""; }},
-        {"wide-file", [&](const Words& w) { return text_ = Utf16(Bytes(w[0])), ""; }},
-        {"line", [&](const Words& w) { return text_ += Bytes(w[0]), ""; }},
-        {"read", [&](const Words& w) { return Read(w); }},
-        {"number", [&](const Words& w) { return Number(w); }},
-        {"number-of",
-         [&](const Words& w) {
-             text_ = "[s]\r\nk=" + Bytes(w[0]) + "\r\n";
-             return Number({"S", "K"});
-         }},
-        {"sections",
-         [&](const Words&) { return AskBoth([](const auto& reader) { return reader.Sections(); }); }},
-        {"keys",
-         [&](const Words& w) {
-             return AskBoth([&](const auto& reader) { return reader.Keys(Wide(w[0])); });
-         }},
-        {"cut-sections",
-         [&](const Words& w) { return OwnReader(Put(text_)).Sections(static_cast<u32>(ToNumber(w[0]))); }},
-        {"cut-keys",
-         [&](const Words& w) {
-             return OwnReader(Put(text_)).Keys(Wide(w[0]), static_cast<u32>(ToNumber(w[1])));
-         }},
+        DEED("file", text_ = Bytes(w[0])),
+        DEED("wide-file", text_ = Utf16(Bytes(w[0]))),
+        DEED("line", text_ += Bytes(w[0])),
+        VERB("read", Read(w)),
+        VERB("number", Number(w)),
+        VERB("number-of", (text_ = "[s]\r\nk=" + Bytes(w[0]) + "\r\n", Number({"S", "K"}))),
+        VERB("sections", AskBoth([](const auto& reader) { return reader.Sections(); })),
+        VERB("keys", AskBoth([&](const auto& reader) { return reader.Keys(Wide(w[0])); })),
+        VERB("cut-sections", OwnReader(Put(text_)).Sections(number(w[0]))),
+        VERB("cut-keys", OwnReader(Put(text_)).Keys(Wide(w[0]), number(w[1]))),
 #ifndef _WIN32
-        {"code-page", [](const Words& w) { return SetCodePage(static_cast<UINT>(ToNumber(w[0]))), ""; }},
+        DEED("code-page", SetCodePage(static_cast<UINT>(number(w[0])))),
 #endif
     };
     Play(GetParam(), verbs);

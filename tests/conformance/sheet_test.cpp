@@ -147,29 +147,25 @@ TEST_P(SheetHost, TellsItsPagesAsWritten)
     std::fill(std::begin(lApplyAnswer), std::end(lApplyAnswer), PSNRET_NOERROR);
     TestSheet sheet;
     EXPECT_EQ(GetParent(sheet.Page()), sheet.Frame());
-    const auto yesNo = [](bool bYes) -> std::string { return bYes ? "yes" : "no"; };
     const auto tell = [&](UINT uMessage) {
         SendMessageW(GetParent(sheet.Page()), uMessage, reinterpret_cast<WPARAM>(sheet.Page()), 0);
-        return yesNo(sheet.CanApply());
+        return sheet.CanApply();
     };
+    const std::map<std::string, LONG_PTR> answers = {{"accept", PSNRET_NOERROR},
+                                                     {"refuse", PSNRET_INVALID},
+                                                     {"refuse-in-place", PSNRET_INVALID_NOCHANGEPAGE}};
     const Verbs verbs = {
-        {"heard", [&](const Words&) { return std::exchange(heard, {}); }},
-        {"show", [&](const Words& w) { return yesNo(sheet.Show(static_cast<int>(ToNumber(w[0])))); }},
-        {"active", [&](const Words&) { return std::to_string(GetWindowLongPtrW(sheet.Page(), DWLP_USER)); }},
-        {"keep-active", [&](const Words&) { return bKeepsActive = true, ""; }},
-        {"answer-apply",
-         [&](const Words& w) {
-             lApplyAnswer[0] = w[0] == "accept"   ? PSNRET_NOERROR
-                               : w[0] == "refuse" ? PSNRET_INVALID
-                                                  : PSNRET_INVALID_NOCHANGEPAGE;
-             return "";
-         }},
-        {"changed", [&](const Words&) { return tell(PSM_CHANGED); }},
-        {"unchanged", [&](const Words&) { return tell(PSM_UNCHANGED); }},
-        {"can-apply", [&](const Words&) { return yesNo(sheet.CanApply()); }},
-        {"apply", [&](const Words&) { return sheet.Apply(), ""; }},
-        {"ok", [&](const Words&) { return sheet.Ok(), yesNo(sheet.IsOpen()); }},
-        {"cancel", [&](const Words&) { return sheet.Cancel(), ""; }},
+        VERB("heard", std::exchange(heard, {})),
+        VERB("show", sheet.Show(static_cast<int>(ToNumber(w[0])))),
+        VERB("active", GetWindowLongPtrW(sheet.Page(), DWLP_USER)),
+        DEED("keep-active", bKeepsActive = true),
+        DEED("answer-apply", lApplyAnswer[0] = answers.at(w[0])),
+        VERB("changed", tell(PSM_CHANGED)),
+        VERB("unchanged", tell(PSM_UNCHANGED)),
+        VERB("can-apply", sheet.CanApply()),
+        DEED("apply", sheet.Apply()),
+        VERB("ok", (sheet.Ok(), sheet.IsOpen())),
+        DEED("cancel", sheet.Cancel()),
     };
     Play(GetParam(), verbs);
 }

@@ -232,6 +232,32 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return std::to_string(cch) + (text.empty() ? "" : " " + text);
     }
 
+    std::string Text(const Words& words)
+    {
+        const std::vector<unsigned char> bytes = ReadTestFile(Path(words[0]));
+        return {bytes.begin(), bytes.end()};
+    }
+
+    /* A library that was cut. */
+    void PutPart(const Words& words)
+    {
+        std::vector<unsigned char> bytes = ReadTestFile(BuiltFile("TXT.DLL"));
+        bytes.resize(words[1] == "half" ? bytes.size() / 2 : Number(words[1]));
+        PutTestFile(Path(words[0]), bytes);
+    }
+
+#ifndef _WIN32
+    /* Where a file lies below the machine's root. */
+    static std::string OnHost(const Words& words)
+    {
+        const std::string root = HostPath(u"C:\\").parent_path().string();
+        const std::string host = HostPath(WideWord(words[0])).string();
+        EXPECT_TRUE(host.empty() || host.starts_with(root + "/"));
+        EXPECT_EQ((host + "/").find("/../"), host.npos);
+        return HasFile(WideWord(words[0])) ? host.substr(root.size()) : "none";
+    }
+#endif
+
     std::string QueryValue(const Words& words)
     {
         HKEY hKey;
@@ -259,6 +285,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return std::to_string(lError + RegCloseKey(hKey));
     }
 
+    static constexpr DWORD REPLACE = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     static constexpr const WCHAR* KEY = TEXT("SOFTWARE\\TquiConformance\\");
 
     WideString tcFolder_;
@@ -270,88 +297,48 @@ TEST_P(System, AnswersAsWritten)
 #ifdef _WIN32
     RegDeleteKeyW(HKEY_CURRENT_USER, KEY);
 #endif
-    const auto handle = [&](const Words& words) { return handles_[words[0]]; };
+    const auto file = [&](const Words& w, size_t n = 0) { return Path(w[n]); };
+    const auto handle = [&](const Words& w) { return handles_[w[0]]; };
+    const auto module = [&](const Words& w) { return static_cast<HMODULE>(handles_[w[0]]); };
     const Verbs verbs = {
-        {"open", [&](const Words& w) { return Open(w); }},
-        {"close", [&](const Words& w) { return Done(CloseHandle(handle(w))); }},
-        {"read", [&](const Words& w) { return Read(w); }},
-        {"seek", [&](const Words& w) { return Seek(w); }},
-        {"size", [&](const Words& w) { return Size(w); }},
-        {"type", [&](const Words& w) { return std::to_string(GetFileType(handle(w))); }},
-        {"write", [&](const Words& w) { return Write(w); }},
-        {"flush", [&](const Words& w) { return Done(FlushFileBuffers(handle(w))); }},
-        {"final", [&](const Words& w) { return Final(w); }},
-        {"mark-deleted", [&](const Words& w) { return MarkDeleted(w); }},
-        {"attributes", [&](const Words& w) { return Attributes(w); }},
-        {"set-attributes",
-         [&](const Words& w) { return Done(SetFileAttributesW(Path(w[0]).c_str(), Number(w[1]))); }},
-        {"folder", [&](const Words& w) { return Done(CreateDirectoryW(Path(w[0]).c_str(), nullptr)); }},
-        {"delete", [&](const Words& w) { return Done(DeleteFileW(Path(w[0]).c_str())); }},
-        {"move",
-         [&](const Words& w) {
-             const DWORD dwFlags =
-                 w.size() > 2 ? 0 : DWORD{MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH};
-             return Done(MoveFileExW(Path(w[0]).c_str(), Path(w[1]).c_str(), dwFlags));
-         }},
-        {"copy",
-         [&](const Words& w) {
-             return Done(CopyFileW(Path(w[0]).c_str(), Path(w[1]).c_str(), w.size() > 2));
-         }},
-        {"find", [&](const Words& w) { return Find(w); }},
-        {"sharing", [&](const Words& w) { return Sharing(w); }},
-        {"put", [&](const Words& w) { return PutTestFile(Path(w[0]), w[1]), ""; }},
-        {"put-part",
-         [&](const Words& w) {
-             std::vector<unsigned char> bytes = ReadTestFile(BuiltFile("TXT.DLL"));
-             bytes.resize(w[1] == "half" ? bytes.size() / 2 : Number(w[1]));
-             return PutTestFile(Path(w[0]), bytes), "";
-         }},
-        {"text",
-         [&](const Words& w) {
-             const std::vector<unsigned char> bytes = ReadTestFile(Path(w[0]));
-             return std::string(bytes.begin(), bytes.end());
-         }},
-        {"semaphore",
-         [&](const Words& w) {
-             const LONG lCount = w.size() > 2 ? static_cast<LONG>(Number(w[2])) : 1;
-             return Keep(w[0], CreateSemaphoreW(nullptr, lCount, 1, WideWord(w[1]).c_str()), nullptr);
-         }},
-        {"open-semaphore",
-         [&](const Words& w) {
-             return Keep(w[0], OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, 0, WideWord(w[1]).c_str()), nullptr);
-         }},
-        {"last-error", [](const Words&) { return Error(GetLastError()); }},
-        {"query-value", [&](const Words& w) { return QueryValue(w); }},
-        {"set-value", [&](const Words& w) { return SetValue(w); }},
-        {"load", [&](const Words& w) { return Load(w); }},
-        {"free",
-         [&](const Words& w) { return FreeLibrary(static_cast<HMODULE>(handle(w))) ? "done" : "no"; }},
-        {"string", [&](const Words& w) { return String(w); }},
-        {"routine",
-         [&](const Words& w) {
-             return GetProcAddress(static_cast<HMODULE>(handle(w)), w[1].c_str()) ? "there" : "none";
-         }},
+        VERB("open", Open(w)),
+        VERB("close", Done(CloseHandle(handle(w)))),
+        VERB("read", Read(w)),
+        VERB("seek", Seek(w)),
+        VERB("size", Size(w)),
+        VERB("type", GetFileType(handle(w))),
+        VERB("write", Write(w)),
+        VERB("flush", Done(FlushFileBuffers(handle(w)))),
+        VERB("final", Final(w)),
+        VERB("mark-deleted", MarkDeleted(w)),
+        VERB("attributes", Attributes(w)),
+        VERB("set-attributes", Done(SetFileAttributesW(file(w).c_str(), Number(w[1])))),
+        VERB("folder", Done(CreateDirectoryW(file(w).c_str(), nullptr))),
+        VERB("delete", Done(DeleteFileW(file(w).c_str()))),
+        VERB("move", Done(MoveFileExW(file(w).c_str(), file(w, 1).c_str(), w.size() > 2 ? 0 : REPLACE))),
+        VERB("copy", Done(CopyFileW(file(w).c_str(), file(w, 1).c_str(), w.size() > 2))),
+        VERB("find", Find(w)),
+        VERB("sharing", Sharing(w)),
+        DEED("put", PutTestFile(file(w), w[1])),
+        DEED("put-part", PutPart(w)),
+        VERB("text", Text(w)),
+        VERB("semaphore",
+             Keep(w[0], CreateSemaphoreW(nullptr, w.size() > 2 ? 2 : 1, 1, WideWord(w[1]).c_str()), nullptr)),
+        VERB("open-semaphore",
+             Keep(w[0], OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, 0, WideWord(w[1]).c_str()), nullptr)),
+        VERB("last-error", Error(GetLastError())),
+        VERB("query-value", QueryValue(w)),
+        VERB("set-value", SetValue(w)),
+        VERB("load", Load(w)),
+        VERB("free", FreeLibrary(module(w)) != 0),
+        VERB("string", String(w)),
+        VERB("routine", GetProcAddress(module(w), w[1].c_str()) != nullptr),
 #ifndef _WIN32
-        {"user", [](const Words& w) { return SetUserLanguage(static_cast<LANGID>(Number(w[0]))), ""; }},
-        {"link",
-         [&](const Words& w) {
-             std::filesystem::create_symlink(HostPath(Path(w[0])), HostPath(Path(w[1])));
-             return "";
-         }},
-        {"rename",
-         [&](const Words& w) {
-             std::filesystem::rename(HostPath(Path(w[0])), HostPath(Path(w[1])));
-             return "";
-         }},
-        {"host-put", [](const Words& w) { return PutFile(WideWord(w[0]), w[1]), ""; }},
-        {"host",
-         [&](const Words& w) {
-             const std::string root = HostPath(u"C:\\").parent_path().string(),
-                               host = HostPath(WideWord(w[0])).string();
-             EXPECT_TRUE(host.empty() || host.starts_with(root + "/"));
-             EXPECT_EQ((host + "/").find("/../"), host.npos);
-             return HasFile(WideWord(w[0])) ? host.substr(root.size()) : "none";
-         }},
+        DEED("user", SetUserLanguage(static_cast<LANGID>(Number(w[0])))),
+        DEED("link", std::filesystem::create_symlink(HostPath(file(w)), HostPath(file(w, 1)))),
+        DEED("rename", std::filesystem::rename(HostPath(file(w)), HostPath(file(w, 1)))),
+        DEED("host-put", PutFile(WideWord(w[0]), w[1])),
+        VERB("host", OnHost(w)),
 #endif
     };
     Play(GetParam(), verbs);

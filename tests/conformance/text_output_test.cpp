@@ -132,7 +132,7 @@ const WideString HEBREW = TEXT("\u05D0\u05D1\u05D2");
 class LetterScripts : public TextOutput, public testing::WithParamInterface<Scenario> {
   protected:
     /* FACE HEIGHT [angle N] [bold-italic] [set N] */
-    std::string Font(const Words& words)
+    void Font(const Words& words)
     {
         Face face = {WideWord(words[0]), static_cast<int>(ToNumber(words[1]))};
         for (size_t i = 2; i < words.size(); i++) {
@@ -144,7 +144,16 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
             }
         }
         Use(face);
-        return "";
+    }
+    void Align(const Words& words)
+    {
+        const std::map<std::string, UINT> aligns = {
+            {"left", TA_LEFT}, {"center", TA_CENTER}, {"baseline", TA_BASELINE}, {"rtl", TA_RTLREADING}};
+        UINT uAlign = 0;
+        for (const std::string& word : words) {
+            uAlign |= aligns.at(word);
+        }
+        EXPECT_EQ(SetTextAlign(hDc, uAlign), std::exchange(uBefore_, uAlign));
     }
     std::string InkOf(const Words& words)
     {
@@ -163,32 +172,19 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
         const int nResult = DrawTextW(hDc, WideWord(words[0]).c_str(), -1, &rect, DT_SINGLELINE | uFormat);
         return std::to_string(nResult) + ": " + Ink();
     }
+    UINT uBefore_ = TA_LEFT;
+    std::vector<unsigned char> native_;
 };
 
 TEST_P(LetterScripts, AreTheSystems)
 {
-    const std::map<std::string, UINT> aligns = {
-        {"left", TA_LEFT}, {"center", TA_CENTER}, {"baseline", TA_BASELINE}, {"rtl", TA_RTLREADING}};
-    UINT uBefore = TA_LEFT;
     const Verbs verbs = {
-        {"font", [&](const Words& w) { return Font(w); }},
-        {"extent", [&](const Words& w) { return Extent(WideWord(w[0])); }},
-        {"outline",
-         [&](const Words& w) {
-             std::vector<unsigned char> native;
-             return Outline(WideWord(w[0])[0], GGO_NATIVE, &native);
-         }},
-        {"align",
-         [&](const Words& w) {
-             UINT uAlign = 0;
-             for (const std::string& word : w) {
-                 uAlign |= aligns.at(word);
-             }
-             EXPECT_EQ(SetTextAlign(hDc, uAlign), std::exchange(uBefore, uAlign));
-             return "";
-         }},
-        {"ink", [&](const Words& w) { return InkOf(w); }},
-        {"set", [&](const Words& w) { return Set(w); }},
+        DEED("font", Font(w)),
+        VERB("extent", Extent(WideWord(w[0]))),
+        VERB("outline", Outline(WideWord(w[0])[0], GGO_NATIVE, &native_)),
+        DEED("align", Align(w)),
+        VERB("ink", InkOf(w)),
+        VERB("set", Set(w)),
     };
     Play(GetParam(), verbs);
 }

@@ -33,10 +33,7 @@ enum {
     MISSING = 999
 };
 
-#define NAMED(name) \
-    { \
-#name, name \
-    }
+#define NAMED(name) std::pair(#name, name)
 const std::map<std::string, int> controls = {
     NAMED(RADIO_ONE),     NAMED(RADIO_TWO),  NAMED(RADIO_THREE),  NAMED(CHECK_BOX),   NAMED(PLAIN_CHECK),
     NAMED(EDIT_LINE),     NAMED(EDIT_LINES), NAMED(COMBO),        NAMED(COMBO_EMPTY), NAMED(LIST),
@@ -202,12 +199,22 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
                : controls.count(words[n]) ? static_cast<WPARAM>(controls.at(words[n]))
                                           : static_cast<WPARAM>(ToNumber(words[n]));
     }
-    static std::string Shown(LRESULT lResult) { return std::to_string(static_cast<long long>(lResult)); }
-    static std::string YesNo(BOOL bYes) { return bYes ? "yes" : "no"; }
+    std::string TellDialog(const Words& words)
+    {
+        const UINT uMessage = messages.at(words[0]) + (words[0] == "WM_USER" ? 7 : 0);
+        const LRESULT lResult = SendMessageW(hDialog_, uMessage, Value(words, 1), 0);
+        return Said(LOWORD(lResult)) + (HIWORD(lResult) == DC_HASDEFID ? " default" : "");
+    }
+    void Type(const Words& words)
+    {
+        for (const char c : words[1]) {
+            Tell(Id(words[0]), WM_CHAR, static_cast<WPARAM>(c), 1);
+        }
+    }
     static std::string NameOfWindow(HWND hWnd) { return hWnd ? NameOf(GetDlgCtrlID(hWnd)) : "none"; }
 
     /* Three rows with the data 100, 101, 102. */
-    std::string Fill(const std::string& name)
+    void Fill(const std::string& name)
     {
         const bool bCombo = name == "COMBO";
         LPARAM lData = 100;
@@ -216,14 +223,13 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
                 Tell(Id(name), bCombo ? CB_ADDSTRING : LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wcRow));
             Tell(Id(name), bCombo ? CB_SETITEMDATA : LB_SETITEMDATA, static_cast<WPARAM>(lRow), lData++);
         }
-        return "";
     }
     std::string Row(const Words& words)
     {
         WCHAR wcRow[16] = {};
         const LRESULT lResult =
             Tell(Id(words[0]), LB_GETTEXT, Value(words, 1), reinterpret_cast<LPARAM>(wcRow));
-        return Shown(lResult) + (*wcRow ? " " + Ascii(wcRow) : "");
+        return Said(lResult) + (*wcRow ? " " + Ascii(wcRow) : "");
     }
     std::string NumberOf(const Words& words)
     {
@@ -232,75 +238,45 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
         const UINT uNumber = GetDlgItemInt(hDialog_, EDIT_LINE, &bDone, words.size() < 2);
         return std::to_string(static_cast<int>(uNumber)) + (bDone ? "" : " failed");
     }
-    std::string TabStops(const Words& words)
+    LRESULT TabStops(const Words& words)
     {
         int nStop = 80;
-        return Shown(Tell(Id(words[0]), LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&nStop)));
+        return Tell(Id(words[0]), LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&nStop));
     }
 };
 
 TEST_P(WindowScripts, AnswerAsWritten)
 {
-    const auto press = [](const Words& w) { return SendKey(keys.at(w[0])), ""; };
+    const auto item = [&](const Words& w) { return Id(w[0]); };
+    const auto window = [&](const Words& w) { return Named(w[0]); };
     const Verbs verbs = {
-        {"tell",
-         [&](const Words& w) {
-             return Shown(Tell(Id(w[0]), messages.at(w[1]), Value(w, 2), static_cast<LPARAM>(Value(w, 3))));
-         }},
-        {"tell-text",
-         [&](const Words& w) {
-             const WideString wcText = WideWord(w[3]);
-             return Shown(
-                 Tell(Id(w[0]), messages.at(w[1]), Value(w, 2), reinterpret_cast<LPARAM>(wcText.c_str())));
-         }},
-        {"dialog",
-         [&](const Words& w) {
-             const LRESULT lResult =
-                 SendMessageW(hDialog_, messages.at(w[0]) + (w[0] == "WM_USER" ? 7 : 0), Value(w, 1), 0);
-             return std::to_string(LOWORD(lResult)) + (HIWORD(lResult) == DC_HASDEFID ? " default" : "");
-         }},
-        {"heard", [](const Words&) { return TakeHeard(); }},
-        {"fill", [&](const Words& w) { return Fill(w[0]); }},
-        {"row", [&](const Words& w) { return Row(w); }},
-        {"tab-stops", [&](const Words& w) { return TabStops(w); }},
-        {"text", [&](const Words& w) { return Text(Id(w[0])); }},
-        {"set",
-         [&](const Words& w) { return YesNo(SetDlgItemTextW(hDialog_, Id(w[0]), WideWord(w[1]).c_str())); }},
-        {"set-number",
-         [&](const Words& w) {
-             return SetDlgItemInt(hDialog_, Id(w[0]), static_cast<UINT>(Value(w, 1)), w.size() < 3), "";
-         }},
-        {"number-of", [&](const Words& w) { return NumberOf(w); }},
-        {"type",
-         [&](const Words& w) {
-             for (const char c : w[1]) {
-                 Tell(Id(w[0]), WM_CHAR, static_cast<WPARAM>(c), 1);
-             }
-             return "";
-         }},
-        {"erase", [&](const Words& w) { return Tell(Id(w[0]), WM_CHAR, VK_BACK, 1), ""; }},
-        {"key", press},
-        {"click", [&](const Words& w) { return ClickControl(hDialog_, Id(w[0])), ""; }},
-        {"spin",
-         [&](const Words& w) { return SpinControl(hDialog_, Id(w[0]), static_cast<int>(Value(w, 1))), ""; }},
-        {"focus", [&](const Words& w) { return NameOfWindow(SetFocus(Named(w[0]))); }},
-        {"focused", [](const Words&) { return NameOfWindow(GetFocus()); }},
-        {"enable", [&](const Words& w) { return YesNo(EnableWindow(Named(w[0]), Value(w, 1) != 0)); }},
-        {"enabled", [&](const Words& w) { return YesNo(IsWindowEnabled(Named(w[0]))); }},
-        {"show",
-         [&](const Words& w) {
-             return YesNo(ShowWindow(Named(w[0]), Value(w, 1) ? SW_SHOWNORMAL : SW_HIDE));
-         }},
-        {"visible", [&](const Words& w) { return YesNo(IsWindowVisible(Named(w[0]))); }},
-        {"check",
-         [&](const Words& w) {
-             return CheckDlgButton(hDialog_, Id(w[0]), static_cast<UINT>(Value(w, 1))), "";
-         }},
-        {"radio",
-         [&](const Words& w) { return YesNo(CheckRadioButton(hDialog_, RADIO_ONE, RADIO_THREE, Id(w[0]))); }},
-        {"checked", [&](const Words& w) { return Shown(IsDlgButtonChecked(hDialog_, Id(w[0]))); }},
-        {"button-type",
-         [&](const Words& w) { return Shown(GetWindowLongPtrW(Named(w[0]), GWL_STYLE) & BS_TYPEMASK); }},
+        VERB("tell", Tell(item(w), messages.at(w[1]), Value(w, 2), static_cast<LPARAM>(Value(w, 3)))),
+        VERB("tell-text",
+             Tell(item(w), messages.at(w[1]), Value(w, 2), reinterpret_cast<LPARAM>(WideWord(w[3]).c_str()))),
+        VERB("dialog", TellDialog(w)),
+        VERB("heard", TakeHeard()),
+        DEED("fill", Fill(w[0])),
+        VERB("row", Row(w)),
+        VERB("tab-stops", TabStops(w)),
+        VERB("text", Text(item(w))),
+        VERB("set", SetDlgItemTextW(hDialog_, item(w), WideWord(w[1]).c_str()) != 0),
+        DEED("set-number", SetDlgItemInt(hDialog_, item(w), static_cast<UINT>(Value(w, 1)), w.size() < 3)),
+        VERB("number-of", NumberOf(w)),
+        DEED("type", Type(w)),
+        DEED("erase", Tell(item(w), WM_CHAR, VK_BACK, 1)),
+        DEED("key", SendKey(keys.at(w[0]))),
+        DEED("click", ClickControl(hDialog_, item(w))),
+        DEED("spin", SpinControl(hDialog_, item(w), static_cast<int>(Value(w, 1)))),
+        VERB("focus", NameOfWindow(SetFocus(window(w)))),
+        VERB("focused", NameOfWindow(GetFocus())),
+        VERB("enable", EnableWindow(window(w), Value(w, 1) != 0) != 0),
+        VERB("enabled", IsWindowEnabled(window(w)) != 0),
+        VERB("show", ShowWindow(window(w), Value(w, 1) ? SW_SHOWNORMAL : SW_HIDE) != 0),
+        VERB("visible", IsWindowVisible(window(w)) != 0),
+        DEED("check", CheckDlgButton(hDialog_, item(w), static_cast<UINT>(Value(w, 1)))),
+        VERB("radio", CheckRadioButton(hDialog_, RADIO_ONE, RADIO_THREE, item(w)) != 0),
+        VERB("checked", IsDlgButtonChecked(hDialog_, item(w))),
+        VERB("button-type", GetWindowLongPtrW(window(w), GWL_STYLE) & BS_TYPEMASK),
     };
     Play(GetParam(), verbs);
 }

@@ -1,6 +1,5 @@
 /* The hosted windows beyond what both builds state: modal dialogs that the tests drive, faults, and that nothing
    outlives its dialog. */
-#include "hosted/sheet_host.h"
 #include "support/dialog_user.h"
 #include "support/sample_machine.h"
 
@@ -50,9 +49,9 @@ std::vector<std::string> TakeHeard()
     return std::exchange(heard, {});
 }
 
-INT_PTR RunForm(HWND hParent = nullptr)
+INT_PTR RunForm()
 {
-    return DialogBoxIndirectParamW(nullptr, Form().Data(), hParent, FormProc, 0);
+    return DialogBoxIndirectParamW(nullptr, Form().Data(), nullptr, FormProc, 0);
 }
 
 class HostedWindows : public MachineTest {
@@ -196,59 +195,6 @@ TEST_F(HostedWindows, FaultsAnswerInTheirPlace)
     FailCall(CALL_DialogBoxParamW, 1);
     EXPECT_EQ(DialogBoxParamW(nullptr, MAKEINTRESOURCEW(1), nullptr, FormProc, 0), -1);
     StopFaults();
-}
-
-LONG WINAPI TwoPages(PROPSHEETUI_INFO* pInfo, LPARAM lParam)
-{
-    heard.push_back("reason " + std::to_string(pInfo->Reason) + " " + std::to_string(lParam));
-    if (pInfo->Reason != PROPSHEETUI_REASON_INIT) {
-        return 1;
-    }
-    pInfo->UserData = 77;
-    pInfo->Result = 1;
-    for (int i = 0; i < 2; i++) {
-        PROPSHEETPAGEW setup{};
-        setup.dwSize = sizeof setup;
-        setup.dwFlags = PSP_DLGINDIRECT | PSP_USETITLE;
-        setup.pResource = Form().Data();
-        setup.pszTitle = u"Title";
-        setup.pfnDlgProc = FormProc;
-        const LONG_PTR lPage = pInfo->pfnComPropSheet(pInfo->hComPropSheet, CPSFUNC_ADD_PROPSHEETPAGEW,
-                                                      reinterpret_cast<LPARAM>(&setup), 0);
-        if (lPage == 0) {
-            pInfo->Result = 0;
-            return 0;
-        }
-        pInfo->pfnComPropSheet(pInfo->hComPropSheet, CPSFUNC_SET_RESULT, lPage, CPSUI_OK);
-    }
-    return 1;
-}
-
-TEST_F(HostedWindows, SheetHostAsksItsEntry)
-{
-    Sheet* pSheet = OpenSheet({TwoPages, 4, 0});
-    EXPECT_EQ(SheetPageCount(pSheet), 2u);
-    EXPECT_EQ(SheetPageTitle(pSheet, 1), u"Title");
-    EXPECT_NE(SheetPageWindow(pSheet, 0), nullptr);
-    EXPECT_EQ(SheetPageWindow(pSheet, 1), nullptr);
-    EXPECT_EQ(AskSheetEntry(pSheet, PROPSHEETUI_REASON_GET_ICON), 1);
-    EXPECT_EQ(SheetInfo(pSheet).UserData, 77u);
-    EXPECT_EQ(SheetResults(pSheet).at(1).hPage, SheetPageHandle(pSheet, 1));
-    /* A page of a sheet is a child without a frame, whatever its template says. */
-    EXPECT_EQ(GetParent(SheetPageWindow(pSheet, 0)), SheetWindow(pSheet));
-    QueueModalStep([&](HWND hDialog) { EXPECT_EQ(GetParent(hDialog), SheetWindow(pSheet)); });
-    RunForm(SheetPageWindow(pSheet, 0));
-    EXPECT_EQ(EndSheet(pSheet), CPSUI_OK);
-    TakeHeard();
-    EXPECT_EQ(CountLive().nWindows, 0);
-
-    pSheet = OpenSheet({TwoPages, 4, 2});
-    EXPECT_EQ(SheetAddCalls(pSheet), 2);
-    EXPECT_EQ(SheetPageCount(pSheet), 1u);
-    EXPECT_FALSE(IsSheetOpen(pSheet));
-    EXPECT_FALSE(PressSheetOk(pSheet));
-    EndSheet(pSheet);
-    EXPECT_EQ(TakeHeard(), (Heard{"reason 0 4", "reason 2 1"}));
 }
 
 } // namespace

@@ -25,63 +25,60 @@ using IdSet = std::set<u32>;
 /* What tests/data/templates.txt says, by the numbers of its names. */
 struct Contract {
     std::map<u32, std::set<std::string>> controls;
-    IdSet common, pages, withPreview, neverShown;
-    std::map<u32, std::vector<std::vector<IdSet>>> alternatives;
-    std::map<u32, u32> otherStrings;
-    std::map<u32, std::vector<u32>> shownStrings; /* first, last, first, last */
+    std::map<std::string, IdSet> sets; /* pages, with preview, never shown, common to all with a preview */
+    std::vector<std::pair<u32, std::vector<IdSet>>> either;
+    std::map<u32, std::vector<u32>> label, shows; /* the string; first, last, first, last string */
 };
+
+Contract ReadContract()
+{
+    Contract contract;
+    const std::map<std::string, long> ids = NamedIds();
+    std::map<std::string, std::string> parts;
+    const auto numbers = [&](const std::string& names) {
+        std::vector<u32> all;
+        for (const std::string& name : SplitTrimmed(names, ' ')) {
+            EXPECT_TRUE(ids.count(name)) << name;
+            all.push_back(static_cast<u32>(ids.count(name) ? ids.at(name) : 0));
+        }
+        return all;
+    };
+    const auto set = [&](const std::string& names) {
+        const std::vector<u32> all = numbers(names);
+        return IdSet(all.begin(), all.end());
+    };
+    for (const DataRow& row : ReadRows("templates.txt")) {
+        if (row[0] == "part") {
+            parts[row[1]] = row[2];
+        } else if (row[0] == "controls") {
+            for (const std::string& word : SplitTrimmed(row[2], ' ')) {
+                const DataRow each = SplitTrimmed(parts.count(word) ? parts.at(word) : word, ' ');
+                contract.controls[numbers(row[1])[0]].insert(each.begin(), each.end());
+            }
+        } else if (row[0] == "either") {
+            auto& sets = contract.either.emplace_back(numbers(row[1])[0], std::vector<IdSet>()).second;
+            std::transform(row.begin() + 2, row.end(), std::back_inserter(sets), set);
+        } else if (row.size() > 2) {
+            (row[0] == "label" ? contract.label : contract.shows)[numbers(row[1])[0]] = numbers(row[2]);
+        } else {
+            contract.sets[row[0]] = set(row[1]);
+        }
+    }
+    for (const std::string& word : SplitTrimmed(parts.at("PREVIEW"), ' ')) {
+        contract.sets["common"].insert(static_cast<u32>(std::stoul(word.substr(1))));
+    }
+    return contract;
+}
 
 const Contract& TheContract()
 {
-    static const Contract contract = [] {
-        Contract read;
-        const std::map<std::string, long> ids = NamedIds();
-        std::map<std::string, std::string> sets;
-        const auto numbers = [&](const std::string& names) {
-            std::vector<u32> all;
-            std::istringstream words(names);
-            for (std::string name; words >> name;) {
-                EXPECT_TRUE(ids.count(name)) << name;
-                all.push_back(static_cast<u32>(ids.count(name) ? ids.at(name) : 0));
-            }
-            return all;
-        };
-        const auto set = [&](const std::string& names) {
-            const std::vector<u32> all = numbers(names);
-            return IdSet(all.begin(), all.end());
-        };
-        for (const DataRow& row : ReadRows("templates.txt")) {
-            const u32 ulId = ids.count(row[1]) ? static_cast<u32>(ids.at(row[1])) : 0;
-            if (row[0] == "set") {
-                sets[row[1]] = row[2];
-            } else if (row[0] == "controls") {
-                std::istringstream words(row[2]);
-                for (std::string word; words >> word;) {
-                    std::istringstream parts(sets.count(word) ? sets.at(word) : word);
-                    for (std::string part; parts >> part;) {
-                        read.controls[ulId].insert(part);
-                    }
-                }
-            } else if (row[0] == "either") {
-                std::vector<IdSet>& either = read.alternatives[ulId].emplace_back();
-                std::transform(row.begin() + 2, row.end(), std::back_inserter(either), set);
-            } else if (row[0] == "label") {
-                read.otherStrings[ulId] = numbers(row[2])[0];
-            } else if (row[0] == "shows") {
-                read.shownStrings[ulId] = numbers(row[2]);
-            } else {
-                (row[0] == "pages"          ? read.pages
-                 : row[0] == "with preview" ? read.withPreview
-                                            : read.neverShown) = set(row[1]);
-            }
-        }
-        std::istringstream preview(sets.at("PREVIEW"));
-        for (std::string word; preview >> word;) {
-            read.common.insert(static_cast<u32>(std::stoul(word.substr(1))));
-        }
-        return read;
-    }();
+    static const Contract contract = ReadContract();
     return contract;
+}
+
+bool IsIn(const char* cSet, u32 ulId)
+{
+    return TheContract().sets.at(cSet).count(ulId) == 1;
 }
 
 struct Library {
@@ -98,8 +95,8 @@ struct Library {
     /* The label that the program loads for a control. */
     std::u16string Label(u32 ulId) const
     {
-        const auto other = TheContract().otherStrings.find(ulId);
-        return String(static_cast<u16>(other == TheContract().otherStrings.end() ? ulId : other->second));
+        const auto other = TheContract().label.find(ulId);
+        return String(static_cast<u16>(other == TheContract().label.end() ? ulId : other->second[0]));
     }
 
     DialogTemplate Template(u16 usId) const
@@ -174,7 +171,7 @@ bool Overlap(const DialogRect& a, const DialogRect& b)
 
 bool Shown(u16 usTemplate, u32 ulId)
 {
-    return !TheContract().neverShown.count(ulId) &&
+    return !IsIn("never shown", ulId) &&
            !(usTemplate == IDD_DEVICE_FONTS && (ulId == IDC_FONTS_RESIDENT || ulId == IDC_FONTS_BITMAPS));
 }
 
@@ -184,14 +181,13 @@ bool SeenTogether(u16 usTemplate, u32 ulOne, u32 ulOther)
     if (!Shown(usTemplate, ulOne) || !Shown(usTemplate, ulOther)) {
         return false;
     }
-    const auto lists = TheContract().alternatives.find(usTemplate);
-    for (size_t n = 0; lists != TheContract().alternatives.end() && n < lists->second.size(); n++) {
-        const auto holder = [&](u32 ulId) {
-            return std::find_if(lists->second[n].begin(), lists->second[n].end(),
+    for (const auto& [ulTemplate, sets] : TheContract().either) {
+        const auto holder = [&sets = sets](u32 ulId) {
+            return std::find_if(sets.begin(), sets.end(),
                                 [ulId](const IdSet& ids) { return ids.count(ulId) == 1; });
         };
-        const auto one = holder(ulOne), other = holder(ulOther), none = lists->second[n].end();
-        if (one != none && other != none && one != other) {
+        const auto one = holder(ulOne), other = holder(ulOther);
+        if (ulTemplate == usTemplate && one != sets.end() && other != sets.end() && one != other) {
             return false;
         }
     }
@@ -276,7 +272,7 @@ TEST(Templates, HaveTheControlsOfTheContract)
         }
         EXPECT_EQ(there, TheContract().controls.at(usId));
         EXPECT_TRUE(read.font.wcFace == u"MS Shell Dlg" && read.font.usPoints == 8);
-        EXPECT_EQ((read.ulStyle & CHILD) != 0, TheContract().pages.count(usId) == 1); /* pages are children */
+        EXPECT_EQ((read.ulStyle & CHILD) != 0, IsIn("pages", usId)); /* pages are children */
     });
     std::map<u16, size_t> counts;
     for (const Library& library : {Libraries()[0], Libraries()[2]}) {
@@ -299,7 +295,7 @@ TEST(Templates, BearTheTextsThatTheProgramLoads)
             EXPECT_EQ(Narrow(item.text.wcName), bLabel ? Narrow(library.Label(item.ulId)) : "") << item.ulId;
             EXPECT_EQ(item.text.usId, 0) << item.ulId << " names a picture, which the dialog would own";
         }
-        EXPECT_EQ(read.wcTitle.empty(), TheContract().pages.count(usId) == 1);
+        EXPECT_EQ(read.wcTitle.empty(), IsIn("pages", usId));
     });
 }
 
@@ -359,13 +355,12 @@ TEST(Templates, LookAlikeOnAllPages)
 {
     const Library& library = Libraries()[0];
     std::map<u32, DialogRect> common;
-    for (const u32 ulId : TheContract().pages) {
+    for (const u32 ulId : TheContract().sets.at("pages")) {
         const DialogTemplate read = library.Template(static_cast<u16>(ulId));
         EXPECT_EQ(read.rect, library.Template(IDD_LAYOUT).rect) << ulId;
         for (const DialogItem& item : read.items) {
-            if (TheContract().withPreview.count(ulId)
-                    ? TheContract().common.count(item.ulId) || item.ulId == IDC_UNIT
-                    : ulId == IDD_DEVICE_FONTS && TheContract().common.count(item.ulId)) {
+            if (IsIn("with preview", ulId) ? IsIn("common", item.ulId) || item.ulId == IDC_UNIT
+                                           : ulId == IDD_DEVICE_FONTS && IsIn("common", item.ulId)) {
                 EXPECT_EQ(common.emplace(item.ulId, item.rect).first->second, item.rect)
                     << ulId << ": " << item.ulId;
             }
@@ -438,13 +433,11 @@ TEST(Templates, GiveTheirTextsRoom)
             if (item.ulId == IDC_PAIR_OK) {
                 fits(item, library.String(IDC_OK));
             }
-            const auto other = TheContract().otherStrings.find(item.ulId);
-            if (other != TheContract().otherStrings.end() && other->second == IDS_UNIT_MM) {
+            if (library.Label(item.ulId) == library.String(IDS_UNIT_MM)) {
                 fits(item, library.String(IDS_UNIT_INCH));
             }
-            const auto shown = TheContract().shownStrings.find(item.ulId);
-            for (size_t n = 0; shown != TheContract().shownStrings.end() && n < shown->second.size();
-                 n += 2) {
+            const auto shown = TheContract().shows.find(item.ulId);
+            for (size_t n = 0; shown != TheContract().shows.end() && n < shown->second.size(); n += 2) {
                 for (u32 ul = shown->second[n]; ul <= shown->second[n + 1]; ul++) {
                     fits(item, library.String(static_cast<u16>(ul)));
                 }

@@ -33,19 +33,15 @@ class DrawingFaults : public MachineTest {
     /* Together they walk every step of a picture. */
     static std::vector<PictureCase> Sheets()
     {
-        std::vector<PictureCase> sheets = {
-            SheetCase("page"),     SheetCase("envelope"), SheetCase("dividers", 4),
-            SheetCase("image", 2), SheetCase("tiles"),    SheetCase("solid"),
-            SheetCase("outline"),  SheetCase("poster"),   SheetCase("shrunk")};
-        sheets[1].request.bEnvelope = 1;
-        UseImage(sheets[3], IMAGE, 9, 30);
-        sheets[3].request.bBorders = sheets[3].request.bWMOnePage = 1;
-        UseImage(sheets[4], IMAGE, 1, 10);
-        UseText(sheets[5], u"Draft", 0);
-        UseText(sheets[6], u"No", 1);
-        sheets[7].request.sPosterSize = 2;
-        sheets[7].request.bRotate180 = 1;
-        UseImage(sheets[8], LARGE_IMAGE, 0, 100);
+        std::vector<PictureCase> sheets = {CaseOf("page", ""),
+                                           CaseOf("envelope", "envelope 1"),
+                                           CaseOf("dividers", "layout 4"),
+                                           CaseOf("image", "layout 2 borders 1 one-page 1 image 9 30", IMAGE),
+                                           CaseOf("tiles", "image 1 10", IMAGE),
+                                           CaseOf("solid", "text Draft 0"),
+                                           CaseOf("outline", "text No 1"),
+                                           CaseOf("poster", "poster 2 turned 1"),
+                                           CaseOf("shrunk", "image 0 100", LARGE_IMAGE)};
         for (PictureCase& sheet : sheets) {
             sheet.rFrame = {12, 20, 82, 90}; /* small, since there are so many */
         }
@@ -150,7 +146,9 @@ TEST_F(DrawingFaults, AFailingObjectLeavesNoPartOfAPictureAndNothingBehind)
     int nFaults = 0, nGivenUp = 0;
     for (const PictureCase& sheet : Sheets()) {
         const Picture whole = DrawCase(sheet);
-        const Picture blank = DrawCase(With(sheet, [](PictureCase& plain) { plain.watermark = {}; }));
+        PictureCase plain = sheet;
+        plain.watermark = {};
+        const Picture blank = DrawCase(plain);
         ASSERT_FALSE(IsUntransferred(blank, sheet.rFrame));
         ASSERT_EQ(whole == blank, sheet.watermark.WMType == ENTRY_FREE) << sheet.name;
         for (int nCall = ANY_CALL; nCall < CALL_COUNT; nCall++) {
@@ -184,17 +182,11 @@ TEST_F(DrawingFaults, ObjectsAreMadeOnceAndTheLogosFontAtEachMockPage)
 {
     PreviewTools tools = {};
     const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
-    PictureCase sheet = SheetCase("");
-    UseImage(sheet, IMAGE, 1);
-    sheet.request.sPosterSize = 2;
+    const PictureCase sheet = CaseOf("", "image 1 50 poster 2", IMAGE);
     Compose(tools, canvas.Dc(), sheet);
-    const BITMAP surface = [&] {
-        BITMAP bitmap = {};
-        GetObjectW(tools.hPreviewBitmap, sizeof bitmap, &bitmap);
-        return bitmap;
-    }();
-    EXPECT_EQ(surface.bmWidth, 950);
-    EXPECT_EQ(surface.bmHeight, 1350);
+    BITMAP surface = {};
+    GetObjectW(tools.hPreviewBitmap, sizeof surface, &surface);
+    EXPECT_EQ(std::pair(surface.bmWidth, surface.bmHeight), (std::pair<LONG, LONG>(950, 1350)));
     const int nObjects = CountLive().nGdiObjects, nContexts = CountLive().nContexts;
     ResetCallCounts();
     for (int i = 0; i < 20; i++) {
@@ -214,17 +206,13 @@ TEST_F(DrawingFaults, ObjectsAreMadeOnceAndTheLogosFontAtEachMockPage)
 TEST_F(DrawingFaults, NoSheetIsCutByTheOneBeforeIt)
 {
     for (const LONG lSide : {159, 199, 239, 318, 477}) {
-        std::vector<PictureCase> sheets(6, SheetCase("", 0));
-        sheets[0].request.sZoom = 400;
-        sheets[0].request.bNotCentered = 1;
-        sheets[1].request.lPageWidth = 29700; /* A3, flat */
-        sheets[1].request.lPageLength = 42000;
-        sheets[1].request.sOrientation = 2;
-        sheets[2] = With(sheets[1], [](PictureCase& sheet) { sheet.request.sOrientation = 1; });
-        sheets[3].request.lPageLength = 35560; /* grows out of its frame */
-        sheets[3].device.lMaxLength = 2970;
-        sheets[4].request.lPageWidth = 800; /* a strip */
-        sheets[5] = sheets[2];
+        /* Enlarged; A3, flat; A3; one that grows out of its frame; a strip. */
+        std::vector<PictureCase> sheets = {CaseOf("", "layout 0 zoom 400 corner 1"),
+                                           CaseOf("", "layout 0 page 29700 42000 orientation 2"),
+                                           CaseOf("", "layout 0 page 29700 42000"),
+                                           CaseOf("", "layout 0 page 21000 35560 largest 3200 2970"),
+                                           CaseOf("", "layout 0 page 800 29700"),
+                                           CaseOf("", "layout 0 page 29700 42000")};
         for (const size_t nFirst : {size_t{0}, size_t{4}}) {
             PreviewTools tools = {};
             for (size_t i = nFirst; i < sheets.size(); i++) {
@@ -245,47 +233,34 @@ TEST_F(DrawingFaults, NoSheetIsCutByTheOneBeforeIt)
 
 class HostileBitmaps : public DrawingFaults {
   protected:
-    PictureCase Sheet()
-    {
-        PictureCase sheet = Small();
-        UseImage(sheet, IMAGE, 0, 20);
-        return sheet;
-    }
-    static PictureCase Small()
-    {
-        return With(SheetCase("", 0), [](PictureCase& sheet) { sheet.rFrame = {12, 20, 60, 68}; });
-    }
+    PictureCase Sheet() { return CaseOf("", "layout 0 frame 12 20 60 68 image 0 20", IMAGE); }
     Picture Draw(const Bytes& file)
     {
         PutFile(IMAGE, file);
         return DrawCase(Sheet());
     }
-    Picture Blank() { return DrawCase(Small()); }
+    Picture Blank() { return DrawCase(CaseOf("", "layout 0 frame 12 20 60 68")); }
 };
 
 /* Fields of the headers at the ends of their ranges, alone and in pairs: within bounds of time and memory, and a sheet
    comes out of it every time. */
 TEST_F(HostileBitmaps, HeaderFieldsAtTheEndsOfTheirRanges)
 {
-    const size_t anFields[] = {0, 2, 10, 14, 18, 22, 26, 28, 30, 34, 46, 50};
     constexpr u32 aulValues[] = {0,      1,      2,       40,         54,         0x7FFF,
                                  0x8000, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    const auto cbOf = [](size_t nField) { return nField == 0 || nField == 26 || nField == 28 ? 2u : 4u; };
     const Picture blank = Blank();
     std::string faults;
     int nShown = 0;
     for (const u16 usBits : {u16{1}, u16{8}, u16{24}}) {
-        const Bytes good = FourColors(usBits);
-        ASSERT_FALSE(Draw(good) == blank);
-        for (const size_t nOne : anFields) {
+        ASSERT_FALSE(Draw(FourColors(usBits)) == blank);
+        for (const size_t nOne : {0, 2, 10, 14, 18, 22, 26, 28, 30, 34, 46, 50}) {
             for (const u32 ulOne : aulValues) {
-                for (const size_t nOther : {size_t{18}, size_t{22}, size_t{28}}) {
-                    Bytes file = good;
-                    std::memcpy(file.data() + nOther, &aulValues[(nOne + ulOne) % std::size(aulValues)],
-                                nOther == 28 ? 2 : 4);
-                    std::memcpy(file.data() + nOne, &ulOne, nOne == 0 || nOne == 26 || nOne == 28 ? 2 : 4);
-                    Picture got;
-                    faults += WithinBounds([&] { got = Draw(file); });
-                    nShown += got != blank;
+                for (const size_t nOther : {18, 22, 28}) {
+                    Bytes file = FourColors(usBits);
+                    std::memcpy(file.data() + nOther, &aulValues[(nOne + ulOne) % 12], cbOf(nOther));
+                    std::memcpy(file.data() + nOne, &ulOne, cbOf(nOne));
+                    faults += WithinBounds([&] { nShown += Draw(file) != blank; });
                 }
             }
         }
@@ -316,7 +291,7 @@ TEST_F(HostileBitmaps, AFileThatEndsEarlyShowsNothing)
 
 TEST_F(HostileBitmaps, AFileIsReadOnceAPaintAndAnewForTheNext)
 {
-    PictureCase sheet = With(SheetCase("", 25), [](PictureCase& cells) { UseImage(cells, IMAGE, 0); });
+    const PictureCase sheet = CaseOf("", "layout 25 image 0 50", IMAGE);
     PreviewTools tools = {};
     const Canvas canvas(CANVAS_WIDTH, CANVAS_HEIGHT, CANVAS_COLOR);
     PutFile(IMAGE, FourColors(24));
@@ -371,24 +346,20 @@ TEST_F(HostileBitmaps, LiesDoNoHarm)
    the edges; and a great one in many tiny tiles holds nothing up. */
 TEST_F(HostileBitmaps, AShrunkImageGivesTheSamePixels)
 {
-    for (const i16 sLayout : {i16{0}, i16{4}, i16{25}}) {
-        for (const u16 usPlacement : {u16{0}, u16{1}, u16{3}}) {
-            PictureCase sheet = With(SheetCase("", sLayout), [&](PictureCase& cells) {
-                UseImage(cells, LARGE_IMAGE, usPlacement, 60);
-                cells.watermark.WMPositionX = 4000; /* some beyond the edge */
-            });
+    for (const char* cLayout : {"layout 0 ", "layout 4 ", "layout 25 "}) {
+        for (const char* cImage : {"image 0 60", "image 1 60", "image 3 60"}) {
+            /* Some beyond the edge. */
+            const PictureCase sheet = CaseOf("", std::string(cLayout) + cImage + " at 4000 0", LARGE_IMAGE);
             PutFile(LARGE_IMAGE, Large(128));
             const Picture shrunk = DrawCase(sheet);
             FailCall(CALL_CreateCompatibleBitmap, 3, FAIL_FROM_THERE); /* behind canvas and surface */
             const Picture direct = DrawCase(sheet);
             EXPECT_GT(StopFaults(), 0);
-            EXPECT_EQ(Compare(direct, shrunk).nPixels, 0) << sLayout << ", placement " << usPlacement;
+            EXPECT_EQ(Compare(direct, shrunk).nPixels, 0) << cLayout << cImage;
         }
     }
-    PictureCase tiles = SheetCase("", 0);
     PutFile(LARGE_IMAGE, BitmapFile({1600, 1600, 1}));
-    UseImage(tiles, LARGE_IMAGE, 1, 0x4000);
-    EXPECT_EQ(WithinBounds([&] { DrawCase(tiles); }), "");
+    EXPECT_EQ(WithinBounds([&] { DrawCase(CaseOf("", "layout 0 image 1 16384", LARGE_IMAGE)); }), "");
 }
 
 /* Requests that no page makes. */
@@ -397,28 +368,19 @@ TEST_F(HostileBitmaps, RequestsOutOfAllBounds)
     std::mt19937 random(7);
     constexpr i32 alExtremes[] = {0,     1,     -1,     2,       99,         100,      2540,
                                   21000, 35560, 0x7FFF, -0x8000, 0x7FFFFFFF, INT32_MIN};
-    const auto any = [&] { return alExtremes[random() % std::size(alExtremes)]; };
     std::string faults;
-    for (int i = 0; i < 600; i++) {
-        PictureCase sheet = SheetCase("", static_cast<i16>(any()));
-        sheet.request.lPageWidth = any();
-        sheet.request.lPageLength = any();
-        sheet.request.lTargetWidth = any();
-        sheet.request.lTargetLength = any();
-        sheet.request.sZoom = static_cast<i16>(any());
-        sheet.request.sPosterSize = static_cast<i16>(any());
-        sheet.request.sPageOrder = static_cast<i16>(any());
-        sheet.request.sOrientation = static_cast<u16>(any());
-        sheet.request.bEnvelope = any() & 1;
-        sheet.request.bBorders = any() & 1;
-        sheet.request.bFitZoom = any() & 1;
-        sheet.request.sResolution = static_cast<u16>(any());
+    const auto poke = [&](void* pInto, size_t nFrom, size_t nTo, int nTimes) {
+        for (int i = 0; i < nTimes; i++) {
+            std::memcpy(static_cast<u8*>(pInto) + nFrom +
+                            random() % ((nTo - nFrom) / sizeof(i32)) * sizeof(i32),
+                        &alExtremes[random() % std::size(alExtremes)], sizeof(i32));
+        }
+    };
+    for (int i = 0; i < 900; i++) {
+        PictureCase sheet = CaseOf("", i % 3 ? "image 1 50" : "", IMAGE);
+        poke(&sheet.request, 0, sizeof sheet.request, 8);
         if (i % 3) {
-            UseImage(sheet, IMAGE, static_cast<u16>(any()), static_cast<u16>(any()));
-            sheet.watermark.WMScaleX = static_cast<u32>(any());
-            sheet.watermark.WMScaleY = static_cast<u32>(any());
-            sheet.watermark.WMPositionX = any();
-            sheet.watermark.WMPositionY = any();
+            poke(&sheet.watermark, offsetof(WatermarkEntry, WMScaleX), offsetof(WatermarkEntry, WMWidth), 3);
         }
         sheet.rFrame = {0, 0, static_cast<LONG>(random() % 200), static_cast<LONG>(random() % 200)};
         faults += WithinBounds([&] { DrawCase(sheet); });

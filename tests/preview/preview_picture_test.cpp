@@ -2,6 +2,7 @@
    the letters in them are. */
 #include "platform/glyphs.h"
 #include "preview/picture_cases.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -20,7 +21,9 @@ class PreviewPicture : public BothBuilds {
 
 TEST_F(PreviewPicture, AgreesWithItsGolden)
 {
-    for (const PictureCase& sheet : GoldenCases(Image(24))) {
+    const WideString tcImage = Image(24);
+    for (const DataRow& row : ReadRows("preview_goldens.txt")) {
+        const PictureCase sheet = CaseOf(row[0], row[1], tcImage);
         Picture got = DrawCase(sheet);
         for (const RECT& rBox : LabelBoxes(sheet)) {
             Fill(&got, rBox, MASK);

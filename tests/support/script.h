@@ -87,6 +87,30 @@ inline WideString WideWord(const std::string& word)
     return wcText;
 }
 
+/* The answer of a verb, as scripts write it. */
+inline std::string Said(const std::string& text)
+{
+    return text;
+}
+inline std::string Said(bool bYes)
+{
+    return bYes ? "yes" : "no";
+}
+template <class Number> std::enable_if_t<std::is_arithmetic_v<Number>, std::string> Said(Number number)
+{
+    return std::to_string(static_cast<long long>(number));
+}
+
+/* An entry of Verbs: the name, and what it answers to the words w. DEED is one that answers nothing. */
+#define VERB(name, ...) \
+    { \
+        name, [&]([[maybe_unused]] const Words& w) { return Said(__VA_ARGS__); } \
+    }
+#define DEED(name, ...) \
+    { \
+        name, [&]([[maybe_unused]] const Words& w) { return __VA_ARGS__, std::string(); } \
+    }
+
 /* Takes the steps one after the other, each by the verb that its first word names. */
 inline void Play(const Scenario& scenario, const Verbs& verbs)
 {
