@@ -359,19 +359,22 @@ TEST_F(Drawing, RowsOfEachForm)
     }
 }
 
-TEST_F(Drawing, PicturesOfALibrary)
+TEST_F(Drawing, PicturesOfTheLibraries)
 {
-    const HMODULE hLibrary = LoadLibraryExW(BuiltFile("TXT.DLL").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    ASSERT_NE(hLibrary, nullptr);
-    for (const auto& [wcName, uExpected] : {std::pair(TEXT("DUPLONG"), 0xf8be0739),
-                                            {TEXT("DUPSHORT"), 0x914aef60},
-                                            {TEXT("DUPSIMPLE"), 0x62bc038f},
-                                            {TEXT("LogoBitmap"), 0x59d5019d}}) {
-        ExpectBitmap(uExpected, LoadImageW(hLibrary, wcName, IMAGE_BITMAP, 0, 0,
-                                           LR_LOADTRANSPARENT | LR_LOADMAP3DCOLORS));
+    for (const char* cLibrary : {"TXT.DLL", "ENUS.DLL"}) {
+        const HMODULE hLibrary =
+            LoadLibraryExW(BuiltFile(cLibrary).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        ASSERT_NE(hLibrary, nullptr);
+        for (const auto& [wcName, uExpected] : {std::pair(TEXT("DUPLONG"), 0xf8be0739),
+                                                {TEXT("DUPSHORT"), 0x914aef60},
+                                                {TEXT("DUPSIMPLE"), 0x62bc038f},
+                                                {TEXT("LogoBitmap"), 0x59d5019d}}) {
+            ExpectBitmap(uExpected, LoadImageW(hLibrary, wcName, IMAGE_BITMAP, 0, 0,
+                                               LR_LOADTRANSPARENT | LR_LOADMAP3DCOLORS));
+        }
+        EXPECT_EQ(LoadImageW(hLibrary, TEXT("NONE"), IMAGE_BITMAP, 0, 0, 0), nullptr);
+        EXPECT_TRUE(FreeLibrary(hLibrary));
     }
-    EXPECT_EQ(LoadImageW(hLibrary, TEXT("NONE"), IMAGE_BITMAP, 0, 0, 0), nullptr);
-    EXPECT_TRUE(FreeLibrary(hLibrary));
 }
 
 TEST_F(Drawing, MonochromeBitmaps)

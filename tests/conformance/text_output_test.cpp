@@ -127,7 +127,23 @@ class TextOutput : public BothBuilds {
 };
 
 const WideString SANS = TEXT("Liberation Sans"), DEJAVU = TEXT("DejaVu Sans");
-const WideString HEBREW = TEXT("\u05D0\u05D1\u05D2");
+
+/* Places a text with room for so many characters: "widthxheight count characters". */
+std::string Place(HDC hDc, const WideString& wcText, DWORD dwFlags, UINT nRoom, WideString* pGlyphs)
+{
+    WideString wcChars(wcText.size() + 1, 0);
+    pGlyphs->assign(wcText.size() + 1, 0);
+    GCP_RESULTSW results = {};
+    results.lStructSize = sizeof results;
+    results.lpOutString = wcChars.data();
+    results.lpGlyphs = pGlyphs->data();
+    results.nGlyphs = nRoom;
+    const DWORD dwSize =
+        GetCharacterPlacementW(hDc, wcText.c_str(), static_cast<int>(wcText.size()), 0, &results, dwFlags);
+    EXPECT_TRUE(wcChars[nRoom] == 0 && (*pGlyphs)[nRoom] == 0) << "written behind the room";
+    return std::to_string(dwSize & 0xFFFF) + "x" + std::to_string(dwSize >> 16) + " " +
+           std::to_string(results.nGlyphs) + " " + Ascii(wcChars.c_str());
+}
 
 class LetterScripts : public TextOutput, public testing::WithParamInterface<Scenario> {
   protected:
@@ -174,6 +190,7 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
     }
     UINT uBefore_ = TA_LEFT;
     std::vector<unsigned char> native_;
+    WideString glyphs_;
 };
 
 TEST_P(LetterScripts, AreTheSystems)
@@ -185,6 +202,8 @@ TEST_P(LetterScripts, AreTheSystems)
         DEED("align", Align(w)),
         VERB("ink", InkOf(w)),
         VERB("set", Set(w)),
+        VERB("place", Place(hDc, WideWord(w[0]), 0, static_cast<UINT>(ToNumber(w[1])), &glyphs_)),
+        VERB("reorder", Place(hDc, WideWord(w[0]), GCP_REORDER, static_cast<UINT>(ToNumber(w[1])), &glyphs_)),
     };
     Play(GetParam(), verbs);
 }
@@ -288,47 +307,16 @@ TEST_F(TextOutput, TextHasAColourAGroundAndABoundary)
     EXPECT_EQ(Ink(), "91,63..111,75 66");
 }
 
-struct Placed {
-    DWORD dwSize;
-    UINT nGlyphs;
-    WideString wcChars, wcGlyphs;
-};
-
-Placed Place(HDC hDc, const WideString& wcText, DWORD dwFlags, UINT nRoom)
+TEST_F(TextOutput, PlacementGivesTheGlyphsOfItsCharacters)
 {
-    Placed placed = {0, nRoom, WideString(wcText.size() + 1, 0), WideString(wcText.size() + 1, 0)};
-    GCP_RESULTSW results = {};
-    results.lStructSize = sizeof results;
-    results.lpOutString = placed.wcChars.data();
-    results.lpGlyphs = placed.wcGlyphs.data();
-    results.nGlyphs = nRoom;
-    placed.dwSize =
-        GetCharacterPlacementW(hDc, wcText.c_str(), static_cast<int>(wcText.size()), 0, &results, dwFlags);
-    placed.nGlyphs = results.nGlyphs;
-    return placed;
-}
-
-TEST_F(TextOutput, PlacementTurnsHebrewAndKeepsToItsRoom)
-{
-    Use({DEJAVU, 30, 0, FW_NORMAL, 0, 177});
-    Placed placed = Place(hDc, HEBREW, GCP_REORDER, 3);
-    EXPECT_EQ(placed.dwSize, 30u << 16 | 43);
-    EXPECT_EQ(placed.nGlyphs, 3u);
-    EXPECT_EQ(Ascii(placed.wcChars.substr(0, 3)), "\\u05D2\\u05D1\\u05D0");
-    EXPECT_EQ(Ascii(Place(hDc, TEXT("ab ") + HEBREW + TEXT(" 12"), GCP_REORDER, 9).wcChars.substr(0, 9)),
-              "ab 12 \\u05D2\\u05D1\\u05D0");
-    EXPECT_EQ(Ascii(Place(hDc, HEBREW, 0, 3).wcChars.substr(0, 3)), "\\u05D0\\u05D1\\u05D2");
-
-    placed = Place(hDc, TEXT("abcdef"), 0, 4);
-    EXPECT_EQ(placed.nGlyphs, 4u);
-    EXPECT_EQ(Ascii(placed.wcChars.substr(0, 5)), "abcd\\u0000");
-    EXPECT_EQ(placed.wcGlyphs[4], 0);
+    Use({DEJAVU, 30});
+    WideString wcGlyphs;
+    EXPECT_EQ(Place(hDc, TEXT("abc"), 0, 3, &wcGlyphs), "47x30 3 abc");
     std::vector<unsigned char> byIndex, byChar;
-    EXPECT_EQ(Outline(placed.wcGlyphs[1], GGO_NATIVE | GGO_GLYPH_INDEX, &byIndex),
+    EXPECT_EQ(Outline(wcGlyphs[1], GGO_NATIVE | GGO_GLYPH_INDEX, &byIndex),
               Outline('b', GGO_NATIVE, &byChar));
     EXPECT_EQ(byIndex, byChar);
-    EXPECT_EQ(Place(hDc, TEXT(""), GCP_REORDER, 0).dwSize, 0u);
-    EXPECT_EQ(Place(nullptr, TEXT("abc"), 0, 3).dwSize, 0u);
+    EXPECT_EQ(Place(nullptr, TEXT("abc"), 0, 3, &wcGlyphs).substr(0, 4), "0x0 ");
 }
 
 /* Latin letters need no placement; a face with Arabic letters says that it has several forms of them. */

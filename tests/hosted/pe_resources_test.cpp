@@ -88,28 +88,6 @@ TEST(LanguageLibraries, SpeakOfTheSameThings)
     }
 }
 
-TEST(LanguageLibraries, HoldThePictures)
-{
-    for (const char* cLibrary : {"TXT.DLL", "ENUS.DLL"}) {
-        for (const auto& [wcName, cFile] : {std::pair(u"LOGOBITMAP", "logo.bmp"),
-                                            {u"DUPSIMPLE", "dupsimple.bmp"},
-                                            {u"DUPLONG", "duplong.bmp"},
-                                            {u"DUPSHORT", "dupshort.bmp"}}) {
-            const Bytes library = BuiltLibrary(cLibrary);
-            PePiece piece{};
-            ASSERT_TRUE(FindPeResource(library, PE_BITMAP, PeName(wcName), LanguageOrder(GERMAN), &piece))
-                << cFile;
-            /* The file's header of 14 bytes is not in the resource. */
-            const Bytes picture = ReadDisk(std::string(TQUI_SOURCE_DIR "/package/resources/") + cFile);
-            const Bytes stored(library.begin() + static_cast<long>(piece.nOffset),
-                               library.begin() + static_cast<long>(piece.nOffset + piece.cbSize));
-            EXPECT_EQ(stored, Bytes(picture.begin() + 14, picture.end())) << cFile;
-            EXPECT_EQ(picture[28], 8);                               /* bits a pixel: a colour table ... */
-            EXPECT_EQ(picture[picture[10] + picture[11] * 256u], 0); /* ... whose row 0 is the ground */
-        }
-    }
-}
-
 /* ---- small files ---- */
 
 TEST(PeResources, LanguagesInOrder)

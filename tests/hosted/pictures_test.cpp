@@ -1,4 +1,4 @@
-/* The hosted drawing beyond what both builds state: objects in use, windows that are painted, pictures as files, and that
+/* The hosted drawing beyond what both builds state: objects in use, windows that are painted, and that
    no extent makes it run long or write outside its surface. */
 
 #include <algorithm>
@@ -164,21 +164,6 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
     EXPECT_FALSE(WindowPicture(hDialog, &picture));
     EXPECT_EQ(CountLive().nGdiObjects, 0);
     EXPECT_EQ(CountLive().nContexts, 0);
-}
-
-TEST_F(HostedDrawing, PicturesAsFiles)
-{
-    Picture picture{5, 3, {}}, back;
-    for (COLORREF i = 0; i < 15; i++) {
-        picture.pixels.push_back(i * 0x0A141E);
-    }
-    const std::filesystem::path path = HostPath(u"C:\\picture.png");
-    ASSERT_TRUE(SavePng(path, picture) && LoadPng(path, &back));
-    EXPECT_EQ(back, picture);
-    EXPECT_FALSE(SavePng(path.parent_path() / "none" / "x.png", picture));
-    std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
-    EXPECT_FALSE(LoadPng(path, &back));
-    EXPECT_FALSE(LoadPng(path.parent_path() / "none.png", &back));
 }
 
 } // namespace

@@ -99,6 +99,7 @@ inline PictureCase CaseOf(const std::string& name, const std::string& words, con
         {"target", [&] { take(request.lTargetWidth, request.lTargetLength); }},
         {"orientation", [&] { take(request.sOrientation); }},
         {"layout", [&] { take(request.sLayout); }},
+        {"resolution", [&] { take(request.sResolution); }},
         {"order", [&] { take(request.sPageOrder); }},
         {"zoom", [&] { take(request.sZoom); }},
         {"poster", [&] { take(request.sPosterSize); }},

@@ -32,15 +32,21 @@ TEST_F(PreviewPicture, AgreesWithItsGolden)
     }
 }
 
-/* The same letters, drawn by themselves into a white cell. */
-Picture Lettered(const RECT& rCell, const WCHAR* wcText, COLORREF color = 0)
+/* The same letters, drawn by themselves into a white cell; in the system's face at a height of their own, unless 0. */
+Picture Lettered(const RECT& rCell, const WCHAR* wcText, COLORREF color = 0, int nHeight = 0)
 {
-    const int nWidth = static_cast<int>(rCell.right - rCell.left),
-              nHeight = static_cast<int>(rCell.bottom - rCell.top);
-    const Canvas canvas(nWidth, nHeight, 0xFFFFFF);
-    RECT rText = {0, 0, nWidth, nHeight};
+    RECT rText = {0, 0, rCell.right - rCell.left, rCell.bottom - rCell.top};
+    const Canvas canvas(static_cast<int>(rText.right), static_cast<int>(rText.bottom), 0xFFFFFF);
+    LOGFONTW font = {}, system = {};
+    EXPECT_TRUE(GetObjectW(GetStockObject(SYSTEM_FONT), sizeof system, &system));
+    font.lfHeight = nHeight;
+    std::copy_n(system.lfFaceName, LF_FACESIZE, font.lfFaceName);
+    const HFONT hFont = CreateFontIndirectW(&font);
+    const HGDIOBJ hOld = nHeight ? SelectObject(canvas.Dc(), hFont) : GetStockObject(SYSTEM_FONT);
     SetTextColor(canvas.Dc(), color);
     DrawTextW(canvas.Dc(), wcText, -1, &rText, CENTERED);
+    SelectObject(canvas.Dc(), hOld);
+    DeleteObject(hFont);
     return canvas.Pixels();
 }
 
@@ -95,19 +101,7 @@ TEST_F(PreviewPicture, TheLogoIsOneLetterInTheSystemsFaceInRedOrBlack)
         sheet.device.wcLabel[0] = 'H';
         sheet.request.bColor = bColor;
         const RECT rBox = {45 + 3, 46 + 3, 45 + 26, 46 + 26};
-        LOGFONTW font = {}, system = {};
-        ASSERT_TRUE(GetObjectW(GetStockObject(SYSTEM_FONT), sizeof system, &system));
-        font.lfHeight = 23;
-        std::copy_n(system.lfFaceName, LF_FACESIZE, font.lfFaceName);
-        const Canvas canvas(23, 23, 0xFFFFFF);
-        const HFONT hFont = CreateFontIndirectW(&font);
-        const HGDIOBJ hOld = SelectObject(canvas.Dc(), hFont);
-        SetTextColor(canvas.Dc(), bColor ? 0x0000FF : 0);
-        RECT rText = {0, 0, 23, 23};
-        DrawTextW(canvas.Dc(), TEXT("H"), 1, &rText, CENTERED);
-        SelectObject(canvas.Dc(), hOld);
-        DeleteObject(hFont);
-        const Picture wanted = canvas.Pixels();
+        const Picture wanted = Lettered(rBox, TEXT("H"), bColor ? 0x0000FF : 0, 23);
         EXPECT_GT(std::count(wanted.pixels.begin(), wanted.pixels.end(), bColor ? 0xFFu : 0u), 10);
         EXPECT_EQ(Compare(wanted, PartOf(DrawCase(sheet), rBox)).nPixels, 0);
     }

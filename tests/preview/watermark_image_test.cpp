@@ -2,19 +2,14 @@
    short form of its path. */
 #include <cstring>
 
+#include "preview/picture_cases.h"
 #include "preview/short_path.h"
 #include "preview/watermark_image.h"
-#include "support/bitmap_builder.h"
 #include "support/data_file.h"
 #include "support/sample_machine.h"
 #include "support/sweep.h"
 
 namespace {
-
-bool operator==(const StretchArea& one, const StretchArea& other)
-{
-    return one.x == other.x && one.y == other.y && one.cx == other.cx && one.cy == other.cy;
-}
 
 TEST(WatermarkImage, ACopyIsCutInProportionAndEachStepSeesTheOneBefore)
 {
@@ -41,68 +36,19 @@ TEST(WatermarkImage, ACopyIsCutInProportionAndEachStepSeesTheOneBefore)
     }
 }
 
-PreviewRequest RequestOf(WatermarkEntry* pEntry, i32 lPageWidth = 21000)
-{
-    PreviewRequest request = {};
-    pEntry->WMScaleX = pEntry->WMScaleY = 100;
-    request.pWatermark = pEntry;
-    request.lPageWidth = lPageWidth;
-    request.lPageLength = 29700;
-    return request;
-}
-
 TEST(WatermarkImage, SizeAndPlaceComeFromTheWidthOfTheCell)
 {
-    WatermarkEntry entry = {};
-    PreviewRequest request = RequestOf(&entry);
-    StretchArea place;
-    const RECT rCell = {1, 1, 93, 133};
-    entry.WMResolution = 600;
-    ASSERT_TRUE(PlaceWatermarkImage(request, rCell, 600, 300, &place));
-    EXPECT_TRUE((place == StretchArea{41, 64, 11, 5}));
-    entry.WMScaleX = 150;
-    entry.WMScaleY = 50;
-    entry.WMPlacement = 9;
-    entry.WMPositionX = 5;
-    entry.WMPositionY = -4;
-    ASSERT_TRUE(PlaceWatermarkImage(request, rCell, 600, 300, &place));
-    EXPECT_TRUE((place == StretchArea{82, 135, 16, 2}));
-
-    /* All places, of an image of 20 x 10 in a cell of 100 x 50 at 10,20. */
-    const i64 aPlaces[][2] = {{50, 40}, {10, 20}, {50, 20}, {90, 40}, {50, 60}, {10, 40},
-                              {10, 20}, {90, 20}, {10, 60}, {90, 60}, {50, 40}};
-    entry = {};
-    request = RequestOf(&entry, 2540);
-    entry.WMResolution = 100;
-    for (u16 n = 0; n < std::size(aPlaces); n++) { /* the last is none of the list */
-        entry.WMPlacement = n;
-        ASSERT_TRUE(PlaceWatermarkImage(request, {10, 20, 110, 70}, 20, 10, &place));
-        EXPECT_TRUE((place == StretchArea{aPlaces[n][0], aPlaces[n][1], 20, 10})) << n;
+    for (const DataRow& row : ReadRows("preview_image_places.txt")) {
+        PictureCase sheet = CaseOf("", "resolution 0 " + row[0]);
+        sheet.request.pWatermark = &sheet.watermark;
+        const auto cell = ToNumbers<LONG>(row[1]), image = ToNumbers<LONG>(row[2]);
+        StretchArea place;
+        const int bPlaced = PlaceWatermarkImage(sheet.request, {cell[0], cell[1], cell[2], cell[3]}, image[0],
+                                                image[1], &place);
+        EXPECT_EQ((bPlaced ? std::vector{place.x, place.y, place.cx, place.cy} : std::vector<i64>()),
+                  ToNumbers<i64>(row[3]))
+            << row[0];
     }
-}
-
-TEST(WatermarkImage, SizesTakeMoreThan32BitsOrAreNone)
-{
-    WatermarkEntry entry = {};
-    PreviewRequest request = RequestOf(&entry);
-    StretchArea place;
-    const RECT rCell = {0, 0, 200, 280};
-    request.sResolution = 300; /* of the job, for an entry without one */
-    ASSERT_TRUE(PlaceWatermarkImage(request, rCell, 5000, 5000, &place));
-    EXPECT_EQ(place.cx, 403);
-    entry.WMScaleX = entry.WMScaleY = 0xFFFFFFFF;
-    request.lPageWidth = 1;
-    request.sResolution = 1;
-    ASSERT_TRUE(PlaceWatermarkImage(request, rCell, 32767, 32767, &place));
-    EXPECT_EQ(place.cx, 0x7FFFFFFF);
-
-    entry.WMScaleX = entry.WMScaleY = 100;
-    EXPECT_FALSE(PlaceWatermarkImage(RequestOf(&entry), rCell, 100, 100, &place)) << "no resolution at all";
-    entry.WMResolution = 600;
-    EXPECT_FALSE(PlaceWatermarkImage(RequestOf(&entry, 0), rCell, 100, 100, &place));
-    EXPECT_FALSE(PlaceWatermarkImage(RequestOf(&entry, -21000), rCell, 100, 100, &place));
-    EXPECT_FALSE(PlaceWatermarkImage(RequestOf(&entry), {0, 0, 46, 65}, 20, 20, &place)) << "below a pixel";
-    EXPECT_FALSE(PlaceWatermarkImage(RequestOf(&entry), {46, 0, 0, 65}, 600, 600, &place));
 }
 
 TEST(WatermarkImage, TilesBeginLeftOfTheEdgeAsSteppingWouldFind)
@@ -177,23 +123,13 @@ TEST(WatermarkImage, AHeaderOutsideItsBoundsIsNone)
     for (size_t cb = 0; cb < good.size(); cb++) {
         EXPECT_FALSE(Accepts(Bytes(good.begin(), good.begin() + static_cast<long>(cb)), &head)) << cb;
     }
-    const struct {
-        size_t nAt, cb;
-        std::vector<u32> refused, accepted;
-    } fields[] = {{0, 2, {0, 0x4D41, 0x4142, 0xFFFF}, {0x4D42}},
-                  {10, 4, {0, 14, 53, 0x10001, 0xFFFFFFFF}, {54}},
-                  {14, 4, {0, 12, 39, 41, 124, 0xFFFFFFFF}, {40}},
-                  {18, 4, {0, 0x8000, 0x80000000, 0xFFFFFFFF, 0x7FFFFFFF, 5}, {1, 4}},
-                  {22, 4, {0, 5, 0x8000, 0x80000000, 0xFFFFFFFC, 0x7FFFFFFF}, {1, 4}},
-                  {26, 2, {0, 2, 0xFFFF}, {1}},
-                  {28, 2, {0, 2, 15, 25, 32, 64, 0xFFFF}, {1, 4, 8, 16, 24}},
-                  {30, 4, {1, 2, 3, 4, 0xFFFFFFFF}, {0}}};
-    for (const auto& field : fields) {
-        for (const bool bAccepted : {false, true}) {
-            for (const u32 ulValue : bAccepted ? field.accepted : field.refused) {
+    for (const DataRow& row : ReadRows("preview_bitmap_fields.txt")) {
+        const auto field = ToNumbers<size_t>(row[0]);
+        for (const size_t nColumn : {size_t{1}, size_t{2}}) {
+            for (const u32 ulValue : ToNumbers<u32>(row[nColumn])) {
                 Bytes file = good;
-                std::memcpy(file.data() + field.nAt, &ulValue, field.cb);
-                EXPECT_EQ(Accepts(file, &head) != 0, bAccepted) << "at " << field.nAt << ": " << ulValue;
+                std::memcpy(file.data() + field[0], &ulValue, field[1]);
+                EXPECT_EQ(Accepts(file, &head) != 0, nColumn == 2) << "at " << field[0] << ": " << ulValue;
             }
         }
     }
