@@ -281,17 +281,6 @@ class RandomFile {
     bool bWide = false, bBig = false;
 };
 
-std::string Shown(const std::string& bytes)
-{
-    std::string shown;
-    char cCode[8];
-    for (char c : bytes) {
-        std::snprintf(cCode, sizeof cCode, "\\x%02X", static_cast<unsigned char>(c));
-        shown += c >= ' ' && c <= '~' ? std::string(1, c) : cCode;
-    }
-    return shown;
-}
-
 TEST_F(ProfileFiles, RandomFilesAreReadAsTheSystemReadsThem)
 {
     int nFound = 0;
@@ -300,7 +289,7 @@ TEST_F(ProfileFiles, RandomFilesAreReadAsTheSystemReadsThem)
         WideString tcPath = Put(text);
         OwnReader own(tcPath);
         SystemReader system(tcPath);
-        SCOPED_TRACE(std::to_string(i) + ": " + Shown(text));
+        SCOPED_TRACE(std::to_string(i) + ": " + Ascii(Wide(text)));
         ASSERT_EQ(own.Sections(), system.Sections());
         for (const char* cSection : {"sec", "B"}) {
             WideString wcSection = Wide(cSection);

@@ -5,28 +5,19 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "hosted/pe_resources.h"
 #include "hosted/standin.h"
 #include "places.h"
-
-inline Bytes ReadDisk(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file) << path;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+#include "tools/tq/sample_printer.h"
 
 /* TXT.DLL or ENUS.DLL. */
 inline Bytes BuiltLibrary(const char* cName)
 {
     const char* cFolder = std::getenv("TQUI_BUILT");
-    return ReadDisk(std::filesystem::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
+    return ReadDiskFile(std::filesystem::path(cFolder ? cFolder : TQUI_SAMPLES) / cName);
 }
 
 inline std::u16string TextAt(std::span<const u8> file, const PeText& text)

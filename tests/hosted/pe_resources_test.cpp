@@ -1,6 +1,7 @@
 /* What the built language libraries hold, and the reader of resources in PE files on small files made byte by byte. */
 #include <algorithm>
 #include <map>
+#include <regex>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -37,14 +38,11 @@ Strings ReadStrings(std::span<const u8> file, const std::vector<u16>& aLanguages
 /* The conversions of a format one behind the other, from each % to its letter. */
 std::string Conversions(const std::u16string& wcText)
 {
+    static const std::regex conversion("%[^A-Za-z%]*[A-Za-z]");
+    const std::string text = Narrow(wcText);
     std::string all;
-    bool bInside = false;
-    for (const char cChar : Narrow(wcText)) {
-        bInside = bInside || cChar == '%';
-        if (bInside) {
-            all += cChar;
-        }
-        bInside = bInside && !std::isalpha(static_cast<unsigned char>(cChar));
+    for (std::sregex_iterator it(text.begin(), text.end(), conversion), end; it != end; ++it) {
+        all += it->str();
     }
     return all;
 }
