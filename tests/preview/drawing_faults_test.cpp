@@ -229,6 +229,24 @@ TEST_F(DrawingFaults, NoSheetIsCutByTheOneBeforeIt)
     }
 }
 
+TEST_F(DrawingFaults, OutlinesAreLinesOfOnePixel)
+{
+    PictureCase sheet = CaseOf("", "layout 0 text I 1 size 400");
+    sheet.watermark.WMAngle = 0;
+    WideText(u"DejaVu Sans\0\0\0\0", 15).copy(sheet.watermark.WMFace, 15);
+    const Picture got = DrawCase(sheet), blank = DrawCase(CaseOf("", "layout 0"));
+    const auto ink = [&](int x, int y) { return got.At(x, y) != blank.At(x, y); };
+    int nInk = 0, nBlocks = 0;
+    for (int y = 0; y + 1 < got.nHeight; y++) {
+        for (int x = 0; x + 1 < got.nWidth; x++) {
+            nInk += ink(x, y);
+            nBlocks += ink(x, y) && ink(x + 1, y) && ink(x, y + 1) && ink(x + 1, y + 1);
+        }
+    }
+    EXPECT_GT(nInk, 50);
+    EXPECT_EQ(nBlocks, 0);
+}
+
 /* ---- files ---- */
 
 class HostileBitmaps : public DrawingFaults {

@@ -151,8 +151,8 @@ TEST(OutlineText, EachContourIsOneChainOfCubics)
     EXPECT_EQ(ContoursOf(cutting)[0], (Contour{{0, 0}, {0, 0}, {-1, 0}, {-4, 0}, {0, 0}, {-4, 0}, {0, 0}}));
     single.Polygon(At(0, 0))
         .Record(TT_PRIM_QSPLINE, {At(5, 5)})
-        .Record(TT_PRIM_LINE, {})
         .Record(3, {At(7, 7)})
+        .Record(TT_PRIM_LINE, {})
         .Record(TT_PRIM_LINE, {At(9, 9)});
     EXPECT_EQ(ContoursOf(single)[0], (Contour{{0, 0}, {9, 9}, {7, 7}, {9, 9}, {0, 0}, {9, 9}, {0, 0}}));
 
