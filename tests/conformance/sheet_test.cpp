@@ -17,15 +17,11 @@ bool bKeepsActive;
 
 std::string NotificationName(const PSHNOTIFY& notify)
 {
-    switch (notify.hdr.code) {
-    case PSN_SETACTIVE: return "SETACTIVE";
-    case PSN_KILLACTIVE: return "KILLACTIVE";
-    case PSN_APPLY: return "APPLY";
-    case PSN_RESET: return "RESET";
-    case PSN_HELP: return "HELP";
-    case PSN_QUERYCANCEL: return "QUERYCANCEL";
-    default: return "";
-    }
+    static const std::map<UINT, const char*> names = {
+        {PSN_SETACTIVE, "SETACTIVE"}, {PSN_KILLACTIVE, "KILLACTIVE"},   {PSN_APPLY, "APPLY"},
+        {PSN_RESET, "RESET"},         {PSN_QUERYCANCEL, "QUERYCANCEL"}, {PSN_HELP, "HELP"}};
+    const auto name = names.find(notify.hdr.code);
+    return name == names.end() ? "" : name->second;
 }
 
 INT_PTR CALLBACK PageProc(HWND hPage, UINT uMessage, WPARAM, LPARAM lParam)

@@ -16,10 +16,7 @@ namespace {
 
 std::string Error(DWORD dwError)
 {
-#define ERROR_NAME(name) \
-    { \
-        ERROR_##name, #name \
-    }
+#define ERROR_NAME(name) std::pair(ERROR_##name, #name)
     static const std::map<DWORD, const char*> names = {
         ERROR_NAME(FILE_NOT_FOUND),      ERROR_NAME(PATH_NOT_FOUND),    ERROR_NAME(ACCESS_DENIED),
         ERROR_NAME(INVALID_HANDLE),      ERROR_NAME(SHARING_VIOLATION), ERROR_NAME(FILE_EXISTS),

@@ -5,13 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
-
 #include "built_library.h"
 #include "description/control_ids.h"
 #include "description/string_ids.h"
 #include "hosted/dialog_template.h"
+#include "hosted/machine.h"
+#include "platform/glyphs.h"
 #include "support/data_file.h"
 
 namespace {
@@ -208,36 +207,29 @@ template <class Check> void ForEachTemplate(Check check)
 /* Widths of texts in dialog units of a font: its unit is a quarter of the mean width of the 52 letters. */
 class TextMeasure {
   public:
-    explicit TextMeasure(const char* cFont)
+    TextMeasure()
     {
-        FT_Init_FreeType(&library);
-        EXPECT_EQ(FT_New_Face(library, cFont, 0, &face), 0) << cFont;
-        EXPECT_EQ(FT_Set_Char_Size(face, 0, 8 * 64, 960, 960), 0);
-        nUnit = Sum(u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 52 / 4;
+        StartMachine();
+        hDc = CreateCompatibleDC(nullptr);
+        LOGFONTW font = {};
+        font.lfHeight = -960;
+        std::u16string_view(u"DejaVu Sans").copy(font.lfFaceName, LF_FACESIZE - 1);
+        SelectObject(hDc, CreateFontIndirectW(&font));
+        nUnit = Width(u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz") / 52 / 4;
     }
-    ~TextMeasure()
-    {
-        FT_Done_Face(face);
-        FT_Done_FreeType(library);
-    }
+    ~TextMeasure() { StopMachine(); }
     TextMeasure(const TextMeasure&) = delete;
     TextMeasure& operator=(const TextMeasure&) = delete;
 
-    double Width(const std::u16string& wcText) { return Sum(wcText) / nUnit; }
-
-  private:
-    double Sum(const std::u16string& wcText)
+    double Width(const std::u16string& wcText) const
     {
-        double nSum = 0;
-        for (const char16_t wcChar : wcText) {
-            EXPECT_EQ(FT_Load_Char(face, wcChar, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP), 0);
-            nSum += static_cast<double>(face->glyph->advance.x);
-        }
-        return nSum;
+        SIZE size = {};
+        EXPECT_TRUE(GetTextExtentPoint32W(hDc, wcText.c_str(), static_cast<int>(wcText.size()), &size));
+        return size.cx / nUnit;
     }
 
-    FT_Library library{};
-    FT_Face face{};
+  private:
+    HDC hDc;
     double nUnit = 1;
 };
 
@@ -414,7 +406,7 @@ TEST(Templates, AreReadInTheOrderOfTheKeyboard)
    labels leave 40 percent for other languages, but for IDC_LAYOUT_PAGES_LABEL with its combo box beside it. */
 TEST(Templates, GiveTheirTextsRoom)
 {
-    TextMeasure measure("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
+    const TextMeasure measure;
     EXPECT_NEAR(measure.Width(u"nnnn"), 17, 2);
     int nMeasured = 0;
     ForEachTemplate([&](const Library& library, u16 usId, const DialogTemplate& read) {

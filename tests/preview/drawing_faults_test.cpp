@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <random>
+#include <set>
 
 #include <unistd.h>
 
@@ -62,29 +63,13 @@ bool IsUntransferred(const Picture& picture, const RECT& rFrame)
 /* When one of these fails, what it would have drawn is missing; when any other does, a picture or its watermark is. */
 bool LeavesGaps(CallId call)
 {
-    switch (call) {
-    case ANY_CALL:
-    case CALL_LineTo:
-    case CALL_MoveToEx:
-    case CALL_Pie:
-    case CALL_PolyBezier:
-    case CALL_Rectangle:
-    case CALL_StretchBlt:
-    case CALL_DrawTextW:
-    case CALL_ExtTextOutW:
-    case CALL_SetBkMode:
-    case CALL_SetTextColor:
-    case CALL_SetTextAlign:
-    /* Letters in front of the one that fails stay, and a measure that fails is 0. */
-    case CALL_HeapAlloc:
-    case CALL_GetProcessHeap:
-    case CALL_GetGlyphOutlineW:
-    case CALL_GetFontLanguageInfo:
-    case CALL_GetCharacterPlacementW:
-    case CALL_GetTextExtentPointW:
-    case CALL_GetTextExtentPoint32W: return true;
-    default: return false;
-    }
+    static const std::set<CallId> gaps = {
+        ANY_CALL, CALL_LineTo, CALL_MoveToEx, CALL_Pie, CALL_PolyBezier, CALL_Rectangle, CALL_StretchBlt,
+        CALL_DrawTextW, CALL_ExtTextOutW, CALL_SetBkMode, CALL_SetTextColor, CALL_SetTextAlign,
+        /* Letters in front of the one that fails stay, and a measure that fails is 0. */
+        CALL_HeapAlloc, CALL_GetProcessHeap, CALL_GetGlyphOutlineW, CALL_GetFontLanguageInfo,
+        CALL_GetCharacterPlacementW, CALL_GetTextExtentPointW, CALL_GetTextExtentPoint32W};
+    return gaps.count(call) == 1;
 }
 
 struct Held {
