@@ -2,6 +2,7 @@
    worth what this harness is worth. */
 #include <algorithm>
 
+#include "description/string_ids.h"
 #include "hosted/standin.h"
 #include "support/sample_machine.h"
 
@@ -204,7 +205,7 @@ TEST_F(HostedMachine, LiesOfFilesAndTexts)
     const auto ask = [hModule](LieKind kind) {
         WCHAR wcText[12] = {};
         TellLies(kind, CALL_LoadStringW);
-        const int cch = LoadStringW(hModule, 1002, wcText, 10);
+        const int cch = LoadStringW(hModule, IDS_TITLE_LAYOUT, wcText, 10);
         TellLies(LIE_NONE);
         EXPECT_EQ(wcText[10], 0); /* no lie goes beyond the room */
         return std::pair(cch, WideText(wcText));
