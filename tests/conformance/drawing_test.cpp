@@ -54,17 +54,7 @@ class Drawing : public BothBuilds {
         source_.reset();
         BothBuilds::TearDown();
     }
-    void Clear(COLORREF color = WHITE) { Box(hDc_, {0, 0, SIDE + 1, SIDE + 1}, color); }
-    static void Box(HDC hDc, const RECT& r, COLORREF color) /* without an outline: one pixel less */
-    {
-        const HBRUSH hBrush = CreateSolidBrush(color);
-        const HGDIOBJ hOldBrush = SelectObject(hDc, hBrush),
-                      hOldPen = SelectObject(hDc, GetStockObject(NULL_PEN));
-        Rectangle(hDc, r.left, r.top, r.right, r.bottom);
-        SelectObject(hDc, hOldBrush);
-        SelectObject(hDc, hOldPen);
-        EXPECT_TRUE(DeleteObject(hBrush));
-    }
+    void Clear(COLORREF color = WHITE) { FillBox(hDc_, {0, 0, SIDE, SIDE}, color); }
     void Line(int nFromX, int nFromY, int nToX, int nToY)
     {
         MoveToEx(hDc_, nFromX, nFromY, nullptr);
@@ -146,7 +136,7 @@ TEST_F(Drawing, DottedLines)
         Clear();
         Line(0, 0, 14, 0);
         LineTo(hDc_, 30, 0); /* each line begins anew */
-        Box(hDc_, {0, 2, 31, 6}, RED);
+        FillBox(hDc_, {0, 2, 30, 5}, RED);
         Rectangle(hDc_, 0, 2, 13, 6); /* a rectangle runs on around its corners */
         SetBkMode(hDc_, OPAQUE);
         Line(12, 4, 28, 4);
@@ -181,7 +171,7 @@ TEST_F(Drawing, Rectangles)
     Rectangle(hDc_, 6, 0, 8, 2);
     Rectangle(hDc_, 15, 4, 10, 0); /* turned around */
     Rectangle(hDc_, 20, 0, 20, 4);
-    With(GetStockObject(NULL_PEN), [this] { Box(hDc_, {16, 1, 19, 4}, RED); });
+    FillBox(hDc_, {16, 1, 18, 3}, RED);
     EXPECT_EQ(Rows(4, 21),
               "....#.##..#####......\n....#.##..#...#.rr...\n....#.....#...#.rr...\n..........#####......\n");
     With(CreateSolidBrush(RED), [this] {
@@ -387,11 +377,11 @@ TEST_F(Drawing, MonochromeBitmaps)
     EXPECT_EQ(size.bmBitsPixel, 1);
     EXPECT_EQ(size.bmWidthBytes, SIDE / 8);
     SelectObject(hFresh, hMono);
-    Box(hFresh, {0, 0, SIDE + 1, SIDE + 1}, WHITE);
-    Box(hFresh, {2, 1, 6, 4}, BLACK);
+    FillBox(hFresh, {0, 0, SIDE, SIDE}, WHITE);
+    FillBox(hFresh, {2, 1, 5, 3}, BLACK);
     EXPECT_TRUE(BitBlt(hDc_, 0, 0, 8, 4, hFresh, 0, 0, SRCCOPY));
     EXPECT_EQ(Rows(4, 8), "........\n..###...\n..###...\n........\n");
-    Box(hDc_, {0, 0, 4, 4}, RED);
+    FillBox(hDc_, {0, 0, 3, 3}, RED);
     EXPECT_TRUE(BitBlt(hFresh, 0, 0, 8, 4, hDc_, 0, 0, SRCCOPY));
     EXPECT_EQ(GetPixel(hFresh, 0, 0), BLACK);
     EXPECT_EQ(GetPixel(hFresh, 7, 0), WHITE);

@@ -15,18 +15,6 @@ constexpr COLORREF WHITE = 0xFFFFFF, FACE = 0xF5F5F5, RED = 0x0000FF, BLUE = 0xF
 
 class HostedDrawing : public MachineTest {};
 
-void FillDc(HDC hDc, int nLeft, int nTop, int nRight, int nBottom, COLORREF color)
-{
-    const HPEN hPen = CreatePen(PS_SOLID, 0, color);
-    const HBRUSH hBrush = CreateSolidBrush(color);
-    const HGDIOBJ hOldPen = SelectObject(hDc, hPen), hOldBrush = SelectObject(hDc, hBrush);
-    EXPECT_TRUE(Rectangle(hDc, nLeft, nTop, nRight, nBottom));
-    SelectObject(hDc, hOldPen);
-    SelectObject(hDc, hOldBrush);
-    EXPECT_TRUE(DeleteObject(hPen));
-    EXPECT_TRUE(DeleteObject(hBrush));
-}
-
 TEST_F(HostedDrawing, ObjectsInUseAreKept)
 {
     {
@@ -107,7 +95,7 @@ INT_PTR CALLBACK PaintProc(HWND hDialog, UINT uMessage, WPARAM, LPARAM)
     }
     PAINTSTRUCT paint;
     const HDC hDc = BeginPaint(hDialog, &paint);
-    FillDc(hDc, 10, 10, 20, 20, RED);
+    FillBox(hDc, {10, 10, 20, 20}, RED);
     EXPECT_FALSE(DeleteDC(hDc)) << "that is EndPaint's";
     EndPaint(hDialog, &paint);
     return TRUE;
@@ -138,7 +126,7 @@ TEST_F(HostedDrawing, WindowsKeepWhatWasPainted)
     PaintWindows(hDialog);
     InvalidateRect(hInner, &part, 0);
     PAINTSTRUCT paint;
-    FillDc(BeginPaint(hInner, &paint), -50, -50, 500, 500, BLUE);
+    FillBox(BeginPaint(hInner, &paint), {-50, -50, 500, 500}, BLUE);
     EndPaint(hInner, &paint);
     POINT at = {0, 0};
     MapWindowPoints(hInner, hDialog, &at, 1);

@@ -121,6 +121,17 @@ Picture PartOf(const Picture& picture, const RECT& rect)
     return part;
 }
 
+void FillBox(HDC hDc, const RECT& rect, COLORREF color)
+{
+    const HBRUSH hBrush = CreateSolidBrush(color);
+    const HGDIOBJ hOldBrush = SelectObject(hDc, hBrush);
+    const HGDIOBJ hOldPen = SelectObject(hDc, GetStockObject(NULL_PEN));
+    Rectangle(hDc, rect.left, rect.top, rect.right + 1, rect.bottom + 1);
+    SelectObject(hDc, hOldPen);
+    SelectObject(hDc, hOldBrush);
+    DeleteObject(hBrush);
+}
+
 Canvas::Canvas(int nX, int nY, COLORREF color) : nWidth(nX), nHeight(nY)
 {
     const HDC hScreen = CreateDCW(TEXT("DISPLAY"), nullptr, nullptr, nullptr);
@@ -128,13 +139,7 @@ Canvas::Canvas(int nX, int nY, COLORREF color) : nWidth(nX), nHeight(nY)
     hBitmap = CreateCompatibleBitmap(hScreen, nWidth, nHeight);
     DeleteDC(hScreen);
     hOld = SelectObject(hDc, hBitmap);
-    const HBRUSH hBrush = CreateSolidBrush(color);
-    const HGDIOBJ hOldBrush = SelectObject(hDc, hBrush);
-    const HGDIOBJ hOldPen = SelectObject(hDc, GetStockObject(NULL_PEN));
-    Rectangle(hDc, 0, 0, nWidth + 1, nHeight + 1);
-    SelectObject(hDc, hOldPen);
-    SelectObject(hDc, hOldBrush);
-    DeleteObject(hBrush);
+    FillBox(hDc, {0, 0, nWidth, nHeight}, color);
 }
 
 Canvas::~Canvas()

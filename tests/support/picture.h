@@ -28,6 +28,9 @@ bool LoadPng(const std::filesystem::path& path, Picture* pPicture);
 void Fill(Picture* pPicture, const RECT& rect, COLORREF color);
 Picture PartOf(const Picture& picture, const RECT& rect); /* lies inside */
 
+/* Fills a rectangle of a context, its right and bottom left out. */
+void FillBox(HDC hDc, const RECT& rect, COLORREF color);
+
 /* Pixels that differ; the largest difference of one channel in them; where they are; and a picture of it. */
 struct PictureDifference {
     int nPixels = 0, nLargest = 0;
