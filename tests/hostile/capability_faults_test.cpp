@@ -68,7 +68,7 @@ class CapabilityFaults : public MachineTest {
 
     static std::vector<std::string> WordsOf(WORD wQuestion, const GuardedAnswer& answer)
     {
-        return Words({wQuestion, answer.dwFilled, answer.rows});
+        return AnswerWords({wQuestion, answer.dwFilled, answer.rows});
     }
 
     /* The answers of this machine, with the user's file and without, and those of capabilities.txt, in which there are

@@ -30,7 +30,7 @@ std::string Verdict(const DriverDevmode& out, bool bMayBeUntouched)
 /* Where nothing can be asked GDI gets the built-in private part. */
 bool IsTemplate(const DriverDevmode& record)
 {
-    return HasSameBytes(record.rPrivate, recordTemplate.rPrivate);
+    return SameBytes(record.rPrivate, recordTemplate.rPrivate);
 }
 
 } // namespace

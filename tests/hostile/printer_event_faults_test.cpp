@@ -129,6 +129,9 @@ TEST_F(PrinterEventFaults, FalseAnswers)
             }
         }
     }
+    SetSystemVersion(4, 0);
+    sweepBudget.Plan(3);
+    WalkLies({Event(ADD_CONNECTION, false), Event(DELETE_CONNECTION, false), Event(DELETE_PRINTER, false)});
 }
 
 TEST_F(PrinterEventFaults, AFullDiskLeavesWholeFilesOrNone)

@@ -123,7 +123,7 @@ std::vector<std::string> MachineTest::Texts(const CapabilityAnswer& answer)
     return texts;
 }
 
-std::vector<std::string> MachineTest::Words(const CapabilityAnswer& answer)
+std::vector<std::string> MachineTest::AnswerWords(const CapabilityAnswer& answer)
 {
     if (RowBytes(answer.wQuestion) > 8) {
         return Texts(answer);

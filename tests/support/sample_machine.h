@@ -33,7 +33,7 @@ class MachineTest : public BothBuilds {
     static std::vector<i64> Numbers(const CapabilityAnswer& answer);
     static std::vector<std::string> Texts(const CapabilityAnswer& answer);
     /* Either of them as texts; an answer by its number alone, which is hexadecimal where it is made of bits or halves. */
-    static std::vector<std::string> Words(const CapabilityAnswer& answer);
+    static std::vector<std::string> AnswerWords(const CapabilityAnswer& answer);
 
     CapabilityAnswer Ask(WORD wQuestion) { return AskCapability(hPrinter, wcPrinter, wQuestion); }
 
