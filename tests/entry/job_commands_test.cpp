@@ -12,7 +12,6 @@
 #include "support/data_file.h"
 #include "support/job_machine.h"
 #include "support/same_bytes.h"
-#include "support/sweep.h"
 
 namespace {
 
@@ -50,22 +49,6 @@ class JobCommands : public JobTest {
     {
         AddTestPrinter(builder.Build(), ini);
         record = DefaultRecord();
-    }
-
-    /* One call with so much room, of job 7 unless the printer has none; the rest of the record is zero. */
-    struct Call {
-        DWORD dwResult, cbLength;
-        std::string bytes;
-        GuiJobRecord job;
-    };
-    Call CallJob(decltype(&GuiStartJob) fnJob, DWORD cbRoom, DriverDevmode* pRecord)
-    {
-        Call call = {0, cbRoom, std::string(cbRoom, '\0'), {}};
-        call.job.hPrinter = hPrinter;
-        call.job.dwJobId = 7;
-        call.dwResult = fnJob(pRecord, call.bytes.data(), &call.cbLength, &call.job);
-        FreeBlock(call.job.pJobName);
-        return call;
     }
 
     /* The value of "@PJL SET KEY=value" or of the entry "key=value", "-" for none. */
@@ -128,7 +111,11 @@ TEST_F(JobCommands, EverySizeOfABuffer)
         AddJob(wcPrinter, 7, u"Letter");
         record = DefaultRecord();
         JobOutput whole = RunJob(OWN, hPrinter, 7, &record);
-        EXPECT_EQ(CheckEverySize(OWN, hPrinter, 7, record, whole), "");
+        const bool bText =
+            whole.sheet.bytes.empty(); /* printer job language, which has nothing for a sheet */
+        EXPECT_EQ(CheckEverySize(JOB_HEAD, hPrinter, record, whole.head.bytes, bText), "");
+        EXPECT_EQ(CheckEverySize(JOB_SHEET, hPrinter, record, whole.sheet.bytes, bText), "");
+        EXPECT_EQ(CheckEverySize(JOB_TAIL, hPrinter, record, whole.tail.bytes, bText), "");
     }
 }
 
@@ -267,10 +254,10 @@ TEST_F(JobCommands, TheRecordIsSettledInPlace)
     }
     /* The job's number is stored behind the check, which the next call counts as a repair and takes back. */
     record = good;
-    const Call head = CallJob(GuiStartJob, 0, &record);
+    const PartCall head = CallPart(JOB_HEAD, hPrinter, &record, 0);
     EXPECT_EQ(head.dwResult, 2u);
     EXPECT_EQ(u32{record.dmReserved1}, 7u);
-    EXPECT_EQ(static_cast<WCHAR*>(head.job.pJobName), nullptr) << "there is no such job";
+    EXPECT_FALSE(head.bNamed) << "there is no such job";
     GuiSheetRecord sheet = {};
     sheet.hPrinter = hPrinter;
     EXPECT_EQ(GuiStartSheet(&record, &sheet), 2u);
@@ -350,7 +337,7 @@ TEST_F(JobCommands, TheEndTakesTheRecordsDescription)
         CopyWide(tcName, 160, row.wcName);
         std::memcpy(record.rPrivate.tcXPIName, tcName, sizeof tcName);
         std::memcpy(record.rPrivate.tcOverlayDir, tcOverlay, sizeof tcOverlay);
-        const Call end = CallJob(GuiEndJob, 0, &record);
+        const PartCall end = CallPart(JOB_TAIL, hPrinter, &record, 0);
         EXPECT_EQ(end.dwResult, 2u);
         EXPECT_EQ(end.cbLength, row.bTaken ? 1040u : 11u) << Narrow(row.wcName) << row.bOverlay;
     }
@@ -379,7 +366,8 @@ TEST_F(JobCommands, ValuesInHeadsAndSheets)
             assignment == "zero" ? static_cast<void>(std::memset(&record, 0, sizeof record))
                                  : SetRecordField(&record, assignment);
         }
-        const std::string bytes = row[2] == "head" ? CallJob(GuiStartJob, 4000, &record).bytes : Sheet();
+        const std::string bytes =
+            row[2] == "head" ? CallPart(JOB_HEAD, hPrinter, &record, 4000).buffer : Sheet();
         for (const std::string& value : SplitTrimmed(row[3], ',')) {
             const size_t nAt = value.find('=');
             EXPECT_EQ(ValueOf(bytes, value.substr(0, nAt)), UnescapeGolden('"' + value.substr(nAt + 1) + '"'))
@@ -468,7 +456,7 @@ TEST_F(JobCommands, FitOfTheTextForm)
                                               {1043, 2, 1044},
                                               {1044, 1, 1041},
                                               {4096, 1, 1041}}) {
-        const Call head = CallJob(GuiStartJob, cbBuffer, &record);
+        const PartCall head = CallPart(JOB_HEAD, hPrinter, &record, cbBuffer);
         EXPECT_EQ(head.dwResult, dwResult) << cbBuffer;
         EXPECT_EQ(head.cbLength, cbTold) << cbBuffer;
     }
@@ -504,23 +492,20 @@ TEST_F(JobCommands, ANameThatCannotBeConverted)
         AddSample(cSection);
         for (LieKind lie : {LIE_NONE, LIE_HUGE, LIE_SHORT}) {
             record = DefaultRecord();
-            std::string buffer(2000, '#');
-            GuiSheetRecord sheet = {};
-            sheet.hPrinter = hPrinter;
-            sheet.pBuffer = buffer.data();
-            sheet.cbBuffer = 1990;
             FailCall(CALL_WideCharToMultiByte, lie == LIE_NONE ? 1 : 1000);
             TellLies(lie, CALL_WideCharToMultiByte);
-            DWORD dwResult = GuiStartSheet(&record, &sheet);
+            const PartCall sheet = CallPart(JOB_SHEET, hPrinter, &record, 1990, '#');
             TellLies(LIE_NONE);
             StopFaults();
-            if (dwResult == 1) { /* a record's names that are told longer than they are come out short */
+            EXPECT_EQ(sheet.fault, "");
+            if (sheet.dwResult ==
+                1) { /* a record's names that are told longer than they are come out short */
                 EXPECT_STREQ(cSection, "IX300");
                 continue;
             }
-            EXPECT_EQ(dwResult, 2u);
-            EXPECT_EQ(u32{sheet.cbBuffer}, 1990u);
-            EXPECT_EQ(buffer, std::string(1990, '\0') + std::string(10, '#'));
+            EXPECT_EQ(sheet.dwResult, 2u);
+            EXPECT_EQ(sheet.cbLength, 1990u);
+            EXPECT_EQ(sheet.buffer, std::string(1990, '\0'));
         }
     }
 }
@@ -539,13 +524,9 @@ TEST_F(JobCommands, EachFactOfThePrinterIsAskedOnceACall)
         bool bImage = std::string(cSection) == "K100" || std::string(cSection) == "IX300";
         for (int nCall = 0; nCall < 3; nCall++) {
             DriverDevmode copy = record;
-            DWORD cbNone = 0;
-            ResetCallCounts();
-            if (nCall == 1) {
-                EXPECT_EQ(CallSheet(OWN, hPrinter, &copy, nullptr, &cbNone), bImage ? 2u : 1u);
-            } else {
-                EXPECT_EQ(CallJob(nCall ? GuiEndJob : GuiStartJob, 4096, &copy).dwResult, 1u);
-            }
+            const JobPartId part = static_cast<JobPartId>(nCall);
+            EXPECT_EQ(CallPart(part, hPrinter, &copy, part == JOB_SHEET ? 0 : 4096).dwResult,
+                      part == JOB_SHEET && bImage ? 2u : 1u);
             EXPECT_EQ(CallCount(CALL_GetPrinterDriverW), 1);
             EXPECT_EQ(CallCount(CALL_CreateFileW), 1);
             EXPECT_LE(CallCount(CALL_GetPrinterW), bImage);

@@ -8,7 +8,7 @@
 #include "document/defaults.h"
 #include "places.h"
 #include "support/every_reader.h"
-#include "support/sample_machine.h"
+#include "support/job_machine.h"
 #include "support/sweep_totals.h"
 #include "xpi_layout.h"
 
@@ -54,11 +54,23 @@ std::vector<Field> BodyFields()
     return fields;
 }
 
-/* Boundary values of a number, and around a size. */
-std::vector<u64> BoundaryValues(u32 ulSize)
+/* Bytes that are put at an offset of the file. */
+using BytesAt = std::pair<size_t, Bytes>;
+
+/* Each field at boundary values of a number, and around a size. */
+void AddBoundaryValues(std::vector<BytesAt>* pPatches, size_t nBase, const std::vector<Field>& fields,
+                       u32 ulSize)
 {
-    return {0,          1,          0x7FFF,     0x8000, 0xFFFF,     0x7FFFFFFF,
-            0x80000000, 0xFFFFFFFF, ulSize - 1, ulSize, ulSize + 1, u64{1} << 63};
+    for (const Field& field : fields) {
+        for (u64 ullValue :
+             {u64{0}, u64{1}, u64{0x7FFF}, u64{0x8000}, u64{0xFFFF}, u64{0x7FFFFFFF}, u64{0x80000000},
+              u64{0xFFFFFFFF}, u64{ulSize - 1}, u64{ulSize}, u64{ulSize + 1}, u64{1} << 63}) {
+            Bytes bytes;
+            Poke(&bytes, 0, ullValue);
+            bytes.resize(field.cb);
+            pPatches->push_back({nBase + field.nAt, bytes});
+        }
+    }
 }
 
 /* 1 within some bytes of where a section begins. */
@@ -89,12 +101,12 @@ class HostileDescriptions : public MachineTest {
         BuildDefaultRecord(call, wcPrinter.data(), &settings, 1);
     }
 
-    /* Puts some bytes of the description at an offset of the file. */
-    void Patch(const void* pBytes, size_t nAt, size_t cb)
+    /* Puts some bytes into the file, at an offset. */
+    void Write(size_t nAt, const u8* pBytes, size_t cb)
     {
         std::fstream file(host, std::ios::binary | std::ios::in | std::ios::out);
         file.seekp(static_cast<std::streamoff>(nAt));
-        file.write(static_cast<const char*>(pBytes), static_cast<std::streamsize>(cb));
+        file.write(reinterpret_cast<const char*>(pBytes), static_cast<std::streamsize>(cb));
         ASSERT_TRUE(file.flush().good());
     }
 
@@ -129,20 +141,10 @@ class HostileDescriptions : public MachineTest {
 
     std::string JobHead()
     {
-        constexpr size_t ROOM = 4096, GUARD_BYTES = 64;
-        std::string buffer(ROOM + GUARD_BYTES, '#');
-        buffer[0] = '\0';
         DriverDevmode record = settings;
-        GuiJobRecord job = {};
-        job.hPrinter = hPrinter;
-        job.dwJobId = 7;
-        DWORD cbLength = ROOM, dwResult = 0;
-        std::string fault = AsGuest([&] { dwResult = GuiStartJob(&record, buffer.data(), &cbLength, &job); });
-        if (job.pJobName) {
-            HeapFree(GetProcessHeap(), 0, job.pJobName);
-        }
-        bool bGood = buffer.find_first_not_of('#', ROOM) == buffer.npos && (dwResult == 0 || dwResult == 1);
-        return fault + (bGood ? "" : "job head: result " + std::to_string(dwResult) + "; ");
+        const PartCall head = CallPart(JOB_HEAD, hPrinter, &record, 4096);
+        return head.fault +
+               (head.dwResult <= 1 ? "" : "job head: result " + std::to_string(head.dwResult) + "; ");
     }
 
     /* One state of the file, asked all questions and for a job's head. */
@@ -159,22 +161,21 @@ class HostileDescriptions : public MachineTest {
         return fault + late;
     }
 
-    /* Patches each field with each boundary value and asks everything. */
-    void SweepFields(const std::string& stem, const std::vector<Field>& fields, bool bBody)
+    /* Each patch in turn, taken back before the next one; everything is asked of it, or what ask() does. */
+    void SweepPatches(const std::string& stem,
+                      const std::function<std::vector<BytesAt>(const Bytes& whole)>& patches,
+                      const std::function<std::string(size_t nAt)>& ask = {})
     {
-        Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
-        u32 ulBody = Peek<u32>(whole, AT_BODY);
-        size_t nBase = bBody ? ulBody : 0;
-        u32 ulSize = bBody ? Peek<u32>(whole, AT_STRING_BASE) - ulBody : static_cast<u32>(whole.size());
+        const Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
         UseDescription(whole);
         SweepClock clock(&sweepTotals.dLoadSeconds);
-        const std::vector<u64> values = BoundaryValues(ulSize);
-        sweepBudget.Visit(fields.size() * values.size(), [&](size_t nStep) {
-            const Field& field = fields[nStep / values.size()];
-            const u64 ullValue = values[nStep % values.size()];
-            Patch(&ullValue, nBase + field.nAt, field.cb);
-            EXPECT_EQ(AskLoad(), "") << stem << ": " << nBase << "+" << field.nAt << " = " << ullValue;
-            Patch(whole.data() + nBase + field.nAt, nBase + field.nAt, field.cb);
+        const std::vector<BytesAt> all = patches(whole);
+        sweepBudget.Visit(all.size(), [&](size_t nStep) {
+            const auto& [nAt, bytes] = all[nStep];
+            Write(nAt, bytes.data(), bytes.size());
+            EXPECT_EQ(ask ? ask(nAt) : AskLoad(), "")
+                << stem << ", " << nAt << ": " << ::testing::PrintToString(bytes);
+            Write(nAt, whole.data() + nAt, bytes.size());
         });
         ASSERT_EQ(GetFile(u"C:\\drv\\qa.xpi"), whole) << "the patches were not taken back";
     }
@@ -208,58 +209,50 @@ TEST_F(HostileDescriptions, EverySampleCutAtEveryLength)
     }
 }
 
-TEST_F(HostileDescriptions, EveryHeaderFieldAtBoundaryValues)
+TEST_F(HostileDescriptions, EveryHeaderAndBodyFieldAtBoundaryValues)
 {
     sweepBudget.Plan(std::size(acSamples));
     for (const std::string stem : acSamples) {
-        SweepFields(stem, HeaderFields(), false);
-    }
-}
-
-TEST_F(HostileDescriptions, EveryBodyFieldAtBoundaryValues)
-{
-    sweepBudget.Plan(std::size(acSamples));
-    for (const std::string stem : acSamples) {
-        SweepFields(stem, BodyFields(), true);
+        SweepPatches(stem, [](const Bytes& whole) {
+            const u32 ulBody = Peek<u32>(whole, AT_BODY);
+            std::vector<BytesAt> patches;
+            AddBoundaryValues(&patches, 0, HeaderFields(), static_cast<u32>(whole.size()));
+            AddBoundaryValues(&patches, ulBody, BodyFields(), Peek<u32>(whole, AT_STRING_BASE) - ulBody);
+            return patches;
+        });
     }
 }
 
 /* The row that ends a table is made one more row, and then there is no end up to that of the body either. */
 TEST_F(HostileDescriptions, EveryTableWithoutItsEnd)
 {
-    SweepClock clock(&sweepTotals.dLoadSeconds);
+    sweepBudget.Plan(std::size(acSamples));
     for (const std::string stem : acSamples) {
-        const Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
-        const size_t nBody = Peek<u32>(whole, AT_BODY), nEnd = Peek<u32>(whole, AT_STRING_BASE);
-        const bool bImage = Peek<u16>(whole, nBody + 2) == KIND_IMAGE;
-        UseDescription(whole);
-        int nTables = 0;
-        for (const xpifile::Table& table : xpifile::TABLES) {
-            if (!Peek<u64>(whole, nBody + table.slot)) {
-                continue;
+        SweepPatches(stem, [&](const Bytes& whole) {
+            const size_t nBody = Peek<u32>(whole, AT_BODY), nEnd = Peek<u32>(whole, AT_STRING_BASE);
+            const bool bImage = Peek<u16>(whole, nBody + 2) == KIND_IMAGE;
+            std::vector<BytesAt> patches;
+            for (const xpifile::Table& table : xpifile::TABLES) {
+                if (!Peek<u64>(whole, nBody + table.slot)) {
+                    continue;
+                }
+                size_t nAt = nBody + Peek<u32>(whole, nBody + table.slot);
+                while (nAt < nEnd && (table.endBytes == 1 ? Peek<u8>(whole, nAt) : Peek<u16>(whole, nAt))) {
+                    nAt += xpifile::RowBytes(table, bImage);
+                }
+                EXPECT_LT(nAt, nEnd) << stem << ", slot " << table.slot;
+                for (u8 bFirst : {u8{0x01}, u8{0x7F}, u8{0xFF}}) {
+                    Bytes rest(whole.begin() + static_cast<std::ptrdiff_t>(nAt),
+                               whole.begin() + static_cast<std::ptrdiff_t>(nEnd));
+                    std::fill_n(rest.begin(), table.endBytes, bFirst);
+                    patches.push_back({nAt, rest});
+                    std::replace(rest.begin(), rest.end(), u8{0}, bFirst);
+                    patches.push_back({nAt, rest});
+                }
             }
-            size_t nAt = nBody + Peek<u32>(whole, nBody + table.slot);
-            const auto first = [&] {
-                return table.endBytes == 1 ? Peek<u8>(whole, nAt) : Peek<u16>(whole, nAt);
-            };
-            while (nAt < nEnd && first()) {
-                nAt += xpifile::RowBytes(table, bImage);
-            }
-            ASSERT_LT(nAt, nEnd) << stem << ", slot " << table.slot;
-            nTables++;
-            for (int nFirst : {0x01, 0x7F, 0xFF}) {
-                Bytes rest(whole.begin() + static_cast<std::ptrdiff_t>(nAt),
-                           whole.begin() + static_cast<std::ptrdiff_t>(nEnd));
-                std::fill_n(rest.begin(), table.endBytes, static_cast<u8>(nFirst));
-                Patch(rest.data(), nAt, rest.size());
-                ASSERT_EQ(AskLoad(), "") << stem << ", slot " << table.slot << ", first " << nFirst;
-                std::replace(rest.begin(), rest.end(), u8{0}, static_cast<u8>(nFirst));
-                Patch(rest.data(), nAt, rest.size());
-                ASSERT_EQ(AskLoad(), "") << stem << ", slot " << table.slot << ", all " << nFirst;
-            }
-            Patch(whole.data() + nAt, nAt, nEnd - nAt);
-        }
-        EXPECT_GE(nTables, 5) << stem;
+            EXPECT_GE(patches.size(), 5u * 6u) << stem;
+            return patches;
+        });
     }
 }
 
@@ -268,18 +261,19 @@ TEST_F(HostileDescriptions, EveryWordAtBoundaryValues)
 {
     sweepBudget.Plan(std::size(acSamples));
     for (const std::string stem : acSamples) {
-        Bytes whole = ReadDiskFile(TQUI_SAMPLES "/" + stem + ".XPI");
-        UseDescription(whole);
-        SweepClock clock(&sweepTotals.dLoadSeconds);
-        const size_t nBody = Peek<u32>(whole, AT_BODY), nWords = (Peek<u32>(whole, AT_FONT_DATA) - nBody) / 2;
-        sweepBudget.Visit(2 * nWords, [&](size_t nStep) {
-            const size_t nAt = nBody + nStep / 2 * 2;
-            const u16 usValue = nStep % 2 ? 0xFFFF : 0x8000;
-            Patch(&usValue, nAt, sizeof usValue);
-            std::string fault =
-                bEveryLoad ? AskLoad() : AskSome(nAt / 2, 2) + (nAt % 8 == 0 ? ReadAll() : "");
-            EXPECT_EQ(fault, "") << stem << ": word at " << nAt << " = " << usValue;
-            Patch(whole.data() + nAt, nAt, sizeof(u16));
-        });
+        SweepPatches(
+            stem,
+            [](const Bytes& whole) {
+                std::vector<BytesAt> patches;
+                for (size_t nAt = Peek<u32>(whole, AT_BODY); nAt + 2 <= Peek<u32>(whole, AT_FONT_DATA);
+                     nAt += 2) {
+                    patches.push_back({nAt, {0x00, 0x80}});
+                    patches.push_back({nAt, {0xFF, 0xFF}});
+                }
+                return patches;
+            },
+            [&](size_t nAt) {
+                return bEveryLoad ? AskLoad() : AskSome(nAt / 2, 2) + (nAt % 8 == 0 ? ReadAll() : "");
+            });
     }
 }

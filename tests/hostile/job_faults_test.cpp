@@ -4,7 +4,6 @@
 #include <set>
 
 #include "support/job_machine.h"
-#include "support/sweep.h"
 
 namespace {
 
@@ -115,43 +114,24 @@ class JobFaults : public JobTest {
         return fault;
     }
 
-    /* The three calls, each with a large buffer between guards. */
+    /* The three calls, each with a large buffer. */
     std::string PlayJob(DriverDevmode record)
     {
+        const std::pair<const char*, const JobPart*> aParts[] = {
+            {"head", &honest.head}, {"sheet", &honest.sheet}, {"tail", &honest.tail}};
         std::string fault;
-        for (int nCall = 0; nCall < 3; nCall++) {
-            std::string buffer(ROOM + 128, '#');
-            buffer.replace(64, ROOM, ROOM, '\0');
-            DWORD cbLength = ROOM, dwResult = 99;
-            GuiJobRecord job = {};
-            GuiSheetRecord sheet = {};
-            job.hPrinter = sheet.hPrinter = hPrinter;
-            job.dwJobId = 7;
-            sheet.pBuffer = buffer.data() + 64;
-            sheet.cbBuffer = ROOM;
-            if (nCall == 1) {
-                fault += AsGuest([&] { dwResult = GuiStartSheet(&record, &sheet); });
-                cbLength = sheet.cbBuffer;
-            } else {
-                const auto fnJob = nCall ? GuiEndJob : GuiStartJob;
-                fault += AsGuest([&] { dwResult = fnJob(&record, buffer.data() + 64, &cbLength, &job); });
+        for (JobPartId part : {JOB_HEAD, JOB_SHEET, JOB_TAIL}) {
+            const PartCall call = CallPart(part, hPrinter, &record, ROOM);
+            fault += call.fault;
+            if (bLying) {
+                fault += call.dwResult > 2 || call.cbLength > ROOM ? "wrong answer; " : "";
+                continue;
             }
-            if (job.pJobName) {
-                WideText wcName = job.pJobName;
-                HeapFree(GetProcessHeap(), 0, job.pJobName);
-                fault += bLying || wcName == u"Brief an Gr\u00F6\u00DFe" ? "" : "another job name; ";
+            if (call.bNamed && call.wcJobName != u"Brief an Gr\u00F6\u00DFe") {
+                fault += "another job name; ";
             }
-            if (buffer.substr(0, 64) + buffer.substr(64 + ROOM) != std::string(128, '#')) {
-                fault += "wrote outside; ";
-            }
-            if (!bLying) {
-                const std::pair<const char*, const JobPart*> aParts[] = {
-                    {"head", &honest.head}, {"sheet", &honest.sheet}, {"tail", &honest.tail}};
-                fault += Judge(aParts[nCall].first, dwResult, cbLength, buffer.substr(64, ROOM),
-                               *aParts[nCall].second);
-            } else if (dwResult > 2 || cbLength > ROOM) {
-                fault += "wrong answer; ";
-            }
+            fault +=
+                Judge(aParts[part].first, call.dwResult, call.cbLength, call.buffer, *aParts[part].second);
         }
         return fault;
     }
