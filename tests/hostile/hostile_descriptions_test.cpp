@@ -1,6 +1,6 @@
-/* Description files that are cut, patched or made wrong: every question, a job's head and every reader keep within
-   their buffers, their time and their memory, and the answers are those of an absent table or model.
-   Under sanitizers some of the lengths are asked everything; with TQUI_EVERY_LOAD set, each of them. */
+/* Description files that are cut or patched: every question, a job's head and every reader keep within their buffers,
+   their time and their memory. What a wrong table, text or command reads as, the tests of the description say. Under
+   sanitizers some of the lengths are asked everything; with TQUI_EVERY_LOAD set, each of them. */
 #include <cstdlib>
 #include <fstream>
 #include <map>
