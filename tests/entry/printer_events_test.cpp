@@ -290,6 +290,23 @@ TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
     EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
 }
 
+/* Names that fill their fields without an end are cut: 14 and 31 bytes, and a NUL. */
+TEST_F(PrinterEvents, NamesInTheDigestAreCut)
+{
+    DescriptionBuilder builder;
+    MediaRow medium = {1, builder.Text("Name"), 0, {}, 1};
+    std::memset(medium.cMediaName, 'm', sizeof medium.cMediaName);
+    builder.Table<MediaRow>(offsetof(XpiModel, pMediaTypes), {medium, {}});
+    builder.Table<PaperRow>(offsetof(XpiModel, pPaperTable),
+                            {{1, 9, 2100, 2970, 1, 0, 0, 0, "ABCDEFGHIJKLMNOP"}, {}});
+    AddTestPrinter(builder.Build());
+    Raise(INITIALIZE);
+    const std::string papers("\x09\0ABCDEFGHIJKLMN\0", 17),
+        media = std::string(31, 'm') + std::string(2, '\0');
+    EXPECT_EQ(Value(u"PaperNames"), Bytes(papers.begin(), papers.end()));
+    EXPECT_EQ(Value(u"MediaTypes"), Bytes(media.begin(), media.end()));
+}
+
 /* The spooler asks the driver again while it takes the driver's own record: no state is held across its call. */
 TEST_F(PrinterEvents, TheSpoolerMayCallBackWithinTheCall)
 {
