@@ -1,5 +1,6 @@
 /* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
 #include "document/defaults.h"
+#include "entry/font_file.h"
 #include "places.h"
 #include "settingsfile/settings_reader.h"
 #include "support/event_machine.h"
@@ -288,6 +289,22 @@ TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
     EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
     EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));
     EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
+}
+
+/* The folders of other driver versions below W32X86 have copies of the font file: a smaller one follows. */
+TEST_F(PrinterEvents, CopiesOfTheFontFileFollow)
+{
+    InstallSample("T410A");
+    PrinterSetup setup = GetPrinterSetup(wcPrinter);
+    setup.tcDataFile = u"C:\\drv\\W32X86\\3\\t.fdf";
+    AddPrinter(setup);
+    PutFile(setup.tcDataFile, Bytes(1000, 0x46));
+    PutFile(u"C:\\drv\\W32X86\\2\\t.fdf", Bytes(999, 0x47));
+    PutFile(u"C:\\drv\\W32X86\\4\\t.fdf", Bytes(1000000, 0x48));
+    PrinterCall call(hPrinter);
+    SyncDataFileCopies(call);
+    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\2\\t.fdf"), GetFile(setup.tcDataFile));
+    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\4\\t.fdf"), Bytes(1000000, 0x48));
 }
 
 /* Names that fill their fields without an end are cut: 14 and 31 bytes, and a NUL. */
