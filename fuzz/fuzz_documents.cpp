@@ -66,7 +66,7 @@ Given TakeRecord(Input* pInput, const DriverDevmode& standard, u8 bFlags)
 
 bool IsSound(const DriverDevmode& record, bool bLies)
 {
-    return IsWellFormed(record) || (bLies && HasSameBytes(record.rPrivate, recordTemplate.rPrivate));
+    return IsWellFormed(record) || (bLies && SameBytes(record.rPrivate, recordTemplate.rPrivate));
 }
 
 void CallOnce(Input* pInput, Sample& sample)

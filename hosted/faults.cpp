@@ -17,7 +17,8 @@ int anCounts[CALL_COUNT];
 CallId faultCall = ANY_CALL;
 int nFaultIn = 0; /* calls left until the fault; 0: none set */
 FaultMode faultMode = FAIL_ONCE;
-int bFailing = 0; /* FAIL_FROM_THERE has begun */
+int bFailing = 0;    /* FAIL_FROM_THERE has begun */
+int nFaultTurns = 0; /* since FailCall: calls that could have been the one to fail */
 int nFailed = 0;
 bool abRefused[CALL_COUNT];
 LieKind lieKind = LIE_NONE;
@@ -51,7 +52,13 @@ void FailCall(CallId call, int nTh, FaultMode mode)
     nFaultIn = nTh;
     faultMode = mode;
     bFailing = 0;
+    nFaultTurns = 0;
     nFailed = 0;
+}
+
+int FaultTurns()
+{
+    return nFaultTurns;
 }
 
 void RefuseCalls(const std::vector<CallId>& calls)
@@ -86,6 +93,7 @@ int CallFails(CallId call)
     if (call == CALL_GetProcessHeap || call == CALL_GetLastError || call == CALL_SetLastError) {
         return 0;
     }
+    nFaultTurns++;
     if (nFaultIn && --nFaultIn == 0) {
         bFailing = faultMode == FAIL_FROM_THERE;
         nFailed++;
@@ -111,6 +119,11 @@ int StopLies()
 {
     lieKind = LIE_NONE;
     return nLies;
+}
+
+int LieTurns()
+{
+    return nTurns;
 }
 
 bool CouldLie(LieKind kind, CallId call)

@@ -170,6 +170,7 @@ void FailCall(CallId call, int nTh, FaultMode mode = FAIL_ONCE);
 void RefuseCalls(const std::vector<CallId>& calls);
 /* Ends the fault. Result: how many calls failed; 0 says that the loop over n is through. */
 int StopFaults();
+int FaultTurns(); /* since FailCall: how many calls there were of which each could have been the n-th */
 
 /* ---- lies: calls succeed with answers that an honest system does not give ---- */
 enum LieKind {
@@ -185,6 +186,7 @@ enum LieKind {
 /* At every turn, or at the n-th of those at which the lie could be told; LIE_NONE stops them. */
 void TellLies(LieKind kind, CallId call = ANY_CALL, int nTh = 0);
 int StopLies();                           /* Result: how many were told since TellLies */
+int LieTurns();                           /* since TellLies: how many turns there were */
 bool CouldLie(LieKind kind, CallId call); /* whether there was a turn for it since TellLies */
 
 /* ---- what is held ---- */

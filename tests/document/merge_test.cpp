@@ -376,7 +376,7 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
     in.rPrivate.sContrast = 51;
     out = Merged(in);
     EXPECT_EQ(out.dmCopies, 7) << "a bad private part is replaced alone";
-    EXPECT_TRUE(HasSameBytes(out.rPrivate, standard.rPrivate));
+    EXPECT_TRUE(SameBytes(out.rPrivate, standard.rPrivate));
     in.dmSpecVersion = 1024;
     EXPECT_EQ(FirstDifference(Merged(in), fitted), -1) << "a bad public part takes all with it";
 

@@ -103,7 +103,7 @@ TEST_F(DocumentEvents, TheRecordIsSettledHalfByHalf)
     EXPECT_EQ(Reset(&in), pMerged) << "one record a thread";
     EXPECT_EQ(in.rPrivate.sContrast, 60);
     EXPECT_EQ(pMerged->dmCopies, 7);
-    EXPECT_TRUE(HasSameBytes(pMerged->rPrivate, standard.rPrivate));
+    EXPECT_TRUE(SameBytes(pMerged->rPrivate, standard.rPrivate));
     in.dmSpecVersion = 1024;
     Create(&in);
     EXPECT_EQ(FirstDifference(*pMerged, standard), -1);

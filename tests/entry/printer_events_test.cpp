@@ -1,8 +1,10 @@
 /* A printer's life by its events: what each leaves with the printer, in the spooler and on the disk. */
 #include "document/defaults.h"
+#include "entry/font_file.h"
 #include "places.h"
 #include "settingsfile/settings_reader.h"
 #include "support/event_machine.h"
+#include "support/power_cuts.h"
 #include "tools/tq/machine_text.h"
 
 namespace {
@@ -25,6 +27,15 @@ class PrinterEvents : public EventTest<MachineTest> {
         return Narrow(wcText.substr(0, wcText.find(u'\0')));
     }
 
+    Bytes BuiltDefault()
+    {
+        DriverDevmode record;
+        PrinterCall call(hPrinter);
+        BuildDefaultRecord(call, wcPrinter.data(), &record, 1);
+        const u8* pRecord = reinterpret_cast<const u8*>(&record);
+        return Bytes(pRecord, pRecord + sizeof record);
+    }
+
     std::vector<std::string> FormNames() const
     {
         std::vector<std::string> names;
@@ -45,7 +56,7 @@ std::string WithoutFiles(const std::string& text)
 
 TEST_F(PrinterEvents, InitializeLeavesWithEachSampleWhatItsDescriptionSays)
 {
-    for (const char* cStem : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+    for (const char* cStem : acSamples) {
         SCOPED_TRACE(cStem);
         DropMachineForms();
         SetPrintProcessors({"winprint=localspl.dll"});
@@ -56,12 +67,8 @@ TEST_F(PrinterEvents, InitializeLeavesWithEachSampleWhatItsDescriptionSays)
                       std::to_string(GetFile(tcFontFile).size()) + " bytes\n",
                   std::string(golden.begin(), golden.end()));
         /* The stored record is the built default, and the user's file reads back into it. */
-        PrinterSetup setup = GetPrinterSetup(wcPrinter);
-        DriverDevmode record;
-        PrinterCall call(hPrinter);
-        BuildDefaultRecord(call, wcPrinter.data(), &record, 1);
-        const u8* pRecord = reinterpret_cast<const u8*>(&record);
-        EXPECT_EQ(setup.devmode, Bytes(pRecord, pRecord + sizeof record));
+        EXPECT_EQ(GetPrinterSetup(wcPrinter).devmode, BuiltDefault());
+        EXPECT_EQ(GetPrinterSetup(wcPrinter).nSecurityWrites, 0) << "rights are for who means to change them";
         EXPECT_TRUE(HasFile(UserFolder(u"worker") + u"\\00abcdef.tqs"));
         EXPECT_EQ(AnnouncedPrinters().back(), Narrow(wcPrinter));
         EXPECT_EQ(StartedPrograms().back(), "C:\\WINDOWS\\SYSTEM32\\SPOOL\\DRIVERS\\X64\\3\\GLYF.EXE|hidden");
@@ -121,25 +128,21 @@ TEST_F(PrinterEvents, LostPowerLeavesTheFontFileBaseOrWhole)
     Raise(INITIALIZE);
     const Bytes whole = GetFile(tcFontFile);
     PutFile(tcFontFile, base);
-    LogDisk();
-    Raise(INITIALIZE);
-    const std::vector<PowerCut> cuts = PowerCuts(8);
-    int nBase = 0, nWhole = 0;
-    for (const PowerCut& cut : cuts) {
-        CutPower(cut);
-        Bytes left = GetFile(tcFontFile);
-        nBase += left == base;
-        nWhole += left == whole;
-        /* What was left beside it stands in nobody's way. */
-        if (left == base && nBase % 16 == 1) {
-            Raise(INITIALIZE);
-            EXPECT_EQ(GetFile(tcFontFile), whole);
-            EXPECT_FALSE(HasFile(tcFontFile + u".new"));
-        }
-    }
-    EXPECT_EQ(nBase + nWhole, static_cast<int>(cuts.size()));
-    EXPECT_GT(nBase, 0);
-    EXPECT_GT(nWhole, 0);
+    int nBase = 0;
+    const PowerSweep sweep = SweepPowerCuts(
+        tcFontFile, 8, [&] { Raise(INITIALIZE); },
+        [&] {
+            const Bytes left = GetFile(tcFontFile);
+            if (left == base && nBase++ % 16 == 0) { /* what was left beside it stands in nobody's way */
+                Raise(INITIALIZE);
+                EXPECT_EQ(GetFile(tcFontFile), whole);
+                EXPECT_FALSE(HasFile(tcFontFile + u".new"));
+            }
+            return OldOrNew(left, base, whole);
+        });
+    EXPECT_EQ(sweep.fault, "");
+    EXPECT_GT(sweep.nOld, 0u);
+    EXPECT_GT(sweep.nNew, 0u);
 }
 
 TEST_F(PrinterEvents, ASecondSettingUpStartsTheLoadOfFormsAndSizesAnew)
@@ -286,4 +289,57 @@ TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
     EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
     EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));
     EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
+}
+
+/* The folders of other driver versions below W32X86 have copies of the font file: a smaller one follows. */
+TEST_F(PrinterEvents, CopiesOfTheFontFileFollow)
+{
+    InstallSample("T410A");
+    PrinterSetup setup = GetPrinterSetup(wcPrinter);
+    setup.tcDataFile = u"C:\\drv\\W32X86\\3\\t.fdf";
+    AddPrinter(setup);
+    PutFile(setup.tcDataFile, Bytes(1000, 0x46));
+    PutFile(u"C:\\drv\\W32X86\\2\\t.fdf", Bytes(999, 0x47));
+    PutFile(u"C:\\drv\\W32X86\\4\\t.fdf", Bytes(1000000, 0x48));
+    PrinterCall call(hPrinter);
+    SyncDataFileCopies(call);
+    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\2\\t.fdf"), GetFile(setup.tcDataFile));
+    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\4\\t.fdf"), Bytes(1000000, 0x48));
+}
+
+/* Names that fill their fields without an end are cut: 14 and 31 bytes, and a NUL. */
+TEST_F(PrinterEvents, NamesInTheDigestAreCut)
+{
+    DescriptionBuilder builder;
+    MediaRow medium = {1, builder.Text("Name"), 0, {}, 1};
+    std::memset(medium.cMediaName, 'm', sizeof medium.cMediaName);
+    builder.Table<MediaRow>(offsetof(XpiModel, pMediaTypes), {medium, {}});
+    builder.Table<PaperRow>(offsetof(XpiModel, pPaperTable),
+                            {{1, 9, 2100, 2970, 1, 0, 0, 0, "ABCDEFGHIJKLMNOP"}, {}});
+    AddTestPrinter(builder.Build());
+    Raise(INITIALIZE);
+    const std::string papers("\x09\0ABCDEFGHIJKLMN\0", 17),
+        media = std::string(31, 'm') + std::string(2, '\0');
+    EXPECT_EQ(Value(u"PaperNames"), Bytes(papers.begin(), papers.end()));
+    EXPECT_EQ(Value(u"MediaTypes"), Bytes(media.begin(), media.end()));
+}
+
+/* The spooler asks the driver again while it takes the driver's own record: no state is held across its call. */
+TEST_F(PrinterEvents, TheSpoolerMayCallBackWithinTheCall)
+{
+    static int nAgain;
+    nAgain = 0;
+    InstallSample("K100");
+    SetSpoolerCallback([] {
+        DriverDevmode out;
+        DWORD cb = RECORD_SIZE;
+        WCHAR wcName[] = u"Ostra K100";
+        nAgain += DrvConvertDevMode(wcName, nullptr, reinterpret_cast<PDEVMODEW>(&out), &cb, 1) &&
+                  DrvPrinterEvent(wcName, ADD_CONNECTION, 0, 0);
+    });
+    EXPECT_EQ(Raise(INITIALIZE), 1);
+    SetSpoolerCallback(nullptr);
+    EXPECT_EQ(nAgain, 2) << "the record and the print processor";
+    EXPECT_EQ(GetPrinterSetup(wcPrinter).devmode, BuiltDefault());
+    EXPECT_EQ(GetPrinterSetup(wcPrinter).wcPrintProcessor, u"JOB");
 }

@@ -4,14 +4,10 @@
 #include <set>
 
 #include "support/job_machine.h"
-#include "support/sweep.h"
 
 namespace {
 
-constexpr int RUN_LIMIT = 2000;
 constexpr DWORD ROOM = 4096;
-const JobExports OWN = {GuiStartJob, GuiStartSheet, GuiEndJob};
-
 bool IsText(const JobOutput& output)
 {
     return output.sheet.bytes.empty();
@@ -118,43 +114,24 @@ class JobFaults : public JobTest {
         return fault;
     }
 
-    /* The three calls, each with a large buffer between guards. */
+    /* The three calls, each with a large buffer. */
     std::string PlayJob(DriverDevmode record)
     {
+        const std::pair<const char*, const JobPart*> aParts[] = {
+            {"head", &honest.head}, {"sheet", &honest.sheet}, {"tail", &honest.tail}};
         std::string fault;
-        for (int nCall = 0; nCall < 3; nCall++) {
-            std::string buffer(ROOM + 128, '#');
-            buffer.replace(64, ROOM, ROOM, '\0');
-            DWORD cbLength = ROOM, dwResult;
-            GuiJobRecord job = {};
-            GuiSheetRecord sheet = {};
-            job.hPrinter = sheet.hPrinter = hPrinter;
-            job.dwJobId = 7;
-            sheet.pBuffer = buffer.data() + 64;
-            sheet.cbBuffer = ROOM;
-            if (nCall == 1) {
-                dwResult = GuiStartSheet(&record, &sheet);
-                cbLength = sheet.cbBuffer;
-            } else {
-                dwResult = (nCall ? GuiEndJob : GuiStartJob)(&record, buffer.data() + 64, &cbLength, &job);
+        for (JobPartId part : {JOB_HEAD, JOB_SHEET, JOB_TAIL}) {
+            const PartCall call = CallPart(part, hPrinter, &record, ROOM);
+            fault += call.fault;
+            if (bLying) {
+                fault += call.dwResult > 2 || call.cbLength > ROOM ? "wrong answer; " : "";
+                continue;
             }
-            if (job.pJobName) {
-                WideText wcName = job.pJobName;
-                HeapFree(GetProcessHeap(), 0, job.pJobName);
-                fault += bLying || wcName == u"Brief an Gr\u00F6\u00DFe" ? "" : "another job name; ";
+            if (call.bNamed && call.wcJobName != u"Brief an Gr\u00F6\u00DFe") {
+                fault += "another job name; ";
             }
-            if (buffer.substr(0, 64) + buffer.substr(64 + ROOM) != std::string(128, '#')) {
-                fault += "wrote outside; ";
-            }
-            if (!bLying) {
-                JobPart JobOutput::*const aParts[] = {&JobOutput::head, &JobOutput::sheet, &JobOutput::tail};
-                fault += Judge(nCall == 0   ? "head"
-                               : nCall == 1 ? "sheet"
-                                            : "tail",
-                               dwResult, cbLength, buffer.substr(64, ROOM), honest.*aParts[nCall]);
-            } else if (dwResult > 2 || cbLength > ROOM) {
-                fault += "wrong answer; ";
-            }
+            fault +=
+                Judge(aParts[part].first, call.dwResult, call.cbLength, call.buffer, *aParts[part].second);
         }
         return fault;
     }
@@ -167,37 +144,27 @@ class JobFaults : public JobTest {
 
 TEST_F(JobFaults, EveryCallFailsOnceAndFromThenOn)
 {
-    for (const char* cSection : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+    const std::vector<CallId> calls = {ANY_CALL, CALL_HeapAlloc, CALL_ReadFile};
+    sweepBudget.Plan(std::size(acSamples) * 3 * 2 * calls.size());
+    for (const char* cSection : acSamples) {
+        SCOPED_TRACE(cSection);
         Use(cSection);
-        const DriverDevmode zero = {};
-        int nFaults = 0;
-        for (const DriverDevmode& record : {good, zero, Refused()}) {
-            for (CallId call : {ANY_CALL, CALL_HeapAlloc, CALL_ReadFile}) {
-                for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
-                    FaultSweep sweep = SweepFaults(call, mode, RUN_LIMIT, [&] { return PlayJob(record); });
-                    EXPECT_EQ(sweep.fault, "") << cSection;
-                    nFaults += sweep.nFaults;
-                }
-            }
-        }
-        EXPECT_GT(nFaults, 300) << cSection;
+        EXPECT_GT(WalkFaults({{"a good record", [this] { return PlayJob(good); }},
+                              {"zeros", [this] { return PlayJob({}); }},
+                              {"a refused record", [this] { return PlayJob(Refused()); }}},
+                             calls),
+                  sweepBudget.IsSet() ? 0 : 300);
     }
 }
 
 TEST_F(JobFaults, LyingCalls)
 {
     bLying = true;
+    sweepBudget.Plan(8);
     for (const char* cSection : {"T410A", "QPS", "K100", "IX300"}) {
+        SCOPED_TRACE(cSection);
         Use(cSection);
-        DriverDevmode refused = {};
-        for (const DriverDevmode& record : {good, refused}) {
-            EXPECT_EQ(SweepLies([&] {
-                          std::string fault;
-                          std::string bounds = WithinBounds([&] { fault = PlayJob(record); });
-                          return fault + bounds;
-                      }),
-                      "")
-                << cSection;
-        }
+        WalkLies(
+            {{"a good record", [this] { return PlayJob(good); }}, {"zeros", [this] { return PlayJob({}); }}});
     }
 }

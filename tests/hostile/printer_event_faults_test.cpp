@@ -1,36 +1,26 @@
 /* The four events while the system fails or lies: each call that they make fails once, and from then on, at each of
    its turns; every call gives each kind of false answer; the disk is full, names lead elsewhere. */
-#include <map>
-
-#include "support/sample_machine.h"
+#include "support/event_machine.h"
 #include "support/sweep.h"
 
 namespace {
 
-constexpr int RUN_LIMIT = 20000;
-enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER };
-
+constexpr int anEvents[] = {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER};
 const WideText tcOther = u"C:\\Users\\worker\\other.ini";
 
-class PrinterEventFaults : public MachineTest {
+class PrinterEventFaults : public EventTest<MachineTest> {
   protected:
     void Use(const char* cStem)
     {
         AddSample(cStem);
         setup = GetPrinterSetup(wcPrinter);
-        tcFolder = u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\" + wcPrinter;
+        tcFolder = UserFolder(u"worker");
         Arrange(INITIALIZE);
         Raise(INITIALIZE);
         whole = GetFile(setup.tcDataFile);
         values = PrinterValues(wcPrinter);
         settings = GetFile(tcFolder + u"\\00abcdef.tqs");
         ASSERT_FALSE(settings.empty());
-    }
-
-    int Raise(int nEvent)
-    {
-        WideText wcName = wcPrinter;
-        return DrvPrinterEvent(wcName.data(), nEvent, 0, 0);
     }
 
     /* The machine as the event finds it: empty for INITIALIZE, without a settings file for a new connection, whole for
@@ -51,10 +41,8 @@ class PrinterEventFaults : public MachineTest {
             }
         }
         if (nEvent == DELETE_CONNECTION || nEvent == DELETE_PRINTER) {
-            std::string rows =
-                "[Watermarks]\r\nNumWatermarks=1\r\nWMType0=2\r\nWMString0=x\r\nWMImageName0=y\r\n"
-                "WMResolution0=1\r\nWMWidth0=1\r\nWMHeight0=1\r\nWMFileName0=" +
-                Narrow(tcFolder) + "\\a.wm\r\nWMColorFile0=" + Narrow(tcOther) + "\r\n";
+            const std::string rows =
+                WatermarkRows({Narrow(tcFolder) + "\\a.wm"}) + "WMColorFile0=" + Narrow(tcOther) + "\r\n";
             PutFile(tcFolder + u"\\00abcdef.tqs", std::string_view(rows));
         }
     }
@@ -78,30 +66,19 @@ class PrinterEventFaults : public MachineTest {
         return fault;
     }
 
-    int SweepEvent(int nEvent, std::initializer_list<CallId> calls)
+    /* The event, on a machine that is arranged anew without a counted call, so that the fault meets the event. */
+    Scenario Event(int nEvent, bool bJudged = true)
     {
-        int nFaults = 0;
-        for (CallId call : calls) {
-            for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
-                FaultSweep sweep = SweepFaults(call, mode, RUN_LIMIT, [&] {
-                    StopFaultsAround([&] { Arrange(nEvent); });
-                    int bResult = Raise(nEvent);
+        return {"event " + std::to_string(nEvent), [this, nEvent, bJudged] {
+                    const int nBefore = CallCount(ANY_CALL);
+                    Arrange(nEvent);
+                    EXPECT_EQ(CallCount(ANY_CALL), nBefore);
+                    int bResult = 0;
+                    const std::string fault = AsGuest([&] { bResult = Raise(nEvent); });
                     DropSemaphores();
-                    return Verdict(nEvent, bResult);
-                });
-                EXPECT_EQ(sweep.fault, "") << "event " << nEvent;
-                nFaults += sweep.nFaults;
-            }
-        }
-        return nFaults;
-    }
-
-    /* Arranging makes no counted call; said once, so that a change of that is noticed. */
-    void StopFaultsAround(const std::function<void()>& body)
-    {
-        int nBefore = CallCount(ANY_CALL);
-        body();
-        EXPECT_EQ(CallCount(ANY_CALL), nBefore);
+                    StopLies();
+                    return fault + (bJudged ? Verdict(nEvent, bResult) : "");
+                }};
     }
 
     PrinterSetup setup;
@@ -117,24 +94,25 @@ TEST_F(PrinterEventFaults, EveryCallFailsOnceAndFromThereOn)
 {
     SetSystemVersion(4, 0);
     Use("QP5");
+    sweepBudget.Plan(2 * std::size(anEvents));
     int nFaults = 0;
-    for (int nEvent : {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER}) {
-        nFaults += SweepEvent(nEvent, {ANY_CALL}); /* allocations among them */
+    for (int nEvent : anEvents) {
+        nFaults += WalkFaults({Event(nEvent)}); /* allocations among them */
     }
-    EXPECT_GT(nFaults, 1000);
-    DropSemaphores();
+    EXPECT_GT(nFaults, sweepBudget.IsSet() ? 0 : 1000);
 }
 
 TEST_F(PrinterEventFaults, CallsOfTheOtherKindsFail)
 {
+    const std::vector<CallId> calls = {
+        CALL_HeapAlloc, CALL_SetPrinterDataW,      CALL_CreateFileW,      CALL_ReadFile,
+        CALL_WriteFile, CALL_MoveFileExW,          CALL_GetPrinterW,      CALL_SetPrinterW,
+        CALL_AddFormW,  CALL_EnumPrintProcessorsW, CALL_GetPrinterDriverW};
+    sweepBudget.Plan(3 * 2 * calls.size());
     for (const char* cStem : {"T410A", "K100", "T440B"}) {
+        SCOPED_TRACE(cStem);
         Use(cStem);
-        EXPECT_GT(
-            SweepEvent(INITIALIZE, {CALL_HeapAlloc, CALL_SetPrinterDataW, CALL_CreateFileW, CALL_ReadFile,
-                                    CALL_WriteFile, CALL_MoveFileExW, CALL_GetPrinterW, CALL_SetPrinterW,
-                                    CALL_AddFormW, CALL_EnumPrintProcessorsW, CALL_GetPrinterDriverW}),
-            100)
-            << cStem;
+        EXPECT_GT(WalkFaults({Event(INITIALIZE)}, calls), sweepBudget.IsSet() ? 0 : 100);
     }
 }
 
@@ -143,25 +121,17 @@ TEST_F(PrinterEventFaults, FalseAnswers)
     for (const char* cStem : {"T410A", "QP5", "K100", "T440B"}) {
         Use(cStem);
         for (int nLie = LIE_SHORT; nLie < LIE_KIND_COUNT; nLie++) {
-            for (int nEvent : {ADD_CONNECTION, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER}) {
-                for (int nTurn = 0; nTurn < 3; nTurn++) {
-                    Arrange(nEvent);
-                    EXPECT_EQ(SweepLie(static_cast<LieKind>(nLie), ANY_CALL,
-                                       [&] {
-                                           int bResult = 0;
-                                           std::string fault = WithinBounds([&] { bResult = Raise(nEvent); });
-                                           StopLies();
-                                           /* A file told shorter than it is is taken for its own base. */
-                                           return fault + (nLie == LIE_SHORT || nLie == LIE_HUGE
-                                                               ? ""
-                                                               : Verdict(nEvent, bResult));
-                                       }),
-                              "")
-                        << cStem << ", event " << nEvent;
-                }
+            for (int nEvent : anEvents) {
+                /* A file told shorter than it is is taken for its own base. */
+                const Scenario event = Event(nEvent, nLie != LIE_SHORT && nLie != LIE_HUGE);
+                EXPECT_EQ(SweepLie(static_cast<LieKind>(nLie), ANY_CALL, event.run), "")
+                    << cStem << ", " << event.name;
             }
         }
     }
+    SetSystemVersion(4, 0);
+    sweepBudget.Plan(3);
+    WalkLies({Event(ADD_CONNECTION, false), Event(DELETE_CONNECTION, false), Event(DELETE_PRINTER, false)});
 }
 
 TEST_F(PrinterEventFaults, AFullDiskLeavesWholeFilesOrNone)

@@ -10,6 +10,21 @@ enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER }
 inline const WideText tcUsers = u"C:\\Users\\";
 inline const WideText tcOurFolder = u"\\Application Data\\Corvantis Optics\\";
 
+/* Watermark rows of a settings file that name these images' files. */
+inline std::string WatermarkRows(const std::vector<std::string>& files)
+{
+    std::string text = "[Watermarks]\r\nNumWatermarks=" + std::to_string(files.size()) + "\r\n";
+    for (size_t i = 0; i < files.size(); i++) {
+        for (const std::string& value :
+             std::initializer_list<std::string>{"Type#=2", "String#=x", "ImageName#=y", "Resolution#=1",
+                                                "Width#=1", "Height#=1", "FileName#=" + files[i]}) {
+            std::string line = "WM" + value + "\r\n";
+            text += line.replace(line.find('#'), 1, std::to_string(i));
+        }
+    }
+    return text;
+}
+
 /* Base: MachineTest or one made from it. */
 template <class Base> class EventTest : public Base {
   protected:

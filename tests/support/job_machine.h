@@ -7,7 +7,10 @@
 #include "standins/job_core.h"
 #include "support/job_golden.h"
 #include "support/sample_machine.h"
+#include "support/sweep.h"
 #include "tools/tq/record_text.h"
+
+inline const JobExports OWN = {GuiStartJob, GuiStartSheet, GuiEndJob};
 
 class JobTest : public MachineTest {
   protected:
@@ -45,63 +48,71 @@ class JobTest : public MachineTest {
     }
 };
 
-/* One call with a buffer of cbSize bytes between guards; call(pBuffer, pcbLength, pRecord). Result: what is
-   wrong. */
-template <class Call>
-std::string CheckSize(Call call, DWORD cbSize, DriverDevmode record, const std::string& whole, bool bText)
+/* A part of a job, in the order of the calls. */
+enum JobPartId { JOB_HEAD, JOB_SHEET, JOB_TAIL };
+
+/* What one call of a part gave, for a buffer between guards. */
+struct PartCall {
+    DWORD dwResult = 99, cbLength; /* as the call left them */
+    std::string buffer;            /* whole */
+    bool bNamed;
+    WideText wcJobName;
+    std::string fault; /* of a guest, or of the guards */
+    std::string Bytes() const { return buffer.substr(0, cbLength); }
+};
+
+inline PartCall CallPart(JobPartId part, HANDLE hPrinter, DriverDevmode* pRecord, DWORD cbRoom,
+                         char cFill = '\0', DWORD dwJobId = 7)
 {
-    constexpr size_t GUARD = 64;
-    std::string buffer(2 * GUARD + cbSize, '#');
-    buffer.replace(GUARD, cbSize, std::string(cbSize, bText ? '\0' : '~')); /* parameters clear the buffer */
-    DWORD cbLength = cbSize;
-    DWORD dwResult = call(buffer.data() + GUARD, &cbLength, &record);
-    const std::string written = buffer.substr(GUARD, cbSize);
-    std::string fault;
-    if (buffer.substr(0, GUARD) != std::string(GUARD, '#') ||
-        buffer.substr(GUARD + cbSize) != std::string(GUARD, '#')) {
-        fault += "wrote outside; ";
+    const std::string guard(64, '#');
+    std::string buffer = guard + std::string(cbRoom, cFill) + guard;
+    void* pBuffer = buffer.data() + guard.size();
+    PartCall call;
+    GuiJobRecord job = {};
+    GuiSheetRecord sheet = {};
+    job.hPrinter = sheet.hPrinter = hPrinter;
+    job.dwJobId = dwJobId;
+    sheet.pBuffer = pBuffer;
+    sheet.cbBuffer = call.cbLength = cbRoom;
+    const auto fnJob = part == JOB_HEAD ? GuiStartJob : GuiEndJob;
+    call.fault = AsGuest([&] {
+        call.dwResult = part == JOB_SHEET ? GuiStartSheet(pRecord, &sheet)
+                                          : fnJob(pRecord, pBuffer, &call.cbLength, &job);
+    });
+    if (part == JOB_SHEET) {
+        call.cbLength = sheet.cbBuffer;
     }
-    if (dwResult == 1 && (cbLength > cbSize || written.substr(0, cbLength) != whole.substr(0, cbLength) ||
-                          cbLength != whole.size())) {
-        fault += "another text than the whole; ";
+    call.bNamed = job.pJobName != nullptr;
+    if (call.bNamed) {
+        call.wcJobName = job.pJobName;
+        HeapFree(GetProcessHeap(), 0, job.pJobName);
     }
-    if (dwResult == 2 && (cbLength <= cbSize || cbLength < whole.size())) {
-        fault += "too small, and no more is asked for; ";
-    }
-    if (dwResult != 1 && dwResult != 2) {
-        fault += "result " + std::to_string(dwResult) + "; ";
-    }
-    if (dwResult == 2 && bText && !whole.empty()) {
-        std::string front = written.c_str();
-        bool bPieces = front.empty() || (front.size() >= 2 && front.substr(front.size() - 2) == "\r\n");
-        if (whole.compare(0, front.size(), front) != 0 || !bPieces || cbLength != whole.size()) {
-            fault += "no whole pieces from the front; ";
-        }
-    }
-    return fault.empty() ? "" : "size " + std::to_string(cbSize) + ": " + fault;
+    call.buffer = buffer.substr(guard.size(), cbRoom);
+    call.fault += buffer.starts_with(guard) && buffer.ends_with(guard) ? "" : "wrote outside; ";
+    return call;
 }
 
-/* The three parts with every buffer size from 0 to some more than needed. */
-inline std::string CheckEverySize(const JobExports& exports, HANDLE hPrinter, DWORD dwJobId,
-                                  const DriverDevmode& record, const JobOutput& whole)
+/* The part with every buffer size from 0 to some more than needed: the whole, or a larger size asked for with whole
+   pieces from the front. Result: what is wrong. */
+inline std::string CheckEverySize(JobPartId part, HANDLE hPrinter, const DriverDevmode& record,
+                                  const std::string& whole, bool bText)
 {
-    std::string fault;
-    const auto start = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        return CallStart(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength, nullptr);
-    };
-    const auto sheet = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        return CallSheet(exports, hPrinter, pRecord, pBuffer, pcbLength);
-    };
-    const auto end = [&](void* pBuffer, DWORD* pcbLength, DriverDevmode* pRecord) {
-        return CallEnd(exports, hPrinter, dwJobId, pRecord, pBuffer, pcbLength);
-    };
-    bool bText = whole.sheet.bytes.empty(); /* printer job language, which has nothing for a sheet */
-    for (DWORD cbSize = 0; cbSize <= whole.head.bytes.size() + 8; cbSize++) {
-        fault += CheckSize(start, cbSize, record, whole.head.bytes, bText);
-        fault += CheckSize(sheet, cbSize, record, whole.sheet.bytes, bText);
-        fault += CheckSize(end, cbSize, record, whole.tail.bytes, bText);
+    std::string faults;
+    for (DWORD cbSize = 0; cbSize <= whole.size() + 8; cbSize++) {
+        DriverDevmode copy = record;
+        const PartCall call = CallPart(part, hPrinter, &copy, cbSize, bText ? '\0' : '~');
+        const std::string front = call.buffer.c_str();
+        const bool bPieces = front.empty() || (front.ends_with("\r\n") && whole.starts_with(front));
+        const bool bWhole = call.dwResult == JOB_DONE && call.cbLength <= cbSize && call.Bytes() == whole;
+        const bool bAsks = call.dwResult == JOB_TOO_SMALL && call.cbLength > cbSize &&
+                           call.cbLength >= whole.size() &&
+                           (!bText || whole.empty() || (bPieces && call.cbLength == whole.size()));
+        if (!call.fault.empty() || !(bWhole || bAsks)) {
+            faults += "size " + std::to_string(cbSize) + " gives " + std::to_string(call.dwResult) + "; " +
+                      call.fault;
+        }
     }
-    return fault;
+    return faults;
 }
 
 #endif

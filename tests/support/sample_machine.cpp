@@ -3,6 +3,8 @@
 
 #include "entry/exports.h"
 #include "places.h"
+#include "support/data_file.h"
+#include "support/job_golden.h"
 #include "xpi_format.h"
 
 void MachineTest::SetUp()
@@ -54,6 +56,45 @@ HANDLE MachineTest::AddSample(const std::string& nameOrSection)
     return hPrinter;
 }
 
+std::vector<std::string> MachineTest::AddChanged(const std::string& sample, const std::string& changes)
+{
+    AddSample(sample);
+    std::vector<std::pair<std::string, std::string>> overrides;
+    std::vector<std::string> sets;
+    Bytes installed(16);
+    for (const std::string& change : SplitTrimmed(changes, ';')) {
+        const size_t nKind = std::min(change.find(' '), change.size());
+        const std::string kind = change.substr(0, nKind),
+                          text = change.substr(std::min(nKind + 1, change.size()));
+        const size_t nAt = text.find('=');
+        const std::string name = text.substr(0, nAt), value = nAt == text.npos ? "" : text.substr(nAt + 1);
+        if (kind == "xpi") {
+            overrides.emplace_back(name, value);
+        } else if (kind == "ini") {
+            PutFile(wcDriverFolder + Widen(sample) + u".INI", UnescapeGolden('"' + text + '"'));
+        } else if (kind == "options" || kind == "inputs") {
+            Poke(&installed, kind == "options" ? 8 : 0, static_cast<u32>(ToNumber(text)));
+            SetPrinterValue(wcPrinter, u"DeviceInfo", REG_BINARY, installed);
+        } else if (kind == "number") {
+            Bytes bytes;
+            Poke(&bytes, 0, static_cast<u32>(ToNumber(value)));
+            SetPrinterValue(wcPrinter, Widen(name), REG_DWORD, bytes);
+        } else if (kind == "text") {
+            SetPrinterText(wcPrinter, Widen(name), Widen(value));
+        } else if (kind == "language") {
+            SetUserLanguage(static_cast<u16>(ToNumber("0x" + text)));
+        } else if (kind == "set") {
+            sets.push_back(text);
+        } else {
+            EXPECT_EQ(kind, "") << "no change that is known";
+        }
+    }
+    if (!overrides.empty()) {
+        PutFile(wcDriverFolder + Widen(sample) + u".XPI", CompileSample(sample, overrides));
+    }
+    return sets;
+}
+
 std::vector<i64> MachineTest::Numbers(const CapabilityAnswer& answer)
 {
     size_t cbRow = RowBytes(answer.wQuestion);
@@ -80,6 +121,25 @@ std::vector<std::string> MachineTest::Texts(const CapabilityAnswer& answer)
         texts.push_back(Narrow(wcText));
     }
     return texts;
+}
+
+std::vector<std::string> MachineTest::AnswerWords(const CapabilityAnswer& answer)
+{
+    if (RowBytes(answer.wQuestion) > 8) {
+        return Texts(answer);
+    }
+    if (!RowBytes(answer.wQuestion)) {
+        const bool bHex = answer.wQuestion == DC_FIELDS || answer.wQuestion == DC_MINEXTENT ||
+                          answer.wQuestion == DC_MAXEXTENT;
+        char cNumber[16];
+        std::snprintf(cNumber, sizeof cNumber, bHex ? "0x%08X" : "%u", answer.dwResult);
+        return {cNumber};
+    }
+    std::vector<std::string> words;
+    for (i64 lNumber : Numbers(answer)) {
+        words.push_back(std::to_string(lNumber));
+    }
+    return words;
 }
 
 const std::vector<InfModel>& SampleModels()

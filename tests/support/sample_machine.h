@@ -21,9 +21,19 @@ class MachineTest : public BothBuilds {
     /* The printer of a sample, installed and opened. */
     HANDLE AddSample(const std::string& nameOrSection);
 
+    /* A sample with changes, as rows of test data write them, separated by ';':
+         xpi KEY=VALUE  of its description       ini TEXT         its .INI file, \r and \n as such
+         options 0x10   installed, no other      inputs 0x3       the same of input bins
+         number N=98    printer value, DWORD     text N=a.ext     printer value
+         language 0407  of the user              set TEXT         handed back for the record
+       Result: what is set. */
+    std::vector<std::string> AddChanged(const std::string& sample, const std::string& changes);
+
     /* Row-by-row answers: numbers of a list, texts of a list. */
     static std::vector<i64> Numbers(const CapabilityAnswer& answer);
     static std::vector<std::string> Texts(const CapabilityAnswer& answer);
+    /* Either of them as texts; an answer by its number alone, which is hexadecimal where it is made of bits or halves. */
+    static std::vector<std::string> AnswerWords(const CapabilityAnswer& answer);
 
     CapabilityAnswer Ask(WORD wQuestion) { return AskCapability(hPrinter, wcPrinter, wQuestion); }
 
@@ -38,6 +48,9 @@ class MachineTest : public BothBuilds {
 
     std::optional<OpenSample> opened;
 };
+
+/* Sections of the package's samples, one of each kind of printer. */
+inline constexpr const char* acSamples[] = {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"};
 
 /* The samples' INF, read once. */
 const std::vector<InfModel>& SampleModels();

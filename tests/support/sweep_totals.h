@@ -19,7 +19,15 @@ class TotalsPrinter : public ::testing::Environment {
             "[  TOTALS  ] %lld faults in %.0f s, %lld false answers in %.0f s, %lld loads in %.0f s\n",
             static_cast<long long>(t.nInjections), t.dFaultSeconds, static_cast<long long>(t.nLies),
             t.dLieSeconds, static_cast<long long>(t.nLoads), t.dLoadSeconds);
-        if (GTEST_FLAG_GET(filter) == "*") {
+        const SweepBudget& budget = sweepBudget;
+        if (budget.IsSet()) {
+            std::printf("[  BUDGET  ] visited %zu of %zu steps\n", budget.nVisited, budget.nSteps);
+            EXPECT_GE(budget.nVisited * SweepBudget::LEAST_PART, budget.nSteps);
+        }
+        if (GTEST_FLAG_GET(filter) == "*" && budget.IsSet()) {
+            EXPECT_GE(static_cast<i64>(budget.nSteps), least.nInjections + least.nLies + least.nLoads);
+            EXPECT_GT(budget.nVisited, 0u);
+        } else if (GTEST_FLAG_GET(filter) == "*") {
             EXPECT_GE(t.nInjections, least.nInjections);
             EXPECT_GE(t.nLies, least.nLies);
             EXPECT_GE(t.nLoads, least.nLoads);

@@ -2,16 +2,8 @@
 #ifndef TQUI_TESTS_WELL_FORMED_H
 #define TQUI_TESTS_WELL_FORMED_H
 
-#include <algorithm>
-
 #include "settings/driver_devmode.h"
-
-/* Byte for byte, gaps and unions included. */
-template <class Part> bool HasSameBytes(const Part& one, const Part& other)
-{
-    const u8* pOne = reinterpret_cast<const u8*>(&one);
-    return std::equal(pOne, pOne + sizeof one, reinterpret_cast<const u8*>(&other));
-}
+#include "support/same_bytes.h"
 
 inline bool IsWellFormed(const DriverDevmode& record)
 {
