@@ -1,6 +1,6 @@
 /* The lists of settings files: watermarks and font substitutions. */
-#include <chrono>
 #include <cstring>
+#include <ctime>
 
 #include "hosted/standin.h"
 #include "settingsfile/font_substitutions.h"
@@ -196,10 +196,9 @@ TEST_F(Lists, TheLongestFilesTakeBoundedTimeAndMemory)
     for (const auto& [text, nRows] : {std::pair(&lines, WATERMARK_LIMIT), std::pair(&alike, 1)}) {
         PutFile(LIST_FILE, std::string_view(*text));
         size_t cbBefore = PeakBlockBytes();
-        const auto begun = std::chrono::steady_clock::now();
+        const clock_t begun = std::clock(); /* of the process: another's load does not count */
         EXPECT_EQ(ReadRows(LIST_FILE).size(), static_cast<size_t>(nRows));
-        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-        EXPECT_LT(took.count(), 3) << "minutes when each key is looked for in all of them";
+        EXPECT_LT(std::clock() - begun, 4 * CLOCKS_PER_SEC) << "minutes when each key is looked for in all";
         EXPECT_LT(PeakBlockBytes() - cbBefore, CALL_BLOCK_BYTES);
     }
     PutFile(LIST_FILE, lines + "x");
