@@ -4,6 +4,7 @@
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
 #include "places.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -115,75 +116,27 @@ TEST_F(LanguageTest, LibrariesAreLoadedAsData)
 
 TEST_F(LanguageTest, CodesOfTheLanguages)
 {
-    /* Primary id, then the codes of its sublanguages from 1 up. */
-    constexpr const char* aRows[] = {
-        "0 NEUT NEUT",
-        "1 SAUD IRAQ EGYP LIBY ALGE MORO TUNI OMAN YEME SYRI JORD LEBA KUWA UAE BAHR QATA",
-        "2 BULG",
-        "3 CATA",
-        "4 CTRA CSIM CHON CSIN",
-        "5 CZEC",
-        "6 DANI",
-        "7 GERM GSWI GAUS GLUX GLIE",
-        "8 GREE",
-        "9 ENUS ENUK ENAU ENCA ENNZ ENEI ENSA ENJA ENCR ENBE ENTR",
-        "10 SCAS SMEX SMOD SGUA SCOS SPAN SDOM SVEN SCOL SPER SARG SECU SCHI SURU SPAR SBOL SELS SHON SNIC SPUE",
-        "11 FINN",
-        "12 FREN FBEL FCAN FSWI FLUX",
-        "13 HEBR",
-        "14 HUNG",
-        "15 ICEL",
-        "16 ITAL ISWI",
-        "17 JAPA",
-        "18 KORE KJOH",
-        "19 DUTC DBEL",
-        "20 BOKM NYNO",
-        "21 POLI",
-        "22 BRAZ PORT",
-        "23 ROMA",
-        "24 RUSS",
-        "25 CROA",
-        "26 SERB SLAT SCYR",
-        "27 SLOK",
-        "28 ALBA",
-        "29 SWED SFIN",
-        "30 THAI",
-        "31 TURK",
-        "32 INDO",
-        "33 UKRA",
-        "34 BELA",
-        "35 SLON",
-        "36 ESTO",
-        "37 LATV",
-        "38 LITH",
-        "39 FARS",
-        "40 VIET",
-        "41 BASQ",
-        "42 AFRI",
-        "43 FAER",
-    };
     u16 usPrimary = 0;
-    for (const char* cRow : aRows) {
-        std::istringstream row(cRow);
+    for (const DataRow& line : ReadRows("languages.txt")) {
+        std::istringstream row(line[1]);
         std::string code;
-        row >> usPrimary;
+        usPrimary = static_cast<u16>(ToNumber(line[0]));
         u16 usSub = 0;
         while (row >> code) {
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << cRow;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << usPrimary;
         }
         if (usPrimary != 0) {
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, 0).wcText), "") << cRow;
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, static_cast<u16>(usSub + 1)).wcText), "") << cRow;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, 0).wcText), "") << usPrimary;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, static_cast<u16>(usSub + 1)).wcText), "") << usPrimary;
         }
     }
     EXPECT_EQ(usPrimary, 43);
     for (u16 usSub : std::initializer_list<u16>{0, 1, 2, 3}) { /* the neutral language counts from 0 */
         EXPECT_EQ(Ascii(GetLanguageCode(0, usSub).wcText), usSub < 3 ? "NEUT" : "") << usSub;
     }
-    EXPECT_EQ(Ascii(GetLanguageCode(44, 1).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(0x3FF, 1).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(7, 63).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(0xFFFF, 0xFFFF).wcText), "");
+    for (const auto& [usOther, usSub] : {std::pair<u16, u16>{44, 1}, {0x3FF, 1}, {7, 63}, {0xFFFF, 0xFFFF}}) {
+        EXPECT_EQ(Ascii(GetLanguageCode(usOther, usSub).wcText), "") << usOther;
+    }
     SetUserLanguage(0xFC07);
     EXPECT_EQ(GetUserLanguage(), 7);
 }

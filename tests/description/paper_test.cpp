@@ -2,6 +2,7 @@
 #include "description/custom_sizes.h"
 #include "description/margins.h"
 #include "description/paper.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -14,18 +15,11 @@ const char* const SAVED_TWO =
     "CustomName0=Sheet\r\nCustomWidth0=20009\r\nCustomLength0=30000\r\nCustomMetric0=1\r\n"
     "CustomName1=Strip\r\nCustomWidth1=9999\r\nCustomLength1=70000\r\nCustomMetric1=0\r\n";
 
-struct Size {
-    i32 lMetric, lWidth, lLength;
-    bool operator==(const Size&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, const Size& size)
+std::string SavedSize(const std::string& width, const std::string& length)
 {
-    return out << size.lWidth << " x " << size.lLength << " metric " << size.lMetric;
+    return "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=S\r\nCustomWidth0=" + width +
+           "\r\nCustomLength0=" + length + "\r\nCustomMetric0=1\r\n";
 }
-
-constexpr Size A4_BUILT_IN = {1, 2100, 2970}, LETTER_BUILT_IN = {0, 2159, 2794};
-
-using Pair = std::pair<i32, i32>;
 
 class PaperTest : public MachineTest {
   protected:
@@ -49,21 +43,25 @@ class PaperTest : public MachineTest {
         ASSERT_TRUE(pModel);
     }
 
-    Size SizeOf(i16 sCode, bool bModel = true)
+    /* The answer to a question of papers.txt. */
+    std::string Answer(const std::string& question)
     {
         PrinterCall call(hPrinter);
-        i16 sWidth = -77, sLength = -77;
-        i32 lMetric = GetPaperSize(call, bModel ? pModel.get() : nullptr, sCode, &sWidth, &sLength);
-        return {lMetric, sWidth, sLength};
+        const XpiModel* pOf = question.find("without a model") == question.npos ? pModel.get() : nullptr;
+        int nCode = 0, nOrientation = 0, nDpi = 0;
+        if (std::sscanf(question.c_str(), "size %d", &nCode) == 1) {
+            i16 sWidth = -77, sLength = -77;
+            const i32 lMetric = GetPaperSize(call, pOf, static_cast<i16>(nCode), &sWidth, &sLength);
+            return std::to_string(lMetric) + " " + std::to_string(sWidth) + " " + std::to_string(sLength);
+        }
+        EXPECT_EQ(std::sscanf(question.c_str(), "margins %d %d %d", &nCode, &nOrientation, &nDpi), 3)
+            << question;
+        const Margins margins =
+            GetPrintableMargins(call, pOf, static_cast<i16>(nCode), static_cast<u16>(nOrientation), nDpi);
+        return std::to_string(margins.lX) + " " + std::to_string(margins.lY);
     }
 
-    Pair MarginsOf(i16 sCode, u16 usOrientation, i32 lDpi, bool bModel = true)
-    {
-        PrinterCall call(hPrinter);
-        Margins margins =
-            GetPrintableMargins(call, bModel ? pModel.get() : nullptr, sCode, usOrientation, lDpi);
-        return {margins.lX, margins.lY};
-    }
+    void DescribeAs(const std::string& name);
 
     std::vector<PaperSizeRow> Forms()
     {
@@ -123,83 +121,71 @@ DescriptionBuilder WithMargins()
     return builder;
 }
 
+void PaperTest::DescribeAs(const std::string& name)
+{
+    auto Has = [&name](const char* cWords) { return name.find(cWords) != std::string::npos; };
+    DescriptionBuilder builder, margins = WithMargins();
+    std::string ini = Has("saved papers") ? SAVED_TWO : "";
+    const size_t nSize = name.find(" saved paper of "), nTimes = name.find(" x ");
+    if (nSize != name.npos) {
+        ini = SavedSize(name.substr(nSize + 16, nTimes - nSize - 16), name.substr(nTimes + 3));
+    } else if (Has("a broken list")) {
+        ini = SAVED_TWO;
+        ini.replace(ini.find("CustomLength0"), 13, "CustomLengthX");
+    }
+    if (Has("paper table")) {
+        builder.Table<PaperRow>(8, {A4_ROW,
+                                    {1, 118, 1016, 1524, 0, 0, 0, 0, {}},
+                                    {1, 0, 11, 22, 3, 0, 0, 0, {}},
+                                    {1, 200, 100, 200, 0, 0, 0, 0, {}},
+                                    {1, 256, 1234, 2345, 0, 0, 0, 0, {}},
+                                    {1, 300, 3000, 5000, 0, 0, 0, 0, {}},
+                                    {1, 447, 1500, 2100, 0, 0, 0, 0, {}},
+                                    {1, 448, 777, 888, 1, 0, 0, 0, {}},
+                                    {1, -9, 5, 6, 0, 0, 0, 0, {}},
+                                    {}});
+    } else if (Has("extreme margins")) {
+        builder.Table<MarginRow>(166, {Closing(Margin(0, 1, {32767, -32768, 1, 2}))});
+    } else if (Has("margins behind the body")) {
+        builder.Set<u64>(166, 0x5000);
+    } else if (!Has("no margins") && !Has(" alone")) {
+        builder.Table<PaperRow>(8, {A4_ROW, {}});
+    }
+    if (Has(" forms")) { /* both custom maxima are 0: they decide what is listed, not what is resolved */
+        AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
+        AddMachineForm(u"Card", FORM_USER, 100000, 150000);
+        AddMachineForm(u"Banner", FORM_PRINTER, 210000, 1188000);
+        AddMachineForm(u"Card", FORM_USER, 215904, 215905);
+    }
+    SetLocaleValue(u"iMeasure", Has(", inches") ? u"1" : u"0");
+    Describe(name.rfind("margins", 0) == 0 && !Has(" behind") ? margins : builder, ini);
+}
+
 } // namespace
+
+TEST_F(PaperTest, SizesAndMargins)
+{
+    std::string name;
+    for (const DataRow& row : ReadRows("papers.txt")) {
+        if (row.size() == 1) {
+            name = row[0];
+            pModel.reset();
+            StartMachine(); /* without the forms of the description before */
+            DescribeAs(name);
+        } else {
+            EXPECT_EQ(Answer(row[0]), row[1]) << name << ", " << row[0];
+        }
+    }
+}
 
 TEST_F(PaperTest, TheLocaleChoosesTheDefaultPaper)
 {
-    struct Case {
-        const WCHAR* wcMeasure;
-        int bMetric;
-    };
-    for (Case row :
-         {Case{u"0", 1}, Case{u"1", 0}, Case{u"2", 1}, Case{u"-1", 1}, Case{u"x", 1}, Case{u"", 0}}) {
-        SetLocaleValue(u"iMeasure", row.wcMeasure); /* "" takes the value away: that counts as 1 */
-        EXPECT_EQ(IsMetricLocale(), row.bMetric);
-        EXPECT_EQ(GetDefaultPaper(), row.bMetric ? 9 : 1);
-        AddTestPrinter(Bytes());
-        EXPECT_EQ(SizeOf(9, false), row.bMetric ? A4_BUILT_IN : LETTER_BUILT_IN);
+    for (const WCHAR* wcMeasure : {u"0", u"1", u"2", u"-1", u"x", u""}) {
+        SetLocaleValue(u"iMeasure", wcMeasure); /* "" takes the value away: that counts as 1 */
+        const int bMetric = *wcMeasure && *wcMeasure != u'1';
+        EXPECT_EQ(IsMetricLocale(), bMetric);
+        EXPECT_EQ(GetDefaultPaper(), bMetric ? 9 : 1);
     }
-}
-
-TEST_F(PaperTest, SizesOfTheTableAndOfCodesThatHaveNone)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {A4_ROW,
-                                {1, 118, 1016, 1524, 0, 0, 0, 0, {}},
-                                {1, 0, 11, 22, 3, 0, 0, 0, {}},
-                                {1, 200, 100, 200, 0, 0, 0, 0, {}},
-                                {1, 256, 1234, 2345, 0, 0, 0, 0, {}},
-                                {1, 300, 3000, 5000, 0, 0, 0, 0, {}},
-                                {1, 447, 1500, 2100, 0, 0, 0, 0, {}},
-                                {1, 448, 777, 888, 1, 0, 0, 0, {}},
-                                {1, -9, 5, 6, 0, 0, 0, 0, {}},
-                                {}});
-    Describe(builder);
-    EXPECT_EQ(SizeOf(9), (Size{7, 2111, 2999}));
-    EXPECT_EQ(SizeOf(118), (Size{0, 1016, 1524}));
-    EXPECT_EQ(SizeOf(0), (Size{3, 11, 22}));
-    EXPECT_EQ(SizeOf(448), (Size{1, 777, 888})) << "the table comes before the saved papers";
-    /* Refused before the table is looked at, and the default is the built-in size, not the model's row. */
-    for (i16 sCode : std::initializer_list<i16>{119, 200, 255, 256, 257, 300, 447, -9, -1, -32768}) {
-        EXPECT_EQ(SizeOf(sCode), A4_BUILT_IN) << sCode;
-    }
-    for (i16 sCode : std::initializer_list<i16>{1, 117, 449, 32767}) {
-        EXPECT_EQ(SizeOf(sCode), A4_BUILT_IN) << sCode;
-    }
-    EXPECT_EQ(SizeOf(9, false), A4_BUILT_IN);
-    SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(SizeOf(300), LETTER_BUILT_IN);
-
-    Describe(DescriptionBuilder(), SAVED_TWO);
-    EXPECT_EQ(SizeOf(448), LETTER_BUILT_IN) << "without a paper table nothing else is looked at";
-}
-
-TEST_F(PaperTest, SavedPapersThenFormsFollowTheTable)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {A4_ROW, {}});
-    AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
-    AddMachineForm(u"Card", FORM_USER, 100000, 150000);
-    AddMachineForm(u"Banner", FORM_PRINTER, 210000, 1188000);
-    AddMachineForm(u"Card", FORM_USER, 215904, 215905);
-    Describe(builder,
-             SAVED_TWO); /* both custom maxima are 0: they decide what is listed, not what is resolved */
-    EXPECT_EQ(SizeOf(448), (Size{1, 2000, 3000})) << "20009 hundredths are 2000 tenths";
-    EXPECT_EQ(SizeOf(449), (Size{0, 999, 7000}));
-    EXPECT_EQ(SizeOf(450), (Size{1, 1000, 1500}));
-    EXPECT_EQ(SizeOf(451), (Size{1, 2159, 2159}));
-    EXPECT_EQ(SizeOf(452), A4_BUILT_IN);
-
-    std::string broken = SAVED_TWO;
-    broken.replace(broken.find("CustomLength0"), 13, "CustomLengthX");
-    Describe(builder, broken); /* a broken list is dropped, and the forms move up */
-    EXPECT_EQ(SizeOf(448), (Size{1, 1000, 1500}));
-    EXPECT_EQ(SizeOf(450), A4_BUILT_IN);
-
-    /* Sizes beyond 16 bits keep their low half. */
-    Describe(builder, "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=Roll\r\nCustomWidth0=655370\r\n"
-                      "CustomLength0=-10\r\nCustomMetric0=5\r\n");
-    EXPECT_EQ(SizeOf(448), (Size{5, 1, static_cast<i16>(429496728 & 0xFFFF)}));
 }
 
 TEST_F(PaperTest, FormsOfTheUser)
@@ -251,77 +237,6 @@ TEST_F(PaperTest, FormsOfTheUser)
         EXPECT_TRUE(Forms().empty()) << nTh;
         EXPECT_EQ(StopFaults(), 1);
     }
-}
-
-TEST_F(PaperTest, MarginsOfPapersInTheTable)
-{
-    Describe(WithMargins());
-    EXPECT_EQ(MarginsOf(9, 1, 600), Pair(100, 100));
-    EXPECT_EQ(MarginsOf(-9, 1, 600), Pair(200, 50)) << "a negative code is the rotated paper";
-    EXPECT_EQ(MarginsOf(9, 2, 300), Pair(60, 30));
-    EXPECT_EQ(MarginsOf(-9, 2, 300), Pair(30, 60));
-    EXPECT_EQ(MarginsOf(9, 3, 600), Pair(100, 100)) << "a mask: the first row that serves either";
-    EXPECT_EQ(MarginsOf(9, 1, 25400), Pair(4233, 4233)); /* 4233.3 */
-    EXPECT_EQ(MarginsOf(9, 1, -25400), Pair(-4233, -4233)) << "rounded toward zero";
-    for (i16 sCode : std::initializer_list<i16>{119, 255, 256, 300, 447}) { /* the default paper, sign kept */
-        EXPECT_EQ(MarginsOf(sCode, 1, 600), Pair(100, 100)) << sCode;
-        EXPECT_EQ(MarginsOf(static_cast<i16>(-sCode), 1, 600), Pair(200, 50)) << sCode;
-    }
-    SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(MarginsOf(300, 1, 600), Pair(150, 160)) << "no row for Letter";
-}
-
-TEST_F(PaperTest, TheClosingRowServesWhatNoRowDoes)
-{
-    Describe(WithMargins());
-    EXPECT_EQ(MarginsOf(20, 1, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(-20, 1, 600), Pair(170, 180));
-    EXPECT_EQ(MarginsOf(9, 4, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(9, 0, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(30, 1, 600), Pair(150, 150)) << "a row without a resolution: a quarter of the dots";
-    EXPECT_EQ(MarginsOf(-32768, 1, 600), Pair(170, 180));
-
-    DescriptionBuilder none;
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 25400), Pair(6350, 6350));
-    EXPECT_EQ(MarginsOf(9, 1, 25403), Pair(6350, 6350));
-    EXPECT_EQ(MarginsOf(9, 1, -7, false), Pair(-1, -1));
-    EXPECT_EQ(MarginsOf(9, 1, 4000000, false), Pair(1000000, 1000000)) << "not brought to 16 bits";
-
-    none.Table<MarginRow>(166, {Closing(Margin(0, 1, {32767, -32768, 1, 2}))});
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 3), Pair(static_cast<i16>(98301), static_cast<i16>(-98304)));
-    EXPECT_EQ(MarginsOf(9, 1, 0x7FFFFFFF), Pair(static_cast<i16>(0x8001), static_cast<i16>(0x8000)))
-        << "the product has 64 bits, the result 16";
-    none = {};
-    none.Set<u64>(166, 0x5000); /* behind the body: a closing row of zeros */
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 600), Pair(150, 150));
-}
-
-TEST_F(PaperTest, RangesServeSavedSizesAndCodeZero)
-{
-    auto Ini = [](int nWidth, int nLength) {
-        return "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=S\r\nCustomMetric0=1\r\nCustomWidth0=" +
-               std::to_string(10 * nWidth) + "\r\nCustomLength0=" + std::to_string(10 * nLength) + "\r\n";
-    };
-    struct Case {
-        int nWidth, nLength;
-        bool bFits;
-    };
-    for (Case row : {Case{2000, 3000, true}, Case{762, 1270, true}, Case{2001, 3000, false},
-                     Case{2000, 3001, false}, Case{761, 1270, false}, Case{762, 1269, false}}) {
-        Describe(WithMargins(), Ini(row.nWidth, row.nLength));
-        EXPECT_EQ(MarginsOf(448, 1, 600), row.bFits ? Pair(50, 60) : Pair(150, 160))
-            << row.nWidth << " x " << row.nLength;
-        EXPECT_EQ(MarginsOf(448, 2, 600), row.bFits ? Pair(50, 60) : Pair(150, 160));
-        EXPECT_EQ(MarginsOf(-448, 1, 600), row.bFits ? Pair(70, 80) : Pair(170, 180));
-        EXPECT_EQ(MarginsOf(448, 4, 600), Pair(150, 160));
-    }
-    EXPECT_EQ(MarginsOf(449, 1, 600), Pair(150, 160))
-        << "no such paper: the default's 2100 x 2970 meets no range";
-    /* Code 0 finds the first row with bit 0, whose range is not looked at, and counts as rotated. */
-    EXPECT_EQ(MarginsOf(0, 1, 600), Pair(3, 4));
 }
 
 TEST_F(PaperTest, CompanionsAndExtents)
