@@ -61,8 +61,7 @@ inline FieldPoke ToPoke(const std::string& word)
 inline std::vector<FieldPoke> ToPokes(const std::string& words)
 {
     std::vector<FieldPoke> pokes;
-    std::istringstream stream(words);
-    for (std::string word; stream >> word;) {
+    for (const std::string& word : Words(words)) {
         pokes.push_back(ToPoke(word));
     }
     return pokes;

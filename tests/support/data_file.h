@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -60,12 +61,17 @@ inline long long ToNumber(const std::string& text)
     return llNumber;
 }
 
-/* Numbers separated by blanks. */
+/* What blanks separate, as words and as numbers. */
+inline std::vector<std::string> Words(const std::string& text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 template <class Number = long long> std::vector<Number> ToNumbers(const std::string& text)
 {
     std::vector<Number> numbers;
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
+    for (const std::string& word : Words(text)) {
         numbers.push_back(static_cast<Number>(ToNumber(word)));
     }
     return numbers;

@@ -2,15 +2,13 @@
 #ifndef TQUI_TESTS_RECORD_CHANGES_H
 #define TQUI_TESTS_RECORD_CHANGES_H
 
-#include <sstream>
-
+#include "support/data_file.h"
 #include "tools/tq/record_text.h"
 
 /* The record with these fields changed. Texts may not hold blanks. */
 inline DriverDevmode Changed(DriverDevmode record, const std::string& changes)
 {
-    std::istringstream words(changes);
-    for (std::string word; words >> word;) {
+    for (const std::string& word : Words(changes)) {
         SetRecordField(&record, word);
     }
     return record;
@@ -30,8 +28,7 @@ inline std::string Changes(const DriverDevmode& first, const DriverDevmode& seco
 inline std::string Fields(const DriverDevmode& record, const std::string& names)
 {
     std::string fields;
-    std::istringstream words(names);
-    for (std::string name; words >> name;) {
+    for (const std::string& name : Words(names)) {
         fields += (fields.empty() ? "" : " ") + name + "=" + FieldOf(record, name).value;
     }
     return fields;
