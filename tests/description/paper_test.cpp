@@ -3,6 +3,7 @@
 #include "description/margins.h"
 #include "description/paper.h"
 #include "support/data_file.h"
+#include "support/same_bytes.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -63,23 +64,34 @@ class PaperTest : public MachineTest {
 
     void DescribeAs(const std::string& name);
 
-    std::vector<PaperSizeRow> Forms()
+    /* Name, width, length and measure of rows, a comma between them. */
+    static std::string TextOf(const PaperSizeRow* pRows, i32 nRows)
+    {
+        std::string text;
+        for (i32 i = 0; i < nRows; i++) {
+            text += (i ? ", " : "") + Narrow(pRows[i].wcName) + " " + std::to_string(pRows[i].ulWidth) + " " +
+                    std::to_string(pRows[i].ulLength) + " " + std::to_string(pRows[i].ulMetric);
+        }
+        return text;
+    }
+
+    std::string Forms(size_t nFirst = 0)
     {
         PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = GetSpoolerForms(call, &pRows);
+        const i32 nRows = GetSpoolerForms(call, &pRows);
         EXPECT_EQ(pRows != nullptr, nRows > 0);
-        return {pRows.get(), pRows.get() + nRows};
+        return TextOf(pRows.get() + nFirst, nRows - static_cast<i32>(nFirst));
     }
 
-    /* Rows that a settings file yields, and the spare row behind them. */
-    std::vector<PaperSizeRow> Saved(const std::string& section, const XpiModel* pOf = nullptr)
+    /* Rows that a settings file yields, and what stands in the spare row behind them. */
+    std::string Saved(const std::string& count, const std::string& lines, const XpiModel* pOf = nullptr)
     {
-        PutFile(u"C:\\s.ini", "[CustomSizes]\r\n" + section);
+        PutFile(u"C:\\s.ini", "[CustomSizes]\r\nNumCustomSizes=" + count + "\r\n" + lines);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = ReadCustomSizes(OpenProfile(u"C:\\s.ini"), pOf, &pRows);
+        const i32 nRows = ReadCustomSizes(OpenProfile(u"C:\\s.ini"), pOf, &pRows);
         EXPECT_TRUE(pRows);
-        return {pRows.get(), pRows.get() + nRows + 1};
+        return TextOf(pRows.get(), nRows + 1);
     }
 
     OwnedModel pModel;
@@ -191,50 +203,39 @@ TEST_F(PaperTest, TheLocaleChoosesTheDefaultPaper)
 TEST_F(PaperTest, FormsOfTheUser)
 {
     AddTestPrinter(Bytes());
-    EXPECT_TRUE(Forms().empty());
     AddMachineForm(u"Built in", FORM_BUILTIN, 1, 1);
-    EXPECT_TRUE(Forms().empty());
+    EXPECT_EQ(Forms(), "");
     AddMachineForm(u"Card", FORM_USER, 215905, 215904);
     AddMachineForm(u"Driver's", FORM_PRINTER, 1, 1);
     AddMachineForm(WideText(63, u'n'), FORM_USER, 0, 4);
-    AddMachineForm(WideText(64, u'n'), FORM_USER, 2147483647, -2147483647);
+    AddMachineForm(WideText(64, u'n'), FORM_USER, 2147483647, 0);
     AddMachineForm(WideText(62, u'n') + u"\xD83D\xDE00", FORM_USER, 5, 15);
     AddMachineForm(u"Card", FORM_USER, 1000, 2000);
-    std::vector<PaperSizeRow> forms = Forms();
-    ASSERT_EQ(forms.size(), 5u);
-    EXPECT_EQ(WideText(forms[0].wcName), u"Card");
-    EXPECT_EQ(forms[0].ulWidth, 21591u);
-    EXPECT_EQ(forms[0].ulLength, 21590u);
-    EXPECT_EQ(forms[0].ulMetric, 1u);
-    EXPECT_EQ(WideText(forms[1].wcName), WideText(63, u'n'));
-    EXPECT_EQ(forms[1].ulWidth + forms[1].ulLength, 0u);
-    EXPECT_EQ(WideText(forms[2].wcName), WideText(63, u'n'));
-    EXPECT_EQ(forms[2].ulWidth, 214748365u) << "5 is added in more than 32 bits";
-    EXPECT_EQ(WideText(forms[3].wcName), WideText(62, u'n'));
-    EXPECT_EQ(forms[3].ulLength, 2u);
-    EXPECT_EQ(WideText(forms[4].wcName), u"Card") << "of one name, but two forms";
+    const std::string name(62, 'n');
+    EXPECT_EQ(Forms(), "Card 21591 21590 1, " + name + "n 0 0 1, " + name + "n 214748365 0 1, " + name +
+                           " 1 2 1, Card 100 200 1")
+        << "half of the unit is added in more than 32 bits";
     SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(Forms()[0].ulMetric, 0u);
+    EXPECT_EQ(Forms(4), "Card 100 200 0");
 
     for (int i = 0; i < 300; i++) { /* more than one room of the first asking holds */
         AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i,
                        500);
     }
     ResetCallCounts();
-    EXPECT_EQ(Forms().size(), 305u);
-    EXPECT_EQ(Forms().back().ulWidth, 29900u);
-    EXPECT_EQ(CallCount(CALL_EnumFormsW), 4);
+    EXPECT_EQ(Forms(304), "Form of a longer name, number 299 29900 50 0");
+    EXPECT_EQ(CallCount(CALL_EnumFormsW), 2);
 
     for (LieKind lie : {LIE_HUGE, LIE_GROWS}) {
         TellLies(lie, CALL_EnumFormsW);
-        EXPECT_TRUE(Forms().empty()) << lie;
+        EXPECT_EQ(Forms(), "") << lie;
     }
     TellLies(LIE_NULL_MEMBERS, CALL_EnumFormsW);
-    EXPECT_EQ(WideText(Forms()[0].wcName), u"");
+    EXPECT_EQ(Forms(304), " 29900 50 0");
     TellLies(LIE_NONE);
     for (int nTh : {1, 2, 3}) {
         FailCall(CALL_HeapAlloc, nTh);
-        EXPECT_TRUE(Forms().empty()) << nTh;
+        EXPECT_EQ(Forms(), "") << nTh;
         EXPECT_EQ(StopFaults(), 1);
     }
 }
@@ -276,52 +277,30 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
         "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=+15000\r\nCustomMetric0=1\r\n"
         "CustomName1=" +
         std::string(80, 'b') + "\r\nCustomWidth1=1x\r\nCustomLength1=\r\nCustomMetric1=12abc\r\n";
-    std::vector<PaperSizeRow> rows = Saved("NumCustomSizes=2\r\n" + good);
-    ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0].ulLength, 15000u);
-    EXPECT_EQ(WideText(rows[1].wcName), WideText(63, u'b'));
-    EXPECT_EQ(rows[1].ulWidth, 1u);
-    EXPECT_EQ(rows[1].ulLength, 0u) << "an empty number is a number";
-    EXPECT_EQ(rows[1].ulMetric, 12u);
-    EXPECT_EQ(rows[2].wcName[0] + rows[2].ulWidth, 0u) << "the spare row";
-
+    const std::string spare = " 0 0 0"; /* nothing of a dropped row shows in it */
+    EXPECT_EQ(Saved("2", good), "A 10000 15000 1, " + std::string(63, 'b') + " 1 0 12, " + spare)
+        << "an empty number is a number";
     for (const char* cKey : {"CustomName1", "CustomWidth0", "CustomLength1", "CustomMetric1"}) {
         std::string broken = good;
         broken.replace(broken.find(cKey), 6, "Bottom");
-        rows = Saved("NumCustomSizes=2\r\n" + broken);
-        ASSERT_EQ(rows.size(), 1u) << cKey;
-        EXPECT_EQ(rows[0].wcName[0] + rows[0].ulWidth + rows[0].ulMetric, 0u)
-            << "nothing of a dropped row shows";
+        EXPECT_EQ(Saved("2", broken), spare) << cKey;
     }
-    for (const char* cCount :
-         {"", "NumCustomSizes=0\r\n", "NumCustomSizes=-1\r\n", "NumCustomSizes=-2147483648\r\n",
-          "NumCustomSizes=x\r\n", "NumCustomSizes=3\r\n", "NumCustomSizes=2147483647\r\n"}) {
-        EXPECT_EQ(Saved(cCount + good).size(), 1u) << cCount;
+    for (const char* cCount : {"", "0", "-1", "-2147483648", "x", "3", "2147483647"}) {
+        EXPECT_EQ(Saved(cCount, good), spare) << cCount;
     }
-    EXPECT_EQ(
-        Saved(
-            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-1\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
-            .size(),
-        1u);
-    EXPECT_EQ(
-        Saved(
-            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-2\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
-            .size(),
-        2u);
+    const std::string below = "CustomName0=A\r\nCustomLength0=5\r\nCustomMetric0=1\r\nCustomWidth0=";
+    EXPECT_EQ(Saved("1", below + "-1\r\n"), spare);
+    EXPECT_EQ(Saved("1", below + "-2\r\n"), "A 4294967294 5 1, " + spare);
 
     /* The longest list that is read, and one row more. */
-    std::string all = "NumCustomSizes=4097\r\n";
+    std::string all, wanted;
     for (int i = 0; i < 4097; i++) {
-        std::string n = std::to_string(i);
-        for (const char* cRest :
-             {"CustomName", "=P\r\nCustomWidth", "=", "0\r\nCustomLength", "=1\r\nCustomMetric"}) {
-            all.append(cRest).append(n);
-        }
-        all += "=1\r\n";
+        const std::string n = std::to_string(i);
+        all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n +
+               "=1\r\nCustomMetric" + n + "=1\r\n";
+        wanted += i < 4096 ? "P " + std::to_string(10 * i) + " 1 1, " : spare;
     }
-    rows = Saved(all);
-    ASSERT_EQ(rows.size(), 4097u);
-    EXPECT_EQ(rows[4095].ulWidth, 40950u);
+    EXPECT_EQ(Saved("4097", all), wanted);
 
     OwnedBlock<PaperSizeRow> pRows;
     ResetCallCounts();
@@ -339,31 +318,26 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
 
 TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
 {
-    struct Case {
-        i16 sMin;
-        u32 ulMetric, ulInch;
-    };
-    for (Case row : {Case{762, 7600, 7620}, Case{148, 1500, 2540}, Case{144, 1400, 2540},
-                     Case{145, 1500, 2540}, Case{126, 1300, 0}, Case{127, 1300, 2540}, Case{0, 0, 0},
-                     Case{32767, 327700, 327660}, Case{-20, static_cast<u32>(-100), 0}}) {
+    const std::tuple<i16, i32, i32> aCases[] = {{762, 7600, 7620}, {148, 1500, 2540},       {144, 1400, 2540},
+                                                {145, 1500, 2540}, {126, 1300, 0},          {127, 1300, 2540},
+                                                {0, 0, 0},         {32767, 327700, 327660}, {-20, -100, 0}};
+    for (const auto& [sMin, lMetric, lInch] : aCases) {
         for (bool bMetric : {true, false}) {
             SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
             DescriptionBuilder builder;
-            Describe(builder.Set(16, row.sMin).Set<i16>(20, 762));
-            PaperSizeRow fresh;
+            Describe(builder.Set(16, sMin).Set<i16>(20, 762));
+            PaperSizeRow fresh,
+                expected = {
+                    static_cast<u32>(bMetric ? lMetric : lInch), bMetric ? 7600u : 7620u, bMetric, {}};
             std::memset(&fresh, 0xEE, sizeof fresh);
             NewPaperRow(&fresh, pModel.get());
-            EXPECT_EQ(fresh.ulWidth, bMetric ? row.ulMetric : row.ulInch) << row.sMin;
-            EXPECT_EQ(fresh.ulLength, bMetric ? 7600u : 7620u);
-            EXPECT_EQ(fresh.ulMetric, bMetric ? 1u : 0u);
-            EXPECT_EQ(WideText(fresh.wcName, 64), WideText(64, u'\0'));
+            EXPECT_TRUE(SameBytes(fresh, expected)) << sMin;
         }
     }
     SetLocaleValue(u"iMeasure", u"0");
     DescriptionBuilder builder;
     Describe(builder.Set<i16>(16, 762).Set<i16>(20, 1270));
-    std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
-    EXPECT_EQ(Saved("NumCustomSizes=1\r\n" + good, pModel.get())[1].ulLength, 12700u);
-    EXPECT_EQ(Saved("NumCustomSizes=2\r\n" + good, pModel.get())[0].ulLength, 12700u)
-        << "behind no row: at the start";
+    const std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
+    EXPECT_EQ(Saved("1", good, pModel.get()), "A 1 1 1,  7600 12700 1");
+    EXPECT_EQ(Saved("2", good, pModel.get()), " 7600 12700 1") << "behind no row: at the start";
 }

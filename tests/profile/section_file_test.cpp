@@ -6,6 +6,7 @@
 #include "hosted/standin.h"
 #include "profile/profile_values.h"
 #include "support/both_builds.h"
+#include "support/settings_text.h"
 #include "support/sweep.h"
 
 namespace {
@@ -32,17 +33,7 @@ class SectionFile : public BothBuilds {
         return ReplaceKey(tcPath, u"Own", u"Key", wcText);
     }
 
-    /* The file, which must be UTF-16 with its mark. */
-    static std::string Text(const WCHAR* tcPath = FILE_PATH)
-    {
-        Bytes bytes = GetFile(tcPath);
-        EXPECT_TRUE(bytes.size() >= 2 && bytes.size() % 2 == 0 && bytes[0] == 0xFF && bytes[1] == 0xFE);
-        WideText wcText;
-        for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-            wcText.push_back(static_cast<WCHAR>(bytes[i] | bytes[i + 1] << 8));
-        }
-        return Narrow(wcText);
-    }
+    static std::string Text(const WCHAR* tcPath = FILE_PATH) { return Utf16FileText(tcPath); }
 
     static std::string Files()
     {

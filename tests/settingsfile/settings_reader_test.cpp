@@ -66,18 +66,6 @@ class SettingsReader : public BothBuilds {
         return read;
     }
 
-    /* The styles of the record as bytes, in hexadecimal. */
-    static std::string Region(const DriverDevmode& read, int nBytes)
-    {
-        std::string text;
-        for (int i = 0; i < nBytes; i++) {
-            char cByte[4];
-            std::snprintf(cByte, sizeof cByte, "%02X", read.rPrivate.bExceptionRegion[i]);
-            text += cByte;
-        }
-        return text;
-    }
-
     DriverDevmode record = recordTemplate;
 };
 
@@ -189,33 +177,28 @@ TEST_F(SettingsReader, WhatAFileDoesNotNameStays)
 
 TEST_F(SettingsReader, TheGuardKeyNamesTheDescription)
 {
-    const struct {
-        WideText tcXpi;
-        std::string guard;
-        int nResult;
-    } aCases[] = {
-        {u"C:\\drv\\QA.XPI", "", 1},
-        {u"C:\\drv\\QA.XPI", "XPI=QA.XPI\r\n", 1},
+    const WideText tcFolder = u"C:\\drv\\", tc31 = WideText(27, u'N') + u".XPI", tc32 = u"N" + tc31;
+    const std::tuple<WideText, std::string, int> aCases[] = {
+        {tcFolder + u"QA.XPI", "", 1},
+        {tcFolder + u"QA.XPI", "XPI=QA.XPI\r\n", 1},
         {u"QA.XPI", "XPI=QA.XPI\r\n", 1},
-        {u"C:\\drv\\QA.XPI", "XPI=qa.xpi\r\n", 0},
-        {u"C:\\drv\\QA.XPI", "XPI=QB.XPI\r\n", 0},
-        {u"C:\\drv\\QA.XPI", "XPI=QA.XP\r\n", 0},
-        {u"C:\\drv\\QA.XPI", "XPI=C:\\drv\\QA.XPI\r\n", 0},
-        {u"C:\\drv\\QA.XPI", "XPI=\r\n", 0},
-        {u"C:\\drv\\" + WideText(27, u'N') + u".XPI", "", 1}, /* 31 characters */
-        {u"C:\\drv\\" + WideText(28, u'N') + u".XPI", "", 0},
-        {u"C:\\drv\\" + WideText(28, u'N') + u".XPI", "XPI=" + std::string(28, 'N') + ".XPI\r\n", 0},
-        {u"C:\\drv\\", "", 1},
-        {WideText(160, u'N').substr(0, 159), "", 0},
+        {tcFolder + u"QA.XPI", "XPI=qa.xpi\r\n", 0},
+        {tcFolder + u"QA.XPI", "XPI=QA.XP\r\n", 0},
+        {tcFolder + u"QA.XPI", "XPI=C:\\drv\\QA.XPI\r\n", 0},
+        {tcFolder + u"QA.XPI", "XPI=\r\n", 0},
+        {tcFolder + tc31, "", 1},
+        {tcFolder + tc32, "", 0},
+        {tcFolder + tc32, "XPI=" + Narrow(tc32) + "\r\n", 0},
+        {tcFolder, "", 1},
+        {WideText(159, u'N'), "", 0},
     };
-    for (const auto& row : aCases) {
+    for (const auto& [tcXpi, guard, nResult] : aCases) {
         DriverDevmode before = MarkedRecord(0x11);
-        PutText(&before, 2052, row.tcXpi);
+        PutText(&before, 2052, tcXpi);
         DriverDevmode read = before;
-        EXPECT_EQ(Read(row.guard + "Copies=7\r\nWMType=1\r\n", &read), row.nResult)
-            << Narrow(row.tcXpi) << row.guard;
-        EXPECT_EQ(read.dmCopies, row.nResult ? 7 : before.dmCopies);
-        EXPECT_TRUE(row.nResult || SameBytes(read, before));
+        EXPECT_EQ(Read(guard + "Copies=7\r\nWMType=1\r\n", &read), nResult) << Narrow(tcXpi) << guard;
+        EXPECT_EQ(read.dmCopies, nResult ? 7 : before.dmCopies);
+        EXPECT_TRUE(nResult || SameBytes(read, before));
     }
     /* A name without its end is taken up to the field's. */
     DriverDevmode read = MarkedRecord(0x11);
@@ -259,53 +242,6 @@ TEST_F(SettingsReader, TextsOfFieldsAndOfFiles)
     EXPECT_EQ(ReadPrinterSettings(OpenProfile(SETTINGS_FILE), &read, 0, 0), 1);
     EXPECT_EQ(TextAt(read, 232, 32), "\\u0416");
     EXPECT_EQ(read.dmCopies, 9);
-}
-
-TEST_F(SettingsReader, StylesAndBlocksByType)
-{
-    const std::string styles =
-        "StyleCount=3\r\nBlockCount=2\r\n"
-        "StyleType0=1\r\nStyleUsage0=9\r\nStyleBin0=-2\r\nStyleMediaIndex0=3\r\nStylePaperSize0=77\r\n"
-        "StyleType1=2\r\nStyleUsage1=1\r\nStyleBin1=258\r\nStyleMediaIndex1=4\r\nStylePaperSize1=9\r\n"
-        "StylePaperLength1=2970\r\nStylePaperWidth1=2100\r\n"
-        "StyleType2=6\r\nStyleUsage2=2\r\nStyleWMOver2=1\r\nStyleWMPlacement2=5\r\nStyleWMPositionX2=-1\r\n"
-        "StyleWMPositionY2=258\r\nStyleWMWidth2=3\r\nStyleWMLength2=4\r\nStyleWMResolution2=600\r\n"
-        "StyleWMAlpha2=50\r\nStyleWMFileName2=AB\r\n"
-        "BlockStyleIndex0=2\r\nBlockPageCount0=0\r\n"
-        "BlockStyleIndex1=1\r\nBlockPageCount1=2\r\nBlockPage1-0=513\r\nBlockPage1-1=65535\r\n";
-    const std::string expected = "0302"
-                                 "08000109FEFF0300"
-                                 "0E000201020104000900"
-                                 "9A0B3408"
-                                 "1F0006020105FFFFFFFF02010000030000000400000058023241004200"
-                                 "0000"
-                                 "0200"
-                                 "01020102FFFF";
-    for (u16 usKind : {u16{3}, u16{4}}) {
-        EXPECT_EQ(Region(After(styles, usKind), static_cast<int>(expected.size() / 2)), expected);
-    }
-    /* Other kinds have a list of pages there. */
-    EXPECT_EQ(Region(After(styles, 2), 2), "0000");
-
-    const struct {
-        const char* cType;
-        int nSize3, nSize4;
-    } aSizes[] = {{"0", 4, 4},   {"1", 8, 8}, {"2", 14, 14}, {"3", 14, 14}, {"4", 4, 4}, {"5", 4, 40},
-                  {"6", 31, 31}, {"7", 4, 4}, {"255", 4, 4}, {"257", 8, 8}, {"-1", 4, 4}};
-    for (const auto& row : aSizes) {
-        std::string lines = std::string("StyleCount=1\r\nStyleType0=") + row.cType +
-                            "\r\nStyleOverlayFile0=over.prn\r\nStyleWMFileName0=AB\r\n";
-        EXPECT_EQ(NumberAt(After(lines, 3), 2982, 2), row.nSize3) << row.cType;
-        EXPECT_EQ(NumberAt(After(lines, 4), 2982, 2), row.nSize4) << row.cType;
-    }
-    DriverDevmode read = After("StyleCount=2\r\nStyleType0=5\r\nStyleOverlayUnder0=1\r\nStyleOverlayFile0=" +
-                                   std::string(60, 'o') + "\r\nStyleType1=1\r\nStyleBin1=7\r\n",
-                               4);
-    EXPECT_EQ(NumberAt(read, 2982, 2), 56);
-    EXPECT_EQ(NumberAt(read, 2986, 1), 1);
-    EXPECT_EQ(TextAt(read, 2988, 25), std::string(24, 'o'));
-    EXPECT_EQ(NumberAt(read, 2982 + 56, 2), 8);
-    EXPECT_EQ(NumberAt(read, 2982 + 56 + 4, 2), 7);
 }
 
 TEST_F(SettingsReader, StylesThatStandInTheRecordAreTheDefaults)
@@ -378,21 +314,18 @@ TEST_F(SettingsReader, FailingCallsLeaveTheRecordWholeOrAlone)
         EveryKey();
     PutFile(SETTINGS_FILE, "[PrinterSettings]\r\n" + lines);
     for (u16 usKind : {u16{0}, u16{3}}) {
-        DriverDevmode before = MarkedRecord(0x22);
-        DriverDevmode good = before;
+        const DriverDevmode before = MarkedRecord(0x22);
+        DriverDevmode good = before, bare = before;
         ASSERT_EQ(ReadPrinterSettings(OpenProfile(SETTINGS_FILE), &good, 0, usKind), 1);
-        DriverDevmode bare = before;
         ASSERT_EQ(ReadPrinterSettings({}, &bare, 0, usKind), 1);
-        for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
-            FaultSweep sweep = SweepFaults(ANY_CALL, mode, 2000, [&]() -> std::string {
-                DriverDevmode read = before;
-                int nResult = ReadPrinterSettings(OpenProfile(SETTINGS_FILE), &read, 0, usKind);
-                return !nResult ? SameBytes(read, before) ? "" : "refused and touched"
-                       : SameBytes(read, good) || SameBytes(read, bare) ? ""
-                                                                        : "half a file";
-            });
-            EXPECT_EQ(sweep.fault, "");
-            EXPECT_GE(sweep.nFaults, 6); /* open, type, size, read and the blocks */
-        }
+        FaultSweep sweep = SweepFaultsBothWays(ANY_CALL, 2000, [&]() -> std::string {
+            DriverDevmode read = before;
+            const int nResult = ReadPrinterSettings(OpenProfile(SETTINGS_FILE), &read, 0, usKind);
+            const bool bWhole =
+                nResult ? SameBytes(read, good) || SameBytes(read, bare) : SameBytes(read, before);
+            return bWhole ? "" : nResult ? "half a file" : "refused and touched";
+        });
+        EXPECT_EQ(sweep.fault, "");
+        EXPECT_GE(sweep.nFaults, 12); /* open, type, size, read and the blocks */
     }
 }

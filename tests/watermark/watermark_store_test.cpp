@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "support/record_changes.h"
 #include "support/same_bytes.h"
 #include "support/sample_machine.h"
 #include "watermark/watermark_rows.h"
@@ -127,21 +128,16 @@ TEST_F(WatermarkStore, ATextIsFoundByAllItsValues)
     EXPECT_EQ(Match({}, TextRecord(u"Draft", 1)), -1);
     EXPECT_EQ(MatchWatermark(nullptr, 0, &recordTemplate.rPrivate), -1);
 
-    auto Differs = [&](auto change) {
-        PrivateDevmode part = TextRecord(u"Draft", 1);
-        change(&part);
-        return Match(rows, part);
-    };
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0x01CC; }), 1) << "the low byte counts";
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0xCD; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 73; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 0x10048; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMBold = 1; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMItalic = 1; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMAngle = 451; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->wcWMFace[0] = 'X'; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 21; }), -1) << "outline";
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 1; }), 1);
+    DriverDevmode record = recordTemplate;
+    record.rPrivate = TextRecord(u"Draft", 1);
+    for (const char* cChange :
+         {"sWMCharSet=205", "ulWMPtSize=73", "ulWMPtSize=65608", "sWMBold=1", "sWMItalic=1", "ulWMAngle=451",
+          "wcWMFace=X", "ulWMType=0x15" /* outline */}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange).rPrivate), -1) << cChange;
+    }
+    for (const char* cChange : {"sWMCharSet=460" /* the low byte counts */, "ulWMType=0x1"}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange).rPrivate), 1) << cChange;
+    }
     std::vector<WatermarkEntry> outlined = rows;
     outlined[1].WMOutline = 1;
     EXPECT_EQ(Match(outlined, TextRecord(u"Draft", 1)), -1);
@@ -168,12 +164,10 @@ TEST_F(WatermarkStore, AFileIsFoundByImageOrByBuiltName)
 
     EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\w\\logo.bmp")), 2);
     EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\u\\1.WM")), -1);
-    for (int nField = 0; nField < 3; nField++) {
-        PrivateDevmode part = FileRecord(6, u"C:\\w\\logo.bmp");
-        part.szlWMScale.cx += nField == 0;
-        part.szlWMScale.cy += nField == 1;
-        part.usWMPlacement = static_cast<u16>(part.usWMPlacement + (nField == 2));
-        EXPECT_EQ(Match(rows, part), -1) << nField;
+    DriverDevmode record = recordTemplate;
+    record.rPrivate = FileRecord(6, u"C:\\w\\logo.bmp");
+    for (const char* cChange : {"szlWMScale.cx=51", "szlWMScale.cy=76", "usWMPlacement=4"}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange).rPrivate), -1) << cChange;
     }
     PrivateDevmode full = FileRecord(36, u"");
     std::memset(full.wcWMOverlayName, 'w', sizeof full.wcWMOverlayName);
