@@ -153,26 +153,22 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
     }
     hPrinter = hOpen;
     /* No printer, no description, none that can be read. */
-    const WideText wcKnown = wcPrinter;
-    for (int nCase = 0; nCase < 3; nCase++) {
-        if (nCase == 0) {
-            hPrinter = nullptr;
-            wcPrinter = u"No such printer";
-        }
-        if (nCase) {
-            PutFile(u"C:\\drv\\qa.xpi", "");
-        }
-        if (nCase == 2) {
-            std::filesystem::remove(HostPath(u"C:\\drv\\qa.xpi"));
-        }
+    const WideText wcKnown = std::exchange(wcPrinter, u"No such printer");
+    hPrinter = nullptr;
+    auto expectNothing = [&](const char* cWhat) {
         for (DriverDevmode* pIn : {&in, static_cast<DriverDevmode*>(nullptr)}) {
             out = Filled();
             EXPECT_EQ(Call(pIn, &out, MODIFY | COPY), 1);
-            EXPECT_EQ(FirstDifference(out, Filled()), -1) << nCase;
+            EXPECT_EQ(FirstDifference(out, Filled()), -1) << cWhat;
         }
-        hPrinter = hOpen;
-        wcPrinter = wcKnown;
-    }
+    };
+    expectNothing("no printer");
+    hPrinter = hOpen;
+    wcPrinter = wcKnown;
+    PutFile(u"C:\\drv\\qa.xpi", "");
+    expectNothing("an empty description");
+    std::filesystem::remove(HostPath(u"C:\\drv\\qa.xpi"));
+    expectNothing("no description");
 }
 
 TEST_F(MergeTest, ForeignRecordsGiveTheirBasicFields)
