@@ -61,6 +61,18 @@ inline long long ToNumber(const std::string& text)
     return llNumber;
 }
 
+/* The text with \r and \n as what they stand for. */
+inline std::string Unescaped(std::string text)
+{
+    for (size_t nAt = 0; (nAt = text.find('\\', nAt)) != text.npos; nAt++) {
+        const char cCode = nAt + 1 < text.size() ? text[nAt + 1] : ' ';
+        if (cCode == 'r' || cCode == 'n') {
+            text.replace(nAt, 2, 1, cCode == 'r' ? '\r' : '\n');
+        }
+    }
+    return text;
+}
+
 /* What blanks separate, as words and as numbers. */
 inline std::vector<std::string> Words(const std::string& text)
 {
