@@ -20,12 +20,21 @@ class LanguageTest : public MachineTest {
 
     /* Opens the library of a printer with these files. Result: language and sublanguage kept, and the text
        2203, which tells the two languages apart; "none" without a library. */
-    std::string Opened(const std::vector<WideText>& files, u16 usLangId)
+    std::string Opened(const std::string& files, u16 usLangId)
     {
-        setup.atcDependentFiles = files;
+        setup.atcDependentFiles.clear();
+        WideText wcEnglish;
+        for (const std::string& word : Words(files)) {
+            if (word.rfind("ENUS=", 0) == 0) {
+                wcEnglish = Wide(word.substr(5));
+            } else {
+                setup.atcDependentFiles.push_back(word[0] == ':' ? Wide(word.substr(1))
+                                                                 : u"C:\\drv\\" + Wide(word));
+            }
+        }
         AddPrinter(setup);
-        if (!wcOverride.empty()) {
-            SetPrinterText(u"Test", u"ENUS", wcOverride);
+        if (!wcEnglish.empty()) {
+            SetPrinterText(u"Test", u"ENUS", wcEnglish);
         }
         SetUserLanguage(usLangId);
         PrinterCall call(hPrinter);
@@ -39,79 +48,54 @@ class LanguageTest : public MachineTest {
     }
 
     PrinterSetup setup;
-    WideText wcOverride;
     LanguageChoice choice;
 };
-
-const WideText TXT = u"C:\\drv\\txt.dll", ENUS = u"C:\\drv\\enus.dll", BROKEN = u"C:\\drv\\broken-txt.dll";
 
 } // namespace
 
 TEST_F(LanguageTest, TheUsersLibraryThenTheEnglishOne)
 {
-    PutFile(BROKEN, "MZ but nothing else");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0409), "9/1 Printer default");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0C07), "7/3 Vorgabe des Druckers");
-    EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(Opened({BROKEN, ENUS}, 0x0407), "9/1 Printer default") << "found, but it does not load";
-    EXPECT_EQ(Opened({u"C:\\gone\\txt.dll", ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(Opened({BROKEN, TXT, ENUS}, 0x0407), "9/1 Printer default")
-        << "the first match is the only one tried";
-    EXPECT_EQ(Opened({BROKEN}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({u"txt.dll", u"enus.dll"}, 0x0407), "9/1 none") << "a bare name would be searched for";
-}
-
-TEST_F(LanguageTest, TheEnglishOneCanBeNamedByAValue)
-{
-    PutFile(u"C:\\drv\\alt.dll", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL")); /* has German too */
-    wcOverride = u"ALT.DLL";
-    EXPECT_EQ(Opened({ENUS, u"C:\\drv\\alt.dll"}, 0x0407), "9/1 Vorgabe des Druckers");
-    wcOverride = u"GONE.DLL";
-    EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers")
-        << "not asked for when it is not needed";
+    PutFile(u"C:\\drv\\broken-txt.dll", "MZ but nothing else");
+    PutFile(u"C:\\drv\\alt.dll", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
+    for (const DataRow& row : ReadRows("language_libraries.txt")) {
+        EXPECT_EQ(Opened(row[0], static_cast<u16>(ToNumber(row[1]))), row[2]) << row[0];
+    }
+    FailCall(CALL_LoadLibraryExW, 1); /* libraries are loaded as data */
+    EXPECT_EQ(Opened("txt.dll enus.dll", 0x0407), "9/1 Printer default");
+    EXPECT_EQ(StopFaults(), 1);
+    FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
+    EXPECT_EQ(Opened("txt.dll enus.dll", 0x0407), "9/1 none");
+    EXPECT_EQ(StopFaults(), 2);
 }
 
 TEST_F(LanguageTest, WhatASheetKeeps)
 {
     setup.tcHelpFile = u"C:\\drv\\qa.chm";
     SetLocaleValue(u"sDecimal", u",");
-    Opened({TXT}, 0x0407);
+    Opened("txt.dll", 0x0407);
     EXPECT_EQ(WideText(choice.tcHelpFile), u"C:\\DRV\\QA.CHM");
     EXPECT_EQ(WideText(choice.wcDecimal), u",");
     setup.tcHelpFile.clear();
-    Opened({}, 0x0407);
+    Opened("", 0x0407);
     EXPECT_EQ(choice.tcHelpFile[0], 0) << "told without a library as well";
-    struct Case {
-        const WCHAR* wcLocale;
-        const WCHAR* wcKept;
-    };
-    for (Case row : {Case{u"", u"."}, Case{u"\u066B", u"\u066B"}, Case{u"abc", u"abc"}, Case{u"abcd", u"abc"},
-                     Case{u"abcdefghijkl", u"abc"}, Case{u"ab\xD83D\xDE00", u"ab"}}) {
-        SetLocaleValue(u"sDecimal", row.wcLocale);
-        Opened({TXT}, 0x0409);
-        EXPECT_EQ(WideText(choice.wcDecimal), row.wcKept);
+    for (const auto& [wcLocale, wcKept] : {std::pair<const WCHAR*, const WCHAR*>{u"", u"."},
+                                           {u"\u066B", u"\u066B"},
+                                           {u"abc", u"abc"},
+                                           {u"abcd", u"abc"},
+                                           {u"abcdefghijkl", u"abc"},
+                                           {u"ab\xD83D\xDE00", u"ab"}}) {
+        SetLocaleValue(u"sDecimal", wcLocale);
+        Opened("txt.dll", 0x0409);
+        EXPECT_EQ(WideText(choice.wcDecimal), wcKept);
     }
     for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE}) {
         TellLies(lie, CALL_GetProfileStringW);
-        Opened({TXT}, 0x0409);
+        Opened("txt.dll", 0x0409);
         EXPECT_LT(WideText(choice.wcDecimal, 4).find(u'\0'), 4u) << lie;
         TellLies(LIE_NONE);
     }
     PrinterCall call(hPrinter);
     EXPECT_TRUE(OpenLanguageDll(call, nullptr)) << "nobody keeps anything";
-}
-
-TEST_F(LanguageTest, LibrariesAreLoadedAsData)
-{
-    FailCall(CALL_LoadLibraryExW, 1);
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(StopFaults(), 1);
-    FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "9/1 none");
-    EXPECT_EQ(StopFaults(), 2);
 }
 
 TEST_F(LanguageTest, CodesOfTheLanguages)
