@@ -122,13 +122,7 @@ TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
 TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
 {
     setup.atcDependentFiles = {u"c:\\drv\\a.xpi", u"c:\\drv\\b.xpi"};
-    struct Case {
-        const char* cWhat;
-        DWORD dwType;
-        Bytes bytes;
-        bool bTaken;
-    };
-    const Case aCases[] = {
+    const std::tuple<const char*, DWORD, Bytes, bool> aCases[] = {
         {"no NUL", REG_SZ, {'b', 0, '.', 0, 'x', 0}, true},
         {"odd size", REG_SZ, {'b', 0, '.', 0, 'x', 0, 'q'}, true},
         {"one byte", REG_SZ, {'b'}, false},
@@ -138,13 +132,13 @@ TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
         {"list", REG_MULTI_SZ, {'b', 0, '.', 0, 0, 0, 0, 0}, false},
         {"number", REG_DWORD, {'b', 0, 0, 0}, false},
     };
-    for (const Case& row : aCases) {
+    for (const auto& [cWhat, dwType, bytes, bTaken] : aCases) {
         AddPrinter(setup);
-        SetPrinterValue(u"Test", u"XPI", row.dwType, row.bytes);
+        SetPrinterValue(u"Test", u"XPI", dwType, bytes);
         PrinterCall call(hPrinter);
         WCHAR tcPath[PATH_CHARS];
         FindDriverFile(call, u"XPI", u".XPI", tcPath);
-        EXPECT_EQ(Narrow(tcPath), row.bTaken ? "C:\\DRV\\B.XPI" : "C:\\DRV\\A.XPI") << row.cWhat;
+        EXPECT_EQ(Narrow(tcPath), bTaken ? "C:\\DRV\\B.XPI" : "C:\\DRV\\A.XPI") << cWhat;
     }
     /* 260 characters that fill the room to its last byte, without a NUL. */
     AddPrinter(setup);

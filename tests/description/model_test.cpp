@@ -269,20 +269,15 @@ TEST_F(ModelTest, FontPagesNeverTouchTheFixedPartOrTheTail)
     DescriptionBuilder builder = WithFonts(SIX_FONTS);
     builder.Set<u32>(311, 0xA5A5A5A5);
     builder.body.resize(320, 0xA5);
-    struct Case {
-        u64 ullSlot;
-        size_t nFrom;
-        Bytes bytes;
-    };
-    const Case aCases[] = {
+    const std::tuple<u64, size_t, Bytes> aCases[] = {
         {311, 311, {0xA5, 0xA5, 0xA5, 0xA5, 5, 0, 0xA5, 0xA5, 0xA5}}, /* two entries lie in the fixed part */
         {314, 312, {0xA5, 0xA5, 0xA5, 0xA5, 3, 0, 5, 0}},             /* entry 0 would share a byte with it */
         {317, 315, {0xA5, 0xA5, 1, 0, 0xA5, 0, 0, 0, 0, 0}},          /* entry 1 would leave the body */
     };
-    for (const Case& row : aCases) {
-        builder.Set<u64>(140, row.ullSlot);
+    for (const auto& [ullSlot, nFrom, bytes] : aCases) {
+        builder.Set<u64>(140, ullSlot);
         Load(builder.Build());
-        EXPECT_EQ(Bytes(Body() + row.nFrom, Body() + row.nFrom + row.bytes.size()), row.bytes) << row.ullSlot;
+        EXPECT_EQ(Bytes(Body() + nFrom, Body() + nFrom + bytes.size()), bytes) << ullSlot;
     }
     for (u64 ullSlot :
          {u64{0x100000000}, u64{4}, u64{320}, u64{0xFFFFFFF0}}) { /* body's start, within, tail */

@@ -252,20 +252,16 @@ TEST_F(DefaultsTest, APathTooLongForTheRecordIsLeftOut)
 
 TEST_F(DefaultsTest, StepsOfADescription)
 {
-    struct BodyField {
-        const char* cName;
-        size_t nAt;
-        u8 bWidth;
-    };
-    const BodyField aFields[] = {{"kind=", KIND, 2},
-                                 {"class=", COLOR_CLASS, 2},
-                                 {"options=", OPT_OPTIONS, 4},
-                                 {"mode=", DEFAULT_MODE, 2},
-                                 {"media=", DEFAULT_MEDIA, 2},
-                                 {"resolution=", DEFAULT_RESOLUTION, 2},
-                                 {"resolutions=", RESOLUTIONS, 8},
-                                 {"standard=", STD_OPTIONS, 4},
-                                 {"features=", LANGUAGE_FEATURES, 4}};
+    const std::map<std::string, std::pair<size_t, size_t>> fields = {/* place in the body, and width */
+                                                                     {"kind=", {KIND, 2}},
+                                                                     {"class=", {COLOR_CLASS, 2}},
+                                                                     {"options=", {OPT_OPTIONS, 4}},
+                                                                     {"mode=", {DEFAULT_MODE, 2}},
+                                                                     {"media=", {DEFAULT_MEDIA, 2}},
+                                                                     {"resolution=", {DEFAULT_RESOLUTION, 2}},
+                                                                     {"resolutions=", {RESOLUTIONS, 8}},
+                                                                     {"standard=", {STD_OPTIONS, 4}},
+                                                                     {"features=", {LANGUAGE_FEATURES, 4}}};
     DescriptionBuilder plain = Small();
     plain.Set<u16>(292, 1).Set<u32>(298, 0x1000).Set<u32>(DEFAULT_INTENT, 3).Set<i16>(DEFAULT_RESOLUTION, 4);
     plain.Set<u16>(DEFAULT_MODE, 1).Set<i16>(DEFAULT_MEDIA, 2);
@@ -290,12 +286,10 @@ TEST_F(DefaultsTest, StepsOfADescription)
                 builder.Set<u16>(COLLATE, builder.Command(word.substr(nValue)));
                 continue;
             }
-            const auto* pField =
-                std::find_if(std::begin(aFields), std::end(aFields),
-                             [&](const BodyField& field) { return word.substr(0, nValue) == field.cName; });
-            ASSERT_NE(pField, std::end(aFields)) << word;
+            const auto found = fields.find(word.substr(0, nValue));
+            ASSERT_NE(found, fields.end()) << word;
             const long long llValue = ToNumber(word.substr(nValue));
-            std::memcpy(builder.body.data() + pField->nAt, &llValue, pField->bWidth);
+            std::memcpy(builder.body.data() + found->second.first, &llValue, found->second.second);
         }
         const DriverDevmode record = BuildFrom(builder);
         for (const std::string& wanted : Words(row[1])) {
