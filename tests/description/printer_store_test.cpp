@@ -2,13 +2,14 @@
 #include "description/installed_set.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
 
-using Words = std::array<u32, 4>;
+using Set = std::array<u32, 4>;
 
-Words WordsOf(const DeviceInfo& info)
+Set WordsOf(const DeviceInfo& info)
 {
     return {info.ulInputs, info.ulOutputs, info.ulOptions, info.ulMemoryKey};
 }
@@ -32,7 +33,7 @@ class PrinterStoreTest : public MachineTest {
         AddTestPrinter(FourWords().Build());
     }
 
-    Words Installed(bool bModel = true)
+    Set Installed(bool bModel = true)
     {
         PrinterCall call(hPrinter);
         OwnedModel pModel = bModel ? LoadPrinterModel(call) : OwnedModel();
@@ -40,7 +41,7 @@ class PrinterStoreTest : public MachineTest {
         return WordsOf(*GetDeviceInfo(call, pModel.get()));
     }
 
-    Words WithIni(const std::string& ini, bool bModel = true)
+    Set WithIni(const std::string& ini, bool bModel = true)
     {
         PutFile(u"C:\\drv\\qa.ini", "[DeviceInfo]\r\n" + ini);
         return Installed(bModel);
@@ -88,21 +89,21 @@ TEST_F(PrinterStoreTest, TheStoredSetCountsAtExactlySixteenBytes)
     for (size_t cb : std::initializer_list<size_t>{0, 4, 8, 15, 17}) {
         SetPrinterValue(u"Test", u"DeviceInfo", REG_BINARY,
                         Bytes(stored.begin(), stored.begin() + static_cast<i64>(cb)));
-        EXPECT_EQ(Installed(), (Words{3, 3, 0x11, 96})) << cb;
+        EXPECT_EQ(Installed(), (Set{3, 3, 0x11, 96})) << cb;
     }
     for (DWORD dwType : {REG_BINARY, REG_SZ, REG_DWORD}) { /* the size decides, not the type */
         SetPrinterValue(u"Test", u"DeviceInfo", dwType, Bytes(stored.begin(), stored.begin() + 16));
-        EXPECT_EQ(Installed(), (Words{1, 2, 0x80000003, 4})) << dwType;
-        EXPECT_EQ(Installed(false), (Words{1, 2, 0x80000003, 4}));
+        EXPECT_EQ(Installed(), (Set{1, 2, 0x80000003, 4})) << dwType;
+        EXPECT_EQ(Installed(false), (Set{1, 2, 0x80000003, 4}));
     }
     TellLies(LIE_SHORT, CALL_GetPrinterDataW);
-    EXPECT_EQ(Installed(), (Words{3, 3, 0x11, 96}));
+    EXPECT_EQ(Installed(), (Set{3, 3, 0x11, 96}));
     TellLies(LIE_NONE);
 
     PrinterCall call(hPrinter);
     DeviceInfo changed = {9, 8, 7, 6};
     SetDeviceInfo(call, &changed);
-    EXPECT_EQ(Installed(), (Words{9, 8, 7, 6}));
+    EXPECT_EQ(Installed(), (Set{9, 8, 7, 6}));
     DWORD dwType = 0;
     Bytes bytes;
     ASSERT_TRUE(GetPrinterValue(u"Test", u"DeviceInfo", &dwType, &bytes));
@@ -117,30 +118,25 @@ TEST_F(PrinterStoreTest, TheStoredSetCountsAtExactlySixteenBytes)
 
 TEST_F(PrinterStoreTest, TheSettingsFileOfTheDriverOverridesTheModelKeyByKey)
 {
-    EXPECT_EQ(Installed(), (Words{3, 3, 7, 96})) << "the .INI file is listed but not there";
-    EXPECT_EQ(Installed(false), (Words{0, 0, 0, 0}));
-    EXPECT_EQ(WithIni("Sources=A\r\n", false), (Words{10, 0, 0, 0}));
-    EXPECT_EQ(WithIni("Sources=A\r\n"), (Words{10, 3, 7, 96}));
-    EXPECT_EQ(WithIni("destinations = 1F\r\nTotalMemory=010\r\n"), (Words{3, 31, 7, 10}));
-    EXPECT_EQ(WithIni("Options=\"ff\"\r\nTotalMemory=128MB\r\n"), (Words{3, 3, 255, 128}));
-    EXPECT_EQ(WithIni("Sources=0x11\r\nOptions=\r\n"), (Words{0, 3, 0, 96}))
-        << "no prefix; an empty value is a number";
-    EXPECT_EQ(WithIni("Options=123456789A\r\nTotalMemory=99999999999\r\n"),
-              (Words{3, 3, 0xFFFFFFFF, 0x7FFFFFFF}));
-    EXPECT_EQ(WithIni("TotalMemory=-1\r\n"), (Words{3, 3, 7, 0xFFFFFFFF}));
-    EXPECT_EQ(WithIni("TotalMemory= +7\r\n"), (Words{3, 3, 7, 7}));
+    EXPECT_EQ(Installed(), (Set{3, 3, 7, 96})) << "the .INI file is listed but not there";
+    EXPECT_EQ(Installed(false), (Set{0, 0, 0, 0}));
+    EXPECT_EQ(WithIni("Sources=A\r\n", false), (Set{10, 0, 0, 0}));
+    for (const DataRow& row : ReadRows("device_info.txt")) {
+        const std::vector<u32> set = ToNumbers<u32>(row[1]);
+        EXPECT_EQ(WithIni(Unescaped(row[0]) + "\r\n"), (Set{set[0], set[1], set[2], set[3]})) << row[0];
+    }
 
     PrinterCall call(hPrinter);
     OwnedModel pModel = LoadPrinterModel(call);
     DeviceInfo info = {1, 1, 1, 1};
     BuildDeviceInfo(call, pModel.get(), &info, 0);
-    EXPECT_EQ(WordsOf(info), (Words{3, 3, 7, 96})) << "the model alone";
+    EXPECT_EQ(WordsOf(info), (Set{3, 3, 7, 96})) << "the model alone";
     BuildDeviceInfo(call, nullptr, &info, 0);
-    EXPECT_EQ(WordsOf(info), (Words{0, 0, 0, 0}));
+    EXPECT_EQ(WordsOf(info), (Set{0, 0, 0, 0}));
 
     DescriptionBuilder wide = FourWords();
     PutFile(u"C:\\drv\\qa.xpi", wide.Set<i16>(92, -1).Set<u16>(94, 0xFFFF).Build());
-    EXPECT_EQ(WithIni(""), (Words{3, 3, 7, 65534}));
+    EXPECT_EQ(WithIni(""), (Set{3, 3, 7, 65534}));
 }
 
 TEST_F(PrinterStoreTest, Memory)

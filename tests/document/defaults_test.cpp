@@ -1,6 +1,5 @@
 /* Default records: of the sample models against their goldens, step by step on small descriptions, and what becomes
    of a stored one. */
-#include <functional>
 #include <sstream>
 
 #include "description/driver_files.h"
@@ -183,27 +182,16 @@ TEST_F(DefaultsTest, TheChecksTakeTheSamplesDefaults)
 TEST_F(DefaultsTest, ThePrintersOwnNameWithoutServerAndTail)
 {
     AddTestPrinter(Small().Build());
-    const std::vector<std::array<WideText, 3>> cases = {
-        {u"\\\\SRV\\Lab,LocalOnly", u"Lab", u"\\\\SRV\\Lab"},
-        {u"Lab,Local", u"Lab", u"Lab"},
-        {u"Lab,local", u"Lab,local", u"Lab,local"},
-        {u"A,Local\\B", u"B", u"A,Local\\B"},
-        {u"A\\,Local", u"", u"A\\"},
-        {u"\\\\SRV\\", u"", u"\\\\SRV\\"},
-        {WideText(31, u'n'), WideText(31, u'n'), WideText(31, u'n')},
-        {WideText(40, u'n') + u",LocalOnly", WideText(31, u'n'), WideText(40, u'n')},
-        {WideText(27, u'n') + u",Local", WideText(27, u'n'), WideText(27, u'n')},
-    };
-    for (const auto& [wcGiven, wcDevice, wcLeft] : cases) {
+    for (const DataRow& row : ReadRows("device_names.txt")) {
         DriverDevmode record = Poisoned();
-        WideText wcName = wcGiven;
+        WideText wcName = Wide(row[0]);
         PrinterCall call(hPrinter);
         BuildDefaultRecord(call, wcName.data(), &record, 1);
-        WCHAR wcStored[32];
-        std::memcpy(wcStored, record.dmDeviceName, sizeof wcStored);
-        EXPECT_EQ(wcDevice, WideText(wcStored)) << Narrow(wcGiven);
-        EXPECT_EQ(wcStored[31], 0);
-        EXPECT_EQ(wcLeft, WideText(wcName.c_str())) << "what the caller is left with";
+        EXPECT_EQ(
+            std::memcmp(record.dmDeviceName, (Wide(row[1]) + WideText(1, 0)).data(), 2 * row[1].size() + 2),
+            0)
+            << row[0];
+        EXPECT_EQ(Narrow(wcName.c_str()), row[2]) << "what the caller is left with";
     }
     DriverDevmode record = Poisoned();
     PrinterCall call(hPrinter);
@@ -355,31 +343,27 @@ TEST_F(DefaultsTest, TypedOptionsCountAmongThemselves)
         if (!values.empty()) {
             builder.Table<u8>(FEATURE_VALUES, values);
         }
-        DriverDevmode record = BuildFrom(builder);
-        std::vector<int> all;
+        const DriverDevmode record = BuildFrom(builder);
+        std::string all;
         for (i16 sSlot : record.rPrivate.sPJLValueIndex) {
-            all.push_back(sSlot);
+            all += std::to_string(sSlot) + " ";
         }
         EXPECT_EQ(FieldOf(record, "cPJLUserValue[0]").value, "\"\"");
-        return all;
-    };
-    auto padded = [](std::vector<int> all) {
-        all.resize(32);
-        return all;
+        return all.substr(0, all.find_last_not_of(" 0") + 1);
     };
     /* As rows of 4 bytes: a value, an end, a value, an end. As rows of 6: two values and an end. */
     const Bytes values = {1, 0, 0, 0, 0, 0, 9, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     const std::vector<FeatureRow> four = {
         {1, 0, 0, 0, 0}, {1, 0, 0, 1, 0}, {1, 0, 0, 2, 0}, {1, 0, 0, -1, 0}, {}};
-    EXPECT_EQ(slots(0, four, values), padded({0, -1, 0, -2}));
-    EXPECT_EQ(slots(4, four, values), padded({0, -1, 0, -2}));
-    EXPECT_EQ(slots(3, four, values), padded({0, 0, -1, -2}));
-    EXPECT_EQ(slots(0, four, {}), padded({-1, -2, -3, -4})) << "no values at all: every row is typed";
-    std::vector<int> falling;
-    for (int n = 1; n <= 32; n++) {
-        falling.push_back(-n);
-    }
-    EXPECT_EQ(slots(0, std::vector<FeatureRow>(40, {1, 0, 0, 0, 0}), {}), falling) << "32 slots, no more";
+    EXPECT_EQ(slots(0, four, values), "0 -1 0 -2");
+    EXPECT_EQ(slots(4, four, values), "0 -1 0 -2");
+    EXPECT_EQ(slots(3, four, values), "0 0 -1 -2");
+    EXPECT_EQ(slots(0, four, {}), "-1 -2 -3 -4") << "no values at all: every row is typed";
+    EXPECT_EQ(
+        slots(0, std::vector<FeatureRow>(40, {1, 0, 0, 0, 0}), {}),
+        "-1 -2 -3 -4 -5 -6 -7 -8 -9 -10 -11 -12 -13 -14 -15 -16 -17 -18 -19 -20 -21 -22 -23 -24 -25 -26 -27 "
+        "-28 -29 -30 -31 -32")
+        << "there are no more slots";
 }
 
 TEST_F(DefaultsTest, TheSettingsFileOfTheDriverComesLastAndUnchecked)
@@ -421,22 +405,16 @@ TEST_F(DefaultsTest, ARefusedRecordIsBuiltAnew)
 {
     AddTestPrinter(Small().Build());
     const DriverDevmode built = Build();
-    auto refuse = [this, &built](const std::function<void(DriverDevmode*)>& spoil) {
-        DriverDevmode stored = built, record = Poisoned();
-        stored.dmCopies = 5;
-        spoil(&stored);
-        SetPrinterRecord(u"Test", BytesOf(stored));
+    for (const char* cSpoiled : {"dmCopies=5 sContrast=60", "dmCopies=5 dmSpecVersion=1026",
+                                 "dmScale=9 dmOrientation=9 dmTTOption=9" /* dmColor is a fourth */}) {
+        SetPrinterRecord(u"Test", BytesOf(Changed(built, cSpoiled)));
         PrinterCall call(hPrinter);
         for (int n = 0; n < 2; n++) { /* a second look in the same call finds nothing mended */
+            DriverDevmode record = Poisoned();
             EXPECT_EQ(FindPrinterDefaults(call, &record), DEFAULT_STORED);
-            EXPECT_EQ(Changes(built, record), "");
+            EXPECT_EQ(Changes(built, record), "") << cSpoiled;
         }
-    };
-    refuse([](DriverDevmode* p) { p->rPrivate.sContrast = 60; });
-    refuse([](DriverDevmode* p) { p->dmSpecVersion = 1026; });
-    refuse([](DriverDevmode* p) {
-        p->dmScale = p->dmOrientation = p->dmTTOption = 9;
-    }); /* dmColor is a fourth */
+    }
 
     Bytes whole = BytesOf(built);
     SetPrinterRecord(u"Test", Bytes(whole.begin(), whole.begin() + 220)); /* lies not wholly in the answer */
