@@ -6,6 +6,7 @@
 #include "base/arithmetic.h"
 #include "base/file_name.h"
 #include "base/format.h"
+#include "base/narrow.h"
 #include "base/owned.h"
 #include "base/wide.h"
 #include "hosted/standin.h"
@@ -249,6 +250,17 @@ TEST_F(Blocks, TwoValuesSayThatNothingIsOpen)
     EXPECT_EQ(CountLive().nFiles, 0);
     hFile.reset();
     EXPECT_EQ(CallCount(CALL_CloseHandle), 1) << "the invalid handle was closed";
+}
+
+TEST_F(Blocks, ATextThatDoesNotConvertIsNotTakenInPart)
+{
+    char cText[8] = "~~~~~~~";
+    EXPECT_EQ(NarrowInto(u"abc", cText, 8), 1);
+    EXPECT_STREQ(cText, "abc");
+    FailCall(CALL_WideCharToMultiByte, 1); /* the first of the calls that measure; those behind it succeed */
+    EXPECT_EQ(NarrowInto(u"abc", cText, 8), 0);
+    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_STREQ(cText, "");
 }
 
 TEST(FileNames, DevicesAndPipesAreToldFromFolders)
