@@ -119,27 +119,8 @@ TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
     EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
 }
 
-TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
+TEST_F(DriverFilesTest, AValueThatFillsItsRoom)
 {
-    setup.atcDependentFiles = {u"c:\\drv\\a.xpi", u"c:\\drv\\b.xpi"};
-    const std::tuple<const char*, DWORD, Bytes, bool> aCases[] = {
-        {"no NUL", REG_SZ, {'b', 0, '.', 0, 'x', 0}, true},
-        {"odd size", REG_SZ, {'b', 0, '.', 0, 'x', 0, 'q'}, true},
-        {"one byte", REG_SZ, {'b'}, false},
-        {"no bytes", REG_SZ, {}, false},
-        {"text behind the NUL", REG_SZ, {'b', 0, '.', 0, 0, 0, 'q', 0}, true},
-        {"binary", REG_BINARY, {'b', 0, '.', 0, 0, 0}, false},
-        {"list", REG_MULTI_SZ, {'b', 0, '.', 0, 0, 0, 0, 0}, false},
-        {"number", REG_DWORD, {'b', 0, 0, 0}, false},
-    };
-    for (const auto& [cWhat, dwType, bytes, bTaken] : aCases) {
-        AddPrinter(setup);
-        SetPrinterValue(u"Test", u"XPI", dwType, bytes);
-        PrinterCall call(hPrinter);
-        WCHAR tcPath[PATH_CHARS];
-        FindDriverFile(call, u"XPI", u".XPI", tcPath);
-        EXPECT_EQ(Narrow(tcPath), bTaken ? "C:\\DRV\\B.XPI" : "C:\\DRV\\A.XPI") << cWhat;
-    }
     /* 260 characters that fill the room to its last byte, without a NUL. */
     AddPrinter(setup);
     Bytes full(520);

@@ -85,22 +85,6 @@ WideText PlainReading(const Bytes& bytes, u16 usLanguage, i32 nId, int cch)
     return wcText;
 }
 
-/* Groups of hexadecimal digits, "82A0*40" for one that is repeated, as numbers of nDigits each. */
-template <class Text> Text FromHex(const std::string& groups, size_t nDigits)
-{
-    Text text;
-    for (const std::string& group : Words(groups)) {
-        const size_t nStar = group.find('*');
-        for (int n = nStar == group.npos ? 1 : std::stoi(group.substr(nStar + 1)); n > 0; n--) {
-            for (size_t i = 0; i < std::min(nStar, group.size()); i += nDigits) {
-                text +=
-                    static_cast<typename Text::value_type>(std::stoi(group.substr(i, nDigits), nullptr, 16));
-            }
-        }
-    }
-    return text;
-}
-
 } // namespace
 
 TEST_F(TextsTest, IdsBelowOneAreTheLibrarys)

@@ -3,6 +3,7 @@
 #ifndef TQUI_TESTS_DATA_FILE_H
 #define TQUI_TESTS_DATA_FILE_H
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -87,6 +88,22 @@ template <class Number = long long> std::vector<Number> ToNumbers(const std::str
         numbers.push_back(static_cast<Number>(ToNumber(word)));
     }
     return numbers;
+}
+
+/* Groups of hexadecimal digits, "82A0*40" for one that is repeated, as numbers of nDigits each. */
+template <class Text> Text FromHex(const std::string& groups, size_t nDigits = 2)
+{
+    Text text;
+    for (const std::string& group : Words(groups)) {
+        const size_t nStar = group.find('*');
+        for (int n = nStar == group.npos ? 1 : std::stoi(group.substr(nStar + 1)); n > 0; n--) {
+            for (size_t i = 0; i < std::min(nStar, group.size()); i += nDigits) {
+                text.push_back(
+                    static_cast<typename Text::value_type>(std::stoi(group.substr(i, nDigits), nullptr, 16)));
+            }
+        }
+    }
+    return text;
 }
 
 #endif
