@@ -72,21 +72,21 @@ WideText PathOf(size_t cch, const WideText& tcEnd)
 
 TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
 {
+    const std::map<std::string, WideText PrinterSetup::*> roles = {{"driver=", &PrinterSetup::tcDriverPath},
+                                                                   {"config=", &PrinterSetup::tcConfigFile},
+                                                                   {"help=", &PrinterSetup::tcHelpFile},
+                                                                   {"data=", &PrinterSetup::tcDataFile}};
     for (const DataRow& row : ReadRows("driver_files.txt")) {
         ASSERT_EQ(row.size(), 4u) << row[0];
         setup.tcDriverPath = setup.tcConfigFile = setup.tcHelpFile = setup.tcDataFile = u"";
         setup.atcDependentFiles.clear();
         for (const std::string& word : Words(row[0])) {
-            const size_t nName = word.find('=') + 1; /* 0 behind none */
+            const size_t nName = word.find('=') + 1; /* 0 for a dependent file */
             const WideText tcPath =
                 (word.find(':') == word.npos ? u"c:\\drv\\" : u"") + Wide(word.substr(nName));
-            WideText* ptcRole = word.rfind("driver=", 0) == 0   ? &setup.tcDriverPath
-                                : word.rfind("config=", 0) == 0 ? &setup.tcConfigFile
-                                : word.rfind("help=", 0) == 0   ? &setup.tcHelpFile
-                                : word.rfind("data=", 0) == 0   ? &setup.tcDataFile
-                                                                : nullptr;
-            if (ptcRole) {
-                *ptcRole = tcPath;
+            const auto role = roles.find(word.substr(0, nName));
+            if (role != roles.end()) {
+                setup.*role->second = tcPath;
             } else {
                 setup.atcDependentFiles.push_back(tcPath);
             }

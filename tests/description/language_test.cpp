@@ -1,6 +1,4 @@
 /* The language library: which one is loaded, and what a sheet keeps of it. */
-#include <sstream>
-
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
 #include "places.h"
@@ -102,11 +100,9 @@ TEST_F(LanguageTest, CodesOfTheLanguages)
 {
     u16 usPrimary = 0;
     for (const DataRow& line : ReadRows("languages.txt")) {
-        std::istringstream row(line[1]);
-        std::string code;
         usPrimary = static_cast<u16>(ToNumber(line[0]));
         u16 usSub = 0;
-        while (row >> code) {
+        for (const std::string& code : Words(line[1])) {
             EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << usPrimary;
         }
         if (usPrimary != 0) {

@@ -4,9 +4,9 @@
 
 namespace {
 
-/* What becomes of a record: accepted with that many counted repairs, or refused. */
-enum Outcome : int { REFUSED = 3 };
+/* What becomes of a record: accepted with none, one or two counted repairs, or refused. */
 constexpr const char* aOutcomes[] = {"kept", "mended", "twice", "refused"};
+constexpr int REFUSED = 3;
 
 /* Fields whose value 0x7777 costs one repair each, at the end of the public check and within the private one. */
 const std::vector<size_t> aPublicFillers = {216, 212, 208, 204, 200, 84};

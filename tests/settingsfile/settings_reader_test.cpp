@@ -1,5 +1,5 @@
-/* Reading settings files into records: every key by itself, the rules between keys, styles, and files that no
-   one should write. */
+/* Reading settings files into records: the rules of and between keys, styles, and files that no one should write.
+   That each key reaches its field is held where records are written (SettingsWriter.WholeTextOfARecordOfEachKind). */
 #include "settingsfile/settings_reader.h"
 
 #include <cstring>
@@ -15,11 +15,11 @@ namespace {
 
 constexpr WCHAR SETTINGS_FILE[] = u"C:\\set\\a.ini";
 
-i32 NumberAt(const DriverDevmode& record, int nAt, int nWidth, bool bSigned = false)
+i32 NumberAt(const DriverDevmode& record, int nAt, int nWidth)
 {
     u32 ulBits = 0;
     std::memcpy(&ulBits, reinterpret_cast<const u8*>(&record) + nAt, static_cast<size_t>(nWidth));
-    return bSigned && nWidth == 2 ? static_cast<i16>(ulBits) : static_cast<i32>(ulBits);
+    return static_cast<i32>(ulBits);
 }
 
 std::string TextAt(const DriverDevmode& record, int nAt, int nChars)

@@ -16,7 +16,6 @@
 #include "profile/section_file.h"
 #include "settingsfile/settings_key_rows.h"
 #include "settingsfile/settings_reader.h"
-#include "support/data_file.h"
 #include "support/power_cuts.h"
 #include "support/record_changes.h"
 #include "support/same_bytes.h"
@@ -154,8 +153,8 @@ size_t FilesThere()
 
 } // namespace
 
-/* What is written is held against a text. Read into a record in which each field that the kind reads is another, it
-   makes these fields what they were, and changes no other byte. */
+/* What is written is held against a text. Read into a record in which each of its fields is another, it makes those
+   that the kind reads what they were, and changes no other byte. */
 TEST_F(SettingsWriter, WholeTextOfARecordOfEachKind)
 {
     for (u16 usKind = 0; usKind < 5; usKind++) {
@@ -177,14 +176,16 @@ TEST_F(SettingsWriter, WholeTextOfARecordOfEachKind)
         DriverDevmode expected = GoldenRecord(usKind), read = expected;
         const std::map<std::string, std::string> keys(lines.begin(), lines.end());
         for (const KeyRow& row : KeyRows()) {
-            const bool bRead = row.read.find(static_cast<char>('0' + usKind)) != row.read.npos &&
-                               keys.count(row.key + (row.Numbers() > 1 ? "0" : ""));
-            for (int i = 0; i < row.Numbers() && bRead && !row.IsOfOtherWatermark(bText); i++) {
-                PutAt(&read, row.At(i), u"~~~", static_cast<size_t>(row.cType == 't' ? 6 : row.Width()));
+            const bool bRead = row.read.find(static_cast<char>('0' + usKind)) != row.read.npos;
+            const bool bThere = keys.count(row.key + (row.Numbers() > 1 ? "0" : ""));
+            for (int i = 0; i < row.Numbers() && bThere && !row.IsOfOtherWatermark(bText); i++) {
+                const size_t cb = static_cast<size_t>(row.cType == 't' ? 6 : row.Width());
+                PutAt(&read, row.At(i), u"~~~", cb);
+                PutAt(bRead ? &read : &expected, row.At(i), u"~~~", cb);
             }
         }
-        if (usKind >=
-            3) { /* where the pages to insert are not read styles are, of which one kind has some here */
+        /* Where the pages to insert are not read styles are, of which one kind has some here. */
+        if (usKind >= 3) {
             std::memset(read.rPrivate.bExceptionRegion, 0, REGION_END - REGION_AT);
             std::memset(expected.rPrivate.bExceptionRegion, 0, usKind == 4 ? REGION_END - REGION_AT : 0);
         }
