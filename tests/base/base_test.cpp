@@ -230,9 +230,10 @@ TEST_F(Blocks, AreZeroedAndBounded)
     EXPECT_EQ(AllocateRows(0, 5), nullptr);
     EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
 
-    FailCall(CALL_HeapAlloc, 1);
+    FailCall(CALL_HeapAlloc, 1, FAIL_FROM_THERE);
     EXPECT_EQ(AllocateRows(3, 5), nullptr);
-    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_EQ(AllocateBlock(0x10000000), nullptr);
+    EXPECT_EQ(StopFaults(), 2) << "the largest block that is asked for";
     FreeBlock(nullptr);
     EXPECT_EQ(CallCount(CALL_HeapFree), 0);
 }

@@ -54,11 +54,16 @@ class LanguageTest : public MachineTest {
 TEST_F(LanguageTest, TheUsersLibraryThenTheEnglishOne)
 {
     PutFile(u"C:\\drv\\broken-txt.dll", "MZ but nothing else");
-    PutFile(u"C:\\drv\\alt.dll", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
+    for (const WCHAR* tcCopy : {u"C:\\drv\\alt.dll", u"\\\\server\\share\\txt.dll"}) {
+        PutFile(tcCopy, ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
+    }
     for (const DataRow& row : ReadRows("language_libraries.txt")) {
         EXPECT_EQ(Opened(row[0], static_cast<u16>(ToNumber(row[1]))), row[2]) << row[0];
     }
-    FailCall(CALL_LoadLibraryExW, 1); /* libraries are loaded as data */
+    ResetCallCounts();
+    EXPECT_EQ(Opened(":\\drv\\txt.dll :drv\\enus.dll", 0x0407), "9/1 none");
+    EXPECT_EQ(CallCount(CALL_LoadLibraryExW), 0) << "neither whole paths on a drive nor of a server";
+    FailCall(CALL_LoadLibraryExW, 1);
     EXPECT_EQ(Opened("txt.dll enus.dll", 0x0407), "9/1 Printer default");
     EXPECT_EQ(StopFaults(), 1);
     FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
