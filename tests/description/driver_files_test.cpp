@@ -179,7 +179,10 @@ TEST_F(DriverFilesTest, StrangeAnswersOfTheSpooler)
             setup.atcDependentFiles.assign(60, WideText(60, u'x')); /* so that the first room is too small */
             AddPrinterAgain();
         }
+        ResetCallCounts();
         EXPECT_EQ(FindDriverFile(call, u"", u".XPI", tcPath), 0) << lie;
+        EXPECT_EQ(CallCount(CALL_GetPrinterDriverW), lie == LIE_GROWS ? 2 : 1)
+            << "a room that grows is tried twice";
         EXPECT_EQ(tcPath[0], 0);
         EXPECT_EQ(GetFontFilePath(call, tcPath), 0);
         TellLies(LIE_NONE);

@@ -509,6 +509,9 @@ TEST_F(ModelTest, BitmapsComeWholeOrNotAtAll)
     ResetCallCounts();
     EXPECT_FALSE(ReadXpiBitmap(file, 3, &cb)) << "but not beyond the end";
     EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
+    Poke(&whole, whole.size() - 60 + 2, u32{60});
+    Open(whole);
+    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "and up to it";
 
     Open(whole);
     for (int nTh = 2; nTh <= 4; nTh++) { /* the header was read for the file; offset, BMP header, whole */

@@ -245,6 +245,10 @@ TEST_F(PrinterStoreTest, TheUsersFolderIsNamedByTheDriverAndMade)
         NameDriver(wcHollow);
         EXPECT_EQ(UserFolder(), "") << Narrow(wcHollow);
     }
+    NameDriver(u"d");
+    PrinterCall call(hPrinter);
+    WCHAR wcName[PATH_CHARS];
+    EXPECT_EQ(GetDriverName(call, wcName), 1);
     NameDriver(u"..\\..\\x"); /* no way out of the folder */
     EXPECT_EQ(UserFolder(), FOLDER + "..-..-x");
 
