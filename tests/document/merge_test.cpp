@@ -44,11 +44,13 @@ class MergeTest : public CheckTest {
         SetPrinterValue(wcPrinter, u"DeviceInfo", REG_BINARY, Bytes(pInfo, pInfo + sizeof aInfo));
         SetPrinterText(wcPrinter, u"Settings", u"USER.EXT");
         PutFile(u"C:\\Users\\worker\\Application Data\\Corvantis Optics\\Test Driver\\USER.EXT",
-                "[Watermarks]\r\nNumWatermarks=2\r\n"
+                "[Watermarks]\r\nNumWatermarks=3\r\n"
                 "WMType0=2\r\nWMString0=a\r\nWMImageName0=C:\\w\\a.bmp\r\nWMFileName0=C:\\w\\mono.wm\r\n"
                 "WMColorFile0=C:\\w\\color.wm\r\nWMResolution0=600\r\nWMWidth0=10\r\nWMHeight0=10\r\n"
                 "WMType1=2\r\nWMString1=b\r\nWMImageName1=C:\\w\\b.bmp\r\nWMFileName1=C:\\w\\only.wm\r\n"
-                "WMResolution1=600\r\nWMWidth1=10\r\nWMHeight1=10\r\n");
+                "WMResolution1=600\r\nWMWidth1=10\r\nWMHeight1=10\r\n"
+                "WMType2=2\r\nWMString2=c\r\nWMImageName2=C:\\w\\c.bmp\r\nWMFileName2=m\r\nWMColorFile2=c\r\n"
+                "WMResolution2=600\r\nWMWidth2=10\r\nWMHeight2=10\r\n");
         PutFile(u"C:\\ov\\A.OVL", "overlay");
         good.dmDuplex = ulOptions & 1;
     }
@@ -122,6 +124,9 @@ TEST_F(MergeTest, TheSourceIsTheCallersOrThePrintersDefault)
     EXPECT_TRUE(HasSameBytes(out.rPrivate, standard.rPrivate));
     in.dmSpecVersion = 1024;
     EXPECT_EQ(FirstDifference(Merged(in), fitted), -1) << "a bad public part takes all with it";
+    FailCall(CALL_GetPrinterW, 1, FAIL_FROM_THERE);
+    EXPECT_EQ(FirstDifference(Merged(in), Filled()), -1) << "no default to replace it, so nothing is written";
+    EXPECT_GT(StopFaults(), 0);
 
     /* Repairs are the caller's as well; without a mode that writes nothing else happens. */
     in = Changed(good, "dmScale=50 dmSize=4088 dmDriverExtra=0");
