@@ -6,6 +6,7 @@
 #include "base/arithmetic.h"
 #include "base/file_name.h"
 #include "base/format.h"
+#include "base/narrow.h"
 #include "base/owned.h"
 #include "base/wide.h"
 #include "hosted/standin.h"
@@ -106,13 +107,8 @@ TEST(Format, CutsAtTheBuffersEndAndSaysSo)
 
 TEST(Wide, CopiesCutOrGiveUp)
 {
-    struct Case {
-        const WCHAR* wcText;
-        int cch;
-        const char* cCut; /* what CopyWide leaves */
-        int bWhole;
-    };
-    constexpr Case aCases[] = {
+    /* A text, the room, what CopyWide leaves of it, and whether that is the whole. */
+    const std::tuple<const WCHAR*, int, const char*, int> aCases[] = {
         {u"abc", 4, "abc", 1},
         {u"abc", 3, "ab", 0},
         {u"abc", 1, "", 0},
@@ -122,15 +118,15 @@ TEST(Wide, CopiesCutOrGiveUp)
         {u"a\xD83D\xDE00", 4, "a\\uD83D\\uDE00", 1},
         {u"a\xD83D", 3, "a\\uD83D", 1}, /* a half that was there already is not ours to mend */
     };
-    for (const Case& row : aCases) {
+    for (const auto& [wcText, cch, cCut, bWhole] : aCases) {
         std::array<WCHAR, 8> wcRoom;
         wcRoom.fill(u'~');
-        EXPECT_EQ(CopyWide(wcRoom.data(), row.cch, row.wcText), row.bWhole) << row.cCut;
-        EXPECT_EQ(Ascii(wcRoom.data()), row.cCut);
-        EXPECT_EQ(wcRoom[static_cast<size_t>(row.cch)], u'~');
+        EXPECT_EQ(CopyWide(wcRoom.data(), cch, wcText), bWhole) << cCut;
+        EXPECT_EQ(Ascii(wcRoom.data()), cCut);
+        EXPECT_EQ(wcRoom[static_cast<size_t>(cch)], u'~');
         wcRoom.fill(u'~');
-        EXPECT_EQ(CopyWideWhole(wcRoom.data(), row.cch, row.wcText), row.bWhole) << row.cCut;
-        EXPECT_EQ(Ascii(wcRoom.data()), row.bWhole ? row.cCut : "");
+        EXPECT_EQ(CopyWideWhole(wcRoom.data(), cch, wcText), bWhole) << cCut;
+        EXPECT_EQ(Ascii(wcRoom.data()), bWhole ? cCut : "");
     }
     WCHAR wcMark = u'~';
     EXPECT_EQ(
@@ -200,16 +196,15 @@ TEST(Arithmetic, ProductsAreWideAndQuotientsTruncate)
 
 TEST(Arithmetic, BitSetsHaveTheHighBitFirst)
 {
-    struct Case {
-        int nCode, nByte;
-        u8 bMask;
-    };
-    for (Case row :
-         {Case{0, 0, 0x80}, Case{7, 0, 0x01}, Case{9, 1, 0x40}, Case{118, 14, 0x02}, Case{255, 31, 0x01}}) {
+    for (const auto& [nSet, nByte, bMask] : {std::tuple<int, size_t, u8>{0, 0, 0x80},
+                                             {7, 0, 0x01},
+                                             {9, 1, 0x40},
+                                             {118, 14, 0x02},
+                                             {255, 31, 0x01}}) {
         u8 aBits[32] = {};
-        aBits[row.nByte] = row.bMask;
+        aBits[nByte] = bMask;
         for (int nCode = -9; nCode < 300; nCode++) {
-            EXPECT_EQ(IsBitSet(aBits, 256, nCode), nCode == row.nCode) << row.nCode << " asked for " << nCode;
+            EXPECT_EQ(IsBitSet(aBits, 256, nCode), nCode == nSet) << nSet << " asked for " << nCode;
         }
     }
 }
@@ -235,9 +230,10 @@ TEST_F(Blocks, AreZeroedAndBounded)
     EXPECT_EQ(AllocateRows(0, 5), nullptr);
     EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
 
-    FailCall(CALL_HeapAlloc, 1);
+    FailCall(CALL_HeapAlloc, 1, FAIL_FROM_THERE);
     EXPECT_EQ(AllocateRows(3, 5), nullptr);
-    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_EQ(AllocateBlock(0x10000000), nullptr);
+    EXPECT_EQ(StopFaults(), 2) << "the largest block that is asked for";
     FreeBlock(nullptr);
     EXPECT_EQ(CallCount(CALL_HeapFree), 0);
 }
@@ -255,6 +251,17 @@ TEST_F(Blocks, TwoValuesSayThatNothingIsOpen)
     EXPECT_EQ(CountLive().nFiles, 0);
     hFile.reset();
     EXPECT_EQ(CallCount(CALL_CloseHandle), 1) << "the invalid handle was closed";
+}
+
+TEST_F(Blocks, ATextThatDoesNotConvertIsNotTakenInPart)
+{
+    char cText[8] = "~~~~~~~";
+    EXPECT_EQ(NarrowInto(u"abc", cText, 8), 1);
+    EXPECT_STREQ(cText, "abc");
+    FailCall(CALL_WideCharToMultiByte, 1); /* the first of the calls that measure; those behind it succeed */
+    EXPECT_EQ(NarrowInto(u"abc", cText, 8), 0);
+    EXPECT_EQ(StopFaults(), 1);
+    EXPECT_STREQ(cText, "");
 }
 
 TEST(FileNames, DevicesAndPipesAreToldFromFolders)

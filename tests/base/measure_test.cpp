@@ -3,6 +3,7 @@
 
 #include "base/measure.h"
 #include "support/both_builds.h"
+#include "support/data_file.h"
 
 namespace {
 
@@ -18,29 +19,15 @@ i32 Typed(const char* text, int bMetric, const WCHAR* wcDecimal = TEXT("."))
     return MeasureOfText(Wide(text).c_str(), wcDecimal, bMetric);
 }
 
-struct ShownCase {
-    i32 lValue;
-    int bMetric;
-    const char *nearest, *down, *up;
-};
-
 TEST(Measure, IsShownInBothUnits)
 {
-    const ShownCase aCases[] = {
-        {10000, 0, "3.94", "3.93", "3.94"},     {32000, 0, "12.60", "12.59", "12.60"},
-        {2540, 0, "1.00", "1.00", "1.00"},      {2539, 0, "1.00", "0.99", "1.00"},
-        {7620, 0, "3.00", "3.00", "3.00"},      {-25, 0, "-0.01", "0.00", "-0.01"},
-        {-12, 0, "0.00", "0.00", "-0.01"},      {-2539, 0, "-1.00", "-0.99", "-1.00"},
-        {-25000, 0, "-9.84", "-9.84", "-9.85"}, {2100, 1, "21.0", "21.0", "21.0"},
-        {2096, 1, "21.0", "20.9", "20.9"},      {-50, 1, "-0.5", "-0.5", "-0.5"},
-        {-4, 1, "0.0", "0.0", "0.0"},           {1995, 1, "20.0", "19.9", "19.9"},
-        {0, 0, "0.00", "0.00", "0.00"},
-    };
-    for (const ShownCase& each : aCases) {
-        SCOPED_TRACE(each.lValue);
-        EXPECT_EQ(Shown(each.lValue, each.bMetric, ROUND_NEAREST), each.nearest);
-        EXPECT_EQ(Shown(each.lValue, each.bMetric, ROUND_DOWN), each.down);
-        EXPECT_EQ(Shown(each.lValue, each.bMetric, ROUND_UP), each.up);
+    for (const DataRow& row : ReadRows("measures.txt")) {
+        const std::vector<std::string> value = Words(row[0]);
+        const i32 lValue = static_cast<i32>(ToNumber(value[0]));
+        const int bMetric = value[1] == "mm";
+        EXPECT_EQ(Shown(lValue, bMetric, ROUND_NEAREST), row[1]) << row[0];
+        EXPECT_EQ(Shown(lValue, bMetric, ROUND_DOWN), row[2]) << row[0];
+        EXPECT_EQ(Shown(lValue, bMetric, ROUND_UP), row[3]) << row[0];
     }
     EXPECT_EQ(Shown(2100, 1, ROUND_NEAREST, TEXT(",")), "21,0");
     EXPECT_EQ(Shown(static_cast<i32>(0x80000000), 1, ROUND_NEAREST), "-21474836.5");
@@ -109,23 +96,17 @@ TEST(Measure, SpinStepsShowAHundredthOfAnInchEach)
 
 TEST(Measure, KeysStepAndWrap)
 {
-    struct KeyCase {
-        NumberRange range;
-        i32 lFrom;
-        int nKey;
-        i32 lTo;
-    };
     const NumberRange copies = {1, 1, 99}, tone = {-50, 0, 50}, angle = {0, 45, 359};
-    const KeyCase aCases[] = {
+    const std::tuple<NumberRange, i32, int, i32> aCases[] = {
         {copies, 5, KEY_NEXT, 99},   {copies, 10, KEY_NEXT, 1},  {copies, 11, KEY_NEXT, 1},
         {copies, 98, KEY_PRIOR, 99}, {tone, 5, KEY_NEXT, 50},    {tone, 10, KEY_NEXT, 0},
         {tone, 0, KEY_DOWN, -1},     {tone, -45, KEY_NEXT, -50}, {angle, 3, KEY_NEXT, 359},
         {angle, 3, KEY_HOME, 45},    {angle, 3, KEY_END, 359},   {angle, 3, KEY_UP, 4},
     };
-    for (const KeyCase& each : aCases) {
-        i32 lValue = each.lFrom;
-        EXPECT_EQ(PressNumberKey(each.nKey, each.range, &lValue), 1);
-        EXPECT_EQ(lValue, each.lTo) << each.lFrom << " key " << each.nKey;
+    for (const auto& [range, lFrom, nKey, lTo] : aCases) {
+        i32 lValue = lFrom;
+        EXPECT_EQ(PressNumberKey(nKey, range, &lValue), 1);
+        EXPECT_EQ(lValue, lTo) << lFrom << " key " << nKey;
     }
     i32 lValue = 5;
     EXPECT_EQ(PressNumberKey('7', copies, &lValue), 0);

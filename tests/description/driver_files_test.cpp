@@ -1,6 +1,7 @@
 /* Companion files of the driver: found by a piece of their name in the spooler's list; printers opened by
    name; answers of the spooler that are long, short or strange. */
 #include "description/driver_files.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -69,50 +70,43 @@ WideText PathOf(size_t cch, const WideText& tcEnd)
 
 } // namespace
 
-TEST_F(DriverFilesTest, SearchOrderAndMatchingByAPieceAnywhere)
+TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
 {
-    setup.tcDriverPath = u"c:\\drv\\hit.driver";
-    setup.tcConfigFile = u"c:\\drv\\Hit.config";
-    setup.tcHelpFile = u"c:\\drv\\hit.help";
-    setup.tcDataFile = u"c:\\drv\\hit.data";
-    setup.atcDependentFiles = {u"c:\\drv\\other", u"c:\\drv\\hit.first", u"c:\\drv\\hit.second"};
-    EXPECT_EQ(Find(u"", u"hit"), "C:\\DRV\\HIT.FIRST");
-    EXPECT_EQ(Find(u"", u"HIT.S"), "C:\\DRV\\HIT.SECOND");
-    setup.atcDependentFiles = {u"c:\\drv\\other"};
-    EXPECT_EQ(Find(u"", u"hit"), "C:\\DRV\\HIT.DATA");
-    setup.tcDataFile.clear();
-    EXPECT_EQ(Find(u"", u"hit"), "C:\\DRV\\HIT.HELP");
-    setup.tcHelpFile.clear();
-    EXPECT_EQ(Find(u"", u"hit"), "C:\\DRV\\HIT.CONFIG");
-    setup.tcConfigFile.clear();
-    EXPECT_EQ(Find(u"", u"hit"), "") << "the driver itself is not searched";
-    setup.atcDependentFiles.clear();
-    EXPECT_EQ(Find(u"", u"hit"), "");
-
-    setup.atcDependentFiles = {u"c:\\drv\\old.xpix", u"c:\\drv\\qa.xpi"};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\OLD.XPIX");
-    setup.atcDependentFiles = {u"c:\\x.init\\a.dll", u"c:\\drv\\qa.ini"};
-    EXPECT_EQ(Find(u"", u".INI"), "C:\\X.INIT\\A.DLL") << "folders count";
+    const std::map<std::string, WideText PrinterSetup::*> roles = {{"driver=", &PrinterSetup::tcDriverPath},
+                                                                   {"config=", &PrinterSetup::tcConfigFile},
+                                                                   {"help=", &PrinterSetup::tcHelpFile},
+                                                                   {"data=", &PrinterSetup::tcDataFile}};
+    for (const DataRow& row : ReadRows("driver_files.txt")) {
+        ASSERT_EQ(row.size(), 4u) << row[0];
+        setup.tcDriverPath = setup.tcConfigFile = setup.tcHelpFile = setup.tcDataFile = u"";
+        setup.atcDependentFiles.clear();
+        for (const std::string& word : Words(row[0])) {
+            const size_t nName = word.find('=') + 1; /* 0 for a dependent file */
+            const WideText tcPath =
+                (word.find(':') == word.npos ? u"c:\\drv\\" : u"") + Wide(word.substr(nName));
+            const auto role = roles.find(word.substr(0, nName));
+            if (role != roles.end()) {
+                setup.*role->second = tcPath;
+            } else {
+                setup.atcDependentFiles.push_back(tcPath);
+            }
+        }
+        values.clear();
+        for (const std::string& word : Words(row[1])) {
+            values.emplace_back(Wide(word.substr(0, word.find('='))), Wide(word.substr(word.find('=') + 1)));
+        }
+        std::vector<std::string> asked = Words(row[2]);
+        asked.resize(2);
+        const std::string found =
+            asked[0] == "core" ? RenderCore()
+                               : Find(asked[0] == "-" ? u"" : Wide(asked[0]).c_str(), Wide(asked[1]).c_str());
+        const bool bWhole = row[3].empty() || row[3].find(':') != row[3].npos;
+        EXPECT_EQ(found, (bWhole ? "" : "C:\\DRV\\") + row[3])
+            << row[0] << " | " << row[1] << " | " << row[2];
+    }
+    values.clear();
     setup.atcDependentFiles = {u"c:\\\u00E4\u00F6\u00FC\\\u03B1.dll"};
     EXPECT_EQ(Find(u"", u"\u00C4\u00D6"), Narrow(u"C:\\\u00C4\u00D6\u00DC\\\u0391.DLL"));
-    EXPECT_EQ(Find(u"", u""), "");
-}
-
-TEST_F(DriverFilesTest, AValueReplacesTheDefaultForGoodUnlessEmpty)
-{
-    setup.atcDependentFiles = {u"c:\\drv\\a.xpi", u"c:\\drv\\b.xpi"};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
-    values = {{u"XPI", u"b.xpi"}};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\B.XPI");
-    EXPECT_EQ(Find(u"", u".XPI"), "C:\\DRV\\A.XPI") << "the value is not asked for when it is not named";
-    values = {{u"XPI", u"NONE.XPI"}};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "");
-    values = {{u"XPI", u""}};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
-    values = {{u"FontManager", u"B.X"}};
-    EXPECT_EQ(Find(u"FontManager", u""), "C:\\DRV\\B.XPI");
-    values.clear();
-    EXPECT_EQ(Find(u"FontManager", u""), "");
 
     /* At most 128 characters of it are looked for. */
     setup.atcDependentFiles = {u"c:\\" + WideText(128, u'n') + u".dll"};
@@ -125,33 +119,8 @@ TEST_F(DriverFilesTest, AValueReplacesTheDefaultForGoodUnlessEmpty)
     EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
 }
 
-TEST_F(DriverFilesTest, ValuesOfOtherTypesAndShapes)
+TEST_F(DriverFilesTest, AValueThatFillsItsRoom)
 {
-    setup.atcDependentFiles = {u"c:\\drv\\a.xpi", u"c:\\drv\\b.xpi"};
-    struct Case {
-        const char* cWhat;
-        DWORD dwType;
-        Bytes bytes;
-        const char* cFound;
-    };
-    const Case aCases[] = {
-        {"no NUL", REG_SZ, {'b', 0, '.', 0, 'x', 0}, "C:\\DRV\\B.XPI"},
-        {"odd size", REG_SZ, {'b', 0, '.', 0, 'x', 0, 'q'}, "C:\\DRV\\B.XPI"},
-        {"one byte", REG_SZ, {'b'}, "C:\\DRV\\A.XPI"},
-        {"no bytes", REG_SZ, {}, "C:\\DRV\\A.XPI"},
-        {"text behind the NUL", REG_SZ, {'b', 0, '.', 0, 0, 0, 'q', 0}, "C:\\DRV\\B.XPI"},
-        {"binary", REG_BINARY, {'b', 0, '.', 0, 0, 0}, "C:\\DRV\\A.XPI"},
-        {"list", REG_MULTI_SZ, {'b', 0, '.', 0, 0, 0, 0, 0}, "C:\\DRV\\A.XPI"},
-        {"number", REG_DWORD, {'b', 0, 0, 0}, "C:\\DRV\\A.XPI"},
-    };
-    for (const Case& row : aCases) {
-        AddPrinter(setup);
-        SetPrinterValue(u"Test", u"XPI", row.dwType, row.bytes);
-        PrinterCall call(hPrinter);
-        WCHAR tcPath[PATH_CHARS];
-        FindDriverFile(call, u"XPI", u".XPI", tcPath);
-        EXPECT_EQ(Narrow(tcPath), row.cFound) << row.cWhat;
-    }
     /* 260 characters that fill the room to its last byte, without a NUL. */
     AddPrinter(setup);
     Bytes full(520);
@@ -210,7 +179,10 @@ TEST_F(DriverFilesTest, StrangeAnswersOfTheSpooler)
             setup.atcDependentFiles.assign(60, WideText(60, u'x')); /* so that the first room is too small */
             AddPrinterAgain();
         }
+        ResetCallCounts();
         EXPECT_EQ(FindDriverFile(call, u"", u".XPI", tcPath), 0) << lie;
+        EXPECT_EQ(CallCount(CALL_GetPrinterDriverW), lie == LIE_GROWS ? 2 : 1)
+            << "a room that grows is tried twice";
         EXPECT_EQ(tcPath[0], 0);
         EXPECT_EQ(GetFontFilePath(call, tcPath), 0);
         TellLies(LIE_NONE);
@@ -264,28 +236,6 @@ TEST_F(DriverFilesTest, TheDescriptionIsOpenedOnceACall)
     EXPECT_FALSE(LoadPrinterModel(other));
 }
 
-TEST_F(DriverFilesTest, RenderCore)
-{
-    setup.tcDriverPath = u"c:\\drv\\qrnd.dll";
-    setup.atcDependentFiles = {u"c:\\drv\\nt.dll", u"c:\\drv\\xps.dll", u"c:\\drv\\cre.dll"};
-    values = {{u"NTCoreName", u"nt.dll"}, {u"XPSCoreName", u"xps.dll"}};
-    EXPECT_EQ(RenderCore(), "C:\\DRV\\NT.DLL");
-    values[0].second = u"gone.dll";
-    EXPECT_EQ(RenderCore(), "C:\\DRV\\XPS.DLL");
-    values[0].second = u"";
-    EXPECT_EQ(RenderCore(), "C:\\DRV\\XPS.DLL");
-    values[1].second = u"";
-    EXPECT_EQ(RenderCore(), "C:\\DRV\\CRE.DLL");
-    values[1].second = u"gone.dll"; /* stands for the default, which is then not tried */
-    EXPECT_EQ(RenderCore(), "c:\\drv\\qrnd.dll");
-    values.clear();
-    EXPECT_EQ(RenderCore(), "C:\\DRV\\CRE.DLL");
-    setup.atcDependentFiles.clear();
-    EXPECT_EQ(RenderCore(), "c:\\drv\\qrnd.dll") << "as the spooler spells it";
-    setup.tcDriverPath.clear();
-    EXPECT_EQ(RenderCore(), "");
-}
-
 TEST_F(DriverFilesTest, FontFile)
 {
     PrinterCall none(nullptr);
@@ -317,32 +267,21 @@ TEST_F(DriverFilesTest, FontFile)
 
 TEST_F(DriverFilesTest, PrintersOpenedByName)
 {
-    struct Case {
-        WideText wcName;
-        std::string tries;
-        bool bOpen;
-    };
-    WideText wcLong(200, u'n');
-    const Case aCases[] = {
-        {u"Test", "Test|F000C", true},
-        {u"\\\\WORKPC\\Test,LocalOnly", "\\\\WORKPC\\Test|F000C", true},
-        {u"\\\\WORKPC\\Test", "\\\\WORKPC\\Test|F000C", true},
-        {u"\\\\WORKPC\\Test,LocalA,LocalB", "\\\\WORKPC\\Test|F000C", true},
-        {u"\\\\WORKPC\\Test,local", "\\\\WORKPC\\Test,local|F000C", false},
-        {u"\\\\OTHER\\Test,Local", "\\\\OTHER\\Test,Local|F000C", false},
-        {u"\\\\workpc\\Test,Local", "\\\\workpc\\Test,Local|F000C", false},
-        {u"\\\\WORKPC2\\Test,Local", "\\\\WORKPC2\\Test,Local|F000C", false},
-        {u"\\\\WORKPC", "\\\\WORKPC|F000C", false},
-        {u"\\WORKPC\\Test,Local", "\\WORKPC\\Test,Local|F000C", false},
-        {u"Test,Local", "Test,Local|F000C", false},
-        {u"", "|F000C", false},
-        {wcLong, std::string(128, 'n') + "|F000C", false},
-    };
     bool bOpen;
-    for (const Case& row : aCases) {
-        EXPECT_EQ(OpenByName(row.wcName.c_str(), &bOpen), row.tries);
-        EXPECT_EQ(bOpen, row.bOpen) << row.tries;
+    for (const WCHAR* wcName :
+         {u"Test", u"\\\\WORKPC\\Test,LocalOnly", u"\\\\WORKPC\\Test", u"\\\\WORKPC\\Test,LocalA,LocalB"}) {
+        const WideText wcBare = WideText(wcName).substr(0, WideText(wcName).find(u','));
+        EXPECT_EQ(OpenByName(wcName, &bOpen), Narrow(wcBare) + "|F000C");
+        EXPECT_TRUE(bOpen) << Narrow(wcName);
     }
+    /* Names of other computers, in other letters, or without the leading backslashes stay as they are. */
+    for (const WCHAR* wcName :
+         {u"\\\\WORKPC\\Test,local", u"\\\\OTHER\\Test,Local", u"\\\\workpc\\Test,Local",
+          u"\\\\WORKPC2\\Test,Local", u"\\\\WORKPC", u"\\WORKPC\\Test,Local", u"Test,Local", u""}) {
+        EXPECT_EQ(OpenByName(wcName, &bOpen), Narrow(wcName) + "|F000C");
+        EXPECT_FALSE(bOpen) << Narrow(wcName);
+    }
+    EXPECT_EQ(OpenByName(WideText(200, u'n').c_str(), &bOpen), std::string(128, 'n') + "|F000C");
     EXPECT_EQ(OpenByName(nullptr, &bOpen), "") << "no name would be the print server";
     EXPECT_FALSE(bOpen);
 

@@ -1,9 +1,8 @@
 /* The language library: which one is loaded, and what a sheet keeps of it. */
-#include <sstream>
-
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
 #include "places.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -19,12 +18,21 @@ class LanguageTest : public MachineTest {
 
     /* Opens the library of a printer with these files. Result: language and sublanguage kept, and the text
        2203, which tells the two languages apart; "none" without a library. */
-    std::string Opened(const std::vector<WideText>& files, u16 usLangId)
+    std::string Opened(const std::string& files, u16 usLangId)
     {
-        setup.atcDependentFiles = files;
+        setup.atcDependentFiles.clear();
+        WideText wcEnglish;
+        for (const std::string& word : Words(files)) {
+            if (word.rfind("ENUS=", 0) == 0) {
+                wcEnglish = Wide(word.substr(5));
+            } else {
+                setup.atcDependentFiles.push_back(word[0] == ':' ? Wide(word.substr(1))
+                                                                 : u"C:\\drv\\" + Wide(word));
+            }
+        }
         AddPrinter(setup);
-        if (!wcOverride.empty()) {
-            SetPrinterText(u"Test", u"ENUS", wcOverride);
+        if (!wcEnglish.empty()) {
+            SetPrinterText(u"Test", u"ENUS", wcEnglish);
         }
         SetUserLanguage(usLangId);
         PrinterCall call(hPrinter);
@@ -38,64 +46,54 @@ class LanguageTest : public MachineTest {
     }
 
     PrinterSetup setup;
-    WideText wcOverride;
     LanguageChoice choice;
 };
-
-const WideText TXT = u"C:\\drv\\txt.dll", ENUS = u"C:\\drv\\enus.dll", BROKEN = u"C:\\drv\\broken-txt.dll";
 
 } // namespace
 
 TEST_F(LanguageTest, TheUsersLibraryThenTheEnglishOne)
 {
-    PutFile(BROKEN, "MZ but nothing else");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0409), "9/1 Printer default");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0C07), "7/3 Vorgabe des Druckers");
-    EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(Opened({BROKEN, ENUS}, 0x0407), "9/1 Printer default") << "found, but it does not load";
-    EXPECT_EQ(Opened({u"C:\\gone\\txt.dll", ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(Opened({BROKEN, TXT, ENUS}, 0x0407), "9/1 Printer default")
-        << "the first match is the only one tried";
-    EXPECT_EQ(Opened({BROKEN}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({u"txt.dll", u"enus.dll"}, 0x0407), "9/1 none") << "a bare name would be searched for";
-}
-
-TEST_F(LanguageTest, TheEnglishOneCanBeNamedByAValue)
-{
-    PutFile(u"C:\\drv\\alt.dll", ReadDiskFile(TQUI_SAMPLES "/TXT.DLL")); /* has German too */
-    wcOverride = u"ALT.DLL";
-    EXPECT_EQ(Opened({ENUS, u"C:\\drv\\alt.dll"}, 0x0407), "9/1 Vorgabe des Druckers");
-    wcOverride = u"GONE.DLL";
-    EXPECT_EQ(Opened({ENUS}, 0x0407), "9/1 none");
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "7/1 Vorgabe des Druckers")
-        << "not asked for when it is not needed";
+    PutFile(u"C:\\drv\\broken-txt.dll", "MZ but nothing else");
+    for (const WCHAR* tcCopy : {u"C:\\drv\\alt.dll", u"\\\\server\\share\\txt.dll"}) {
+        PutFile(tcCopy, ReadDiskFile(TQUI_SAMPLES "/TXT.DLL"));
+    }
+    for (const DataRow& row : ReadRows("language_libraries.txt")) {
+        EXPECT_EQ(Opened(row[0], static_cast<u16>(ToNumber(row[1]))), row[2]) << row[0];
+    }
+    ResetCallCounts();
+    EXPECT_EQ(Opened(":\\drv\\txt.dll :drv\\enus.dll", 0x0407), "9/1 none");
+    EXPECT_EQ(CallCount(CALL_LoadLibraryExW), 0) << "neither whole paths on a drive nor of a server";
+    FailCall(CALL_LoadLibraryExW, 1);
+    EXPECT_EQ(Opened("txt.dll enus.dll", 0x0407), "9/1 Printer default");
+    EXPECT_EQ(StopFaults(), 1);
+    FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
+    EXPECT_EQ(Opened("txt.dll enus.dll", 0x0407), "9/1 none");
+    EXPECT_EQ(StopFaults(), 2);
 }
 
 TEST_F(LanguageTest, WhatASheetKeeps)
 {
     setup.tcHelpFile = u"C:\\drv\\qa.chm";
     SetLocaleValue(u"sDecimal", u",");
-    Opened({TXT}, 0x0407);
+    Opened("txt.dll", 0x0407);
     EXPECT_EQ(WideText(choice.tcHelpFile), u"C:\\DRV\\QA.CHM");
     EXPECT_EQ(WideText(choice.wcDecimal), u",");
     setup.tcHelpFile.clear();
-    Opened({}, 0x0407);
+    Opened("", 0x0407);
     EXPECT_EQ(choice.tcHelpFile[0], 0) << "told without a library as well";
-    struct Case {
-        const WCHAR* wcLocale;
-        const WCHAR* wcKept;
-    };
-    for (Case row : {Case{u"", u"."}, Case{u"\u066B", u"\u066B"}, Case{u"abc", u"abc"}, Case{u"abcd", u"abc"},
-                     Case{u"abcdefghijkl", u"abc"}, Case{u"ab\xD83D\xDE00", u"ab"}}) {
-        SetLocaleValue(u"sDecimal", row.wcLocale);
-        Opened({TXT}, 0x0409);
-        EXPECT_EQ(WideText(choice.wcDecimal), row.wcKept);
+    for (const auto& [wcLocale, wcKept] : {std::pair<const WCHAR*, const WCHAR*>{u"", u"."},
+                                           {u"\u066B", u"\u066B"},
+                                           {u"abc", u"abc"},
+                                           {u"abcd", u"abc"},
+                                           {u"abcdefghijkl", u"abc"},
+                                           {u"ab\xD83D\xDE00", u"ab"}}) {
+        SetLocaleValue(u"sDecimal", wcLocale);
+        Opened("txt.dll", 0x0409);
+        EXPECT_EQ(WideText(choice.wcDecimal), wcKept);
     }
     for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE}) {
         TellLies(lie, CALL_GetProfileStringW);
-        Opened({TXT}, 0x0409);
+        Opened("txt.dll", 0x0409);
         EXPECT_LT(WideText(choice.wcDecimal, 4).find(u'\0'), 4u) << lie;
         TellLies(LIE_NONE);
     }
@@ -103,87 +101,27 @@ TEST_F(LanguageTest, WhatASheetKeeps)
     EXPECT_TRUE(OpenLanguageDll(call, nullptr)) << "nobody keeps anything";
 }
 
-TEST_F(LanguageTest, LibrariesAreLoadedAsData)
-{
-    FailCall(CALL_LoadLibraryExW, 1);
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "9/1 Printer default");
-    EXPECT_EQ(StopFaults(), 1);
-    FailCall(CALL_LoadLibraryExW, 1, FAIL_FROM_THERE);
-    EXPECT_EQ(Opened({TXT, ENUS}, 0x0407), "9/1 none");
-    EXPECT_EQ(StopFaults(), 2);
-}
-
 TEST_F(LanguageTest, CodesOfTheLanguages)
 {
-    /* Primary id, then the codes of its sublanguages from 1 up. */
-    constexpr const char* aRows[] = {
-        "0 NEUT NEUT",
-        "1 SAUD IRAQ EGYP LIBY ALGE MORO TUNI OMAN YEME SYRI JORD LEBA KUWA UAE BAHR QATA",
-        "2 BULG",
-        "3 CATA",
-        "4 CTRA CSIM CHON CSIN",
-        "5 CZEC",
-        "6 DANI",
-        "7 GERM GSWI GAUS GLUX GLIE",
-        "8 GREE",
-        "9 ENUS ENUK ENAU ENCA ENNZ ENEI ENSA ENJA ENCR ENBE ENTR",
-        "10 SCAS SMEX SMOD SGUA SCOS SPAN SDOM SVEN SCOL SPER SARG SECU SCHI SURU SPAR SBOL SELS SHON SNIC SPUE",
-        "11 FINN",
-        "12 FREN FBEL FCAN FSWI FLUX",
-        "13 HEBR",
-        "14 HUNG",
-        "15 ICEL",
-        "16 ITAL ISWI",
-        "17 JAPA",
-        "18 KORE KJOH",
-        "19 DUTC DBEL",
-        "20 BOKM NYNO",
-        "21 POLI",
-        "22 BRAZ PORT",
-        "23 ROMA",
-        "24 RUSS",
-        "25 CROA",
-        "26 SERB SLAT SCYR",
-        "27 SLOK",
-        "28 ALBA",
-        "29 SWED SFIN",
-        "30 THAI",
-        "31 TURK",
-        "32 INDO",
-        "33 UKRA",
-        "34 BELA",
-        "35 SLON",
-        "36 ESTO",
-        "37 LATV",
-        "38 LITH",
-        "39 FARS",
-        "40 VIET",
-        "41 BASQ",
-        "42 AFRI",
-        "43 FAER",
-    };
     u16 usPrimary = 0;
-    for (const char* cRow : aRows) {
-        std::istringstream row(cRow);
-        std::string code;
-        row >> usPrimary;
+    for (const DataRow& line : ReadRows("languages.txt")) {
+        usPrimary = static_cast<u16>(ToNumber(line[0]));
         u16 usSub = 0;
-        while (row >> code) {
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << cRow;
+        for (const std::string& code : Words(line[1])) {
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, ++usSub).wcText), code) << usPrimary;
         }
         if (usPrimary != 0) {
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, 0).wcText), "") << cRow;
-            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, static_cast<u16>(usSub + 1)).wcText), "") << cRow;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, 0).wcText), "") << usPrimary;
+            EXPECT_EQ(Ascii(GetLanguageCode(usPrimary, static_cast<u16>(usSub + 1)).wcText), "") << usPrimary;
         }
     }
     EXPECT_EQ(usPrimary, 43);
     for (u16 usSub : std::initializer_list<u16>{0, 1, 2, 3}) { /* the neutral language counts from 0 */
         EXPECT_EQ(Ascii(GetLanguageCode(0, usSub).wcText), usSub < 3 ? "NEUT" : "") << usSub;
     }
-    EXPECT_EQ(Ascii(GetLanguageCode(44, 1).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(0x3FF, 1).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(7, 63).wcText), "");
-    EXPECT_EQ(Ascii(GetLanguageCode(0xFFFF, 0xFFFF).wcText), "");
+    for (const auto& [usOther, usSub] : {std::pair<u16, u16>{44, 1}, {0x3FF, 1}, {7, 63}, {0xFFFF, 0xFFFF}}) {
+        EXPECT_EQ(Ascii(GetLanguageCode(usOther, usSub).wcText), "") << usOther;
+    }
     SetUserLanguage(0xFC07);
     EXPECT_EQ(GetUserLanguage(), 7);
 }

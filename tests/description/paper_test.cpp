@@ -2,6 +2,8 @@
 #include "description/custom_sizes.h"
 #include "description/margins.h"
 #include "description/paper.h"
+#include "support/data_file.h"
+#include "support/same_bytes.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -14,18 +16,11 @@ const char* const SAVED_TWO =
     "CustomName0=Sheet\r\nCustomWidth0=20009\r\nCustomLength0=30000\r\nCustomMetric0=1\r\n"
     "CustomName1=Strip\r\nCustomWidth1=9999\r\nCustomLength1=70000\r\nCustomMetric1=0\r\n";
 
-struct Size {
-    i32 lMetric, lWidth, lLength;
-    bool operator==(const Size&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, const Size& size)
+std::string SavedSize(const std::string& width, const std::string& length)
 {
-    return out << size.lWidth << " x " << size.lLength << " metric " << size.lMetric;
+    return "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=S\r\nCustomWidth0=" + width +
+           "\r\nCustomLength0=" + length + "\r\nCustomMetric0=1\r\n";
 }
-
-constexpr Size A4_BUILT_IN = {1, 2100, 2970}, LETTER_BUILT_IN = {0, 2159, 2794};
-
-using Pair = std::pair<i32, i32>;
 
 class PaperTest : public MachineTest {
   protected:
@@ -49,39 +44,54 @@ class PaperTest : public MachineTest {
         ASSERT_TRUE(pModel);
     }
 
-    Size SizeOf(i16 sCode, bool bModel = true)
+    /* The answer to a question of papers.txt. */
+    std::string Answer(const std::string& question)
     {
         PrinterCall call(hPrinter);
-        i16 sWidth = -77, sLength = -77;
-        i32 lMetric = GetPaperSize(call, bModel ? pModel.get() : nullptr, sCode, &sWidth, &sLength);
-        return {lMetric, sWidth, sLength};
+        const XpiModel* pOf = question.find("without a model") == question.npos ? pModel.get() : nullptr;
+        int nCode = 0, nOrientation = 0, nDpi = 0;
+        if (std::sscanf(question.c_str(), "size %d", &nCode) == 1) {
+            i16 sWidth = -77, sLength = -77;
+            const i32 lMetric = GetPaperSize(call, pOf, static_cast<i16>(nCode), &sWidth, &sLength);
+            return std::to_string(lMetric) + " " + std::to_string(sWidth) + " " + std::to_string(sLength);
+        }
+        EXPECT_EQ(std::sscanf(question.c_str(), "margins %d %d %d", &nCode, &nOrientation, &nDpi), 3)
+            << question;
+        const Margins margins =
+            GetPrintableMargins(call, pOf, static_cast<i16>(nCode), static_cast<u16>(nOrientation), nDpi);
+        return std::to_string(margins.lX) + " " + std::to_string(margins.lY);
     }
 
-    Pair MarginsOf(i16 sCode, u16 usOrientation, i32 lDpi, bool bModel = true)
+    void DescribeAs(const std::string& name);
+
+    /* Name, width, length and measure of rows, a comma between them. */
+    static std::string TextOf(const PaperSizeRow* pRows, i32 nRows)
     {
-        PrinterCall call(hPrinter);
-        Margins margins =
-            GetPrintableMargins(call, bModel ? pModel.get() : nullptr, sCode, usOrientation, lDpi);
-        return {margins.lX, margins.lY};
+        std::string text;
+        for (i32 i = 0; i < nRows; i++) {
+            text += (i ? ", " : "") + Narrow(pRows[i].wcName) + " " + std::to_string(pRows[i].ulWidth) + " " +
+                    std::to_string(pRows[i].ulLength) + " " + std::to_string(pRows[i].ulMetric);
+        }
+        return text;
     }
 
-    std::vector<PaperSizeRow> Forms()
+    std::string Forms(size_t nFirst = 0)
     {
         PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = GetSpoolerForms(call, &pRows);
+        const i32 nRows = GetSpoolerForms(call, &pRows);
         EXPECT_EQ(pRows != nullptr, nRows > 0);
-        return {pRows.get(), pRows.get() + nRows};
+        return TextOf(pRows.get() + nFirst, nRows - static_cast<i32>(nFirst));
     }
 
-    /* Rows that a settings file yields, and the spare row behind them. */
-    std::vector<PaperSizeRow> Saved(const std::string& section, const XpiModel* pOf = nullptr)
+    /* Rows that a settings file yields, and what stands in the spare row behind them. */
+    std::string Saved(const std::string& count, const std::string& lines, const XpiModel* pOf = nullptr)
     {
-        PutFile(u"C:\\s.ini", "[CustomSizes]\r\n" + section);
+        PutFile(u"C:\\s.ini", "[CustomSizes]\r\nNumCustomSizes=" + count + "\r\n" + lines);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = ReadCustomSizes(OpenProfile(u"C:\\s.ini"), pOf, &pRows);
+        const i32 nRows = ReadCustomSizes(OpenProfile(u"C:\\s.ini"), pOf, &pRows);
         EXPECT_TRUE(pRows);
-        return {pRows.get(), pRows.get() + nRows + 1};
+        return TextOf(pRows.get(), nRows + 1);
     }
 
     OwnedModel pModel;
@@ -123,205 +133,111 @@ DescriptionBuilder WithMargins()
     return builder;
 }
 
+void PaperTest::DescribeAs(const std::string& name)
+{
+    auto Has = [&name](const char* cWords) { return name.find(cWords) != std::string::npos; };
+    DescriptionBuilder builder, margins = WithMargins();
+    std::string ini = Has("saved papers") ? SAVED_TWO : "";
+    const size_t nSize = name.find(" saved paper of "), nTimes = name.find(" x ");
+    if (nSize != name.npos) {
+        ini = SavedSize(name.substr(nSize + 16, nTimes - nSize - 16), name.substr(nTimes + 3));
+    } else if (Has("a broken list")) {
+        ini = SAVED_TWO;
+        ini.replace(ini.find("CustomLength0"), 13, "CustomLengthX");
+    }
+    if (Has("paper table")) {
+        builder.Table<PaperRow>(8, {A4_ROW,
+                                    {1, 118, 1016, 1524, 0, 0, 0, 0, {}},
+                                    {1, 0, 11, 22, 3, 0, 0, 0, {}},
+                                    {1, 200, 100, 200, 0, 0, 0, 0, {}},
+                                    {1, 256, 1234, 2345, 0, 0, 0, 0, {}},
+                                    {1, 300, 3000, 5000, 0, 0, 0, 0, {}},
+                                    {1, 447, 1500, 2100, 0, 0, 0, 0, {}},
+                                    {1, 448, 777, 888, 1, 0, 0, 0, {}},
+                                    {1, -9, 5, 6, 0, 0, 0, 0, {}},
+                                    {}});
+    } else if (Has("extreme margins")) {
+        builder.Table<MarginRow>(166, {Closing(Margin(0, 1, {32767, -32768, 1, 2}))});
+    } else if (Has("margins behind the body")) {
+        builder.Set<u64>(166, 0x5000);
+    } else if (!Has("no margins") && !Has(" alone")) {
+        builder.Table<PaperRow>(8, {A4_ROW, {}});
+    }
+    if (Has(" forms")) { /* both custom maxima are 0: they decide what is listed, not what is resolved */
+        AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
+        AddMachineForm(u"Card", FORM_USER, 100000, 150000);
+        AddMachineForm(u"Banner", FORM_PRINTER, 210000, 1188000);
+        AddMachineForm(u"Card", FORM_USER, 215904, 215905);
+    }
+    SetLocaleValue(u"iMeasure", Has(", inches") ? u"1" : u"0");
+    Describe(name.rfind("margins", 0) == 0 && !Has(" behind") ? margins : builder, ini);
+}
+
 } // namespace
+
+TEST_F(PaperTest, SizesAndMargins)
+{
+    std::string name;
+    for (const DataRow& row : ReadRows("papers.txt")) {
+        if (row.size() == 1) {
+            name = row[0];
+            pModel.reset();
+            StartMachine(); /* without the forms of the description before */
+            DescribeAs(name);
+        } else {
+            EXPECT_EQ(Answer(row[0]), row[1]) << name << ", " << row[0];
+        }
+    }
+}
 
 TEST_F(PaperTest, TheLocaleChoosesTheDefaultPaper)
 {
-    struct Case {
-        const WCHAR* wcMeasure;
-        int bMetric;
-    };
-    for (Case row :
-         {Case{u"0", 1}, Case{u"1", 0}, Case{u"2", 1}, Case{u"-1", 1}, Case{u"x", 1}, Case{u"", 0}}) {
-        SetLocaleValue(u"iMeasure", row.wcMeasure); /* "" takes the value away: that counts as 1 */
-        EXPECT_EQ(IsMetricLocale(), row.bMetric);
-        EXPECT_EQ(GetDefaultPaper(), row.bMetric ? 9 : 1);
-        AddTestPrinter(Bytes());
-        EXPECT_EQ(SizeOf(9, false), row.bMetric ? A4_BUILT_IN : LETTER_BUILT_IN);
+    for (const WCHAR* wcMeasure : {u"0", u"1", u"2", u"-1", u"x", u""}) {
+        SetLocaleValue(u"iMeasure", wcMeasure); /* "" takes the value away: that counts as 1 */
+        const int bMetric = *wcMeasure && *wcMeasure != u'1';
+        EXPECT_EQ(IsMetricLocale(), bMetric);
+        EXPECT_EQ(GetDefaultPaper(), bMetric ? 9 : 1);
     }
-}
-
-TEST_F(PaperTest, SizesOfTheTableAndOfCodesThatHaveNone)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {A4_ROW,
-                                {1, 118, 1016, 1524, 0, 0, 0, 0, {}},
-                                {1, 0, 11, 22, 3, 0, 0, 0, {}},
-                                {1, 200, 100, 200, 0, 0, 0, 0, {}},
-                                {1, 256, 1234, 2345, 0, 0, 0, 0, {}},
-                                {1, 300, 3000, 5000, 0, 0, 0, 0, {}},
-                                {1, 447, 1500, 2100, 0, 0, 0, 0, {}},
-                                {1, 448, 777, 888, 1, 0, 0, 0, {}},
-                                {1, -9, 5, 6, 0, 0, 0, 0, {}},
-                                {}});
-    Describe(builder);
-    EXPECT_EQ(SizeOf(9), (Size{7, 2111, 2999}));
-    EXPECT_EQ(SizeOf(118), (Size{0, 1016, 1524}));
-    EXPECT_EQ(SizeOf(0), (Size{3, 11, 22}));
-    EXPECT_EQ(SizeOf(448), (Size{1, 777, 888})) << "the table comes before the saved papers";
-    /* Refused before the table is looked at, and the default is the built-in size, not the model's row. */
-    for (i16 sCode : std::initializer_list<i16>{119, 200, 255, 256, 257, 300, 447, -9, -1, -32768}) {
-        EXPECT_EQ(SizeOf(sCode), A4_BUILT_IN) << sCode;
-    }
-    for (i16 sCode : std::initializer_list<i16>{1, 117, 449, 32767}) {
-        EXPECT_EQ(SizeOf(sCode), A4_BUILT_IN) << sCode;
-    }
-    EXPECT_EQ(SizeOf(9, false), A4_BUILT_IN);
-    SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(SizeOf(300), LETTER_BUILT_IN);
-
-    Describe(DescriptionBuilder(), SAVED_TWO);
-    EXPECT_EQ(SizeOf(448), LETTER_BUILT_IN) << "without a paper table nothing else is looked at";
-}
-
-TEST_F(PaperTest, SavedPapersThenFormsFollowTheTable)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {A4_ROW, {}});
-    AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
-    AddMachineForm(u"Card", FORM_USER, 100000, 150000);
-    AddMachineForm(u"Banner", FORM_PRINTER, 210000, 1188000);
-    AddMachineForm(u"Card", FORM_USER, 215904, 215905);
-    Describe(builder,
-             SAVED_TWO); /* both custom maxima are 0: they decide what is listed, not what is resolved */
-    EXPECT_EQ(SizeOf(448), (Size{1, 2000, 3000})) << "20009 hundredths are 2000 tenths";
-    EXPECT_EQ(SizeOf(449), (Size{0, 999, 7000}));
-    EXPECT_EQ(SizeOf(450), (Size{1, 1000, 1500}));
-    EXPECT_EQ(SizeOf(451), (Size{1, 2159, 2159}));
-    EXPECT_EQ(SizeOf(452), A4_BUILT_IN);
-
-    std::string broken = SAVED_TWO;
-    broken.replace(broken.find("CustomLength0"), 13, "CustomLengthX");
-    Describe(builder, broken); /* a broken list is dropped, and the forms move up */
-    EXPECT_EQ(SizeOf(448), (Size{1, 1000, 1500}));
-    EXPECT_EQ(SizeOf(450), A4_BUILT_IN);
-
-    /* Sizes beyond 16 bits keep their low half. */
-    Describe(builder, "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=Roll\r\nCustomWidth0=655370\r\n"
-                      "CustomLength0=-10\r\nCustomMetric0=5\r\n");
-    EXPECT_EQ(SizeOf(448), (Size{5, 1, static_cast<i16>(429496728 & 0xFFFF)}));
 }
 
 TEST_F(PaperTest, FormsOfTheUser)
 {
     AddTestPrinter(Bytes());
-    EXPECT_TRUE(Forms().empty());
     AddMachineForm(u"Built in", FORM_BUILTIN, 1, 1);
-    EXPECT_TRUE(Forms().empty());
+    EXPECT_EQ(Forms(), "");
     AddMachineForm(u"Card", FORM_USER, 215905, 215904);
     AddMachineForm(u"Driver's", FORM_PRINTER, 1, 1);
     AddMachineForm(WideText(63, u'n'), FORM_USER, 0, 4);
-    AddMachineForm(WideText(64, u'n'), FORM_USER, 2147483647, -2147483647);
+    AddMachineForm(WideText(64, u'n'), FORM_USER, 2147483647, 0);
     AddMachineForm(WideText(62, u'n') + u"\xD83D\xDE00", FORM_USER, 5, 15);
     AddMachineForm(u"Card", FORM_USER, 1000, 2000);
-    std::vector<PaperSizeRow> forms = Forms();
-    ASSERT_EQ(forms.size(), 5u);
-    EXPECT_EQ(WideText(forms[0].wcName), u"Card");
-    EXPECT_EQ(forms[0].ulWidth, 21591u);
-    EXPECT_EQ(forms[0].ulLength, 21590u);
-    EXPECT_EQ(forms[0].ulMetric, 1u);
-    EXPECT_EQ(WideText(forms[1].wcName), WideText(63, u'n'));
-    EXPECT_EQ(forms[1].ulWidth + forms[1].ulLength, 0u);
-    EXPECT_EQ(WideText(forms[2].wcName), WideText(63, u'n'));
-    EXPECT_EQ(forms[2].ulWidth, 214748365u) << "5 is added in more than 32 bits";
-    EXPECT_EQ(WideText(forms[3].wcName), WideText(62, u'n'));
-    EXPECT_EQ(forms[3].ulLength, 2u);
-    EXPECT_EQ(WideText(forms[4].wcName), u"Card") << "of one name, but two forms";
+    const std::string name(62, 'n');
+    EXPECT_EQ(Forms(), "Card 21591 21590 1, " + name + "n 0 0 1, " + name + "n 214748365 0 1, " + name +
+                           " 1 2 1, Card 100 200 1")
+        << "half of the unit is added in more than 32 bits";
     SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(Forms()[0].ulMetric, 0u);
+    EXPECT_EQ(Forms(4), "Card 100 200 0");
 
     for (int i = 0; i < 300; i++) { /* more than one room of the first asking holds */
         AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i,
                        500);
     }
     ResetCallCounts();
-    EXPECT_EQ(Forms().size(), 305u);
-    EXPECT_EQ(Forms().back().ulWidth, 29900u);
-    EXPECT_EQ(CallCount(CALL_EnumFormsW), 4);
+    EXPECT_EQ(Forms(304), "Form of a longer name, number 299 29900 50 0");
+    EXPECT_EQ(CallCount(CALL_EnumFormsW), 2);
 
     for (LieKind lie : {LIE_HUGE, LIE_GROWS}) {
         TellLies(lie, CALL_EnumFormsW);
-        EXPECT_TRUE(Forms().empty()) << lie;
+        EXPECT_EQ(Forms(), "") << lie;
     }
     TellLies(LIE_NULL_MEMBERS, CALL_EnumFormsW);
-    EXPECT_EQ(WideText(Forms()[0].wcName), u"");
+    EXPECT_EQ(Forms(304), " 29900 50 0");
     TellLies(LIE_NONE);
     for (int nTh : {1, 2, 3}) {
         FailCall(CALL_HeapAlloc, nTh);
-        EXPECT_TRUE(Forms().empty()) << nTh;
+        EXPECT_EQ(Forms(), "") << nTh;
         EXPECT_EQ(StopFaults(), 1);
     }
-}
-
-TEST_F(PaperTest, MarginsOfPapersInTheTable)
-{
-    Describe(WithMargins());
-    EXPECT_EQ(MarginsOf(9, 1, 600), Pair(100, 100));
-    EXPECT_EQ(MarginsOf(-9, 1, 600), Pair(200, 50)) << "a negative code is the rotated paper";
-    EXPECT_EQ(MarginsOf(9, 2, 300), Pair(60, 30));
-    EXPECT_EQ(MarginsOf(-9, 2, 300), Pair(30, 60));
-    EXPECT_EQ(MarginsOf(9, 3, 600), Pair(100, 100)) << "a mask: the first row that serves either";
-    EXPECT_EQ(MarginsOf(9, 1, 25400), Pair(4233, 4233)); /* 4233.3 */
-    EXPECT_EQ(MarginsOf(9, 1, -25400), Pair(-4233, -4233)) << "rounded toward zero";
-    for (i16 sCode : std::initializer_list<i16>{119, 255, 256, 300, 447}) { /* the default paper, sign kept */
-        EXPECT_EQ(MarginsOf(sCode, 1, 600), Pair(100, 100)) << sCode;
-        EXPECT_EQ(MarginsOf(static_cast<i16>(-sCode), 1, 600), Pair(200, 50)) << sCode;
-    }
-    SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(MarginsOf(300, 1, 600), Pair(150, 160)) << "no row for Letter";
-}
-
-TEST_F(PaperTest, TheClosingRowServesWhatNoRowDoes)
-{
-    Describe(WithMargins());
-    EXPECT_EQ(MarginsOf(20, 1, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(-20, 1, 600), Pair(170, 180));
-    EXPECT_EQ(MarginsOf(9, 4, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(9, 0, 600), Pair(150, 160));
-    EXPECT_EQ(MarginsOf(30, 1, 600), Pair(150, 150)) << "a row without a resolution: a quarter of the dots";
-    EXPECT_EQ(MarginsOf(-32768, 1, 600), Pair(170, 180));
-
-    DescriptionBuilder none;
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 25400), Pair(6350, 6350));
-    EXPECT_EQ(MarginsOf(9, 1, 25403), Pair(6350, 6350));
-    EXPECT_EQ(MarginsOf(9, 1, -7, false), Pair(-1, -1));
-    EXPECT_EQ(MarginsOf(9, 1, 4000000, false), Pair(1000000, 1000000)) << "not brought to 16 bits";
-
-    none.Table<MarginRow>(166, {Closing(Margin(0, 1, {32767, -32768, 1, 2}))});
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 3), Pair(static_cast<i16>(98301), static_cast<i16>(-98304)));
-    EXPECT_EQ(MarginsOf(9, 1, 0x7FFFFFFF), Pair(static_cast<i16>(0x8001), static_cast<i16>(0x8000)))
-        << "the product has 64 bits, the result 16";
-    none = {};
-    none.Set<u64>(166, 0x5000); /* behind the body: a closing row of zeros */
-    Describe(none);
-    EXPECT_EQ(MarginsOf(9, 1, 600), Pair(150, 150));
-}
-
-TEST_F(PaperTest, RangesServeSavedSizesAndCodeZero)
-{
-    auto Ini = [](int nWidth, int nLength) {
-        return "[CustomSizes]\r\nNumCustomSizes=1\r\nCustomName0=S\r\nCustomMetric0=1\r\nCustomWidth0=" +
-               std::to_string(10 * nWidth) + "\r\nCustomLength0=" + std::to_string(10 * nLength) + "\r\n";
-    };
-    struct Case {
-        int nWidth, nLength;
-        bool bFits;
-    };
-    for (Case row : {Case{2000, 3000, true}, Case{762, 1270, true}, Case{2001, 3000, false},
-                     Case{2000, 3001, false}, Case{761, 1270, false}, Case{762, 1269, false}}) {
-        Describe(WithMargins(), Ini(row.nWidth, row.nLength));
-        EXPECT_EQ(MarginsOf(448, 1, 600), row.bFits ? Pair(50, 60) : Pair(150, 160))
-            << row.nWidth << " x " << row.nLength;
-        EXPECT_EQ(MarginsOf(448, 2, 600), row.bFits ? Pair(50, 60) : Pair(150, 160));
-        EXPECT_EQ(MarginsOf(-448, 1, 600), row.bFits ? Pair(70, 80) : Pair(170, 180));
-        EXPECT_EQ(MarginsOf(448, 4, 600), Pair(150, 160));
-    }
-    EXPECT_EQ(MarginsOf(449, 1, 600), Pair(150, 160))
-        << "no such paper: the default's 2100 x 2970 meets no range";
-    /* Code 0 finds the first row with bit 0, whose range is not looked at, and counts as rotated. */
-    EXPECT_EQ(MarginsOf(0, 1, 600), Pair(3, 4));
 }
 
 TEST_F(PaperTest, CompanionsAndExtents)
@@ -361,52 +277,30 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
         "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=+15000\r\nCustomMetric0=1\r\n"
         "CustomName1=" +
         std::string(80, 'b') + "\r\nCustomWidth1=1x\r\nCustomLength1=\r\nCustomMetric1=12abc\r\n";
-    std::vector<PaperSizeRow> rows = Saved("NumCustomSizes=2\r\n" + good);
-    ASSERT_EQ(rows.size(), 3u);
-    EXPECT_EQ(rows[0].ulLength, 15000u);
-    EXPECT_EQ(WideText(rows[1].wcName), WideText(63, u'b'));
-    EXPECT_EQ(rows[1].ulWidth, 1u);
-    EXPECT_EQ(rows[1].ulLength, 0u) << "an empty number is a number";
-    EXPECT_EQ(rows[1].ulMetric, 12u);
-    EXPECT_EQ(rows[2].wcName[0] + rows[2].ulWidth, 0u) << "the spare row";
-
+    const std::string spare = " 0 0 0"; /* nothing of a dropped row shows in it */
+    EXPECT_EQ(Saved("2", good), "A 10000 15000 1, " + std::string(63, 'b') + " 1 0 12, " + spare)
+        << "an empty number is a number";
     for (const char* cKey : {"CustomName1", "CustomWidth0", "CustomLength1", "CustomMetric1"}) {
         std::string broken = good;
         broken.replace(broken.find(cKey), 6, "Bottom");
-        rows = Saved("NumCustomSizes=2\r\n" + broken);
-        ASSERT_EQ(rows.size(), 1u) << cKey;
-        EXPECT_EQ(rows[0].wcName[0] + rows[0].ulWidth + rows[0].ulMetric, 0u)
-            << "nothing of a dropped row shows";
+        EXPECT_EQ(Saved("2", broken), spare) << cKey;
     }
-    for (const char* cCount :
-         {"", "NumCustomSizes=0\r\n", "NumCustomSizes=-1\r\n", "NumCustomSizes=-2147483648\r\n",
-          "NumCustomSizes=x\r\n", "NumCustomSizes=3\r\n", "NumCustomSizes=2147483647\r\n"}) {
-        EXPECT_EQ(Saved(cCount + good).size(), 1u) << cCount;
+    for (const char* cCount : {"", "0", "-1", "-2147483648", "x", "3", "2147483647"}) {
+        EXPECT_EQ(Saved(cCount, good), spare) << cCount;
     }
-    EXPECT_EQ(
-        Saved(
-            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-1\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
-            .size(),
-        1u);
-    EXPECT_EQ(
-        Saved(
-            "NumCustomSizes=1\r\nCustomName0=A\r\nCustomWidth0=-2\r\nCustomLength0=5\r\nCustomMetric0=1\r\n")
-            .size(),
-        2u);
+    const std::string below = "CustomName0=A\r\nCustomLength0=5\r\nCustomMetric0=1\r\nCustomWidth0=";
+    EXPECT_EQ(Saved("1", below + "-1\r\n"), spare);
+    EXPECT_EQ(Saved("1", below + "-2\r\n"), "A 4294967294 5 1, " + spare);
 
     /* The longest list that is read, and one row more. */
-    std::string all = "NumCustomSizes=4097\r\n";
+    std::string all, wanted;
     for (int i = 0; i < 4097; i++) {
-        std::string n = std::to_string(i);
-        for (const char* cRest :
-             {"CustomName", "=P\r\nCustomWidth", "=", "0\r\nCustomLength", "=1\r\nCustomMetric"}) {
-            all.append(cRest).append(n);
-        }
-        all += "=1\r\n";
+        const std::string n = std::to_string(i);
+        all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n +
+               "=1\r\nCustomMetric" + n + "=1\r\n";
+        wanted += i < 4096 ? "P " + std::to_string(10 * i) + " 1 1, " : spare;
     }
-    rows = Saved(all);
-    ASSERT_EQ(rows.size(), 4097u);
-    EXPECT_EQ(rows[4095].ulWidth, 40950u);
+    EXPECT_EQ(Saved("4097", all), wanted);
 
     OwnedBlock<PaperSizeRow> pRows;
     ResetCallCounts();
@@ -424,31 +318,26 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
 
 TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
 {
-    struct Case {
-        i16 sMin;
-        u32 ulMetric, ulInch;
-    };
-    for (Case row : {Case{762, 7600, 7620}, Case{148, 1500, 2540}, Case{144, 1400, 2540},
-                     Case{145, 1500, 2540}, Case{126, 1300, 0}, Case{127, 1300, 2540}, Case{0, 0, 0},
-                     Case{32767, 327700, 327660}, Case{-20, static_cast<u32>(-100), 0}}) {
+    const std::tuple<i16, i32, i32> aCases[] = {{762, 7600, 7620}, {148, 1500, 2540},       {144, 1400, 2540},
+                                                {145, 1500, 2540}, {126, 1300, 0},          {127, 1300, 2540},
+                                                {0, 0, 0},         {32767, 327700, 327660}, {-20, -100, 0}};
+    for (const auto& [sMin, lMetric, lInch] : aCases) {
         for (bool bMetric : {true, false}) {
             SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
             DescriptionBuilder builder;
-            Describe(builder.Set(16, row.sMin).Set<i16>(20, 762));
-            PaperSizeRow fresh;
+            Describe(builder.Set(16, sMin).Set<i16>(20, 762));
+            PaperSizeRow fresh,
+                expected = {
+                    static_cast<u32>(bMetric ? lMetric : lInch), bMetric ? 7600u : 7620u, bMetric, {}};
             std::memset(&fresh, 0xEE, sizeof fresh);
             NewPaperRow(&fresh, pModel.get());
-            EXPECT_EQ(fresh.ulWidth, bMetric ? row.ulMetric : row.ulInch) << row.sMin;
-            EXPECT_EQ(fresh.ulLength, bMetric ? 7600u : 7620u);
-            EXPECT_EQ(fresh.ulMetric, bMetric ? 1u : 0u);
-            EXPECT_EQ(WideText(fresh.wcName, 64), WideText(64, u'\0'));
+            EXPECT_TRUE(SameBytes(fresh, expected)) << sMin;
         }
     }
     SetLocaleValue(u"iMeasure", u"0");
     DescriptionBuilder builder;
     Describe(builder.Set<i16>(16, 762).Set<i16>(20, 1270));
-    std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
-    EXPECT_EQ(Saved("NumCustomSizes=1\r\n" + good, pModel.get())[1].ulLength, 12700u);
-    EXPECT_EQ(Saved("NumCustomSizes=2\r\n" + good, pModel.get())[0].ulLength, 12700u)
-        << "behind no row: at the start";
+    const std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
+    EXPECT_EQ(Saved("1", good, pModel.get()), "A 1 1 1,  7600 12700 1");
+    EXPECT_EQ(Saved("2", good, pModel.get()), " 7600 12700 1") << "behind no row: at the start";
 }

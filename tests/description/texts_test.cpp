@@ -3,6 +3,7 @@
 
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 
 namespace {
@@ -84,50 +85,7 @@ WideText PlainReading(const Bytes& bytes, u16 usLanguage, i32 nId, int cch)
     return wcText;
 }
 
-WideText Repeat(WCHAR wcChar, size_t n)
-{
-    return WideText(n, wcChar);
-}
-
-std::string Repeat(const std::string& text, size_t n)
-{
-    std::string all;
-    while (n--) {
-        all += text;
-    }
-    return all;
-}
-
 } // namespace
-
-TEST_F(TextsTest, LookupCountsInRows)
-{
-    TextSections sections;
-    sections.bases.assign(10, 0);
-    sections.bases[7] = 40;
-    sections.offsets.assign(60, 9);
-    sections.texts = {0, 'r', 'o', 'w', ' ', '4', '3', 0, 0, 'n', 'o', 0};
-    sections.offsets[43] = 1;
-    Open(sections.Build());
-    EXPECT_EQ(Read(3, 7), u"row 43");
-    EXPECT_EQ(Read(3, 9), u"no");
-    EXPECT_EQ(Read(43, 9), u"row 43");
-    EXPECT_EQ(Read(2, 7), u"no");
-    EXPECT_EQ(Read(4, 7), u"no");
-}
-
-TEST_F(TextsTest, LanguagesHaveListsOfTheirOwn)
-{
-    DescriptionBuilder builder;
-    builder.strings[9] = {"Auto", "Tray"};
-    builder.strings[7] = {"Automatisch", "F\xE4"
-                                         "cher \x80"};
-    Open(builder.Build());
-    EXPECT_EQ(Read(1, 9), u"Auto");
-    EXPECT_EQ(Read(1, 7), u"Automatisch");
-    EXPECT_EQ(Read(2, 7), u"F\u00E4cher \u20AC");
-    EXPECT_EQ(Read(2, 12), u"Tray") << "a language without a list is pointed at the first";
-}
 
 TEST_F(TextsTest, IdsBelowOneAreTheLibrarys)
 {
@@ -179,79 +137,24 @@ TEST_F(TextsTest, AFalseLengthOfTheLibraryStaysInTheBuffer)
         EXPECT_LT(Read(-121, 9, 16).size(), 16u) << lie;
         TellLies(LIE_NONE);
     }
-    for (LieKind lie : {LIE_HUGE}) {
-        DescriptionBuilder builder;
-        builder.strings[9] = {std::string(100, 'x')};
-        Open(builder.Build());
-        TellLies(lie, CALL_MultiByteToWideChar);
-        EXPECT_LT(Read(1, 9, 16).size(), 16u);
-        TellLies(LIE_NONE);
-    }
+    DescriptionBuilder builder;
+    builder.strings[9] = {std::string(100, 'x')};
+    Open(builder.Build());
+    TellLies(LIE_HUGE, CALL_MultiByteToWideChar);
+    EXPECT_LT(Read(1, 9, 16).size(), 16u);
 }
 
 TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
 {
-    struct Case {
-        const char* cWhat;
-        UINT uCodePage;
-        std::string text;
-        int cch;
-        WideText wcText;
-    };
-    const std::string A = "\x82\xA0", EURO = "\xE2\x82\xAC", E_ACUTE = "\xC3\xA9", SMILE = "\xF0\x9F\x98\x80";
-    const Case aCases[] = {
-        {"63 of 63", 1252, std::string(63, 'a'), 64, Repeat(u'a', 63)},
-        {"64 of 64", 1252, std::string(64, 'a'), 64, Repeat(u'a', 63)},
-        {"23 of a bin's 24", 1252, std::string(40, '\xE9'), 24, Repeat(u'\u00E9', 23)},
-        {"22 behind a blank", 1252, std::string(40, 'b'), 23, Repeat(u'b', 22)},
-        {"no room", 1252, "abc", 1, u""},
-        {"one character", 1252, "abc", 2, u"a"},
-        {"two bytes, torn", 932, Repeat(A, 40), 64, Repeat(u'\u3042', 31)},
-        {"two bytes, at the edge", 932, "x" + Repeat(A, 40), 64, u"x" + Repeat(u'\u3042', 31)},
-        {"two bytes, whole", 932, "x" + Repeat(A, 31), 64, u"x" + Repeat(u'\u3042', 31)},
-        {"two bytes, bin", 932, Repeat(A, 12), 24, Repeat(u'\u3042', 11)},
-        {"half-width", 932, std::string(70, '\xB1'), 64, Repeat(u'\uFF71', 63)},
-        {"UTF-8, at the edge", 65001, Repeat(EURO, 30), 64, Repeat(u'\u20AC', 21)},
-        {"UTF-8, two of three bytes", 65001, "x" + Repeat(EURO, 30), 64, u"x" + Repeat(u'\u20AC', 20)},
-        {"UTF-8, one of three bytes", 65001, "xx" + Repeat(EURO, 30), 64, u"xx" + Repeat(u'\u20AC', 20)},
-        {"UTF-8, one of two bytes", 65001, Repeat(E_ACUTE, 40), 64, Repeat(u'\u00E9', 31)},
-        {"UTF-8, three of four bytes", 65001, Repeat(SMILE, 20), 64,
-         [] {
-             WideText wcText;
-             for (int i = 0; i < 15; i++) {
-                 wcText += u"\xD83D\xDE00";
-             }
-             return wcText;
-         }()},
-        {"UTF-8, wrong in the middle", 65001,
-         "a\xFF"
-         "b",
-         64,
-         u"a\uFFFD"
-         u"b"},
-    };
-    for (const Case& row : aCases) {
-        SetCodePage(row.uCodePage);
+    for (const DataRow& row : ReadRows("cut_texts.txt")) {
+        SetCodePage(static_cast<UINT>(ToNumber(row[1])));
         DescriptionBuilder builder;
-        builder.strings[9] = {row.text, "behind"};
+        builder.strings[9] = {FromHex<std::string>(row[2], 2), "behind"};
         Open(builder.Build());
-        EXPECT_EQ(Narrow(Read(1, 9, row.cch)), Narrow(row.wcText)) << row.cWhat;
+        EXPECT_EQ(Narrow(Read(1, 9, static_cast<int>(ToNumber(row[3])))),
+                  Narrow(FromHex<WideText>(row[4], 4)))
+            << row[0];
     }
-}
-
-TEST_F(TextsTest, TheEndOfTheFileEndsAText)
-{
-    TextSections sections;
-    sections.bases.assign(10, 0);
-    sections.offsets = {0, 0, 4, 7, 8, 0xFFFF};
-    sections.texts = {'a', 'b', 'c', 0, 'x', 'y', 0, 'z'};
-    Open(sections.Build());
-    EXPECT_EQ(Read(1, 9, 128), u"abc");
-    EXPECT_EQ(Read(2, 9, 128), u"xy") << "three bytes in front of the end";
-    EXPECT_EQ(Read(3, 9, 128), u"z") << "the file's last byte, without a NUL";
-    EXPECT_EQ(Read(4, 9, 128), u"") << "begins at the end";
-    EXPECT_EQ(Read(5, 9, 128), u"") << "begins beyond the end";
-    EXPECT_EQ(Read(3, 9, 2), u"z");
 }
 
 TEST_F(TextsTest, IdsAndLanguagesBeyondTheirTables)

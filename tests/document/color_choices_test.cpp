@@ -1,13 +1,12 @@
 /* Presets of colour modes, and the commands that colour choices come to. */
-#include <algorithm>
-
 #include "description/driver_files.h"
 #include "document/color_choices.h"
+#include "support/record_changes.h"
 #include "support/sample_machine.h"
 
 namespace {
 
-/* Slots of the body, and where the record keeps choices, pairs and commands. */
+/* Slots of the body. */
 enum : size_t {
     COLOR_MODES = 220,
     TEXT_TABLE = 228,
@@ -17,14 +16,6 @@ enum : size_t {
     OPTION_VALUES = 260,
     PRESETS = 268
 };
-constexpr size_t TEXT_AT = 2948, GRAPHICS_AT = 2956, IMAGE_AT = 2964, GENERAL_AT = 2972;
-
-bool SameBytes(const DriverDevmode& one, const DriverDevmode& other)
-{
-    const u8* pOne = reinterpret_cast<const u8*>(&one);
-    return std::equal(pOne, pOne + sizeof one, reinterpret_cast<const u8*>(&other));
-}
-
 class ColorChoicesTest : public MachineTest {
   protected:
     void SetUp() override
@@ -42,28 +33,10 @@ class ColorChoicesTest : public MachineTest {
         body(pModel.get());
     }
 
-    template <class Number> Number At(size_t nAt) const
-    {
-        Number number;
-        std::memcpy(&number, reinterpret_cast<const u8*>(&record) + nAt, sizeof number);
-        return number;
-    }
-
-    std::vector<int> Slots(size_t nAt) const
-    {
-        return {At<i16>(nAt), At<i16>(nAt + 2), At<i16>(nAt + 4), At<i16>(nAt + 6)};
-    }
-
-    /* Offset and length of a command row. */
-    std::pair<int, int> Command(size_t nRow) const
-    {
-        return {At<i16>(2700 + 4 * nRow), At<u16>(2702 + 4 * nRow)};
-    }
+    std::string FromTemplate() const { return Changes(recordTemplate, record); }
 
     DriverDevmode record;
 };
-
-using Four = std::vector<int>;
 
 DescriptionBuilder WithPresets(std::vector<ColorModeRow> modes)
 {
@@ -112,80 +85,82 @@ DescriptionBuilder WithOptions()
 
 } // namespace
 
+/* From the mode's first row on, not from the table's; what cannot be stored is passed over. */
 TEST_F(ColorChoicesTest, APresetFillsTheArraysThatItsRowsName)
 {
     WithModel(WithPresets({{2, 1, -1}, {8, 1, 2}}), [this](const XpiModel* pModel) {
         ApplyColorPreset(&record.rPrivate, pModel);
-        EXPECT_TRUE(SameBytes(record, recordTemplate)) << "mode 0 presets nothing";
+        EXPECT_EQ(FromTemplate(), "") << "mode 0 presets nothing";
         record.rPrivate.sColorCorrection = 1;
         ApplyColorPreset(&record.rPrivate, pModel);
     });
-    EXPECT_EQ(Slots(TEXT_AT), (Four{1, 0, 0, 0})) << "from the mode's first row on, not from the table's";
-    EXPECT_EQ(Slots(IMAGE_AT), (Four{2, 0, 0, 0}));
-    EXPECT_EQ(Slots(GRAPHICS_AT), (Four{0, 3, 0, 0}));
-    EXPECT_EQ(Slots(GENERAL_AT), (Four{0, 0, 4, -5})) << "what cannot be stored is passed over";
-    for (size_t nAt : {TEXT_AT, IMAGE_AT, GRAPHICS_AT, GENERAL_AT}) {
-        std::memset(reinterpret_cast<u8*>(&record) + nAt, 0, 8);
-    }
-    record.rPrivate.sColorCorrection = 0;
-    EXPECT_TRUE(SameBytes(record, recordTemplate)) << "nothing else was written";
+    EXPECT_EQ(FromTemplate(), "sColorCorrection=1 sTextOption[0]=1 sGraphicsOption[1]=3 sImageOption[0]=2 "
+                              "sGeneralOption[2]=4 sGeneralOption[3]=-5");
 }
 
 TEST_F(ColorChoicesTest, WithoutAModeOrATableNothingIsPreset)
 {
-    auto untouched = [this](const XpiModel* pModel) {
-        DriverDevmode before = record;
+    auto preset = [this](const XpiModel* pModel) {
+        const DriverDevmode before = record;
         ApplyColorPreset(&record.rPrivate, pModel);
-        return SameBytes(record, before);
+        return Changes(before, record);
     };
-    EXPECT_TRUE(untouched(nullptr));
+    EXPECT_EQ(preset(nullptr), "");
     WithModel(WithPresets({{8, 1, 2}}), [&](const XpiModel* pModel) {
         for (i16 sMode : {i16{1}, i16{2}, i16{-1}, i16{32767}, i16{-32768}}) {
             record.rPrivate.sColorCorrection = sMode;
-            EXPECT_TRUE(untouched(pModel)) << sMode;
+            EXPECT_EQ(preset(pModel), "") << sMode;
         }
         record.rPrivate.sColorCorrection = 0;
-        EXPECT_FALSE(untouched(pModel));
     });
     for (size_t nSlot : {size_t{COLOR_MODES}, size_t{PRESETS}}) {
         WithModel(WithPresets({{8, 1, 2}}).Set<u64>(nSlot, 0),
-                  [&](const XpiModel* pModel) { EXPECT_TRUE(untouched(pModel)) << nSlot; });
+                  [&](const XpiModel* pModel) { EXPECT_EQ(preset(pModel), "") << nSlot; });
     }
     WithModel(WithPresets({{8, 1, 32767}}),
-              [&](const XpiModel* pModel) { EXPECT_TRUE(untouched(pModel)) << "rows behind the body"; });
+              [&](const XpiModel* pModel) { EXPECT_EQ(preset(pModel), "") << "rows behind the body"; });
+}
+
+/* Offset and length of commands, as they come to stand in the record. */
+std::string Commands(const std::vector<std::pair<int, int>>& rows)
+{
+    std::string text;
+    for (size_t i = 0; i < rows.size(); i++) {
+        const std::string row = " ColorCommand[" + std::to_string(i) + "].sColorCmd";
+        text += rows[i].first ? row + "Offset=" + std::to_string(rows[i].first) : "";
+        char cLength[8];
+        std::snprintf(cLength, sizeof cLength, "0x%04X", static_cast<unsigned>(rows[i].second));
+        text += row + "Length=" + cLength;
+    }
+    return text;
 }
 
 TEST_F(ColorChoicesTest, ChoicesBecomePairsAndCommandsAndClearNothing)
 {
     WithModel(WithOptions(), [this](const XpiModel* pModel) {
+        const std::string text = "sTextHdrOffset=10 sTextHdrLength=5",
+                          body = " sTextOffset=100 sTextLength=20";
         BuildColorCommands(&record.rPrivate, pModel);
-        const Four header = {10, 5, 0, 0, 0, 0}, body = {100, 20, 0, 0, 0, 0};
-        for (size_t i = 0; i < 6; i++) {
-            EXPECT_EQ(At<i16>(1856 + 2 * i), header[i]) << i;
-            EXPECT_EQ(At<i16>(1868 + 2 * i), body[i]) << i;
-        }
-        EXPECT_EQ(Command(0), std::pair(30, 0x4006));
-        EXPECT_EQ(Command(1), std::pair(40, 0x2008));
-        EXPECT_EQ(Command(2), std::pair(72, 0x2002));
-        EXPECT_EQ(Command(3), std::pair(85, 5)) << "the second slice of a general value is not sent";
-        EXPECT_EQ(Command(4), std::pair(0, 0));
-        EXPECT_EQ(record.rPrivate.sGenColorCmdCount, 4);
+        EXPECT_EQ(FromTemplate(), text + body + " sGenColorCmdCount=4" +
+                                      Commands({{30, 0x4006}, {40, 0x2008}, {72, 0x2002}, {85, 5}}))
+            << "the second slice of a general value is not sent";
 
         record.rPrivate.sTextOption[0] = 1;
         BuildColorCommands(&record.rPrivate, pModel);
-        EXPECT_EQ(At<i16>(1856), 10) << "a pair that no choice fills any more stays";
-        EXPECT_EQ(At<i16>(1870), 20);
-        EXPECT_EQ(Command(0), std::pair(0, 0x800A));
-        EXPECT_EQ(Command(1), std::pair(30, 0x4006));
-        EXPECT_EQ(record.rPrivate.sGenColorCmdCount, 5);
+        EXPECT_EQ(FromTemplate(),
+                  text + body + " sGenColorCmdCount=5" +
+                      Commands({{0, 0x800A}, {30, 0x4006}, {40, 0x2008}, {72, 0x2002}, {85, 5}}) +
+                      " sTextOption[0]=1")
+            << "a pair that no choice fills any more stays";
 
         record.rPrivate.sGraphicsOption[0] = 1; /* both options of graphics now have two slices */
         record.rPrivate.sGraphicsOption[1] = 1;
         BuildColorCommands(&record.rPrivate, pModel);
-        EXPECT_EQ(Four({At<i16>(1864), At<i16>(1866), At<i16>(1876), At<i16>(1878)}), (Four{77, 3, 300, 31}))
-            << "the later option of a class decides";
-        EXPECT_EQ(Command(2), std::pair(85, 5));
-        EXPECT_EQ(record.rPrivate.sGenColorCmdCount, 3);
+        EXPECT_EQ(FromTemplate(), text + " sGraphicsHdrOffset=77 sGraphicsHdrLength=3" + body +
+                                      " sGraphicsOffset=300 sGraphicsLength=31 sGenColorCmdCount=3" +
+                                      Commands({{0, 0x800A}, {30, 0x4006}, {85, 5}, {72, 0x2002}, {85, 5}}) +
+                                      " sTextOption[0]=1 sGraphicsOption[0]=1 sGraphicsOption[1]=1")
+            << "the later option of a class decides; rows behind the last stay";
     });
 }
 
@@ -200,13 +175,11 @@ TEST_F(ColorChoicesTest, FourOptionsAClassAndNoMore)
         record.rPrivate.sGeneralOption[3] = -32768; /* a value that no table has: an empty command */
         BuildColorCommands(&record.rPrivate, pModel);
     });
-    EXPECT_EQ(record.rPrivate.sGenColorCmdCount, 16);
+    std::vector<std::pair<int, int>> commands;
     for (size_t nRow = 0; nRow < 15; nRow++) {
-        EXPECT_EQ(Command(nRow), std::pair(7, 0x1FFF | std::array{0x8000, 0x4000, 0x2000, 0}[nRow / 4]))
-            << nRow;
+        commands.emplace_back(7, 0x1FFF | std::array{0x8000, 0x4000, 0x2000, 0}[nRow / 4]);
     }
-    EXPECT_EQ(Command(15), std::pair(0, 0));
-    EXPECT_EQ(At<u32>(2764), 0u) << "nothing behind the last row";
+    EXPECT_EQ(FromTemplate(), "sGenColorCmdCount=16" + Commands(commands) + " sGeneralOption[3]=-32768");
     BuildColorCommands(&record.rPrivate, nullptr);
     EXPECT_EQ(record.rPrivate.sGenColorCmdCount, 0);
 }

@@ -1,21 +1,18 @@
 /* Default records: of the sample models against their goldens, step by step on small descriptions, and what becomes
    of a stored one. */
-#include <functional>
 #include <sstream>
 
 #include "description/driver_files.h"
 #include "document/defaults.h"
 #include "places.h"
 #include "settings/check_core.h"
+#include "support/record_changes.h"
 #include "support/sample_machine.h"
 #include "support/sweep_totals.h"
-#include "tools/tq/record_text.h"
 
 namespace {
 
 [[maybe_unused]] const auto* const pTotals = ExpectTotals(600, 30, 0);
-
-using Names = std::vector<std::string>;
 
 /* Offsets in the body. */
 enum : size_t {
@@ -89,15 +86,6 @@ DriverDevmode Poisoned()
     return record;
 }
 
-Names Differing(const DriverDevmode& first, const DriverDevmode& second)
-{
-    Names names;
-    for (const FieldValue& field : DifferingFields(first, second)) {
-        names.push_back(field.name + "=" + field.value);
-    }
-    return names;
-}
-
 class DefaultsTest : public MachineTest {
   protected:
     void SetUp() override
@@ -148,15 +136,15 @@ struct SampleCase {
     const char* cSection;
     const WCHAR* wcName;
     int nFirst, nSecond; /* repairs of a first and a second pass of both checks */
-    Names mended;        /* by the first */
+    const char* cMended; /* by the first */
 };
 const SampleCase aSamples[] = {
-    {"T410A", u"Halden T410A", 0, 0, {}},
-    {"QP5", u"Quill P5", 1, 0, {"dmColor=0"}},
-    {"QPS", u"Quill PS", 1, 1, {}}, /* the default paper is too wide, and is what it is replaced by */
-    {"K100", u"Ostra K100", 0, 0, {}},
-    {"IX300", u"Quill IX-300", 1, 0, {"dmColor=0"}},
-    {"T440B", u"Halden T440B", 2, 0, {"dmColor=0", "sProfile=0", "bExceptionRegion=00"}},
+    {"T410A", u"Halden T410A", 0, 0, ""},
+    {"QP5", u"Quill P5", 1, 0, "dmColor=0"},
+    {"QPS", u"Quill PS", 1, 1, ""}, /* the default paper is too wide, and is what it is replaced by */
+    {"K100", u"Ostra K100", 0, 0, ""},
+    {"IX300", u"Quill IX-300", 1, 0, "dmColor=0"},
+    {"T440B", u"Halden T440B", 2, 0, "dmColor=0 sProfile=0 bExceptionRegion=00"},
 };
 
 } // namespace
@@ -173,7 +161,7 @@ TEST_F(DefaultsTest, TheSamplesGiveTheirGoldens)
         /* A printer without a stored record answers with the same. */
         DriverDevmode found = Poisoned();
         EXPECT_EQ(Find(&found), DEFAULT_BUILT);
-        EXPECT_EQ(Differing(record, found), Names());
+        EXPECT_EQ(Changes(record, found), "");
     }
 }
 
@@ -184,37 +172,26 @@ TEST_F(DefaultsTest, TheChecksTakeTheSamplesDefaults)
         AddSample(sample.cSection);
         DriverDevmode record = Build(1, sample.wcName), before = record;
         EXPECT_EQ(Check(&record), std::pair(true, sample.nFirst));
-        EXPECT_EQ(Differing(before, record), sample.mended);
+        EXPECT_EQ(Changes(before, record), sample.cMended);
         before = record;
         EXPECT_EQ(Check(&record), std::pair(true, sample.nSecond));
-        EXPECT_EQ(Differing(before, record), Names());
+        EXPECT_EQ(Changes(before, record), "");
     }
 }
 
 TEST_F(DefaultsTest, ThePrintersOwnNameWithoutServerAndTail)
 {
     AddTestPrinter(Small().Build());
-    const std::vector<std::array<WideText, 3>> cases = {
-        {u"\\\\SRV\\Lab,LocalOnly", u"Lab", u"\\\\SRV\\Lab"},
-        {u"Lab,Local", u"Lab", u"Lab"},
-        {u"Lab,local", u"Lab,local", u"Lab,local"},
-        {u"A,Local\\B", u"B", u"A,Local\\B"},
-        {u"A\\,Local", u"", u"A\\"},
-        {u"\\\\SRV\\", u"", u"\\\\SRV\\"},
-        {WideText(31, u'n'), WideText(31, u'n'), WideText(31, u'n')},
-        {WideText(40, u'n') + u",LocalOnly", WideText(31, u'n'), WideText(40, u'n')},
-        {WideText(27, u'n') + u",Local", WideText(27, u'n'), WideText(27, u'n')},
-    };
-    for (const auto& [wcGiven, wcDevice, wcLeft] : cases) {
+    for (const DataRow& row : ReadRows("device_names.txt")) {
         DriverDevmode record = Poisoned();
-        WideText wcName = wcGiven;
+        WideText wcName = Wide(row[0]);
         PrinterCall call(hPrinter);
         BuildDefaultRecord(call, wcName.data(), &record, 1);
-        WCHAR wcStored[32];
-        std::memcpy(wcStored, record.dmDeviceName, sizeof wcStored);
-        EXPECT_EQ(wcDevice, WideText(wcStored)) << Narrow(wcGiven);
-        EXPECT_EQ(wcStored[31], 0);
-        EXPECT_EQ(wcLeft, WideText(wcName.c_str())) << "what the caller is left with";
+        EXPECT_EQ(
+            std::memcmp(record.dmDeviceName, (Wide(row[1]) + WideText(1, 0)).data(), 2 * row[1].size() + 2),
+            0)
+            << row[0];
+        EXPECT_EQ(Narrow(wcName.c_str()), row[2]) << "what the caller is left with";
     }
     DriverDevmode record = Poisoned();
     PrinterCall call(hPrinter);
@@ -224,28 +201,22 @@ TEST_F(DefaultsTest, ThePrintersOwnNameWithoutServerAndTail)
 
 TEST_F(DefaultsTest, WithoutADescriptionTheTemplateStands)
 {
-    const Names constants = {"sOverlayDirOffset=332", "sGenColorCmdOffset=660", "OEMData.ulOEMVersion=1",
-                             "OEMData.ulOEMOffset=1744", "OEMData.ulOEMSize=304"};
-    auto expected = [&](const char* cPath, bool bMetric) {
-        Names names = {"dmDeviceName=\"Test\""};
-        names.insert(names.end(), constants.begin(), constants.end());
-        if (*cPath) {
-            names.push_back("tcXPIName=\"" + std::string(cPath) + "\"");
-        }
-        if (bMetric) {
-            names.push_back("bMetric=1");
-        }
-        return names;
+    /* What stands in the template already is left out. */
+    auto expected = [](const std::string& path, const std::string& metric) {
+        return "dmDeviceName=\"Test\" sOverlayDirOffset=332 sGenColorCmdOffset=660 OEMData.ulOEMVersion=1 "
+               "OEMData.ulOEMOffset=1744 OEMData.ulOEMSize=304" +
+               path + metric;
     };
+    const std::string path = " tcXPIName=\"C:\\\\DRV\\\\QA.XPI\"", metric = " bMetric=1";
     AddTestPrinter(Small().Build(), "[PrinterSettings]\r\nCopies=7\r\n");
     FailCall(CALL_ReadFile, 2, FAIL_FROM_THERE); /* behind the header: not to be loaded */
-    EXPECT_EQ(Differing(recordTemplate, Build()), expected("C:\\\\DRV\\\\QA.XPI", true));
+    EXPECT_EQ(Changes(recordTemplate, Build()), expected(path, metric));
     EXPECT_GT(StopFaults(), 0);
     std::filesystem::remove(HostPath(u"C:\\drv\\qa.xpi"));
-    EXPECT_EQ(Differing(recordTemplate, Build()), expected("C:\\\\DRV\\\\QA.XPI", true));
+    EXPECT_EQ(Changes(recordTemplate, Build()), expected(path, metric));
     SetPrinterText(u"Test", u"XPI", u"NONE.XPI"); /* not in the driver's list */
     SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(Differing(recordTemplate, Build()), expected("", false));
+    EXPECT_EQ(Changes(recordTemplate, Build()), expected("", ""));
 }
 
 TEST_F(DefaultsTest, APathTooLongForTheRecordIsLeftOut)
@@ -267,105 +238,57 @@ TEST_F(DefaultsTest, APathTooLongForTheRecordIsLeftOut)
     }
 }
 
-TEST_F(DefaultsTest, KindClassAndDuplexUnitDecideTheFields)
+TEST_F(DefaultsTest, StepsOfADescription)
 {
-    struct Case {
-        u16 usKind, usClass;
-        u32 ulOptions, ulFields;
-        Names more; /* "field=value" */
-    };
-    const std::vector<Case> cases = {
-        {0,
-         0,
-         1,
-         0x0380FF0F,
-         {"dmDuplex=1", "dmICMMethod=2", "dmICMIntent=3", "dmMediaType=256", "sNumColors=0"}},
-        {2, 0, 0, 0x0380EF0F, {"dmDuplex=0", "dmICMMethod=2", "sNumColors=2", "sDoNotReportFonts=0"}},
-        {2, 1, 0, 0x0000E70F, {"dmICMMethod=0", "dmMediaType=0", "sNumColors=0", "sDoNotReportFonts=0"}},
-        {3, 0, 0, 0x0000EF0F, {"dmICMMethod=0", "dmMediaType=0", "sScreening=1", "dwColorFormat=0x00001000"}},
-        {3, 1, 0, 0x0000E70F, {"sScreening=0", "dwColorFormat=0x00000000", "sColorCorrection=0"}},
-        {1, 1, 1, 0x0000F70F, {"dmDuplex=1", "dmColor=1", "sDoNotReportFonts=1", "sColorCorrection=0"}},
-        {4, 42, 1, 0x0000F70F, {"dmColor=1", "dmMediaType=0", "sWMTransparency=50", "sDoNotReportFonts=1"}},
-        {4,
-         0,
-         0,
-         0x0380EF0F,
-         {"sWMTransparency=50", "sScreening=0", "dwColorFormat=0x00000000", "sColorCorrection=1"}},
-    };
-    for (const Case& one : cases) {
-        DescriptionBuilder builder = Small();
-        builder.Set<u16>(KIND, one.usKind)
-            .Set<u16>(COLOR_CLASS, one.usClass)
-            .Set<u32>(OPT_OPTIONS, one.ulOptions);
-        builder.Set<u16>(292, 1).Set<u32>(298, 0x1000).Set<u32>(DEFAULT_INTENT, 3);
-        builder.Set<u16>(DEFAULT_MODE, 1).Set<i16>(DEFAULT_MEDIA, 2);
-        builder.Table<ColorModeRow>(COLOR_MODES, {{1, 1, -1}, {2, 1, -1}, {}});
-        MediaRow plain = {}, heavy = {};
-        plain.ulMask = heavy.ulMask = 1;
-        plain.ulMediaCode = 1;
-        heavy.ulMediaCode = 256;
-        builder.Table<MediaRow>(MEDIA, {plain, heavy, {}});
-        DriverDevmode record = BuildFrom(builder);
-        EXPECT_EQ(record.dmFields, one.ulFields) << one.usKind << " " << one.usClass;
-        for (const std::string& more : one.more) {
-            std::string name = more.substr(0, more.find('='));
-            EXPECT_EQ(name + "=" + FieldOf(record, name).value, more) << one.usKind << " " << one.usClass;
+    const std::map<std::string, std::pair<size_t, size_t>> fields = {/* place in the body, and width */
+                                                                     {"kind=", {KIND, 2}},
+                                                                     {"class=", {COLOR_CLASS, 2}},
+                                                                     {"options=", {OPT_OPTIONS, 4}},
+                                                                     {"mode=", {DEFAULT_MODE, 2}},
+                                                                     {"media=", {DEFAULT_MEDIA, 2}},
+                                                                     {"resolution=", {DEFAULT_RESOLUTION, 2}},
+                                                                     {"resolutions=", {RESOLUTIONS, 8}},
+                                                                     {"standard=", {STD_OPTIONS, 4}},
+                                                                     {"features=", {LANGUAGE_FEATURES, 4}}};
+    DescriptionBuilder plain = Small();
+    plain.Set<u16>(292, 1).Set<u32>(298, 0x1000).Set<u32>(DEFAULT_INTENT, 3).Set<i16>(DEFAULT_RESOLUTION, 4);
+    plain.Set<u16>(DEFAULT_MODE, 1).Set<i16>(DEFAULT_MEDIA, 2);
+    plain.Table<ColorModeRow>(COLOR_MODES, {{1, 1, -1}, {2, 1, -1}, {}, {2, 1, -1}});
+    MediaRow light = {}, heavy = {};
+    light.ulMask = heavy.ulMask = 1;
+    light.ulMediaCode = 1;
+    heavy.ulMediaCode = 256;
+    plain.Table<MediaRow>(MEDIA, {light, heavy, {}, heavy});
+    plain.Table<ResolutionRow>(RESOLUTIONS,
+                               {{1, 150, 0, 0, 151, 152, 0, 0},
+                                {1, 0, 0, 0, 300, 301, 0, 0}, /* no end: the first field counts */
+                                {1, 1200, 0, 0, 1201, 1202, 0, 0},
+                                {1, 1200, 0, 0, 1200, 1200, 0, 0},
+                                {},
+                                {1, 300, 0, 0, 300, 300, 0, 0}});
+    for (const DataRow& row : ReadRows("default_steps.txt")) {
+        DescriptionBuilder builder = plain;
+        for (const std::string& word : Words(row[0])) {
+            const size_t nValue = word.find('=') + 1;
+            if (word.rfind("collate=", 0) == 0) {
+                builder.Set<u16>(COLLATE, builder.Command(word.substr(nValue)));
+                continue;
+            }
+            const auto found = fields.find(word.substr(0, nValue));
+            ASSERT_NE(found, fields.end()) << word;
+            const long long llValue = ToNumber(word.substr(nValue));
+            std::memcpy(builder.body.data() + found->second.first, &llValue, found->second.second);
         }
-        for (const char* cIndex : {"sMediaTypeIndex", "sFrontMediaIndex", "sBackMediaIndex",
-                                   "sSeparatorMediaIndex", "sInsertPageMediaIndex"}) {
-            EXPECT_EQ(FieldOf(record, cIndex).value, "2") << cIndex;
+        const DriverDevmode record = BuildFrom(builder);
+        for (const std::string& wanted : Words(row[1])) {
+            const std::string name = wanted.substr(0, wanted.find('='));
+            EXPECT_EQ(name + "=" + FieldOf(record, name).value, wanted) << row[0];
         }
+        if (row.size() > 2) {
+            EXPECT_EQ(FieldOf(record, "cStartJobPJL").value, row[2]) << row[0];
+        }
+        EXPECT_EQ(FieldOf(record, "cEndJobPJL").value, "\"@PJL SET GUIENDJOB=1\\r\\n\"");
     }
-}
-
-TEST_F(DefaultsTest, WhatAColourTableLacksHasAFallback)
-{
-    MediaRow media = {};
-    media.ulMask = 1;
-    media.ulMediaCode = 256;
-    for (i16 sMedia : {i16{1}, i16{0}, i16{2}, i16{-1}, i16{32767}}) {
-        DescriptionBuilder builder = Small();
-        builder.Set<u16>(COLOR_CLASS, 0).Set<i16>(DEFAULT_MEDIA, sMedia).Set<u16>(DEFAULT_MODE, 2);
-        builder.Table<MediaRow>(MEDIA, {media, {}, media});
-        builder.Table<ColorModeRow>(COLOR_MODES,
-                                    {{1, 1, -1}, {}, {2, 1, -1}}); /* mode 2 lies behind the end */
-        DriverDevmode record = BuildFrom(builder);
-        EXPECT_EQ(record.dmMediaType, sMedia == 1 ? 256u : 1u) << sMedia;
-        EXPECT_EQ(record.dmICMMethod, 1u);
-        EXPECT_EQ(record.rPrivate.sColorCorrection, 2);
-    }
-}
-
-TEST_F(DefaultsTest, ResolutionAndBorderComeFromTheRow)
-{
-    struct Case {
-        i16 sRow;
-        u32 ulResolution;
-        u16 usX, usY;
-        i16 sLength, sWidth;
-    };
-    DescriptionBuilder builder = Small();
-    builder.Table<ResolutionRow>(RESOLUTIONS,
-                                 {{1, 150, 0, 0, 151, 152, 0, 0},
-                                  {1, 0, 0, 0, 300, 301, 0, 0}, /* no end: the first field counts */
-                                  {1, 1200, 0, 0, 1201, 1202, 0, 0},
-                                  {1, 1200, 0, 0, 1200, 1200, 0, 0},
-                                  {},
-                                  RESOLUTION_600});
-    const std::vector<Case> cases = {{0, 150, 151, 152, 59, 3},      {1, 0, 300, 301, 118, 6},
-                                     {2, 1200, 1201, 1202, 236, 12}, {3, 1200, 1200, 1200, 0, 6},
-                                     {4, 600, 600, 600, 0, 6},       {5, 600, 600, 600, 0, 6},
-                                     {-1, 600, 600, 600, 0, 6},      {32767, 600, 600, 600, 0, 6}};
-    for (const Case& one : cases) {
-        DriverDevmode record = BuildFrom(DescriptionBuilder(builder).Set<i16>(DEFAULT_RESOLUTION, one.sRow));
-        EXPECT_EQ(record.rPrivate.sResolution, one.sRow);
-        EXPECT_EQ(record.rPrivate.ulResolution, one.ulResolution) << one.sRow;
-        EXPECT_EQ(record.dmPrintQuality, one.usX) << one.sRow;
-        EXPECT_EQ(record.dmYResolution, one.usY) << one.sRow;
-        EXPECT_EQ(record.rPrivate.sPageBorderLength, one.sLength) << one.sRow;
-        EXPECT_EQ(record.rPrivate.sPageBorderWidth, one.sWidth) << one.sRow;
-    }
-    EXPECT_EQ(BuildFrom(DescriptionBuilder(builder).Set<u64>(RESOLUTIONS, 0)).dmPrintQuality, 600);
 }
 
 TEST_F(DefaultsTest, FontsAreTheModelsWhereItHasThem)
@@ -402,57 +325,13 @@ TEST_F(DefaultsTest, FontsAreTheModelsWhereItHasThem)
     EXPECT_EQ(record.rPrivate.ulDefaultFontSize, 14u);
 }
 
-TEST_F(DefaultsTest, TheJobLineFollowsTheModelsStandardOptions)
+TEST_F(DefaultsTest, WhatIsInstalledDoesNotCountForTheJobLine)
 {
-    const std::string named = "@PJL JOB NAME=\\\"!JOBNAME\\\"\\r\\n", start = "@PJL SET GUISTARTJOB=1\\r\\n";
-    const std::string shown = "@PJL JOB DISPLAY=\\\"!JOBNAME\\\"\\r\\n";
-    struct Case {
-        u16 usKind;
-        u32 ulStandard, ulOptional, ulFeatures;
-        std::string start;
-        u16 usNoPjl;
-    };
-    const std::vector<Case> cases = {{0, 4, 0, 0, shown + start, 0},       {0, 0, 4, 0, named + start, 0},
-                                     {0, 4, 0, 0x40, shown + start, 0},    {2, 4, 0, 0x40, start, 1},
-                                     {2, 0xFB, 0, 0xBF, named + start, 0}, {3, 0, 0, 0x40, named + start, 0}};
-    for (const Case& one : cases) {
-        DescriptionBuilder builder = Small();
-        builder.Set<u16>(KIND, one.usKind)
-            .Set<u32>(STD_OPTIONS, one.ulStandard)
-            .Set<u32>(OPT_OPTIONS, one.ulOptional);
-        builder.Set<u32>(LANGUAGE_FEATURES, one.ulFeatures);
-        DriverDevmode record = BuildFrom(builder);
-        EXPECT_EQ(FieldOf(record, "cStartJobPJL").value, '"' + one.start + '"')
-            << one.usKind << one.ulStandard;
-        EXPECT_EQ(record.rPrivate.sNoPJL, one.usNoPjl);
-        EXPECT_EQ(FieldOf(record, "cEndJobPJL").value, "\"@PJL SET GUIENDJOB=1\\r\\n\"");
-        EXPECT_EQ(record.rPrivate.ulLanguageFeatures, 0x00080000 | one.ulFeatures);
-    }
-    /* What is stored as installed does not count. */
     AddTestPrinter(Small().Build());
     SetPrinterValue(u"Test", u"DeviceInfo", REG_BINARY, {0, 0, 0, 0, 0, 0, 0, 0, 5, 0, 0, 0, 0, 0, 0, 0});
     DriverDevmode record = Build();
-    EXPECT_EQ(FieldOf(record, "cStartJobPJL").value, '"' + named + start + '"');
+    EXPECT_EQ(FieldOf(record, "cStartJobPJL").value.find("@PJL JOB NAME="), 1u);
     EXPECT_EQ(record.dmDuplex, 1) << "but the duplex unit does";
-}
-
-TEST_F(DefaultsTest, CollationNeedsADiskAndACommandThatFits)
-{
-    struct Case {
-        u32 ulOptions;
-        std::string command, stored;
-    };
-    const std::vector<Case> cases = {{7, "QTY", "QTY"},
-                                     {5, "QTY", ""},
-                                     {7, "", ""},
-                                     {2, "12345678901", "12345678901"},
-                                     {2, "123456789012", ""}};
-    for (const Case& one : cases) {
-        DescriptionBuilder builder = Small();
-        u16 usId = one.command.empty() ? u16{0} : builder.Command(one.command);
-        builder.Set<u32>(OPT_OPTIONS, one.ulOptions).Set<u16>(COLLATE, usId);
-        EXPECT_EQ(FieldOf(BuildFrom(builder), "cCollatePJL").value, '"' + one.stored + '"') << one.command;
-    }
 }
 
 TEST_F(DefaultsTest, TypedOptionsCountAmongThemselves)
@@ -464,31 +343,27 @@ TEST_F(DefaultsTest, TypedOptionsCountAmongThemselves)
         if (!values.empty()) {
             builder.Table<u8>(FEATURE_VALUES, values);
         }
-        DriverDevmode record = BuildFrom(builder);
-        std::vector<int> all;
+        const DriverDevmode record = BuildFrom(builder);
+        std::string all;
         for (i16 sSlot : record.rPrivate.sPJLValueIndex) {
-            all.push_back(sSlot);
+            all += std::to_string(sSlot) + " ";
         }
         EXPECT_EQ(FieldOf(record, "cPJLUserValue[0]").value, "\"\"");
-        return all;
-    };
-    auto padded = [](std::vector<int> all) {
-        all.resize(32);
-        return all;
+        return all.substr(0, all.find_last_not_of(" 0") + 1);
     };
     /* As rows of 4 bytes: a value, an end, a value, an end. As rows of 6: two values and an end. */
     const Bytes values = {1, 0, 0, 0, 0, 0, 9, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0};
     const std::vector<FeatureRow> four = {
         {1, 0, 0, 0, 0}, {1, 0, 0, 1, 0}, {1, 0, 0, 2, 0}, {1, 0, 0, -1, 0}, {}};
-    EXPECT_EQ(slots(0, four, values), padded({0, -1, 0, -2}));
-    EXPECT_EQ(slots(4, four, values), padded({0, -1, 0, -2}));
-    EXPECT_EQ(slots(3, four, values), padded({0, 0, -1, -2}));
-    EXPECT_EQ(slots(0, four, {}), padded({-1, -2, -3, -4})) << "no values at all: every row is typed";
-    std::vector<int> falling;
-    for (int n = 1; n <= 32; n++) {
-        falling.push_back(-n);
-    }
-    EXPECT_EQ(slots(0, std::vector<FeatureRow>(40, {1, 0, 0, 0, 0}), {}), falling) << "32 slots, no more";
+    EXPECT_EQ(slots(0, four, values), "0 -1 0 -2");
+    EXPECT_EQ(slots(4, four, values), "0 -1 0 -2");
+    EXPECT_EQ(slots(3, four, values), "0 0 -1 -2");
+    EXPECT_EQ(slots(0, four, {}), "-1 -2 -3 -4") << "no values at all: every row is typed";
+    EXPECT_EQ(
+        slots(0, std::vector<FeatureRow>(40, {1, 0, 0, 0, 0}), {}),
+        "-1 -2 -3 -4 -5 -6 -7 -8 -9 -10 -11 -12 -13 -14 -15 -16 -17 -18 -19 -20 -21 -22 -23 -24 -25 -26 -27 "
+        "-28 -29 -30 -31 -32")
+        << "there are no more slots";
 }
 
 TEST_F(DefaultsTest, TheSettingsFileOfTheDriverComesLastAndUnchecked)
@@ -496,13 +371,11 @@ TEST_F(DefaultsTest, TheSettingsFileOfTheDriverComesLastAndUnchecked)
     const std::string ini =
         "[PrinterSettings]\r\nPaperSize=11\r\nContrast=90\r\nMargins=1\r\nMarginTop=7\r\nScreen=3\r\n";
     DriverDevmode plain = BuildFrom(Small()), record = BuildFrom(Small(), ini);
-    EXPECT_EQ(Differing(plain, record),
-              (Names{"dmPaperSize=11", "sMargins=1", "sMarginTop=7", "sContrast=90", "sScreen=3"}))
+    EXPECT_EQ(Changes(plain, record), "dmPaperSize=11 sMargins=1 sMarginTop=7 sContrast=90 sScreen=3")
         << "the size stays that of the default paper";
     EXPECT_EQ(record.dmPaperLength, 2970);
-    EXPECT_EQ(Differing(plain, Build(0)), Names()) << "not asked for";
-    EXPECT_EQ(Differing(plain, BuildFrom(Small(), "[PrinterSettings]\r\nXPI=OTHER.XPI\r\nCopies=5\r\n")),
-              Names());
+    EXPECT_EQ(Changes(plain, Build(0)), "") << "not asked for";
+    EXPECT_EQ(Changes(plain, BuildFrom(Small(), "[PrinterSettings]\r\nXPI=OTHER.XPI\r\nCopies=5\r\n")), "");
 }
 
 TEST_F(DefaultsTest, AStoredRecordIsCheckedAndGiven)
@@ -516,14 +389,14 @@ TEST_F(DefaultsTest, AStoredRecordIsCheckedAndGiven)
     SetPrinterRecord(u"Test", BytesOf(stored));
     DriverDevmode record = Poisoned();
     EXPECT_EQ(Find(&record), DEFAULT_STORED);
-    EXPECT_EQ(Differing(stored, record), Names());
+    EXPECT_EQ(Changes(stored, record), "");
 
     DriverDevmode mended = stored;
     mended.dmScale = 50;
     mended.rPrivate.sBlackText = 9;
     SetPrinterRecord(u"Test", BytesOf(mended));
     EXPECT_EQ(Find(&record), DEFAULT_STORED);
-    EXPECT_EQ(Differing(stored, record), Names()) << "repaired";
+    EXPECT_EQ(Changes(stored, record), "") << "repaired";
     PrinterCall call(hPrinter);
     EXPECT_EQ(GetPrinterDefaults(call, &record), 1);
 }
@@ -532,35 +405,29 @@ TEST_F(DefaultsTest, ARefusedRecordIsBuiltAnew)
 {
     AddTestPrinter(Small().Build());
     const DriverDevmode built = Build();
-    auto refuse = [this, &built](const std::function<void(DriverDevmode*)>& spoil) {
-        DriverDevmode stored = built, record = Poisoned();
-        stored.dmCopies = 5;
-        spoil(&stored);
-        SetPrinterRecord(u"Test", BytesOf(stored));
+    for (const char* cSpoiled : {"dmCopies=5 sContrast=60", "dmCopies=5 dmSpecVersion=1026",
+                                 "dmScale=9 dmOrientation=9 dmTTOption=9" /* dmColor is a fourth */}) {
+        SetPrinterRecord(u"Test", BytesOf(Changed(built, cSpoiled)));
         PrinterCall call(hPrinter);
         for (int n = 0; n < 2; n++) { /* a second look in the same call finds nothing mended */
+            DriverDevmode record = Poisoned();
             EXPECT_EQ(FindPrinterDefaults(call, &record), DEFAULT_STORED);
-            EXPECT_EQ(Differing(built, record), Names());
+            EXPECT_EQ(Changes(built, record), "") << cSpoiled;
         }
-    };
-    refuse([](DriverDevmode* p) { p->rPrivate.sContrast = 60; });
-    refuse([](DriverDevmode* p) { p->dmSpecVersion = 1026; });
-    refuse([](DriverDevmode* p) {
-        p->dmScale = p->dmOrientation = p->dmTTOption = 9;
-    }); /* dmColor is a fourth */
+    }
 
     Bytes whole = BytesOf(built);
     SetPrinterRecord(u"Test", Bytes(whole.begin(), whole.begin() + 220)); /* lies not wholly in the answer */
     TellLies(LIE_SHORT, CALL_GetPrinterW);
     DriverDevmode record = Poisoned();
     EXPECT_EQ(Find(&record), DEFAULT_STORED);
-    EXPECT_EQ(Differing(built, record), Names());
+    EXPECT_EQ(Changes(built, record), "");
     TellLies(LIE_NONE);
 
     SetPrinterRecord(u"Test", whole); /* good, but the description is gone */
     std::filesystem::remove(HostPath(u"C:\\drv\\qa.xpi"));
     EXPECT_EQ(Find(&record), DEFAULT_STORED);
-    EXPECT_EQ(Differing(record, Build()), Names());
+    EXPECT_EQ(Changes(record, Build()), "");
     EXPECT_EQ(record.rPrivate.sExceptionInfoOffset, 0);
 }
 
@@ -624,11 +491,9 @@ TEST_F(DefaultsTest, EveryFailureLeavesAWholeRecordOrNone)
     int nFaults = 0;
     for (const Bytes& stored : {Bytes(), BytesOf(good), BytesOf(refused)}) {
         SetPrinterRecord(u"Halden T440B", stored);
-        for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
-            FaultSweep sweep = SweepFaults(ANY_CALL, mode, 3000, verdict);
-            EXPECT_EQ(sweep.fault, "");
-            nFaults += sweep.nFaults;
-        }
+        FaultSweep sweep = SweepFaultsBothWays(ANY_CALL, 3000, verdict);
+        EXPECT_EQ(sweep.fault, "");
+        nFaults += sweep.nFaults;
         for (int nLie = LIE_SHORT; nLie < LIE_KIND_COUNT; nLie++) {
             EXPECT_EQ(SweepLie(static_cast<LieKind>(nLie), ANY_CALL, verdict), "");
         }

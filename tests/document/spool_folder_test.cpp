@@ -62,17 +62,12 @@ TEST_F(SpoolFolderTest, IsWrittenForTheFirstImageKindAloneUnderThePlainName)
 
 TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
 {
-    struct Version {
-        int nMajor, nMinor;
-        bool bCopied;
-    };
-    for (Version row :
-         {Version{5, 0, false}, Version{4, 0, false}, Version{4, 90, false}, Version{5, 1, true},
-          Version{5, 2, true}, Version{6, 0, true}, Version{10, 0, true}}) {
+    for (const auto& [nMajor, nMinor] : {std::pair{5, 0}, {4, 0}, {4, 90}, {5, 1}, {5, 2}, {6, 0}, {10, 0}}) {
         Add("K100", {u"Ostra K100"});
-        SetSystemVersion(row.nMajor, row.nMinor);
-        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), row.bCopied ? "D:\\Spool" : "")
-            << row.nMajor << "." << row.nMinor;
+        SetSystemVersion(nMajor, nMinor);
+        const bool bCopied = nMajor > 5 || (nMajor == 5 && nMinor > 0);
+        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), bCopied ? "D:\\Spool" : "")
+            << nMajor << "." << nMinor;
     }
     Add("K100", {u"Ostra K100"});
     EXPECT_EQ(Copied(hPrinter, u"", wcPrinter, false), "") << "without a name";
@@ -86,20 +81,19 @@ TEST_F(SpoolFolderTest, ConditionsOfTheCopy)
     EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "");
     EXPECT_EQ(CallCount(CALL_RegSetValueExW), 0);
 
-    struct Value {
-        const char* cWhat;
-        DWORD dwType;
-        Bytes bytes;
-    };
-    for (const Value& row : {Value{"no NUL", REG_SZ, {'D', 0, ':', 0}}, Value{"empty", REG_SZ, {0, 0}},
-                             Value{"no bytes", REG_SZ, {}}, Value{"a number", REG_DWORD, {'D', 0, 0, 0}},
-                             Value{"longer than a path", REG_SZ, Bytes(700, 'x')},
-                             Value{"of the current folder", REG_SZ, {'D', 0, ':', 0, 's', 0, 0, 0}},
-                             Value{"a share", REG_SZ, {'\\', 0, '\\', 0, 's', 0, '\\', 0, 'x', 0, 0, 0}},
-                             Value{"above", REG_SZ, {'D', 0, ':', 0, '\\', 0, '.', 0, '.', 0, 0, 0}}}) {
+    const std::tuple<const char*, DWORD, Bytes> aValues[] = {
+        {"no NUL", REG_SZ, {'D', 0, ':', 0}},
+        {"empty", REG_SZ, {0, 0}},
+        {"no bytes", REG_SZ, {}},
+        {"a number", REG_DWORD, {'D', 0, 0, 0}},
+        {"longer than a path", REG_SZ, Bytes(700, 'x')},
+        {"of the current folder", REG_SZ, {'D', 0, ':', 0, 's', 0, 0, 0}},
+        {"a share", REG_SZ, {'\\', 0, '\\', 0, 's', 0, '\\', 0, 'x', 0, 0, 0}},
+        {"above", REG_SZ, {'D', 0, ':', 0, '\\', 0, '.', 0, '.', 0, 0, 0}}};
+    for (const auto& [cWhat, dwType, bytes] : aValues) {
         Add("K100", {u"Ostra K100"});
-        SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", row.dwType, row.bytes);
-        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "") << row.cWhat;
+        SetPrinterValue(wcPrinter, u"DefaultSpoolDirectory", dwType, bytes);
+        EXPECT_EQ(Copied(hPrinter, wcPrinter, wcPrinter), "") << cWhat;
     }
     Add("K100", {u"Ostra K100"});
     DropPrinterValue(wcPrinter, u"DefaultSpoolDirectory");

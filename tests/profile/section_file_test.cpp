@@ -6,6 +6,8 @@
 #include "hosted/standin.h"
 #include "profile/profile_values.h"
 #include "support/both_builds.h"
+#include "support/data_file.h"
+#include "support/settings_text.h"
 #include "support/sweep.h"
 
 namespace {
@@ -32,17 +34,7 @@ class SectionFile : public BothBuilds {
         return ReplaceKey(tcPath, u"Own", u"Key", wcText);
     }
 
-    /* The file, which must be UTF-16 with its mark. */
-    static std::string Text(const WCHAR* tcPath = FILE_PATH)
-    {
-        Bytes bytes = GetFile(tcPath);
-        EXPECT_TRUE(bytes.size() >= 2 && bytes.size() % 2 == 0 && bytes[0] == 0xFF && bytes[1] == 0xFE);
-        WideText wcText;
-        for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
-            wcText.push_back(static_cast<WCHAR>(bytes[i] | bytes[i + 1] << 8));
-        }
-        return Narrow(wcText);
-    }
+    static std::string Text(const WCHAR* tcPath = FILE_PATH) { return Utf16FileText(tcPath); }
 
     static std::string Files()
     {
@@ -63,34 +55,17 @@ class SectionFile : public BothBuilds {
 
 TEST_F(SectionFile, OnlyTheOwnLinesChange)
 {
-    static const struct {
-        const char *cBefore, *cSection, *cKey; /* after the section, after the key was written */
-    } aCases[] = {
-        {"", "[Own]\r\nN=-7\r\n", "[Own]\r\nKey=v\r\n"},
-        {"[A]\r\nq=\" 1 \"", "[A]\r\nq=\" 1 \"\r\n[Own]\r\nN=-7\r\n",
-         "[A]\r\nq=\" 1 \"\r\n[Own]\r\nKey=v\r\n"},
-        {"; head\n[own] x\n a=1\nkey = 5\n; of B\n\n[B]\nkey=6\n",
-         "; head\n[Own]\r\nN=-7\r\n; of B\n\n[B]\nkey=6\n",
-         "; head\n[own] x\n a=1\nKey=v\r\n; of B\n\n[B]\nkey=6\n"},
-        {"[B]\rkey=1\r[ OWN ]\rother=2\r\r[C]\r[Own]\rkey=9\r",
-         "[B]\rkey=1\r[Own]\r\nN=-7\r\n\r[C]\r[Own]\rkey=9\r",
-         "[B]\rkey=1\r[ OWN ]\rother=2\rKey=v\r\n\r[C]\r[Own]\rkey=9\r"},
-        {"[Own]", "[Own]\r\nN=-7\r\n", "[Own]\r\nKey=v\r\n"},
-        {"[Own]\nkey\nkey=2", "[Own]\r\nN=-7\r\n", "[Own]\nKey=v\r\nkey=2"},
-        {"[Owner]\nkey=1\n[Own\n;[Own]\nx]", "[Owner]\nkey=1\n[Own\n;[Own]\nx]\r\n[Own]\r\nN=-7\r\n",
-         "[Owner]\nkey=1\n[Own\n;[Own]\nx]\r\n[Own]\r\nKey=v\r\n"},
-        {"[Own]\n;key=1\nkey2=2\nx=key=3\n", "[Own]\r\nN=-7\r\n",
-         "[Own]\n;key=1\nkey2=2\nx=key=3\nKey=v\r\n"},
-    };
-    for (const auto& one : aCases) {
-        PutFile(FILE_PATH, std::string_view(one.cBefore));
+    for (const DataRow& row : ReadRows("own_lines.txt")) {
+        ASSERT_EQ(row.size(), 3u) << row[0];
+        const std::string before = Unescaped(row[0]), section = Unescaped(row[1]);
+        PutFile(FILE_PATH, std::string_view(before));
         EXPECT_EQ(Section(), 1);
-        EXPECT_EQ(Text(), one.cSection) << one.cBefore;
+        EXPECT_EQ(Text(), section) << row[0];
         EXPECT_EQ(Section(), 1);
-        EXPECT_EQ(Text(), one.cSection) << "written again: " << one.cBefore;
-        PutFile(FILE_PATH, std::string_view(one.cBefore));
+        EXPECT_EQ(Text(), section) << "written again: " << row[0];
+        PutFile(FILE_PATH, std::string_view(before));
         EXPECT_EQ(Key(), 1);
-        EXPECT_EQ(Text(), one.cKey) << one.cBefore;
+        EXPECT_EQ(Text(), Unescaped(row[2])) << row[0];
     }
     EXPECT_EQ(Files(), "a.ini keep.txt ") << "the copy is gone";
 }

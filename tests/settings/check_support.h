@@ -1,5 +1,5 @@
-/* What the tests of the two checks share: a model with every table, a record that is good for a model, and the
-   run of one row of an oracle. */
+/* What the tests of the two checks share: changes of fields by name, a model with every table, and a record that is
+   good for a model. */
 #ifndef TQUI_TESTS_CHECK_SUPPORT_H
 #define TQUI_TESTS_CHECK_SUPPORT_H
 
@@ -8,7 +8,9 @@
 
 #include "description/driver_files.h"
 #include "settings/check_core.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
+#include "tools/tq/record_fields.h"
 
 /* A number put into the record: offset from its first byte, width, value. */
 struct FieldPoke {
@@ -29,17 +31,52 @@ inline u64 Get(const DriverDevmode& record, size_t nAt, u8 bWidth)
     return ullValue;
 }
 
-/* What becomes of a record: accepted with that many counted repairs, or refused. */
-enum Outcome : int { KEPT = 0, MENDED = 1, MENDED_TWICE = 2, REFUSED = 3 };
+/* What stands at the place of a poke. */
+inline u64 Get(const DriverDevmode& record, const FieldPoke& poke)
+{
+    return Get(record, poke.nAt, poke.bWidth);
+}
 
-/* Good record, pokes, outcome, and what has changed behind the check: nothing else has. Unused pokes have
-   width 0 and put nothing. */
-struct CheckRow {
-    const char* cName;
-    FieldPoke pokes[7];
-    Outcome outcome;
-    FieldPoke after[6];
-};
+/* A change as data files name it: "field=value", or for a part of a field "field+delta:width=value". Values are
+   numbers or a character in quotation marks. */
+inline FieldPoke ToPoke(const std::string& word)
+{
+    const size_t nEquals = word.find('='), nNameEnd = word.find_first_of("+:=");
+    const std::string value = word.substr(nEquals + 1);
+    const long long llValue = value[0] == '\'' ? value[1] : ToNumber(value);
+    for (const FieldPlace& place : RecordPlaces()) {
+        if (place.name == word.substr(0, nNameEnd)) {
+            const size_t nColon = word.find(':');
+            const char* cDelta = word[nNameEnd] == '+' ? word.c_str() + nNameEnd : "0";
+            const unsigned nWidth =
+                nColon < nEquals ? static_cast<unsigned>(std::atoi(word.c_str() + nColon + 1)) : place.nBytes;
+            EXPECT_LE(nWidth, 8u) << word;
+            return {place.nOffset + static_cast<size_t>(std::atoi(cDelta)), static_cast<u8>(nWidth), llValue};
+        }
+    }
+    ADD_FAILURE() << "no such field: " << word;
+    return {};
+}
+
+inline std::vector<FieldPoke> ToPokes(const std::string& words)
+{
+    std::vector<FieldPoke> pokes;
+    for (const std::string& word : Words(words)) {
+        pokes.push_back(ToPoke(word));
+    }
+    return pokes;
+}
+
+inline void Put(DriverDevmode* pRecord, const std::vector<FieldPoke>& pokes)
+{
+    for (const FieldPoke& poke : pokes) {
+        Put(pRecord, poke);
+    }
+}
+inline void Put(DriverDevmode* pRecord, const char* cPokes)
+{
+    Put(pRecord, ToPokes(cPokes));
+}
 
 /* First byte at which two records differ; -1 for none. */
 inline int FirstDifference(const DriverDevmode& one, const DriverDevmode& other)
@@ -184,68 +221,8 @@ class CheckTest : public MachineTest {
   protected:
     using Check = int (CheckTest::*)(DriverDevmode*, const XpiModel*);
 
-    /* Runs a row with the model at hand and with none. How many repairs it counts is seen from outside: up to
-       two may be made, so k bad fields more let the record through while all are fewer than three.
-       fillers   fields at the end of the check whose value 0x7777 costs one repair each */
-    void RunRow(const CheckRow& row, Check check, const std::vector<size_t>& fillers)
-    {
-        DriverDevmode poked = good;
-        for (const FieldPoke& poke : row.pokes) {
-            Put(&poked, poke);
-        }
-        DriverDevmode expected = poked;
-        for (const FieldPoke& poke : row.after) {
-            Put(&expected, poke);
-        }
-        for (const XpiModel* pOf :
-             {static_cast<const XpiModel*>(pModel.get()), static_cast<const XpiModel*>(nullptr)}) {
-            DriverDevmode record = poked;
-            EXPECT_EQ((this->*check)(&record, pOf), row.outcome != REFUSED) << row.cName;
-            EXPECT_EQ(FirstDifference(record, expected), -1) << row.cName << ", first differing byte";
-        }
-        std::vector<size_t> free;
-        for (size_t nFiller : fillers) {
-            bool bUsed = std::any_of(std::begin(row.pokes), std::end(row.pokes),
-                                     [=](const FieldPoke& poke) { return poke.nAt == nFiller; });
-            if (!bUsed) {
-                free.push_back(nFiller);
-            }
-        }
-        ASSERT_GE(free.size(), 3u) << row.cName;
-        for (int nMore = 1; nMore <= 3 && row.outcome != REFUSED; nMore++) {
-            DriverDevmode record = poked;
-            for (int i = 0; i < nMore; i++) {
-                Put(&record, {free[static_cast<size_t>(i)], 2, 0x7777});
-            }
-            EXPECT_EQ((this->*check)(&record, pModel.get()), row.outcome + nMore < 3)
-                << row.cName << " with " << nMore << " more";
-        }
-    }
-
     OwnedModel pModel;
     DriverDevmode good;
-};
-
-/* For rows about the private part. */
-class PrivateCheckTest : public CheckTest {
-  protected:
-    /* Fields that are bad at 0x7777 and cost one repair each. */
-    const std::vector<size_t> aFillers = {1802, 1810, 384, 386, 1800};
-
-    template <size_t n> void RunRows(const CheckRow (&aRows)[n])
-    {
-        for (const CheckRow& row : aRows) {
-            Run(row);
-        }
-    }
-    void Run(const CheckRow& row) { RunRow(row, &PrivateCheckTest::CheckPrivate, aFillers); }
-
-    void SetPath(DriverDevmode* pRecord, const WideText& tcPath)
-    {
-        WideText tcWhole = tcPath;
-        tcWhole.resize(160);
-        std::memcpy(reinterpret_cast<u8*>(pRecord) + 2052, tcWhole.data(), 320);
-    }
 };
 
 #endif

@@ -1,157 +1,44 @@
-/* The keys of section "PrinterSettings" in the order of the file, typed from the record's layout by offsets:
-   what the tests hold the library's table against. */
+/* The keys of section "PrinterSettings": what the tests of reading and writing hold the library against. */
 #ifndef TQUI_TESTS_SETTINGS_KEY_ROWS_H
 #define TQUI_TESTS_SETTINGS_KEY_ROWS_H
 
-#include "settingsfile/settings_keys.h"
+#include "support/data_file.h"
 
 struct KeyRow {
-    const char* cKey;
-    int nAt;    /* offset in the record */
-    char cType; /* b u8, u u16, s i16, l 32 bits, t text */
-    KeyForm form;
-    int nCount = 1;              /* indexed keys, or characters of a text */
-    const char* cRead = "01234"; /* kinds that read it, and that write it */
-    const char* cWritten = "01234";
-    int nStride = 0; /* 0: the width */
+    std::string key;
+    int nAt;                   /* offset in the record */
+    char cType;                /* b u8, u u16, s i16, l 32 bits, x 32 bits in hexadecimal, t text */
+    int nCount;                /* indexed keys, or characters of a text */
+    int nStride;               /* bytes from one to the next */
+    std::string read, written; /* kinds, as digits */
 
-    int Width() const { return cType == 'b' ? 1 : cType == 'l' ? 4 : 2; }
+    int Width() const { return cType == 'b' ? 1 : cType == 'l' || cType == 'x' ? 4 : 2; }
     int Numbers() const { return cType == 't' ? 1 : nCount; }
-    int At(int nIndex) const { return nAt + nIndex * (nStride ? nStride : Width()); }
+    int At(int nIndex) const { return nAt + nIndex * nStride; }
+    /* Text and file watermarks share bytes, and each has keys of its own. */
+    bool IsOfOtherWatermark(bool bText) const
+    {
+        return key == "WMFileName" ? bText : nAt >= 426 && nAt < 636 && !bText;
+    }
 };
 
-/* The keys that code handles and no table holds: XPI, WMType (412), ColorMode (1720), InsertPageOffset (1886),
-   StyleCount (2980), BlockCount (2981) and the style and block keys. */
-constexpr KeyRow aKeyRows[] = {
-    {"Orientation", 76, 'u', KEY_INT},
-    {"PaperSize", 78, 's', KEY_INT},
-    {"Copies", 86, 's', KEY_INT},
-    {"DefaultSource", 88, 's', KEY_INT},
-    {"PrintQuality", 90, 'u', KEY_INT},
-    {"Color", 92, 'u', KEY_INT},
-    {"Duplex", 94, 'u', KEY_INT},
-    {"YResolution", 96, 'u', KEY_INT},
-    {"Collate", 100, 'u', KEY_INT},
-    {"ICMMethod", 188, 'l', KEY_LONG},
-    {"ICMIntent", 192, 'l', KEY_LONG},
-    {"MediaType", 196, 'l', KEY_LONG},
-    {"NumResFonts", 224, 'l', KEY_LONG},
-    {"DefaultFont", 232, 't', KEY_TEXT, 32},
-    {"DefaultPropFont", 296, 't', KEY_TEXT, 32},
-    {"DefaultFontSize", 360, 'l', KEY_LONG},
-    {"Halftone", 364, 'l', KEY_LONG},
-    {"HalftoneDim", 372, 'l', KEY_LONG},
-    {"Resolution", 380, 'l', KEY_LONG},
-    {"Rotate180", 384, 'u', KEY_INT},
-    {"Collate", 386, 'u', KEY_INT},
-    {"Scale", 388, 'u', KEY_INT},
-    {"ScaleTarget", 390, 'u', KEY_INT},
-    {"TargetLength", 392, 's', KEY_INT},
-    {"TargetWidth", 394, 's', KEY_INT},
-    {"BookletPrint", 396, 's', KEY_INT},
-    {"PageBorders", 398, 'u', KEY_INT},
-    {"PagesPerSheet", 400, 'l', KEY_LONG},
-    {"BindLong", 404, 'l', KEY_LONG},
-    {"BindShort", 408, 'l', KEY_LONG},
-    {"WMOnePage", 424, 'u', KEY_INT},
-    {"WMString", 428, 't', KEY_TEXT, 64},
-    {"WMFace", 556, 't', KEY_TEXT, 32},
-    {"WMCharSet", 426, 's', KEY_INT},
-    {"WMPtSize", 620, 'l', KEY_LONG},
-    {"WMBold", 632, 'u', KEY_INT},
-    {"WMItalic", 634, 'u', KEY_INT},
-    {"WMAngle", 624, 'l', KEY_LONG},
-    {"WMColor", 628, 'l', KEY_HEX},
-    {"WMPlacement", 636, 'u', KEY_INT, 1, "01234", "3"},
-    {"WMFileName", 428, 't', KEY_TEXT, 96},
-    {"FrontCover", 648, 'u', KEY_INT},
-    {"FrontBin", 650, 's', KEY_INT},
-    {"FrontPaperSize", 652, 'u', KEY_LONG},
-    {"FrontLength", 654, 's', KEY_INT},
-    {"FrontWidth", 656, 's', KEY_INT},
-    {"FrontPPS", 658, 'u', KEY_INT},
-    {"FrontDuplex", 660, 'u', KEY_INT},
-    {"BackCover", 662, 'u', KEY_INT},
-    {"BackBin", 664, 's', KEY_INT},
-    {"BackPaperSize", 666, 'u', KEY_LONG},
-    {"BackLength", 668, 's', KEY_INT},
-    {"BackWidth", 670, 's', KEY_INT},
-    {"Separators", 672, 'u', KEY_INT},
-    {"SeparatorBin", 674, 's', KEY_INT},
-    {"SeparatorPaper", 676, 'u', KEY_LONG},
-    {"SeparatorLength", 678, 's', KEY_INT},
-    {"SeparatorWidth", 680, 's', KEY_INT},
-    {"Margins", 682, 'u', KEY_INT},
-    {"MediaTypeIndex", 1724, 's', KEY_INT},
-    {"FrontMediaIndex", 1740, 's', KEY_INT},
-    {"BackMediaIndex", 1756, 's', KEY_INT},
-    {"SeparatorMediaIndex", 1772, 's', KEY_INT},
-    {"LanguageLevel", 1788, 'u', KEY_INT},
-    {"MarginLeft", 1790, 's', KEY_INT},
-    {"MarginTop", 1792, 's', KEY_INT},
-    {"MarginRight", 1794, 's', KEY_INT},
-    {"MarginBottom", 1796, 's', KEY_INT},
-    {"BlackText", 1802, 'u', KEY_INT},
-    {"BackDuplex", 1806, 'u', KEY_INT},
-    {"PageOrder", 1808, 'u', KEY_INT},
-    {"ReverseOrder", 1810, 'u', KEY_INT},
-    {"BitmapFonts", 1812, 'u', KEY_INT},
-    {"Contrast", 1814, 's', KEY_LONG},
-    {"Brightness", 1816, 's', KEY_LONG},
-    {"HalftoneFrequency", 1818, 'u', KEY_INT},
-    {"HalftoneAngle", 1820, 'u', KEY_INT},
-    {"MaxPageFeature", 1822, 's', KEY_INT},
-    {"LanguageFeatures", 1824, 'l', KEY_HEX},
-    {"Overlay", 1828, 'u', KEY_INT},
-    {"OverlayFile", 1830, 't', KEY_TEXT, 13},
-    {"TextHdrOffset", 1856, 's', KEY_INT},
-    {"TextHdrLength", 1858, 's', KEY_INT},
-    {"ImageHdrOffset", 1860, 's', KEY_INT},
-    {"ImageHdrLength", 1862, 's', KEY_INT},
-    {"GraphicsHdrOffset", 1864, 's', KEY_INT},
-    {"GraphicsHdrLength", 1866, 's', KEY_INT},
-    {"TextOffset", 1868, 's', KEY_INT},
-    {"TextLength", 1870, 's', KEY_INT},
-    {"ImageOffset", 1872, 's', KEY_INT},
-    {"ImageLength", 1874, 's', KEY_INT},
-    {"GraphicsOffset", 1876, 's', KEY_INT},
-    {"GraphicsLength", 1878, 's', KEY_INT},
-    {"PageBorderWidth", 1882, 's', KEY_INT},
-    {"InsertPages", 1884, 'u', KEY_INT, 1, "012", "0124"},
-    {"InsertPageBin", 1888, 's', KEY_INT, 1, "012", "0124"},
-    {"InsertPageMediaIndex", 1890, 's', KEY_INT, 1, "012", "0124"},
-    {"InsertPaper", 1910, 'u', KEY_LONG, 1, "012", "0124"},
-    {"InsertLength", 1912, 's', KEY_INT, 1, "012", "0124"},
-    {"InsertWidth", 1914, 's', KEY_INT, 1, "012", "0124"},
-    {"CenterMargin", 1906, 'u', KEY_INT},
-    {"OuterMargin", 1908, 'u', KEY_INT},
-    {"OverlayFile2", 1916, 't', KEY_TEXT, 13},
-    {"GenColorCmdCount", 1944, 's', KEY_INT},
-    {"Poster", 1946, 'u', KEY_INT, 1, "01234", "3"},
-    {"ColorFormat", 2692, 'l', KEY_HEX},
-    {"Profile", 2696, 'u', KEY_INT},
-    {"Screen", 2698, 'u', KEY_INT},
-    {"ColorCommandOffset", 2700, 's', KEY_INT, 16, "01234", "01234", 4},
-    {"ColorCommandLength", 2702, 'u', KEY_INT, 16, "01234", "01234", 4},
-    {"PJLValueIndex", 2764, 's', KEY_INT, 32, "0124", "0124"},
-    {"OCMValueIndex", 2764, 's', KEY_INT, 32, "3", "3"},
-    {"OutputPJLsid", 2924, 'u', KEY_INT, 1, "0124", "0124"},
-    {"OutputOCMsid", 2924, 'u', KEY_INT, 1, "3", "3"},
-    {"Metric", 2926, 'u', KEY_INT},
-    {"HTUser", 2928, 'u', KEY_INT},
-    {"ResolutionIndex", 2932, 's', KEY_INT},
-    {"Screening", 2934, 's', KEY_INT},
-    {"TextOption", 2948, 's', KEY_INT, 4},
-    {"ImageOption", 2964, 's', KEY_INT, 4},
-    {"GraphicsOption", 2956, 's', KEY_INT, 4},
-    {"GeneralOption", 2972, 's', KEY_INT, 4},
-    {"InsertPages", 2980, 'u', KEY_INT, 8, "012", "0124"},
-    {"WMTransparency", 3718, 'u', KEY_INT},
-    {"WMScaleX", 3720, 'l', KEY_LONG},
-    {"WMScaleY", 3724, 'l', KEY_LONG},
-    {"OutputQuality", 3728, 'b', KEY_INT},
-    {"SeparatorSheet", 3729, 'b', KEY_INT},
-    {"LayoutType", 3768, 'u', KEY_INT},
-};
+inline const std::vector<KeyRow>& KeyRows()
+{
+    static const std::vector<KeyRow> keys = [] {
+        std::vector<KeyRow> rows;
+        for (DataRow row : ReadRows("settings_keys.txt")) {
+            row.resize(6);
+            KeyRow key = {row[0], static_cast<int>(ToNumber(row[1])), row[2][0], 1, 0, row[4], row[5]};
+            std::sscanf(row[3].c_str(), "%d by %d", &key.nCount, &key.nStride);
+            key.nStride = key.nStride ? key.nStride : key.Width();
+            if (key.read.empty()) {
+                key.read = key.written = "01234";
+            }
+            rows.push_back(key);
+        }
+        return rows;
+    }();
+    return keys;
+}
 
 #endif

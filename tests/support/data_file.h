@@ -3,8 +3,10 @@
 #ifndef TQUI_TESTS_DATA_FILE_H
 #define TQUI_TESTS_DATA_FILE_H
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -60,15 +62,48 @@ inline long long ToNumber(const std::string& text)
     return llNumber;
 }
 
-/* Numbers separated by blanks. */
+/* The text with \r and \n as what they stand for. */
+inline std::string Unescaped(std::string text)
+{
+    for (size_t nAt = 0; (nAt = text.find('\\', nAt)) != text.npos; nAt++) {
+        const char cCode = nAt + 1 < text.size() ? text[nAt + 1] : ' ';
+        if (cCode == 'r' || cCode == 'n') {
+            text.replace(nAt, 2, 1, cCode == 'r' ? '\r' : '\n');
+        }
+    }
+    return text;
+}
+
+/* What blanks separate, as words and as numbers. */
+inline std::vector<std::string> Words(const std::string& text)
+{
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
 template <class Number = long long> std::vector<Number> ToNumbers(const std::string& text)
 {
     std::vector<Number> numbers;
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
+    for (const std::string& word : Words(text)) {
         numbers.push_back(static_cast<Number>(ToNumber(word)));
     }
     return numbers;
+}
+
+/* Groups of hexadecimal digits, "82A0*40" for one that is repeated, as numbers of nDigits each. */
+template <class Text> Text FromHex(const std::string& groups, size_t nDigits = 2)
+{
+    Text text;
+    for (const std::string& group : Words(groups)) {
+        const size_t nStar = group.find('*');
+        for (int n = nStar == group.npos ? 1 : std::stoi(group.substr(nStar + 1)); n > 0; n--) {
+            for (size_t i = 0; i < std::min(nStar, group.size()); i += nDigits) {
+                text.push_back(
+                    static_cast<typename Text::value_type>(std::stoi(group.substr(i, nDigits), nullptr, 16)));
+            }
+        }
+    }
+    return text;
 }
 
 #endif

@@ -283,6 +283,14 @@ inline FaultSweep SweepFaults(CallId call, FaultMode mode, int nLimit,
     return sweep;
 }
 
+/* The same for calls that fail once and for calls that go on failing. */
+inline FaultSweep SweepFaultsBothWays(CallId call, int nLimit, const std::function<std::string()>& body)
+{
+    FaultSweep sweep = SweepFaults(call, FAIL_ONCE, nLimit, body);
+    const FaultSweep lasting = SweepFaults(call, FAIL_FROM_THERE, nLimit, body);
+    return {sweep.nFaults + lasting.nFaults, sweep.fault + lasting.fault};
+}
+
 /* Runs the body while a call, or every one, gives false answers of one kind, at all turns or at the n-th.
    Result: its verdict, with the lie's name in front. */
 inline std::string SweepLie(LieKind kind, CallId call, const std::function<std::string()>& body, int nTh = 0)

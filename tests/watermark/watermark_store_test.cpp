@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "support/record_changes.h"
 #include "support/same_bytes.h"
 #include "support/sample_machine.h"
 #include "watermark/watermark_rows.h"
@@ -33,36 +34,28 @@ WatermarkEntry ImageEntry(const WCHAR* tcImage)
 }
 
 /* The record of TextEntry's row. */
-PrivateDevmode TextRecord(const WCHAR* wcText, u32 ulColor = 255)
+DriverDevmode TextRecord(const std::string& text, u32 ulColor = 255)
 {
-    PrivateDevmode part = recordTemplate.rPrivate;
-    part.ulWMType = 5;
-    CopyWide(part.wcWMString, 64, wcText);
-    CopyWide(part.wcWMFace, 32, u"Times New Roman");
-    part.sWMCharSet = 0xCC;
-    part.ulWMPtSize = 72;
-    part.ulWMAngle = 450;
-    part.ulWMColor = ulColor;
-    return part;
+    DriverDevmode record =
+        Changed(recordTemplate, "ulWMType=0x5 sWMCharSet=204 ulWMPtSize=72 ulWMAngle=450 wcWMString=" + text);
+    SetRecordField(&record, "wcWMFace=Times New Roman");
+    record.rPrivate.ulWMColor = ulColor;
+    return record;
 }
 
-PrivateDevmode FileRecord(u32 ulType, const WCHAR* tcName)
+DriverDevmode FileRecord(const std::string& type, const std::string& name)
 {
-    PrivateDevmode part = recordTemplate.rPrivate;
-    part.ulWMType = ulType;
-    CopyWide(part.wcWMOverlayName, 96, tcName);
-    part.szlWMScale.cx = 50;
-    part.szlWMScale.cy = 75;
-    part.usWMPlacement = 3;
-    return part;
+    return Changed(recordTemplate, "szlWMScale.cx=50 szlWMScale.cy=75 usWMPlacement=3 ulWMType=" + type +
+                                       " wcWMOverlayName=" + name);
 }
 
-i32 Match(std::vector<WatermarkEntry> rows, const PrivateDevmode& part)
+i32 Match(std::vector<WatermarkEntry> rows, const DriverDevmode& record)
 {
     size_t nCount = rows.size();
     WatermarkEntry spare;
     ResetWatermarkEntry(&spare);
     rows.push_back(spare);
+    const PrivateDevmode part = record.rPrivate;
     return MatchWatermark(rows.data(), static_cast<i32>(nCount), &part);
 }
 
@@ -120,35 +113,29 @@ TEST_F(WatermarkStore, ATextIsFoundByAllItsValues)
 {
     const std::vector<WatermarkEntry> rows = {ImageEntry(u"C:\\w\\logo.bmp"), TextEntry(u"Draft", 1),
                                               TextEntry(u"Draft", 2), TextEntry(u"Draft", 2)};
-    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 1)), 1);
-    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 2)), 2);
-    EXPECT_EQ(Match(rows, TextRecord(u"Draft", 3)), -1);
-    EXPECT_EQ(Match(rows, TextRecord(u"draft", 1)), -1);
-    EXPECT_EQ(Match({}, TextRecord(u"Draft", 1)), -1);
+    EXPECT_EQ(Match(rows, TextRecord("Draft", 1)), 1);
+    EXPECT_EQ(Match(rows, TextRecord("Draft", 2)), 2);
+    EXPECT_EQ(Match(rows, TextRecord("Draft", 3)), -1);
+    EXPECT_EQ(Match(rows, TextRecord("draft", 1)), -1);
+    EXPECT_EQ(Match({}, TextRecord("Draft", 1)), -1);
     EXPECT_EQ(MatchWatermark(nullptr, 0, &recordTemplate.rPrivate), -1);
 
-    auto Differs = [&](auto change) {
-        PrivateDevmode part = TextRecord(u"Draft", 1);
-        change(&part);
-        return Match(rows, part);
-    };
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0x01CC; }), 1) << "the low byte counts";
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMCharSet = 0xCD; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 73; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMPtSize = 0x10048; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMBold = 1; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->sWMItalic = 1; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMAngle = 451; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->wcWMFace[0] = 'X'; }), -1);
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 21; }), -1) << "outline";
-    EXPECT_EQ(Differs([](PrivateDevmode* p) { p->ulWMType = 1; }), 1);
+    const DriverDevmode record = TextRecord("Draft", 1);
+    for (const char* cChange :
+         {"sWMCharSet=205", "ulWMPtSize=73", "ulWMPtSize=65608", "sWMBold=1", "sWMItalic=1", "ulWMAngle=451",
+          "wcWMFace=X", "ulWMType=0x15" /* outline */}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange)), -1) << cChange;
+    }
+    for (const char* cChange : {"sWMCharSet=460" /* the low byte counts */, "ulWMType=0x1"}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange)), 1) << cChange;
+    }
     std::vector<WatermarkEntry> outlined = rows;
     outlined[1].WMOutline = 1;
-    EXPECT_EQ(Match(outlined, TextRecord(u"Draft", 1)), -1);
+    EXPECT_EQ(Match(outlined, TextRecord("Draft", 1)), -1);
 
     /* Texts without an end are those of their field, and are no row's. */
-    PrivateDevmode full = TextRecord(u"Draft", 1);
-    std::memset(full.wcWMOverlayName, 'w', sizeof full.wcWMOverlayName); /* both texts */
+    DriverDevmode full = TextRecord("Draft", 1);
+    std::memset(full.rPrivate.wcWMOverlayName, 'w', sizeof full.rPrivate.wcWMOverlayName); /* both texts */
     EXPECT_EQ(Match(rows, full), -1);
 }
 
@@ -159,29 +146,26 @@ TEST_F(WatermarkStore, AFileIsFoundByImageOrByBuiltName)
     CopyWide(built.WMColorFile, 260, u"C:\\u\\1.CWM");
     const std::vector<WatermarkEntry> rows = {TextEntry(u"Other"), built, ImageEntry(u"C:\\w\\logo.bmp")};
 
-    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\1.WM")), 1);
-    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\1.CWM")), 1);
-    EXPECT_EQ(Match(rows, FileRecord(0, u"C:\\u\\1.WM")), 1) << "any type without bits 0 and 1";
-    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\u\\2.WM")), -1);
-    EXPECT_EQ(Match(rows, FileRecord(36, u"")), -1) << "though other rows have an empty name";
-    EXPECT_EQ(Match(rows, FileRecord(36, u"C:\\w\\logo.bmp")), -1);
+    EXPECT_EQ(Match(rows, FileRecord("0x24", "C:\\u\\1.WM")), 1);
+    EXPECT_EQ(Match(rows, FileRecord("0x24", "C:\\u\\1.CWM")), 1);
+    EXPECT_EQ(Match(rows, FileRecord("0x0", "C:\\u\\1.WM")), 1) << "any type without bits 0 and 1";
+    EXPECT_EQ(Match(rows, FileRecord("0x24", "C:\\u\\2.WM")), -1);
+    EXPECT_EQ(Match(rows, FileRecord("0x24", "")), -1) << "though other rows have an empty name";
+    EXPECT_EQ(Match(rows, FileRecord("0x24", "C:\\w\\logo.bmp")), -1);
 
-    EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\w\\logo.bmp")), 2);
-    EXPECT_EQ(Match(rows, FileRecord(6, u"C:\\u\\1.WM")), -1);
-    for (int nField = 0; nField < 3; nField++) {
-        PrivateDevmode part = FileRecord(6, u"C:\\w\\logo.bmp");
-        part.szlWMScale.cx += nField == 0;
-        part.szlWMScale.cy += nField == 1;
-        part.usWMPlacement = static_cast<u16>(part.usWMPlacement + (nField == 2));
-        EXPECT_EQ(Match(rows, part), -1) << nField;
+    EXPECT_EQ(Match(rows, FileRecord("0x6", "C:\\w\\logo.bmp")), 2);
+    EXPECT_EQ(Match(rows, FileRecord("0x6", "C:\\u\\1.WM")), -1);
+    const DriverDevmode record = FileRecord("0x6", "C:\\w\\logo.bmp");
+    for (const char* cChange : {"szlWMScale.cx=51", "szlWMScale.cy=76", "usWMPlacement=4"}) {
+        EXPECT_EQ(Match(rows, Changed(record, cChange)), -1) << cChange;
     }
-    PrivateDevmode full = FileRecord(36, u"");
-    std::memset(full.wcWMOverlayName, 'w', sizeof full.wcWMOverlayName);
+    DriverDevmode full = FileRecord("0x24", "");
+    std::memset(full.rPrivate.wcWMOverlayName, 'w', sizeof full.rPrivate.wcWMOverlayName);
     EXPECT_EQ(Match(rows, full), -1);
     /* A free row ends the list. */
     std::vector<WatermarkEntry> cut = rows;
     cut[1].WMType = ENTRY_FREE;
-    EXPECT_EQ(Match(cut, FileRecord(6, u"C:\\w\\logo.bmp")), -1);
+    EXPECT_EQ(Match(cut, FileRecord("0x6", "C:\\w\\logo.bmp")), -1);
 }
 
 TEST_F(WatermarkStore, CompactingDropsFreeRowsAndTakesTheSpareOne)
