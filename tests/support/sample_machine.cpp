@@ -3,7 +3,6 @@
 
 #include "entry/exports.h"
 #include "places.h"
-#include "xpi_format.h"
 
 void MachineTest::SetUp()
 {
@@ -86,22 +85,4 @@ const std::vector<InfModel>& SampleModels()
 {
     static const std::vector<InfModel> models = ReadInf(TQUI_SAMPLES "/tqui.inf");
     return models;
-}
-
-Bytes CompileSample(const std::string& stem,
-                    const std::vector<std::pair<std::string, std::string>>& overrides)
-{
-    std::string path = TQUI_SOURCE_DIR "/package/models/" + stem + ".toml";
-    Bytes text = ReadDiskFile(path);
-
-    std::vector<XpiOverride> changes;
-    for (const auto& [key, value] : overrides) {
-        changes.push_back({key, value});
-    }
-    XpiCompiled compiled =
-        CompileXpi({reinterpret_cast<const char*>(text.data()), text.size()}, path, changes);
-    for (const XpiError& error : compiled.errors) {
-        ADD_FAILURE() << FormatXpiError(path, error);
-    }
-    return compiled.bytes;
 }
