@@ -135,6 +135,9 @@ TEST_F(SessionTest, ShowsThePagesThatPrinterAndSheetHave)
             EXPECT_EQ(SendDlgItemMessageW(Page(i), IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP, 0),
                       reinterpret_cast<LRESULT>(Session()->hLogoBitmap));
         }
+        EXPECT_NE(TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL_ALONE), u"");
+        EXPECT_EQ(TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL_ALONE),
+                  TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL));
         EXPECT_EQ(CountLive().nGdiObjects, 1) << "one logo for all pages";
         EXPECT_FALSE(CanApplySheet(pSheet)) << "opening pages is no edit";
         OpenDevice();
@@ -221,6 +224,7 @@ TEST_F(SessionTest, MakesAnOverlayFolderOnlyWhereItIsPlainlyNamed)
     AddSample("QPS");
     OpenDocument();
     const WideText wcOwn = Session()->wcUserFolder;
+    EXPECT_EQ(Session()->ulColorModeMask, 8u) << "the one kind of this model";
     PutFile(u"C:\\File", std::string_view("no folder"));
     for (const auto& [wcGiven, wcWanted] : std::vector<std::pair<WideText, WideText>>{
              {u"", wcOwn},
