@@ -4,11 +4,14 @@ SHELL := /bin/bash
 SECONDS ?= 60
 JOBS := $(shell nproc)
 
-.PHONY: help demo test package show bench fuzz check mutate coverage format clean hosted asan tsan asserts windows
+.PHONY: help demo quick test long package show bench fuzz check mutate coverage format clean hosted asan tsan asserts \
+	windows tests-built
 
 help:
 	@echo 'make demo      builds hosted and plays the sample printers; leaves build/demo/'
-	@echo 'make test      every test, on Linux and on Wine'
+	@echo 'make quick     between edits: hosted tests without sweeps, in a minute or two'
+	@echo 'make test      every test, on Linux and on Wine; the longest sweeps for 150 s each'
+	@echo 'make long      the same with every sweep in full'
 	@echo 'make show      opens the sheets of all samples under Wine; pictures of every page in build/show/'
 	@echo 'make package   the Windows driver package: build/package/ and its zip'
 	@echo 'make bench     speed, as ratios to a floor measured in the same run'
@@ -37,19 +40,31 @@ demo: hosted
 package: hosted windows
 	@scripts/package build/hosted build/windows build/package
 
-tsan:
-	@scripts/setup hosted windows
+# Two more builds for one program each, with the samples of the build under sanitizers, whose tools make the package in
+# the tests, too: so nothing is built twice.
+tsan: asan
 	@scripts/build hosted-tsan threads_test
 
-# The tools of the build under sanitizers make the package here, so that nothing is built twice.
-asserts:
-	@scripts/setup hosted windows
+asserts: asan
 	@scripts/build hosted-asserts loads_test
 
-test: asan windows tsan asserts
+# Between edits: what scripts/run-tests quick runs.
+QUICK := canary_test conformance_test library_test record_test preview_test preview_picture_test sheet_test hosted_test \
+	xpi_test tools_test package_test tq xpimake samples
+quick:
+	@scripts/setup hosted windows
+	@scripts/build hosted-asan $(QUICK)
+	@scripts/run-tests quick
+
+tests-built: asan windows tsan asserts
 	@scripts/package build/hosted-asan build/windows build/package
 	@scripts/setup wine
+
+test: tests-built
 	@scripts/run-tests
+
+long: tests-built
+	@scripts/run-tests long
 
 bench:
 	@scripts/setup hosted windows bench
@@ -80,6 +95,7 @@ format:
 
 show: package
 	@scripts/setup wine show
+	@scripts/build windows show_sheets
 	@scripts/show-sheets
 
 clean:

@@ -223,6 +223,8 @@ TEST_F(CommitTest, ALoadedPresetKeepsTheSheetChanged)
     EXPECT_EQ(WideText(wcName), u"new.icc");
     GetScreenName(call, wcName, PATH_CHARS);
     EXPECT_EQ(WideText(wcName), u"new.scr");
+    OpenDocument(nullptr, 0, 4, TestEntry);
+    EXPECT_EQ(WideText(Session()->wcScreenFile), u"new.scr") << "known to the next sheet";
 }
 
 TEST_F(CommitTest, ADialogCommitsInThePaperPagesName)

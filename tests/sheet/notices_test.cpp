@@ -110,10 +110,6 @@ TEST_F(Notices, TellTheirTextsInTheUsersLanguage)
     EXPECT_NE(german(IDS_TITLE_NAME), "Name Already in Use");
     EXPECT_EQ(Shown(NOTICE_NAME), german(IDS_TITLE_NAME) + " (warning)|" + german(IDS_ENTRY_REFUSED) + "|" +
                                       german(IDC_NOTICE_OK));
-    EXPECT_EQ(Shown(NOTICE_OUTLINE), german(IDS_TITLE_OUTLINE) + " (warning)|" + german(IDS_OUTLINE_LINE1) +
-                                         "|" + german(IDS_OUTLINE_LINE2) + "|" + german(IDS_OUTLINE_LINE3) +
-                                         "|" + german(IDS_OUTLINE_LINE4) + "|" + german(IDC_OK) + "|" +
-                                         german(IDC_CANCEL));
     const std::string limits = Shown(NOTICE_PAPER_SIZE);
     for (const char* cPart : {"3,00", "76,2", "12,59", "320,0", "5,00", "127,0", "17,00", "431,8"}) {
         EXPECT_NE(limits.find(cPart), std::string::npos) << limits;
@@ -227,6 +223,10 @@ TEST_F(Notices, AboutMovesItsLinesWithTheModelsTexts)
     const HWND hPage = OpenTemplate(IDD_ABOUT_PAGE, hFrame);
     FillAbout(hPage, pSession.get());
     EXPECT_EQ(TextOf(hPage, IDC_ABOUT_LINE1) + TextOf(hPage, IDC_ABOUT_LINE5), "oneVersion 7");
+    pSession->pXpi.reset();
+    FillAbout(hPage, pSession.get());
+    EXPECT_EQ(TextOf(hPage, IDC_ABOUT_LINE1) + TextOf(hPage, IDC_ABOUT_LINE2), "Version 7")
+        << "without a model there are no texts of it";
     EXPECT_EQ(CountLive().nGdiObjects, 0) << "the box took its logo with it";
 }
 
@@ -248,15 +248,15 @@ class Versions : public MachineTest {
 
 TEST_F(Versions, TheFirstTranslationThenEnglish)
 {
-    EXPECT_EQ(Read(VersionResource(u"040704E4", u"1.5", {0x07, 0x04, 0xE4, 0x04})), "11.5");
-    EXPECT_EQ(Read(VersionResource(u"040904E4", u"1.6", {0x07, 0x04, 0xE4, 0x04})), "11.6");
-    EXPECT_EQ(Read(VersionResource(u"040904B0", u"1.7", {0x07, 0x04, 0xE4, 0x04})), "1") << "neither table";
+    const Bytes GERMAN_ANSI = {0x07, 0x04, 0xE4, 0x04};
+    const std::string longest(80, '8');
+    EXPECT_EQ(Read(VersionResource(u"040704E4", u"1.5", GERMAN_ANSI)), "11.5");
+    EXPECT_EQ(Read(VersionResource(u"040904E4", u"1.6", GERMAN_ANSI)), "11.6");
+    EXPECT_EQ(Read(VersionResource(u"040904B0", u"1.7", GERMAN_ANSI)), "1") << "neither table";
     EXPECT_EQ(Read(VersionResource(u"040904B0", u"1.7", {})), "0") << "no translation";
     EXPECT_EQ(Read(VersionResource(u"040904B0", u"", ENGLISH_UNICODE)), "1");
-    EXPECT_EQ(Read(VersionResource(u"040904B0", WideText(80, u'8'), ENGLISH_UNICODE)),
-              "1" + std::string(80, '8'));
-    EXPECT_EQ(Read(VersionResource(u"040904B0", WideText(500, u'8'), ENGLISH_UNICODE)),
-              "1" + std::string(80, '8'));
+    EXPECT_EQ(Read(VersionResource(u"040904B0", Widen(longest), ENGLISH_UNICODE)), "1" + longest);
+    EXPECT_EQ(Read(VersionResource(u"040904B0", WideText(500, u'8'), ENGLISH_UNICODE)), "1" + longest);
     WCHAR wcVersion[VERSION_CHARS];
     EXPECT_EQ(ReadVersionText(u"C:\\drv\\none.dll", wcVersion), 0);
     EXPECT_EQ(ReadVersionText(u"", wcVersion), 0);
@@ -297,32 +297,27 @@ TEST_F(Notices, SurviveEveryFailure)
     Open(builder);
     PutFile(tcCore, VersionedFile(VersionResource(u"040904B0", u"7", ENGLISH_UNICODE)));
     pSession->sNoticeText = static_cast<i16>(usText);
-    const auto notice = [&](NoticeId id) {
-        return [this, id] {
-            const INT_PTR nResult = ShowNotice(pSession.get(), hFrame, id);
+    const auto notice = [&](NoticeId id, HWND hOwner) {
+        return [this, id, hOwner] {
+            const INT_PTR nResult = ShowNotice(pSession.get(), hOwner, id);
             return nResult == 1 && pSession->sDialogArg == 77 ? std::string() : "another result; ";
         };
     };
-    const auto about = [&] {
-        ShowAbout(pSession.get(), hFrame);
-        return std::string();
-    };
-    const auto job = [&] { /* without an owner */
-                           return ShowNotice(pSession.get(), nullptr, NOTICE_NOT_PRINTED) == 1
-                                      ? std::string()
-                                      : "another result; ";
-    };
+    const std::function<std::string()> bodies[] = {
+        notice(NOTICE_CONFLICT, hFrame), notice(NOTICE_PAPER_SIZE, hFrame), notice(NOTICE_OUTLINE, hFrame),
+        notice(NOTICE_NOT_PRINTED, nullptr), [&] {
+            ShowAbout(pSession.get(), hFrame);
+            return std::string();
+        }};
     for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
-        for (const std::function<std::string()>& body : std::vector<std::function<std::string()>>{
-                 notice(NOTICE_CONFLICT), notice(NOTICE_PAPER_SIZE), notice(NOTICE_OUTLINE),
-                 notice(NOTICE_NAME), about, job}) {
+        for (const auto& body : bodies) {
             const FaultSweep sweep = SweepFaults(ANY_CALL, mode, 400, body);
             EXPECT_EQ(sweep.fault, "");
             EXPECT_GT(sweep.nFaults, 15);
         }
     }
     const int nBefore = ForcedCloses();
-    EXPECT_EQ(notice(NOTICE_NAME)(), "");
+    EXPECT_EQ(notice(NOTICE_NAME, hFrame)(), "");
     EXPECT_EQ(ForcedCloses(), nBefore) << "and it still works";
 }
 

@@ -110,6 +110,20 @@ TEST_F(PreviewPanelTest, TakesWhatThePaperPageShows)
     const PreviewChoice choice = GatherPreviewChoice(Session());
     EXPECT_EQ(choice.lZoom, 0);
     EXPECT_TRUE(choice.bCentred);
+    Check(Page(1), IDC_PAPER_REVERSE, true);
+    Type(Page(1), IDC_PAPER_COPIES, "2");
+    Type(Page(1), IDC_PAPER_ZOOM, "100");
+    ASSERT_TRUE(ShowSheetPage(pSheet, 0));
+    Fill(Page(0), IDC_LAYOUT_TYPE, {0, 1, 99}, 0);
+    Check(Page(0), IDC_LAYOUT_PORTRAIT, true);
+    for (const auto& [nRadio, cLine] : {std::pair{IDC_LAYOUT_ONE_SIDE, ""},
+                                        {IDC_LAYOUT_LONG_EDGE, "|Two sides, long edge"},
+                                        {IDC_LAYOUT_SHORT_EDGE, "|Two sides, short edge"}}) {
+        CheckRadioButton(Page(0), IDC_LAYOUT_ONE_SIDE, IDC_LAYOUT_SHORT_EDGE, nRadio);
+        EXPECT_EQ(Panel(0), std::string("8.5 x 11 in|2 copies, collated|Last page first") + cLine);
+    }
+    Fill(Page(0), IDC_LAYOUT_TYPE, {0, 1, 99}, 2);
+    EXPECT_EQ(Panel(0), "8.5 x 11 in|Booklet|2 copies, collated|Last page first");
 }
 
 TEST_F(PreviewPanelTest, TakesWhatQualityAndWatermarkPagesShow)
@@ -143,65 +157,32 @@ TEST_F(PreviewPanelTest, TakesWhatQualityAndWatermarkPagesShow)
     EXPECT_EQ(GatherPreviewChoice(Session()).bWMOnePage, 1);
 }
 
-/* Random states of the Layout and the Paper page: the lines are those of what the controls show, and the picture is
-   asked for with the same. */
-TEST_F(PreviewPanelTest, TextAndPictureShowTheSameStateOfTheControls)
+/* Random states of the Layout and the Paper page: the picture is asked for with what the controls show. The lines for a
+   choice are held by the tests of the preview. */
+TEST_F(PreviewPanelTest, ThePictureShowsTheStateOfTheControls)
 {
     std::mt19937 random(6105);
     const auto Any = [&](int nLimit) { return static_cast<int>(random() % static_cast<u32>(nLimit)); };
     for (const char* cSample : {"T410A", "QP5", "QPS"}) {
         Open(cSample, {0, 1});
         HWND hLayout = Page(0), hPaper = Page(1);
-        const XpiModel* pModel = Session()->pXpi.get();
-        const bool bDuplexUnit =
-            ((pModel->ulStdOptions | pModel->ulOptOptions | pModel->ulMoreOptions) & 1) != 0;
         for (int i = 0; i < 150; i++) {
-            const int nType = std::array{0, 1, 99}[size_t(Any(3))], nDuplex = Any(3), nCopies = Any(4);
+            const int nType = std::array{0, 1, 99}[size_t(Any(3))];
             const int nPages = std::array{1, 2, 4, 9, 16}[size_t(Any(5))], nZoom = Any(2) ? 100 : 60;
-            const bool bCollate = Any(2), bReverse = Any(2), bPortrait = Any(2), bBorders = Any(2),
-                       bBack = Any(2);
-            record.dmDuplex = static_cast<u16>(1 + Any(3));
+            const bool bPortrait = Any(2), bBorders = Any(2), bBack = Any(2);
             record.dmColor = static_cast<u16>(1 + Any(2));
             record.rPrivate.ulColorMode = 0;
-            record.rPrivate.sBackCover = static_cast<u16>(Any(3));
-            record.rPrivate.sBookletPrint = static_cast<i16>(Any(2) * 4);
             Fill(hLayout, IDC_LAYOUT_TYPE, {0, 1, 99}, nType == 99 ? 2 : nType);
             Fill(hLayout, IDC_LAYOUT_PAGES, {nPages}, 0);
             Fill(hLayout, IDC_LAYOUT_ORDER, {0, 17}, Any(2));
             Fill(hLayout, IDC_LAYOUT_POSTER, {0, 2, 3}, 2);
-            for (int nRadio = 0; nRadio < 3; nRadio++) {
-                Check(hLayout, IDC_LAYOUT_ONE_SIDE + nRadio, nRadio == nDuplex);
-            }
             Check(hLayout, IDC_LAYOUT_PORTRAIT, bPortrait);
             Check(hLayout, IDC_LAYOUT_LANDSCAPE, !bPortrait);
             Check(hLayout, IDC_LAYOUT_BORDERS, bBorders);
             Check(hLayout, IDC_LAYOUT_BIND_RIGHT, bBack);
             Fill(hPaper, IDC_PAPER_SIZE, {9, 1}, 0);
-            Type(hPaper, IDC_PAPER_COPIES, std::to_string(nCopies));
             Type(hPaper, IDC_PAPER_ZOOM, std::to_string(nZoom));
-            Check(hPaper, IDC_PAPER_COLLATE, bCollate);
-            Check(hPaper, IDC_PAPER_REVERSE, bReverse);
-
-            std::string wanted;
-            int nFree = 5;
-            const auto Say = [&](bool bSaid, const std::string& line) {
-                wanted += bSaid && nFree > 0 ? "|" + line : "";
-                nFree -= bSaid;
-            };
-            const int nShown = bDuplexUnit ? nDuplex : 0;
-            Say(nType == 99, "Booklet");
-            Say(pModel->usColorClass == 0 && record.dmColor == 1, "Monochrome");
-            Say(nCopies > 1,
-                std::to_string(nCopies) + " copies" + (bCollate || nType == 99 ? ", collated" : ""));
-            Say(bReverse, "Last page first");
-            Say(record.rPrivate.sBackCover == 1, "Back cover");
-            Say(record.rPrivate.sBackCover == 2, "Back cover, empty");
-            Say(nType != 99 && nShown == 1, "Two sides, long edge");
-            Say(nType != 99 && nShown == 2, "Two sides, short edge");
-            Say(nZoom != 100, "Scaled");
-            const std::string panel = Panel(0);
-            ASSERT_EQ(panel.substr(std::min(panel.find('|'), panel.size())), wanted) << cSample << " " << i;
-            ASSERT_EQ(Panel(1), panel) << "all pages say the same";
+            ASSERT_EQ(Panel(1), Panel(0)) << "all pages say the same";
 
             const PreviewLists lists = SessionPreviewLists(Session());
             const PreviewChoice choice = GatherPreviewChoice(Session());

@@ -42,20 +42,15 @@ TEST_F(SessionTest, AnswersWithoutASheet)
     info.UserData = 77;
     info.lParamInit = reinterpret_cast<LPARAM>(&header);
     info.Reason = PROPSHEETUI_REASON_INIT;
-    struct Case {
-        DWORD fMode;
-        bool bRoom;
-        LONG lWanted;
-    };
-    for (const Case& question : {Case{0, true, 4088}, Case{14, false, 4088}, Case{8, true, 1}}) {
+    for (const auto& [fMode, bRoom, lWanted] :
+         {std::tuple<DWORD, bool, LONG>{0, true, 4088}, {14, false, 4088}, {8, true, 1}}) {
         for (WORD wReason : {PROPSHEETUI_REASON_INIT, PROPSHEETUI_REASON_DESTROY}) {
-            header = {
-                sizeof header, 0, hPrinter, wcPrinter.data(), nullptr, question.bRoom ? Record() : nullptr, 5,
-                question.fMode};
+            header = {sizeof header, 0, hPrinter, wcPrinter.data(), nullptr, bRoom ? Record() : nullptr, 5,
+                      fMode};
             info.Reason = wReason;
             ResetCallCounts();
-            EXPECT_EQ(DrvDocumentPropertySheets(&info, 0), question.lWanted);
-            EXPECT_EQ(header.cbOut, question.lWanted == 4088 ? 4088u : 5u);
+            EXPECT_EQ(DrvDocumentPropertySheets(&info, 0), lWanted);
+            EXPECT_EQ(header.cbOut, lWanted == 4088 ? 4088u : 5u);
             EXPECT_EQ(CallCount(ANY_CALL), 0);
             EXPECT_EQ(info.UserData, 77u);
         }
@@ -140,6 +135,9 @@ TEST_F(SessionTest, ShowsThePagesThatPrinterAndSheetHave)
             EXPECT_EQ(SendDlgItemMessageW(Page(i), IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP, 0),
                       reinterpret_cast<LRESULT>(Session()->hLogoBitmap));
         }
+        EXPECT_NE(TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL_ALONE), u"");
+        EXPECT_EQ(TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL_ALONE),
+                  TextOf(Page(2), IDC_QUALITY_CORRECTION_LABEL));
         EXPECT_EQ(CountLive().nGdiObjects, 1) << "one logo for all pages";
         EXPECT_FALSE(CanApplySheet(pSheet)) << "opening pages is no edit";
         OpenDevice();
@@ -226,15 +224,19 @@ TEST_F(SessionTest, MakesAnOverlayFolderOnlyWhereItIsPlainlyNamed)
     AddSample("QPS");
     OpenDocument();
     const WideText wcOwn = Session()->wcUserFolder;
-    EXPECT_EQ(SettledFolder(u""), wcOwn);
-    EXPECT_EQ(SettledFolder(u"C:\\Overlays"), u"C:\\Overlays");
-    EXPECT_TRUE(std::filesystem::is_directory(HostPath(u"C:\\Overlays")));
-    EXPECT_EQ(SettledFolder(u"C:\\Overlays"), u"C:\\Overlays");
-    EXPECT_EQ(SettledFolder(u"C:\\None\\Deep"), wcOwn) << "only the last folder is made";
-    EXPECT_EQ(SettledFolder(u"C:\\Overlays\\..\\Up"), wcOwn);
-    EXPECT_EQ(SettledFolder(u"Beside"), wcOwn);
+    EXPECT_EQ(Session()->ulColorModeMask, 8u) << "the one kind of this model";
     PutFile(u"C:\\File", std::string_view("no folder"));
-    EXPECT_EQ(SettledFolder(u"C:\\File"), wcOwn);
+    for (const auto& [wcGiven, wcWanted] : std::vector<std::pair<WideText, WideText>>{
+             {u"", wcOwn},
+             {u"C:\\Overlays", u"C:\\Overlays"},
+             {u"C:\\Overlays", u"C:\\Overlays"},
+             {u"C:\\None\\Deep", wcOwn}, /* only the last folder is made */
+             {u"C:\\Overlays\\..\\Up", wcOwn},
+             {u"Beside", wcOwn},
+             {u"C:\\File", wcOwn}}) {
+        EXPECT_EQ(SettledFolder(wcGiven), wcWanted);
+    }
+    EXPECT_TRUE(std::filesystem::is_directory(HostPath(u"C:\\Overlays")));
     EXPECT_FALSE(std::filesystem::exists(HostPath(u"C:\\Up")));
     SetEnvironmentValue(u"USERPROFILE", u"C:\\" + WideText(150, u'u')); /* longer than the record's field */
     EXPECT_EQ(SettledFolder(u""), u"");
@@ -269,23 +271,16 @@ TEST_F(SessionTest, PagesWithoutASessionStayQuiet)
     OpenDocument();
     const HWND hPage = Page(0);
     ASSERT_NE(hPage, nullptr);
-    const std::pair<UINT, WPARAM> messages[] = {{WM_COMMAND, IDC_ABOUT},
-                                                {WM_COMMAND, IDC_PRESET_APPLY},
-                                                {WM_COMMAND, IDC_LAYOUT_TYPE},
-                                                {WM_NOTIFY, 0},
-                                                {WM_PAINT, 0},
-                                                {WM_VSCROLL, 0},
-                                                {WM_HSCROLL, 0},
-                                                {WM_MOUSEMOVE, 0},
-                                                {WM_LBUTTONUP, 0},
-                                                {WM_HELP, 0},
-                                                {WM_DESTROY, 0}};
     auto quiet = [&](HWND hWnd) {
+        PSHNOTIFY notify = {{hWnd, 0, PSN_APPLY}, 0};
         for (const PageTableRow* pRow = aPageTable; pRow->sTitle; pRow++) {
-            for (auto [uMessage, wParam] : messages) {
-                PSHNOTIFY notify = {{hWnd, 0, PSN_APPLY}, 0};
+            for (UINT uMessage : {WM_NOTIFY, WM_PAINT, WM_VSCROLL, WM_HSCROLL, WM_MOUSEMOVE, WM_LBUTTONUP,
+                                  WM_HELP, WM_DESTROY}) {
                 LPARAM lParam = uMessage == WM_NOTIFY ? reinterpret_cast<LPARAM>(&notify) : 0;
-                EXPECT_EQ(pRow->pfnDialogProc(hWnd, uMessage, wParam, lParam), 0) << uMessage;
+                EXPECT_EQ(pRow->pfnDialogProc(hWnd, uMessage, 0, lParam), 0) << uMessage;
+            }
+            for (WPARAM nControl : {IDC_ABOUT, IDC_PRESET_APPLY, IDC_LAYOUT_TYPE}) {
+                EXPECT_EQ(pRow->pfnDialogProc(hWnd, WM_COMMAND, nControl, 0), 0) << nControl;
             }
         }
     };
@@ -295,6 +290,23 @@ TEST_F(SessionTest, PagesWithoutASessionStayQuiet)
     quiet(nullptr);
     EXPECT_EQ(rAboutPage.pfnDialogProc(nullptr, WM_INITDIALOG, 0, 0), 1);
     EXPECT_EQ(aPageTable[0].pfnDialogProc(nullptr, WM_INITDIALOG, 0, 0), 0);
+}
+
+TEST_F(SessionTest, AboutOpensAndAPageThatGoesIsForgotten)
+{
+    AddSample("QPS");
+    OpenDocument();
+    for (size_t i = 0; i < SheetPageCount(pSheet); i++) {
+        ASSERT_TRUE(ShowSheetPage(pSheet, i));
+    }
+    QueueModalStep([](HWND hDialog) { ClickControl(hDialog, IDC_NOTICE_OK); });
+    ClickControl(Page(SheetPageCount(pSheet) - 1), IDC_ABOUT);
+    EXPECT_EQ(DialogsOpened(), 1);
+    for (size_t i = 0; i < SheetPageCount(pSheet); i++) {
+        DestroyWindow(Page(i));
+    }
+    EXPECT_EQ(Session()->hPageWnd[SLOT_PAPER], nullptr);
+    EXPECT_EQ(Session()->hLogoBitmap, nullptr) << "the last page takes the logo with it";
 }
 
 TEST_F(SessionTest, HotAreasFollowTheMouse)
@@ -309,22 +321,18 @@ TEST_F(SessionTest, HotAreasFollowTheMouse)
     PressMouse(Page(0), area.left, area.top);
     EXPECT_EQ(Session()->bPreviewMetric, 0u);
     EXPECT_EQ(GetCursor(), Session()->hCursorHand);
-    struct Place {
-        LONG x, y;
-        bool bOver;
-    };
     SetCursor(hArrow);
     u32 bMetric = 0;
-    for (const Place& place :
-         {Place{area.right, area.bottom, true}, Place{area.left, area.top, true},
-          Place{area.right + 1, area.bottom, false}, Place{area.left - 1, area.top, false},
-          Place{area.left, area.bottom + 1, false}}) {
-        const LPARAM lPoint = MAKELPARAM(place.x, place.y);
-        SendMessageW(Page(0), WM_MOUSEMOVE, 0, lPoint);
-        EXPECT_EQ(GetCursor(), place.bOver ? Session()->hCursorHand : hArrow) << place.x << ", " << place.y;
-        SendMessageW(Page(0), WM_LBUTTONUP, 0, lPoint);
-        bMetric ^= place.bOver;
-        EXPECT_EQ(Session()->bPreviewMetric, bMetric) << place.x << ", " << place.y;
+    for (const auto& [x, y, bOver] : {std::tuple{area.right, area.bottom, true},
+                                      {area.left, area.top, true},
+                                      {area.right + 1, area.bottom, false},
+                                      {area.left - 1, area.top, false},
+                                      {area.left, area.bottom + 1, false}}) {
+        SendMessageW(Page(0), WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
+        EXPECT_EQ(GetCursor(), bOver ? Session()->hCursorHand : hArrow) << x << ", " << y;
+        SendMessageW(Page(0), WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+        bMetric ^= bOver;
+        EXPECT_EQ(Session()->bPreviewMetric, bMetric) << x << ", " << y;
     }
     ASSERT_TRUE(ControlRect(Page(0), IDC_LOGO, &area));
     SendMessageW(Page(0), WM_MOUSEMOVE, 0, MAKELPARAM(area.left, area.top));

@@ -64,65 +64,35 @@ TEST_F(RecordCommands, ARecordIsWrittenAsTextAndAsBytes)
     EXPECT_THROW(Record("T999", {}, false), std::exception);
 }
 
+/* tests/data/explain.txt, of records in both of their forms. */
 TEST_F(RecordCommands, AcceptedRepairedAndRefusedAreExplained)
 {
-    Record("T410A", {}, true);
-    EXPECT_EQ(Explain("T410A", 0), "public part: accepted\nprivate part: accepted\nconflicts: none\n");
-
-    Record("T410A", {"sFrontCover=1", "sFrontDuplex=1", "dmDuplex=2"}, true);
-    EXPECT_EQ(
-        Explain("T410A", 0),
-        "public part: accepted\nprivate part: accepted\n"
-        "conflicts: rule 5 on the body of the job, dmPaperSize 9, dmDefaultSource 1025, sMediaTypeIndex 1, "
-        "dmDuplex 2, sOutputPJLsid 2, sScale 0, sScaleTarget 0\n"
-        "    This printer cannot print on both sides with these settings.\n");
-
-    Record("T410A",
-           {"dmScale=50", "dmFields=0x0380F70F", "dmColor=1", "dmCopies=0", "sPageOrder=4", "ulColorMode=7"},
-           true);
-    EXPECT_EQ(Explain("T410A", 0), "RULE            OUTCOME   FIELD        OFFSET  VALUE\n"
-                                   "public bit 6.1  set       dmFields         72  0x0380F70F -> 0x0380FF0F\n"
-                                   "                          dmColor          92  1 -> 2\n"
-                                   "public 4        repair 1  dmScale          84  50 -> 100\n"
-                                   "public 5        repair 2  dmCopies         86  0 -> 1\n"
-                                   "private 30      set       ulColorMode    1720  7 -> 0\n"
-                                   "public part: accepted with 2 repairs\n"
-                                   "private part: accepted\n"
-                                   "conflicts: none\n");
-
-    /* Covers and inserted pages: each repair stands at the rule that made it. */
-    Record(
-        "T410A",
-        {"sFrontCover=1", "sFrontBin=16", "sFrontDuplex=7", "sInsertPageList[0]=7", "sInsertPageList[8]=5"},
-        true);
-    EXPECT_EQ(Explain("T410A", 1),
-              "RULE          OUTCOME                 FIELD               OFFSET  VALUE\n"
-              "private 19.1  repair 1                sFrontBin              650  16 -> 1025\n"
-              "private 19.4  repair 2                sFrontDuplex           660  7 -> 1\n"
-              "private 63.7  repair 3, one too many  sInsertPageList[8]    2996  5 -> 0\n"
-              "public part: accepted\n"
-              "private part: refused. The printer's defaults take its place.\n");
-    Record("T410A", {"sBackCover=1", "sBackBin=16", "sInsertPageList[0]=7"}, true);
-    EXPECT_EQ(Explain("T410A", 0), "RULE          OUTCOME   FIELD               OFFSET  VALUE\n"
-                                   "private 21.1  repair 1  sBackBin               664  16 -> 1025\n"
-                                   "private 67.8  set       sInsertPageList[0]    2980  7 -> 0\n"
-                                   "public part: accepted\n"
-                                   "private part: accepted with 1 repair\n"
-                                   "conflicts: none\n");
-
-    Record("T410A", {"sContrast=51"}, true);
-    EXPECT_EQ(Explain("T410A", 1), "RULE          OUTCOME  FIELD      OFFSET  VALUE\n"
-                                   "private 35.1  refused  sContrast    1814  51\n"
-                                   "public part: accepted\n"
-                                   "private part: refused. The printer's defaults take its place.\n");
-
-    std::ofstream(FOLDER / "text.rec") << Record("QPS", {"dmScale=1", "dmCopies=-1", "dmTTOption=0"}, false);
-    EXPECT_EQ(Explain("QPS", 1, "text.rec"),
-              "RULE      OUTCOME                 FIELD                           OFFSET  VALUE\n"
-              "public 3  repair 1                dmPaperLength and dmPaperWidth          as before\n"
-              "public 4  repair 2                dmScale                             84  1 -> 100\n"
-              "public 5  repair 3, one too many  dmCopies                            86  -1 -> 1\n"
-              "public part: refused. The printer's defaults take the place of the whole record.\n");
+    std::ifstream file(TQUI_SOURCE_DIR "/tests/data/explain.txt");
+    std::string line, wanted, model, word;
+    int nCode = 0, nCases = 0;
+    std::vector<std::string> assignments;
+    const auto hold = [&] {
+        std::ofstream(FOLDER / "text.rec") << Record(model, assignments, false);
+        Record(model, assignments, true);
+        EXPECT_EQ(Explain(model, nCode), wanted);
+        EXPECT_EQ(Explain(model, nCode, "text.rec"), wanted);
+        nCases++;
+    };
+    while (std::getline(file, line)) {
+        if (line.starts_with("> ")) {
+            model.empty() ? void() : hold();
+            std::istringstream words(line.substr(2));
+            words >> nCode >> model;
+            assignments.clear(), wanted.clear();
+            while (words >> word) {
+                assignments.push_back(word);
+            }
+        } else if (!line.starts_with("#")) {
+            wanted += line + "\n";
+        }
+    }
+    hold();
+    EXPECT_EQ(nCases, 7);
 }
 
 TEST_F(RecordCommands, WhatIsNoRecordOrNoModelIsTold)

@@ -1,5 +1,6 @@
 /* The review of description files: healthy models, single faults, damage, and input made to hurt. */
 #include "lint.h"
+#include "support/data_file.h"
 #include "xpi_support.h"
 
 #include <algorithm>
@@ -60,105 +61,20 @@ TEST(XpiLint, ModelsHaveOnlyTheirDeliberateFindings)
 /* One change of a healthy model each, and where the author is told. */
 TEST(XpiLint, AuthorIsToldOfEachFault)
 {
-    struct Fault {
-        const char* model;
+    for (const DataRow& row : ReadRows("xpi_faults.txt")) {
         std::vector<XpiOverride> changes;
-        const char* where;
-        const char* part;
-    };
-    const std::string longText(64, 'x'), longCommand(512, 'x');
-    const Fault faults[] = {
-        {"T410A", {{"strings.de.letter", "\"" + longText + "\""}}, "papers/0/name", "language 7"},
-        {"T410A",
-         {{"strings.en.bin_tray1", "\"" + longText.substr(0, 23) + "\""}},
-         "input_bins/1/name",
-         "cut to 22"},
-        {"K100",
-         {{"strings.en.bin_auto", "\"" + longText.substr(0, 24) + "\""}},
-         "input_bins/0/name",
-         "cut to 23"},
-        {"T410A",
-         {{"strings.en.save", "\"\""}, {"features.rows[0].name", "\"save\""}},
-         "features/0/name",
-         "missing"},
-        {"T410A", {{"papers.rows[1].name", "900"}}, "papers/1/name", "missing"},
-        {"T410A", {{"papers.rows[1].pcl_name", "\"LEGAL-14-INCHES\""}}, "papers/1/pcl_name", "15 characters"},
-        {"T410A", {{"papers.rows[1].code", "1"}}, "papers/1/code", "Row 0"},
-        {"T410A", {{"papers.rows[1].code", "119"}}, "papers/1/code", "not valid"},
-        {"T410A", {{"papers.rows[13].code", "448"}}, "papers/13/code", "448"},
-        {"T410A", {{"papers.rows[1].length", "0"}}, "papers/1/length", "extent"},
-        {"T410A", {{"papers.rows[1].width", "4000"}}, "papers/1/width", "custom limits"},
-        {"T410A", {{"papers.rows[3].companion", "66"}}, "papers/3/companion", "66"},
-        {"T410A", {{"model.min_custom_width", "3200"}}, "model/-/min_custom_width", "above"},
-        {"T410A", {{"model.default_bin", "7"}}, "model/-/default_bin", "id 7"},
-        {"T410A", {{"input_bins.rows[1].id", "2001"}}, "input_bins/1/id", "2000"},
-        {"T410A", {{"model.default_output_bin", "0"}}, "model/-/default_output_bin", "repairs"},
-        {"QP5", {{"model.default_output_bin", "1"}}, "model/-/default_output_bin", "repairs"},
-        {"T410A", {{"model.output_bin_command", "0"}}, "model/-/output_bin_command", "empty key"},
-        {"T410A", {{"media_types.rows[1].code", "200"}}, "media_types/1/code", "4 to 255"},
-        {"T410A", {{"media_types.rows[1].data_name", "\"\""}}, "media_types/1/data_name", "later rows"},
-        {"QPS", {{"media_types.rows", "[]"}}, "model/-/default_media", "none of the rows"},
-        {"QP5", {{"model.default_media", "1"}}, "model/-/default_media", "must be 0"},
-        {"T410A", {{"model.default_resolution", "4"}}, "model/-/default_resolution", "0 to 3"},
-        {"T410A", {{"resolutions.rows[2].dpi", "0"}}, "resolutions/2/dpi", "later rows"},
-        {"T410A", {{"resolutions.rows[3].dpi_y", "600"}}, "resolutions/3/dpi_x", "Row 1"},
-        {"QP5", {{"resolutions.rows[0].halftone_dim", "2000"}}, "resolutions/0/halftone_dim", "1024"},
-        {"T410A", {{"constraints.rows[9]", "{ message = \"no_film\" }"}}, "constraints/9/", "every job"},
-        {"T410A", {{"constraints.rows[4].media", "0x80"}}, "constraints/4/media", "never arises"},
-        {"T410A", {{"margins.rows[1].resolution", "0"}}, "margins/1/resolution", "above 0"},
-        {"T410A", {{"margins.closing.resolution", "0"}}, "margins/7/resolution", "closing row"},
-        {"T410A", {{"margins.closing", ""}}, "margins/7/", "all zero"},
-        {"T410A", {{"margins.rows[0].modes", "0"}}, "margins/0/modes", ""},
-        {"T410A", {{"features.rows[0].first_value", "30000"}}, "features/0/first_value", "outside the body"},
-        {"T410A", {{"features.rows[1].first_value", "\"pin\""}}, "features/1/first_value", "margin row"},
-        {"T410A",
-         {{"commands.key_save", "\"" + longCommand.substr(0, 128) + "\""}},
-         "features/0/command",
-         "127 fit"},
-        {"T410A", {{"commands.res_300", "\"" + longCommand + "\""}}, "resolutions/0/command", "511 fit"},
-        {"T410A", {{"commands.collate", "\"TWELVE BYTES\""}}, "model/-/collate_command", "11 fit"},
-        {"T410A", {{"commands.value_two", "\"\""}}, "feature_values/8/command", "empty"},
-        {"T410A", {{"features.rows[0].command", "999"}}, "features/0/command", "no command 999"},
-        {"T410A", {{"model.default_color_mode", "4"}}, "model/-/default_color_mode", "refused"},
-        {"T410A", {{"color_presets.photo[0].slot", "4"}}, "color_presets/0/slot", "nowhere"},
-        {"T410A", {{"color_presets.photo[0].value", "6"}}, "color_presets/0/value", "6 values"},
-        {"T410A", {{"color_presets.photo[0].value", "4"}}, "color_presets/0/value", "refused"},
-        {"T410A", {{"color_presets.photo[3].slot", "2"}}, "color_presets/3/slot", "image_options"},
-        {"T410A",
-         {{"text_options.rows[4]", "{ name = \"on\", first_value = 0 }"}},
-         "text_options/4/",
-         "four"},
-        {"T410A",
-         {{"option_values.trap[0]", "{ name = \"on\", offset = 590, length = 40 }"}},
-         "option_values/31/length",
-         "behind"},
-        {"T410A",
-         {{"text_options.rows[2].first_value", "\"text_black\""}},
-         "text_options/2/first_value",
-         "takes the place"},
-        {"K100", {{"model.default_screen", "4"}}, "model/-/default_screen", "no row"},
-        {"K100",
-         {{"strings.en.val_some", "\"\""}, {"strings.de.val_some", ""}},
-         "option_values/8/name",
-         "missing"},
-        {"T410A", {{"model.about_strings", "[\"about_1\"]"}}, "about_strings/-/", "ids"},
-        {"T410A", {{"model.default_font", "\"" + longText.substr(0, 32) + "\""}}, "default_font/-/", "31"},
-        {"T410A",
-         {{"font_subs.rows[1].device", "\"" + longText.substr(0, 32) + "\""}},
-         "font_subs/1/device",
-         "31"},
-        {"QP5", {{"model.font_page_cells", "2"}}, "font_page_cells/-/", "3 chunks"},
-        {"QP5", {{"fonts.rows[3].size", "32768"}}, "fonts/3/size", "32767"},
-        {"T410A", {{"fonts.rows[0].face", "\"\""}}, "fonts/0/face", "empty"},
-        {"T410A", {{"bitmaps.rows[0].bytes", "\"424D\""}}, "bitmaps/0/bytes", "BMP"},
-        {"T410A", {{"memory.rows[2].key", "8"}}, "memory/2/key", "never read"},
-        {"T410A", {{"strings.base_rows", "100"}}, "strings/-/base_rows", "28 languages from id 100"},
-    };
-    for (const Fault& fault : faults) {
-        std::vector<XpiFinding> findings = LintXpi(CompileModel(fault.model, fault.changes).bytes);
-        EXPECT_TRUE(Has(findings, fault.where, fault.part))
-            << fault.changes[0].path << " wants " << fault.where << ", found\n"
-            << List(findings);
+        for (std::size_t i = 3; i < row.size(); i++) {
+            const std::size_t equals = row[i].find(" =");
+            std::string value = row[i].substr(std::min(equals + 3, row[i].size()));
+            if (const std::size_t mark = value.find("<x"); mark != std::string::npos) {
+                const std::size_t end = value.find('>', mark);
+                value.replace(mark, end + 1 - mark, std::stoul(value.substr(mark + 2)), 'x');
+            }
+            changes.push_back({row[i].substr(0, equals), value});
+        }
+        std::vector<XpiFinding> findings = LintXpi(CompileModel(row[0], changes).bytes);
+        EXPECT_TRUE(Has(findings, row[1], row[2])) << changes.at(0).path << " wants " << row[1] << ", found\n"
+                                                   << List(findings);
     }
     const std::uint16_t asked[] = {7, 9, 99};
     Bytes few = CompileModel("IX300", {{"strings.base_rows", "100"}}).bytes;

@@ -2,21 +2,14 @@
    tells the driver the room for a whole record (full_size_library.cpp). */
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
-#include <gtest/gtest.h>
-
-#include "installed_printer.h"
-#include "settings/driver_devmode.h"
+#include "spooled_record.h"
 
 #include <commdlg.h> /* needs the system's header in front */
 
 namespace fs = std::filesystem;
 
 namespace {
-
-using Record = std::vector<unsigned char>;
 
 /* A record of the driver that a common dialog gave back in a global block, which goes with it. */
 Record TakeRecord(HGLOBAL hBlock)
@@ -40,18 +33,6 @@ HGLOBAL GiveRecord(const Record& record)
     return hBlock;
 }
 
-DEVMODEW* Public(Record& record)
-{
-    return reinterpret_cast<DEVMODEW*>(record.data());
-}
-
-/* The form's name is empty. What the spooler leaves behind its end when it stores a record is no part of it. */
-void ClearFormTail(Record* pRecord)
-{
-    EXPECT_EQ(Public(*pRecord)->dmFormName[0], 0);
-    std::memset(Public(*pRecord)->dmFormName, 0, sizeof Public(*pRecord)->dmFormName);
-}
-
 /* The dialog's user agrees as soon as it is there. */
 UINT_PTR CALLBACK PressOkHook(HWND hDialog, UINT uMessage, WPARAM, LPARAM)
 {
@@ -72,31 +53,19 @@ std::vector<WORD> PaperCodes(const InstalledPrinter& printer)
 class Applications : public ::testing::TestWithParam<std::string> {
   protected:
     Applications()
-        : tcPackage(PathFromEnvironment("TQUI_BUILT")),
-          printer(FindInfModel(ReadInf(tcPackage / "tqui.inf"), GetParam()), tcPackage,
-                  PathFromEnvironment("TQUI_FULL_SIZE_LIBRARY"))
+        : printer(Install(GetParam(), "TQUI_FULL_SIZE_LIBRARY")), hosted(HostedRecord(GetParam(), ".stored"))
     {
         EXPECT_TRUE(SetDefaultPrinterW(printer.Name()));
-        std::ifstream file(PathFromEnvironment("TQUI_HOSTED_CAPS") / (GetParam() + ".stored"),
-                           std::ios::binary);
-        hosted = Record{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
-    /* What lies behind the printer's name, which is another on the hosted machine. */
     void ExpectDefault(Record record, const char* cWhere)
     {
-        constexpr std::ptrdiff_t NAME_BYTES = 64;
-        ASSERT_EQ(hosted.size(), record.size()) << cWhere;
-        ClearFormTail(&record);
-        const auto found =
-            std::mismatch(record.begin() + NAME_BYTES, record.end(), hosted.begin() + NAME_BYTES);
-        EXPECT_EQ(found.first - record.begin(), record.end() - record.begin())
-            << cWhere << ": first byte that differs";
-        EXPECT_EQ(std::wstring(Public(record)->dmDeviceName), std::wstring(printer.Name()).substr(0, 31))
+        EXPECT_EQ(Difference(record, hosted), -1) << cWhere << ": first byte that differs";
+        EXPECT_EQ(AsDevmode(record)->dmFormName[0], 0);
+        EXPECT_EQ(std::wstring(AsDevmode(record)->dmDeviceName), std::wstring(printer.Name()).substr(0, 31))
             << cWhere;
     }
 
-    fs::path tcPackage;
     InstalledPrinter printer;
     Record hosted; /* the default, as the hosted build makes it */
 };
@@ -131,21 +100,21 @@ TEST_P(Applications, GetTheDefaultRecordFromEveryCommonDialog)
 
     /* What the record says is among what the printer says that it can. */
     const std::vector<WORD> codes = PaperCodes(printer);
-    EXPECT_TRUE(std::ranges::count(codes, static_cast<WORD>(Public(record)->dmPaperSize)));
+    EXPECT_TRUE(std::ranges::count(codes, static_cast<WORD>(AsDevmode(record)->dmPaperSize)));
     EXPECT_EQ(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_SIZE, nullptr, nullptr),
-              Public(record)->dmSize);
+              AsDevmode(record)->dmSize);
     EXPECT_EQ(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_EXTRA, nullptr, nullptr),
-              Public(record)->dmDriverExtra);
+              AsDevmode(record)->dmDriverExtra);
     EXPECT_EQ(static_cast<DWORD>(DeviceCapabilitiesW(printer.Name(), L"FILE:", DC_FIELDS, nullptr, nullptr)) &
-                  Public(record)->dmFields & (DM_PAPERSIZE | DM_ORIENTATION | DM_COPIES),
+                  AsDevmode(record)->dmFields & (DM_PAPERSIZE | DM_ORIENTATION | DM_COPIES),
               static_cast<DWORD>(DM_PAPERSIZE | DM_ORIENTATION | DM_COPIES));
 }
 
 TEST_P(Applications, KeepTheirChoicesThroughDialogContextAndDocument)
 {
     Record chosen = hosted;
-    std::memcpy(Public(chosen)->dmDeviceName, printer.Name(), 31 * sizeof(WCHAR));
-    Public(chosen)->dmCopies = 123;
+    std::memcpy(AsDevmode(chosen)->dmDeviceName, printer.Name(), 31 * sizeof(WCHAR));
+    AsDevmode(chosen)->dmCopies = 123;
     PRINTDLGW print = {};
     print.lStructSize = sizeof print;
     print.Flags = PD_ENABLEPRINTHOOK | PD_USEDEVMODECOPIESANDCOLLATE;
@@ -154,14 +123,14 @@ TEST_P(Applications, KeepTheirChoicesThroughDialogContextAndDocument)
     ASSERT_TRUE(PrintDlgW(&print)) << CommDlgExtendedError();
     Record kept = TakeRecord(print.hDevMode);
     GlobalFree(print.hDevNames);
-    EXPECT_EQ(Public(kept)->dmCopies, 123);
+    EXPECT_EQ(AsDevmode(kept)->dmCopies, 123);
     EXPECT_EQ(
         std::memcmp(kept.data() + PUBLIC_BYTES, chosen.data() + PUBLIC_BYTES, kept.size() - PUBLIC_BYTES), 0);
 
-    const HDC hContext = CreateDCW(L"WINSPOOL", printer.Name(), nullptr, Public(kept));
+    const HDC hContext = CreateDCW(L"WINSPOOL", printer.Name(), nullptr, AsDevmode(kept));
     ASSERT_TRUE(hContext);
-    Public(kept)->dmOrientation = DMORIENT_LANDSCAPE;
-    EXPECT_EQ(ResetDCW(hContext, Public(kept)), hContext);
+    AsDevmode(kept)->dmOrientation = DMORIENT_LANDSCAPE;
+    EXPECT_EQ(ResetDCW(hContext, AsDevmode(kept)), hContext);
 
     const fs::path tcOutput = fs::temp_directory_path() / "tqui-application.prn";
     const std::wstring wcOutput = tcOutput.wstring();

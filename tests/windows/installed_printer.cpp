@@ -1,6 +1,8 @@
 #include "installed_printer.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -28,6 +30,34 @@ fs::path PathFromEnvironment(const char* cVariable)
     return fs::path(*cText == '/' ? std::string("Z:") + cText : cText).make_preferred();
 }
 
+const std::vector<InfModel>& PackageModels()
+{
+    static const std::vector<InfModel> models = ReadInf(PathFromEnvironment("TQUI_BUILT") / "tqui.inf");
+    return models;
+}
+
+std::vector<std::string> PackageSections()
+{
+    std::vector<std::string> sections;
+    for (const InfModel& model : PackageModels()) {
+        sections.push_back(model.section);
+    }
+    return sections;
+}
+
+InstalledPrinter Install(const std::string& model, const char* cLibraryVariable)
+{
+    const fs::path tcPackage = PathFromEnvironment("TQUI_BUILT");
+    return {FindInfModel(PackageModels(), model), tcPackage,
+            cLibraryVariable ? PathFromEnvironment(cLibraryVariable) : tcPackage / "TQUI.dll"};
+}
+
+std::string FileBytes(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 InstalledPrinter::InstalledPrinter(const InfModel& model, const fs::path& tcPackage,
                                    const fs::path& tcLibrary)
     : m_wcName(Wide(model.name) + L" (test)"), m_wcDriver(Wide(model.name))
@@ -47,33 +77,26 @@ InstalledPrinter::~InstalledPrinter()
 
 void InstalledPrinter::Install(const InfModel& model, const fs::path& tcPackage, const fs::path& tcLibrary)
 {
-    WCHAR tcFolder[MAX_PATH];
-    DWORD cbNeeded = 0;
-    if (!GetPrinterDriverDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder), sizeof tcFolder,
-                                    &cbNeeded)) {
-        Fail("GetPrinterDriverDirectoryW");
-    }
-    fs::create_directories(tcFolder);
-    for (const std::string& file : AllInfFiles(model)) {
-        const fs::path tcFrom = file == model.configFile ? tcLibrary : tcPackage / file;
+    const auto copy = [&](const std::string& file, const fs::path& tcFrom,
+                          decltype(&GetPrinterDriverDirectoryW) find) {
+        WCHAR tcFolder[MAX_PATH];
+        DWORD cbNeeded = 0;
+        if (!find(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder), sizeof tcFolder, &cbNeeded)) {
+            Fail("asking for the folder of " + file);
+        }
+        fs::create_directories(tcFolder);
         const fs::path tcTo = fs::path(tcFolder) / file;
         if (!CopyFileW(tcFrom.c_str(), tcTo.c_str(), FALSE)) {
             Fail("copying " + tcFrom.string());
         }
-        m_copied.push_back(tcTo);
+        return tcTo;
+    };
+    for (const std::string& file : AllInfFiles(model)) {
+        m_copied.push_back(
+            copy(file, file == model.configFile ? tcLibrary : tcPackage / file, GetPrinterDriverDirectoryW));
     }
-    if (!model.processorFiles.empty()) {
-        if (!GetPrintProcessorDirectoryW(nullptr, nullptr, 1, reinterpret_cast<LPBYTE>(tcFolder),
-                                         sizeof tcFolder, &cbNeeded)) {
-            Fail("GetPrintProcessorDirectoryW");
-        }
-        fs::create_directories(tcFolder);
-        for (const std::string& file : model.processorFiles) {
-            const fs::path tcFrom = tcPackage / file, tcTo = fs::path(tcFolder) / file;
-            if (!CopyFileW(tcFrom.c_str(), tcTo.c_str(), FALSE)) {
-                Fail("copying " + tcFrom.string());
-            }
-        }
+    for (const std::string& file : model.processorFiles) {
+        copy(file, tcPackage / file, GetPrintProcessorDirectoryW);
     }
 
     std::wstring wcDependent;

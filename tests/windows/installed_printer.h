@@ -15,6 +15,10 @@
    Throws std::runtime_error when it is not set. The same for other variables that name paths. */
 std::filesystem::path PathFromEnvironment(const char* cVariable);
 
+/* The models of the built package, and their sections. */
+const std::vector<InfModel>& PackageModels();
+std::vector<std::string> PackageSections();
+
 /* Copies a model's files to the spooler's driver folder, adds the driver and a printer "NAME (test)" on
    FILE:. Throws std::runtime_error with the call and its error code; what was done until then is undone. */
 class InstalledPrinter {
@@ -49,5 +53,15 @@ class InstalledPrinter {
     HANDLE m_hPrinter = nullptr;
     HMODULE m_hLibrary = nullptr;
 };
+
+/* A model of the built package by its name or section, with the file that the variable names as ConfigFile; null: with
+   the library as it ships. */
+InstalledPrinter Install(const std::string& model, const char* cLibraryVariable = "TQUI_TEST_LIBRARY");
+
+/* A routine of a printer's library by the name that it is declared by. */
+#define EXPORT_OF(printer, name) (printer).Export<decltype(&(name))>(#name)
+
+/* A whole file; empty when it is not there. */
+std::string FileBytes(const std::filesystem::path& path);
 
 #endif

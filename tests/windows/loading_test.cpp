@@ -1,7 +1,5 @@
 /* How the shipped library is loaded, and what it does to a process whose stack was overrun. */
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +10,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr unsigned long long FIRST_GUARD = 0xFF0D0A0BA53C0000; /* as in the file */
-
-std::string FileBytes(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 /* Where the guard lies in the loaded library, from its start: found in the file by the value that it has there, which
    must stand in one place of it. 0 when it does not. */

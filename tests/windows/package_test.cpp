@@ -1,11 +1,13 @@
 /* The package's INF and its reader. */
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "places.h"
+#include "support/data_file.h"
 #include "tools/tq/inf.h"
 
 namespace fs = std::filesystem;
@@ -89,42 +91,16 @@ TEST(InfReader, RefusesWithTheLine)
     }
     ASSERT_EQ(Refusal(crlf), "");
 
-    const struct {
-        const char *cPiece, *cBy, *cSays;
-    } cases[] = {
-        {"[Version]\n", "[Version\n", "not a section"},
-        {"Class       =", "Klass       =", "key unknown"},
-        {"$Windows NT$", "$Chicago$", "not $Windows NT$"},
-        {"%Maker% = Models", "%Make% = Models, NTx86 ;", "NTamd64"},
-        {"= T410A, Corv", "= T410, Corv", "[T410] is missing"},
-        {"\"Quill PS\"  ", "\"Quill P5\"  ", "model twice"},
-        {"DataFile    = QP5.FDF", "DataFile    = QP5.FDX", "QP5.FDX is not in CopyFiles"},
-        {"HelpFile    = TQUI.CHM", "HelpFile    = TQUI.CHM\nHelpFile = X.CHM", "twice"},
-        {"GLYF.EXE\nMRK.EXE", "GLYF.EXE\nGLYF.EXE", "copied twice"},
-        {"GLYF.EXE\nMRK.EXE", "GLYF.EXE\nnew\\MRK.EXE", "plain file name"},
-        {"\nJOB.DLL   = 1", "", "JOB.DLL is not in [SourceDisksFiles]"},
-        {"JOB.DLL   = 1", "JOB.DLL   = 1\nODD.DLL = 1", "ODD.DLL is copied for no model"},
-        {"[Job_Files]", "[Odd_Files]\nODD.DLL\n[Job_Files]", "nothing refers to"},
-        {"%Disk%", "%Dusk%", "%Dusk%"},
-        {"PnpLockdown = 1", "PnpLockdown = 0", "not 1"},
-        {"PnpLockdown = 1\n", "", "a key is missing in [Version]"},
-        {"PackageAware = TRUE", "PackageAware = FALSE", "TRUE is expected"},
-        {"Processor_Files = 66001", "Processor_Files = 66000", "66001"},
-        {"\"JOB,JOB.DLL\"", "\"JOB,JOBS.DLL\"", "name,file"},
-        {"\"JOB,JOB.DLL\"", "JOB.DLL", "name,file"},
-        {"Job_Files, Processor_Files", "Processor_Files", "without a PrintProcessor"},
-        {"Job_Files, Processor_Files", "Job_Files", "not copied to the print processors"},
-        {"Program_Files, Processor_Files", "Processor_Files", "installs other files"},
-        {"[K100_Processor]", "[K101_Processor]", "nothing refers to"},
-        {"Provider    = %Maker%", "Provider    = %Macher%", "[Strings] has no %Macher%"},
-        {"\"Corvantis Optics\"", "\"Corvantis Optics", "quote is not closed"},
-        {"DefaultDestDir  = 66000", "DefaultDestDir  = 11", "66000"},
+    const auto lines = [](std::string text) {
+        for (size_t nAt; (nAt = text.find("\u00B6")) != text.npos;) {
+            text.replace(nAt, std::strlen("\u00B6"), "\n");
+        }
+        return text;
     };
-    for (const auto& row : cases) {
-        const std::string text = Changed(row.cPiece, row.cBy);
-        const std::string refusal = Refusal(text);
-        EXPECT_NE(refusal, "") << "taken: " << row.cBy;
-        EXPECT_NE(refusal.find(row.cSays), std::string::npos) << refusal;
+    for (const DataRow& row : ReadRows("inf_refusals.txt")) {
+        const std::string refusal = Refusal(Changed(lines(row[0]), lines(row[1])));
+        EXPECT_NE(refusal, "") << "taken: " << row[1];
+        EXPECT_NE(refusal.find(row[2]), std::string::npos) << refusal;
     }
     EXPECT_EQ(Refusal(Changed("Class       =", "Klass       ="))
                   .rfind("try.inf:" + std::to_string(LineOf(PackageInf(), "Class       =")) + ":", 0),

@@ -1,11 +1,10 @@
 /* Printer events of the installed library in the system's own spooler; forms, print processors and the deletion of
    values come from the supplement. Values and forms are held against the expectations of the hosted tests. */
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
+#include "entry/exports.h"
 #include "installed_printer.h"
 #include "places.h"
 
@@ -13,14 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using PrinterEventExport = BOOL(WINAPI*)(LPWSTR, int, DWORD, LPARAM);
 enum : int { ADD_CONNECTION = 1, DELETE_CONNECTION, INITIALIZE, DELETE_PRINTER };
-
-std::string Expectation(const std::string& stem)
-{
-    std::ifstream file("Z:" TQUI_SOURCE_DIR "/tests/golden/install/" + stem + ".txt", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 /* A value's bytes in rows of hex, as the expectations have them; "" when it is not there. */
 std::string BinaryText(HANDLE hPrinter, const std::wstring& wcValue)
@@ -38,14 +30,6 @@ std::string BinaryText(HANDLE hPrinter, const std::wstring& wcValue)
         text += cByte;
     }
     return dwType == REG_BINARY ? text : "type " + std::to_string(dwType);
-}
-
-std::vector<BYTE> PrinterInfo(HANDLE hPrinter)
-{
-    std::vector<BYTE> block(32768);
-    DWORD cb = 0;
-    EXPECT_TRUE(GetPrinterW(hPrinter, 2, block.data(), static_cast<DWORD>(block.size()), &cb));
-    return block;
 }
 
 std::wstring Text(HANDLE hPrinter, const wchar_t* wcValue)
@@ -77,15 +61,13 @@ class PrinterEvents : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(PrinterEvents, FromSettingUpToDeletion)
 {
-    const fs::path tcPackage = PathFromEnvironment("TQUI_BUILT");
-    const InfModel model = FindInfModel(ReadInf(tcPackage / "tqui.inf"), GetParam());
-    const InstalledPrinter printer(model, tcPackage, PathFromEnvironment("TQUI_TEST_LIBRARY"));
-    const auto raise = printer.Export<PrinterEventExport>("DrvPrinterEvent");
+    const InstalledPrinter printer = Install(GetParam());
+    const auto raise = EXPORT_OF(printer, DrvPrinterEvent);
     LPWSTR wcName = const_cast<LPWSTR>(printer.Name());
     const fs::path tcFontFile = printer.Files()[2];
     ASSERT_EQ(raise(wcName, INITIALIZE, 0, 0), 1);
 
-    const std::string wanted = Expectation(model.section);
+    const std::string wanted = FileBytes("Z:" TQUI_SOURCE_DIR "/tests/golden/install/" + GetParam() + ".txt");
     ASSERT_NE(wanted, "");
     for (const char* cValue :
          {"deviceinfo", "margin", "papersizes", "stdpapers", "papernames", "colordata", "mediatypes"}) {
@@ -103,7 +85,9 @@ TEST_P(PrinterEvents, FromSettingUpToDeletion)
     EXPECT_EQ("font file " + std::to_string(fs::file_size(tcFontFile)) + " bytes\n",
               wanted.substr(wanted.rfind("font file")));
 
-    const std::vector<BYTE> block = PrinterInfo(printer.Handle());
+    std::vector<BYTE> block(32768);
+    DWORD cb = 0;
+    EXPECT_TRUE(GetPrinterW(printer.Handle(), 2, block.data(), static_cast<DWORD>(block.size()), &cb));
     const PRINTER_INFO_2W& info = *reinterpret_cast<const PRINTER_INFO_2W*>(block.data());
     const bool bImage = wanted.find("processor JOB=") != wanted.npos;
     EXPECT_EQ(info.pPrintProcessor, std::wstring(bImage ? L"JOB" : L"winprint"));
@@ -121,10 +105,13 @@ TEST_P(PrinterEvents, FromSettingUpToDeletion)
     }
     /* The font installer was started: its stand-in leaves word. */
     fs::path tcStarted = tcFontFile.parent_path() / "GLYF.EXE.started";
-    for (int i = 0; i < 100 && !fs::exists(tcStarted); i++) {
-        Sleep(50);
-    }
-    EXPECT_TRUE(fs::exists(tcStarted));
+    const auto waitForStart = [&] {
+        for (int i = 0; i < 100 && !fs::exists(tcStarted); i++) {
+            Sleep(50);
+        }
+        return fs::exists(tcStarted);
+    };
+    EXPECT_TRUE(waitForStart());
     fs::remove(tcStarted);
 
     const auto nExtended = fs::file_size(tcFontFile);
@@ -137,9 +124,7 @@ TEST_P(PrinterEvents, FromSettingUpToDeletion)
     EXPECT_TRUE(fs::exists(tcSettings));
     EXPECT_EQ(raise(wcName, DELETE_PRINTER, 0, 0), 1);
     EXPECT_FALSE(fs::exists(tcSettings));
-    for (int i = 0; i < 100 && !fs::exists(tcStarted); i++) {
-        Sleep(50);
-    }
+    waitForStart();
     Sleep(200); /* the stand-ins end before their folder goes */
     fs::remove(tcStarted);
 }

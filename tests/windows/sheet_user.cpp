@@ -7,16 +7,11 @@
 #include <commctrl.h>
 #include <prsht.h>
 
+#include "platform/spooler.h"
+
 namespace {
 
 constexpr int STEP_MILLISECONDS = 2, PATIENCE_STEPS = 15000;
-
-struct DevicePropertyHeader { /* DEVICEPROPERTYHEADER, which the toolchain lacks */
-    WORD cbSize, Flags;
-    HANDLE hPrinter;
-    LPWSTR pszPrinterName;
-};
-static_assert(sizeof(DevicePropertyHeader) == 24);
 
 HWND TabsOf(HWND hSheet)
 {
@@ -79,7 +74,7 @@ SheetVisit VisitDeviceSheet(const InstalledPrinter& printer, const SheetUser& us
     using HostCall = LONG(WINAPI*)(HWND, void*, LPARAM, DWORD*);
     static const auto fnHost = reinterpret_cast<HostCall>(
         reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"compstui.dll"), "CommonPropertySheetUIW")));
-    DevicePropertyHeader header = {sizeof header, 0, printer.Handle(), const_cast<LPWSTR>(printer.Name())};
+    DEVICEPROPERTYHEADER header = {sizeof header, 0, printer.Handle(), const_cast<LPWSTR>(printer.Name())};
     return Visit(
         [&] {
             DWORD dwResult = 0;

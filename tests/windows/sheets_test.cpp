@@ -14,13 +14,6 @@ using Record = std::vector<BYTE>;
 
 constexpr size_t cbRecord = 4088, nCopiesAt = 86; /* dmCopies */
 
-InstalledPrinter Install(const char* cModel)
-{
-    const auto tcPackage = PathFromEnvironment("TQUI_BUILT");
-    static const std::vector<InfModel> models = ReadInf(tcPackage / "tqui.inf");
-    return {FindInfModel(models, cModel), tcPackage, PathFromEnvironment("TQUI_TEST_LIBRARY")};
-}
-
 DEVMODEW* AsDevmode(Record& record)
 {
     return reinterpret_cast<DEVMODEW*>(record.data());
@@ -101,47 +94,41 @@ class WithoutManager : public ::testing::Environment {
 };
 [[maybe_unused]] const auto* pEnvironment = ::testing::AddGlobalTestEnvironment(new WithoutManager);
 
-bool IsGerman()
-{
-    return PRIMARYLANGID(GetUserDefaultLangID()) == LANG_GERMAN;
-}
-
 } // namespace
 
-/* The tabs of both sheets, in the user's language, with the texts of the library on them. */
+/* The tabs of both sheets, in the user's language, with the texts of the library on them; all samples' are held by the
+   hosted tests. */
 TEST(Sheets, ShowTheirPages)
 {
-    const std::vector<std::wstring> english = {L"Layout", L"Paper", L"Quality", L"Watermarks"};
-    for (const char* cModel : {"T410A", "QP5", "QPS", "K100", "IX300", "T440B"}) {
+    const bool bGerman = PRIMARYLANGID(GetUserDefaultLangID()) == LANG_GERMAN;
+    using Names = std::vector<std::wstring>;
+    for (const char* cModel : {"T410A", "QPS"}) {
         SCOPED_TRACE(cModel);
         const InstalledPrinter printer = Install(cModel);
-        const std::string model = cModel;
-        const bool bFonts = model == "T410A" || model == "QP5" || model == "IX300";
+        const bool bFonts = std::string(cModel) == "T410A";
         Record record(cbRecord);
-        std::vector<std::wstring> tabs, labels, deviceTabs;
-        const SheetVisit document = VisitDocumentSheet(printer, AsDevmode(record), nullptr, [&](HWND hSheet) {
-            tabs = SheetTabs(hSheet);
-            for (size_t n = 0; n < tabs.size(); n++) {
-                labels.push_back(ControlText(ShowTab(hSheet, static_cast<int>(n)), IDC_PRESET_APPLY));
-            }
-            PressOk(hSheet);
-        });
-        EXPECT_TRUE(document.bShown);
-        EXPECT_EQ(tabs.size(), bFonts ? 5u : 4u);
-        for (size_t n = 0; n < tabs.size(); n++) {
-            EXPECT_EQ(labels[n].empty(), false) << n;
-            if (!IsGerman() && n < english.size()) {
-                EXPECT_EQ(tabs[n], english[n]);
-                EXPECT_EQ(labels[n], L"Apply Preset");
-            }
-        }
+        Names tabs, labels, deviceTabs;
+        EXPECT_TRUE(VisitDocumentSheet(printer, AsDevmode(record), nullptr, [&](HWND hSheet) {
+                        tabs = SheetTabs(hSheet);
+                        for (size_t n = 0; n < tabs.size(); n++) {
+                            labels.push_back(
+                                ControlText(ShowTab(hSheet, static_cast<int>(n)), IDC_PRESET_APPLY));
+                        }
+                        PressOk(hSheet);
+                    }).bShown);
         EXPECT_TRUE(VisitDeviceSheet(printer, [&](HWND hSheet) {
                         deviceTabs = SheetTabs(hSheet);
                         PressCancel(hSheet);
                     }).bShown);
-        ASSERT_EQ(deviceTabs.size(), 1u);
-        EXPECT_EQ(deviceTabs[0], IsGerman() && model != "T440B" ? (bFonts ? L"Schriften" : L"Info")
-                                                                : (bFonts ? L"Fonts" : L"About"));
+        EXPECT_EQ(tabs.size(), bFonts ? 5u : 4u);
+        EXPECT_EQ(std::ranges::count(labels, std::wstring()), 0);
+        if (!bGerman) {
+            tabs.resize(4);
+            EXPECT_EQ(tabs, (Names{L"Layout", L"Paper", L"Quality", L"Watermarks"}));
+            EXPECT_EQ(labels[0], L"Apply Preset");
+        }
+        EXPECT_EQ(deviceTabs,
+                  Names{bGerman ? (bFonts ? L"Schriften" : L"Info") : (bFonts ? L"Fonts" : L"About")});
     }
 }
 

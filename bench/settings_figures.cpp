@@ -15,9 +15,9 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include "installed_printer.h"
 #include "settingsfile/settings_reader.h"
 #include "settingsfile/settings_writer.h"
+#include "tests/windows/installed_printer.h"
 
 namespace {
 
