@@ -36,6 +36,27 @@ void SetLabel(HWND hDialog, const UiSession* pSession, int nControl, int nString
 /* The pass over a dialog's controls at its start: each that has a string of its own number gets it. */
 void LabelControls(HWND hDialog, const UiSession* pSession);
 
+/* Lists of controls, which a 0 ends. Controls that a dialog does not have are passed over. To offer controls is to show
+   and to enable them; those that are not offered are hidden and disabled. */
+void ShowControls(HWND hDialog, const int* pnControls, int bShow);
+void EnableControls(HWND hDialog, const int* pnControls, int bEnable);
+void OfferControls(HWND hDialog, const int* pnControls, int bOffer);
+void EnableControl(HWND hDialog, int nControl, int bEnable);
+
+/* A check box or radio button. */
+int IsChecked(HWND hDialog, int nControl);
+void SetChecked(HWND hDialog, int nControl, int bCheck);
+
+/* Checks one radio button of a group, which a 0 ends, and clears the others. */
+void CheckRadio(HWND hDialog, const int* pnRadios, int nRadio);
+
+/* 1 when a point of the dialog's client area, as mouse messages carry it, lies over a control; its right and bottom edge
+   belong to it. */
+int IsOverControl(HWND hDialog, int nControl, LPARAM lPoint);
+
+/* Has the hand cursor over what can be clicked, and the one before when the mouse has left it. */
+void ShowHandCursor(UiSession* pSession, int bOver);
+
 /* The control's rectangle in client co-ordinates of its dialog; 0 when there is no such control. */
 int ControlRect(HWND hDialog, int nControl, RECT* pRect);
 

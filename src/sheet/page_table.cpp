@@ -16,14 +16,14 @@ void InitQuality(HWND hPage, UiSession* pSession)
     SetLabel(hPage, pSession, IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION_LABEL);
 }
 
-constexpr PageRoutines layoutPage = {SLOT_LAYOUT, 50, nullptr, nullptr, nullptr, PaintDuplexPage, nullptr};
-constexpr PageRoutines paperPage = {SLOT_PAPER, 100, nullptr, nullptr, nullptr, PaintDuplexPage, nullptr};
-constexpr PageRoutines qualityPage = {SLOT_QUALITY,     400,    InitQuality, nullptr, nullptr,
-                                      PaintPreviewPage, nullptr};
-constexpr PageRoutines watermarksPage = {SLOT_WATERMARKS,  500,    nullptr, nullptr, nullptr,
-                                         PaintPreviewPage, nullptr};
-constexpr PageRoutines fontsPage = {SLOT_FONTS, 600, nullptr, nullptr, nullptr, PaintPreviewPage, nullptr};
-constexpr PageRoutines aboutPage = {SLOT_ABOUT, 0, FillAbout, nullptr, nullptr, nullptr, nullptr};
+constexpr PageRoutines layoutPage = {.slot = SLOT_LAYOUT, .nHelpKey = 50, .pfnPaint = PaintDuplexPage};
+constexpr PageRoutines paperPage = {.slot = SLOT_PAPER, .nHelpKey = 100, .pfnPaint = PaintDuplexPage};
+constexpr PageRoutines qualityPage = {
+    .slot = SLOT_QUALITY, .nHelpKey = 400, .pfnInit = InitQuality, .pfnPaint = PaintPreviewPage};
+constexpr PageRoutines watermarksPage = {
+    .slot = SLOT_WATERMARKS, .nHelpKey = 500, .pfnPaint = PaintPreviewPage};
+constexpr PageRoutines fontsPage = {.slot = SLOT_FONTS, .nHelpKey = 600, .pfnPaint = PaintPreviewPage};
+constexpr PageRoutines aboutPage = {.slot = SLOT_ABOUT, .nHelpKey = 0, .pfnInit = FillAbout};
 
 } // namespace
 

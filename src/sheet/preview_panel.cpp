@@ -9,16 +9,6 @@
 
 namespace {
 
-int IsChecked(HWND hPage, int nControl)
-{
-    return IsDlgButtonChecked(hPage, nControl) == BST_CHECKED;
-}
-
-int HasDuplexOption(const XpiModel* pModel)
-{
-    return ((pModel->ulOptOptions | pModel->ulStdOptions | pModel->ulMoreOptions) & OPTION_DUPLEX) != 0;
-}
-
 /* Item data of the selected row, or what stands in for it. */
 i32 ComboOr(HWND hPage, int nControl, i32 lOther)
 {
