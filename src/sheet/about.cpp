@@ -50,11 +50,11 @@ void InitAbout(HWND hDialog, UiSession* pSession)
 void AboutCommand(HWND hDialog, UiSession*, WPARAM wParam, LPARAM)
 {
     if (LOWORD(wParam) == IDC_NOTICE_OK) {
-        EndDialog(hDialog, 0);
+        EndDialog(hDialog, DIALOG_OK);
     }
 }
 
-constexpr DialogRoutines aboutBox = {-1, 0, InitAbout, AboutCommand};
+constexpr DialogRoutines aboutBox = {-1, InitAbout, AboutCommand};
 
 } // namespace
 

@@ -29,7 +29,7 @@ INT_PTR DialogCommanded(const DialogRoutines& routines, HWND hDialog, UiSession*
 {
     int nControl = LOWORD(wParam);
     if (nControl == IDCANCEL || (nControl == IDC_CANCEL && HIWORD(wParam) == BN_CLICKED)) {
-        EndDialog(hDialog, routines.nCancelResult);
+        EndDialog(hDialog, DIALOG_CANCEL);
     } else if (nControl == IDC_LOGO) {
         const XpiModel* pModel = pSession->pXpi.get();
         if (HIWORD(wParam) == STN_CLICKED && pModel && pModel->sWebLinkCmdId) {
@@ -98,7 +98,7 @@ INT_PTR RunDialogProc(UiSession* pSession, HWND hOwner, int nTemplate, i16 sArgu
 {
     HINSTANCE hLibrary = static_cast<HINSTANCE>(pSession->hLanguageDll.get());
     if (!hLibrary) {
-        return DIALOG_FAILED; /* the program that we are loaded into may have a dialog of that number */
+        return 0; /* the program that we are loaded into may have a dialog of that number */
     }
     i16 sBefore = std::exchange(pSession->sDialogArg, sArgument);
     u32 bFilling =

@@ -5,13 +5,12 @@
 
 #include "sheet/session.h"
 
-/* Result of a dialog that cannot be shown: its language library or its window cannot be had. */
-constexpr INT_PTR DIALOG_FAILED = -1;
+/* How a dialog ends. The system answers 0 or -1 for one that it could not show. */
+constexpr INT_PTR DIALOG_OK = 1, DIALOG_CANCEL = 2;
 
 /* Each routine may be null. */
 struct DialogRoutines {
     int nSlot;                     /* of its edits; -1: none */
-    INT_PTR nCancelResult;         /* of IDC_CANCEL, the cross and Escape */
     PageRoutine pfnInit = nullptr; /* labels stand already; no command runs meanwhile */
     PageCommand pfnCommand = nullptr;
     PageRoutine pfnPaint = nullptr; /* WM_PAINT, from BeginPaint to EndPaint */
@@ -29,8 +28,9 @@ INT_PTR CALLBACK DialogProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM l
     return HandleDialogMessage(routines, hDialog, uMessage, wParam, lParam);
 }
 
-/* Runs a dialog of the language library, modal over hOwner, which may be null. Its routines see the session's
-   sDialogArg as sArgument; the one from before is back when this returns. Result: what the dialog was ended with. */
+/* Runs a dialog of the language library, modal over hOwner, which may be null. Its routines find sArgument in the
+   session's sDialogArg, which is as before when this returns. IDC_CANCEL, the cross and Escape end it with DIALOG_CANCEL.
+   Result: what it was ended with; another value when it could not be shown. */
 INT_PTR RunDialogProc(UiSession* pSession, HWND hOwner, int nTemplate, i16 sArgument, DLGPROC pfnDialog);
 template <const DialogRoutines& routines>
 INT_PTR RunDialog(UiSession* pSession, HWND hOwner, int nTemplate, i16 sArgument)

@@ -116,20 +116,20 @@ void InitNotice(HWND hDialog, UiSession* pSession)
 void NoticeCommand(HWND hDialog, UiSession*, WPARAM wParam, LPARAM)
 {
     switch (LOWORD(wParam)) {
-    case IDC_OK: EndDialog(hDialog, 0); break;
-    case IDC_NOTICE_OK: EndDialog(hDialog, 1); break;
+    case IDC_OK: EndDialog(hDialog, DIALOG_OK); break;
+    case IDC_NOTICE_OK: EndDialog(hDialog, DIALOG_CANCEL); break;
     default: break;
     }
 }
 
-constexpr DialogRoutines noticeBox = {-1, 1, InitNotice, NoticeCommand};
+constexpr DialogRoutines noticeBox = {-1, InitNotice, NoticeCommand};
 
 } // namespace
 
 INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice)
 {
     const NoticeRow* pRow = FindNotice(notice);
-    return !pRow || RunDialog<noticeBox>(pSession, hOwner, pRow->usTemplate, notice) != 0;
+    return !pRow || RunDialog<noticeBox>(pSession, hOwner, pRow->usTemplate, notice) != DIALOG_OK;
 }
 
 int ShowJobNotice(HMODULE hLanguageDll, const LanguageChoice& choice)
