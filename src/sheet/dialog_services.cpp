@@ -92,6 +92,13 @@ i32 GetComboValue(HWND hDialog, int nControl, int* pbChosen)
     return GetValue(hDialog, nControl, pbChosen, comboMessages);
 }
 
+Selection ReadCombo(HWND hDialog, int nControl)
+{
+    Selection selection;
+    selection.lValue = GetComboValue(hDialog, nControl, &selection.bChosen);
+    return selection;
+}
+
 i32 GetListValue(HWND hDialog, int nControl, int* pbChosen)
 {
     return GetValue(hDialog, nControl, pbChosen, listMessages);

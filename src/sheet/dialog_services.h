@@ -3,6 +3,7 @@
 #ifndef TQUI_SHEET_DIALOG_SERVICES_H
 #define TQUI_SHEET_DIALOG_SERVICES_H
 
+#include "sheet/selection.h"
 #include "sheet/session.h"
 
 /* Row of a table that a combo box is filled from; usString 0 ends it. */
@@ -18,6 +19,8 @@ constexpr u32 ALL_ROWS = 0xFFFFFFFF;
    which may be null, is 1 only for a selected row: without one a record's field is left alone. */
 i32 GetComboValue(HWND hDialog, int nControl, int* pbChosen);
 i32 GetListValue(HWND hDialog, int nControl, int* pbChosen);
+
+Selection ReadCombo(HWND hDialog, int nControl);
 
 /* Selects the first row with that item data; without one row 0, and gives -1. */
 i32 SelectComboValue(HWND hDialog, int nControl, i32 lValue);

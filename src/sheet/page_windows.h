@@ -2,6 +2,7 @@
 #ifndef TQUI_SHEET_PAGE_WINDOWS_H
 #define TQUI_SHEET_PAGE_WINDOWS_H
 
+#include "preview/preview_choice.h"
 #include "sheet/session.h"
 
 /* Each routine may be null. What a page does with its commands stands in the page table. */
@@ -18,6 +19,8 @@ struct PageRoutines {
     PageRoutine pfnPaint = nullptr;       /* WM_PAINT, from BeginPaint to EndPaint */
     PageCommand pfnScroll = nullptr;      /* WM_HSCROLL; spin buttons need no routine */
     MouseRoutine pfnMouse = nullptr;      /* besides the hot areas */
+    /* puts what the controls show over what the record says, as far as they say something */
+    void (*pfnPreview)(HWND hPage, const UiSession* pSession, PreviewChoice* pChoice) = nullptr;
 };
 
 /* Fills the controls of a page; meanwhile neither its commands nor its check run. */
