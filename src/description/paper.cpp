@@ -78,6 +78,15 @@ i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
     return nUser;
 }
 
+i32 CountPaperRows(const XpiModel* pModel)
+{
+    i32 nRows = 0;
+    while (pModel && Row(pModel, pModel->pPaperTable, nRows)->sNameId) {
+        nRows++;
+    }
+    return nRows;
+}
+
 const PaperRow* FindPaperRow(const XpiModel* pModel, i16 sCode)
 {
     for (i32 i = 0; pModel; i++) {

@@ -40,6 +40,9 @@ i32 GetPaperSize(PrinterCall& call, const XpiModel* pModel, i16 sCode, i16* psWi
 /* The paper that a document is scaled to when this one is chosen; 0 or below for none. */
 i16 GetCompanionPaper(const XpiModel* pModel, i16 sCode);
 
+/* Rows of the model's paper table up to its end; 0 without a model or a table. */
+i32 CountPaperRows(const XpiModel* pModel);
+
 /* Row of the model's paper table with this code, or null. */
 const PaperRow* FindPaperRow(const XpiModel* pModel, i16 sCode);
 

@@ -202,6 +202,13 @@ void CheckRadio(HWND hDialog, const int* pnRadios, int nRadio)
     }
 }
 
+void MakeDefaultButton(HWND hDialog, int nButton, int nOther)
+{
+    SendDlgItemMessageW(hDialog, nOther, BM_SETSTYLE, BS_PUSHBUTTON, 1);
+    SendDlgItemMessageW(hDialog, nButton, BM_SETSTYLE, BS_DEFPUSHBUTTON, 1);
+    SendMessageW(hDialog, DM_SETDEFID, static_cast<WPARAM>(nButton), 0);
+}
+
 int IsOverControl(HWND hDialog, int nControl, LPARAM lPoint)
 {
     RECT area;

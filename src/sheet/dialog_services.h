@@ -53,6 +53,9 @@ void SetChecked(HWND hDialog, int nControl, int bCheck);
 /* Checks one radio button of a group, which a 0 ends, and clears the others. */
 void CheckRadio(HWND hDialog, const int* pnRadios, int nRadio);
 
+/* Makes a push button the one that Enter presses; nOther is the one that did until now, or may have. */
+void MakeDefaultButton(HWND hDialog, int nButton, int nOther);
+
 /* 1 when a point of the dialog's client area, as mouse messages carry it, lies over a control; its right and bottom edge
    belong to it. */
 int IsOverControl(HWND hDialog, int nControl, LPARAM lPoint);
