@@ -201,6 +201,7 @@ i32 ClampNumber(HWND hDialog, int nControl)
     i32 lWithin = LimitNumber(nControl, lValue);
     if (lWithin != lValue) {
         ShowNumber(hDialog, nControl, lWithin);
+        SendDlgItemMessageW(hDialog, nControl, EM_SETSEL, 0, -1); /* what is typed next takes its place */
     }
     return lWithin;
 }

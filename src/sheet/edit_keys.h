@@ -26,7 +26,8 @@ void ShowLimitedMeasure(HWND hDialog, const UiSession* pSession, int nControl, i
 i32 ReadNumber(HWND hDialog, int nControl, int* pbNumber = nullptr);
 void ShowNumber(HWND hDialog, int nControl, i32 lValue);
 
-/* The number held within the limits of its edit control. ClampNumber also writes it back when it lay beyond. */
+/* The number held within the limits of its edit control. ClampNumber also writes it back when it lay beyond, and
+   selects it. */
 i32 LimitNumber(int nControl, i32 lValue);
 i32 ClampNumber(HWND hDialog, int nControl);
 
