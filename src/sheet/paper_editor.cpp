@@ -116,14 +116,16 @@ void Confirm(HWND hDialog, UiSession* pSession)
         SetFocus(GetDlgItem(hDialog, bWidth ? IDC_SIZE_LENGTH : IDC_SIZE_WIDTH));
         return;
     }
-    ReadName(hDialog, row.wcName);
-    if (!row.wcName[0]) {
+    WCHAR wcName[NAME_CHARS];
+    ReadName(hDialog, wcName);
+    if (!wcName[0]) {
         return; /* the button cannot be pressed, but other programs send messages, too */
     }
-    if (IsPaperNameTaken(pSession->pCustomPapers.get(), pSession->sDialogArg, row.wcName)) {
+    if (IsPaperNameTaken(pSession->pCustomPapers.get(), pSession->sDialogArg, wcName)) {
         ShowNotice(pSession, hDialog, NOTICE_NAME);
         return;
     }
+    CopyWide(row.wcName, NAME_CHARS, wcName); /* rows are compared whole, so nothing stands behind the name */
     row.ulMetric = static_cast<u32>(IsMetric(pSession));
     *EditedRow(pSession) = row;
     EndDialog(hDialog, DIALOG_OK);
