@@ -16,45 +16,12 @@
 
 namespace {
 
-using Step = std::function<void(HWND hDialog)>;
-
-/* Takes a step in the dialog that an action opens; when none opens, the step is not taken later either. */
-void Within(const Step& step, const std::function<void()>& action)
-{
-    const auto bOpen = std::make_shared<bool>(true);
-    QueueModalStep([=](HWND hDialog) { *bOpen ? step(hDialog) : void(); });
-    action();
-    *bOpen = false;
-}
-void Press(HWND hDialog, int nButton, const Step& step)
-{
-    Within(step, [=] { ClickControl(hDialog, nButton); });
-}
-void Confirm(HWND hEditor)
-{
-    ClickControl(hEditor, IDC_SIZE_ADD);
-    ClickControl(hEditor, IDC_SIZE_CHANGE);
-}
-void Fill(HWND hEditor, const WideText& wcName, const WideText& wcWidth, const WideText& wcLength)
-{
-    TypeText(hEditor, IDC_SIZE_NAME, wcName);
-    TypeText(hEditor, IDC_SIZE_WIDTH, wcWidth);
-    TypeText(hEditor, IDC_SIZE_LENGTH, wcLength);
-}
-void Add(HWND hList, const WideText& wcName, const WideText& wcWidth, const WideText& wcLength)
-{
-    Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-        Fill(hEditor, wcName, wcWidth, wcLength);
-        Confirm(hEditor);
-    });
-}
-/* Confirms, and reads the notice that refuses. */
-std::string Refusal(HWND hEditor)
-{
-    WCHAR wcTitle[TEXT_CHARS] = {};
-    Press(hEditor, IDC_SIZE_ADD, [&](HWND hNotice) { GetWindowTextW(hNotice, wcTitle, TEXT_CHARS); });
-    return Narrow(wcTitle);
-}
+const std::map<WideText, int> words = {
+    {u"new", IDC_SIZES_NEW}, {u"edit", IDC_SIZES_EDIT}, {u"delete", IDC_SIZES_DELETE},
+    {u"ok", IDC_OK},         {u"add", IDC_SIZE_ADD},    {u"change", IDC_SIZE_CHANGE},
+    {u"unit", IDC_UNIT},     {u"cancel", IDC_CANCEL},   {u"n", IDC_SIZE_NAME},
+    {u"w", IDC_SIZE_WIDTH},  {u"l", IDC_SIZE_LENGTH},   {u"close", IDC_NOTICE_OK},
+    {u"row", IDC_SIZES_LIST}};
 
 class SavedPapersTest : public SheetTest {
   protected:
@@ -69,51 +36,88 @@ class SavedPapersTest : public SheetTest {
         FillPaperCombo(Page(1), Session());
         ASSERT_TRUE(ShowSheetPage(pSheet, 0));
     }
-    void SetSizes(const std::vector<u16>& words)
+    void SetSizes(const std::vector<u16>& sizes)
     {
-        const u8* pBytes = reinterpret_cast<const u8*>(words.data());
-        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, Bytes(pBytes, pBytes + 2 * words.size()));
+        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, BytesOf(sizes));
     }
-    void InList(const Step& step)
+    static Bytes BytesOf(const std::vector<u16>& sizes)
     {
-        Within(step, [&] { ShowSavedPapers(SheetWindow(pSheet), Session()); });
+        const u8* pBytes = reinterpret_cast<const u8*>(sizes.data());
+        return Bytes(pBytes, pBytes + 2 * sizes.size());
+    }
+    Bytes Sizes()
+    {
+        DWORD dwType;
+        Bytes value;
+        GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value);
+        return value;
     }
 
-    /* Rows of a list from nFirst on; for the list of the dialog also which of its buttons are enabled. */
-    static std::string Rows(HWND hDialog, int nList = IDC_SIZES_LIST, LRESULT nFirst = 0)
+    /* The user opens the list and does one thing after the other, parted by "/", each in the dialog that is up then: the
+       button of that word, "n=TEXT" typed into a control, "row=2" picked and double-clicked, "up" and "down" of the
+       width's spin button, "enter"; "see" notes what is shown. Result: the notes. What does not come to its turn is not
+       done later. */
+    std::string Work(const WideText& wcThings)
     {
-        const bool bBox = nList == IDC_SIZES_LIST;
-        std::string rows;
-        const LRESULT nRows = SendDlgItemMessageW(hDialog, nList, bBox ? LB_GETCOUNT : CB_GETCOUNT, 0, 0);
-        for (LRESULT i = nFirst; i < nRows; i++) {
-            WCHAR wcRow[3 * TEXT_CHARS] = {};
-            SendDlgItemMessageW(hDialog, nList, bBox ? LB_GETTEXT : CB_GETLBTEXT, static_cast<WPARAM>(i),
-                                reinterpret_cast<LPARAM>(wcRow));
-            rows += Narrow(wcRow) + "|";
+        notes.clear();
+        nWork++;
+        for (size_t nAt = 0, nEnd = 0; nEnd != WideText::npos; nAt = nEnd + 1) {
+            nEnd = wcThings.find(u'/', nAt);
+            QueueModalStep([this, nOwn = nWork, wcThing = wcThings.substr(nAt, nEnd - nAt)](HWND hDialog) {
+                nOwn == nWork ? Do(hDialog, wcThing) : void();
+            });
         }
-        for (int nButton : {IDC_SIZES_NEW, IDC_SIZES_EDIT, IDC_SIZES_DELETE}) {
-            rows += !bBox ? "" : IsWindowEnabled(GetDlgItem(hDialog, nButton)) ? "+" : "-";
-        }
-        return rows;
+        ShowSavedPapers(SheetWindow(pSheet), Session());
+        return notes;
     }
-    /* Title and edit controls, the confirm buttons that can be pressed, and the default button. */
-    static std::string Editor(HWND hEditor)
+    void Do(HWND hDialog, const WideText& wcThing)
+    {
+        const size_t nMark = wcThing.find(u'=');
+        const auto word = words.find(wcThing.substr(0, nMark));
+        if (wcThing == u"see") {
+            notes += See(hDialog) + "\n";
+        } else if (wcThing == u"enter") {
+            SendKey(VK_RETURN);
+        } else if (wcThing == u"up" || wcThing == u"down") {
+            SpinControl(hDialog, IDC_SIZE_WIDTH_SPIN, wcThing == u"up" ? SB_LINEUP : SB_LINEDOWN);
+        } else if (nMark == WideText::npos) {
+            nEdits += ClickControl(hDialog, word->second) && word->first != u"unit";
+        } else if (word->second == IDC_SIZES_LIST) {
+            PickRow(hDialog, IDC_SIZES_LIST, wcThing.back() - u'0');
+            DoubleClickRow(hDialog, IDC_SIZES_LIST, wcThing.back() - u'0');
+        } else {
+            TypeText(hDialog, word->second, wcThing.substr(nMark + 1));
+        }
+    }
+
+    static std::string RowText(HWND hDialog, int nList, UINT uMessage, LRESULT nRow)
+    {
+        WCHAR wcRow[3 * TEXT_CHARS] = {};
+        SendDlgItemMessageW(hDialog, nList, uMessage, static_cast<WPARAM>(nRow),
+                            reinterpret_cast<LPARAM>(wcRow));
+        return Narrow(wcRow) + "|";
+    }
+    /* Title, rows, edit controls with their units, the buttons that can be pressed, ">" at the one that Enter presses,
+       "_" at the control with the focus. */
+    static std::string See(HWND hDialog)
     {
         WCHAR wcTitle[TEXT_CHARS] = {};
-        GetWindowTextW(hEditor, wcTitle, TEXT_CHARS);
-        std::string shown = Narrow(wcTitle);
-        for (int nControl :
-             {IDC_SIZE_NAME, IDC_SIZE_WIDTH, IDC_SIZE_WIDTH_UNIT, IDC_SIZE_LENGTH, IDC_SIZE_LENGTH_UNIT}) {
-            shown += "|" + Narrow(TextOf(hEditor, nControl));
+        GetWindowTextW(hDialog, wcTitle, TEXT_CHARS);
+        std::string seen = Narrow(wcTitle) + "|";
+        for (LRESULT i = 0; i < SendDlgItemMessageW(hDialog, IDC_SIZES_LIST, LB_GETCOUNT, 0, 0); i++) {
+            seen += RowText(hDialog, IDC_SIZES_LIST, LB_GETTEXT, i);
         }
-        for (int nButton : {IDC_SIZE_ADD, IDC_SIZE_CHANGE}) {
-            const HWND hButton = GetDlgItem(hEditor, nButton);
-            const auto lStyle = GetWindowLongPtrW(hButton, GWL_STYLE);
-            shown += (lStyle & static_cast<LONG_PTR>(WS_VISIBLE)) && IsWindowEnabled(hButton)
-                         ? "|" + Narrow(TextOf(hEditor, nButton))
-                         : "";
+        for (int nControl : {IDC_SIZE_NAME, IDC_SIZE_WIDTH, IDC_SIZE_WIDTH_UNIT, IDC_SIZE_WIDTH_SPIN,
+                             IDC_SIZE_LENGTH, IDC_SIZE_LENGTH_UNIT, IDC_SIZES_NEW, IDC_SIZES_EDIT,
+                             IDC_SIZES_DELETE, IDC_SIZE_ADD, IDC_SIZE_CHANGE, IDC_CANCEL, IDC_OK}) {
+            const HWND hControl = GetDlgItem(hDialog, nControl);
+            if (IsWindowEnabled(hControl) && IsWindowVisible(hControl)) {
+                seen += LOWORD(SendMessageW(hDialog, DM_GETDEFID, 0, 0)) == nControl ? ">" : "";
+                seen += GetFocus() == hControl ? "_" : "";
+                seen += Narrow(TextOf(hDialog, nControl)) + "|";
+            }
         }
-        return shown + "|" + std::to_string(LOWORD(SendMessageW(hEditor, DM_GETDEFID, 0, 0)));
+        return seen;
     }
 
     /* "" when file, forms, value and list say what the session does. Of papers that have one name in the spooler's eyes
@@ -121,11 +125,11 @@ class SavedPapersTest : public SheetTest {
     std::string Disagreement()
     {
         const PaperSizeRow* pRows = Session()->pCustomPapers.get();
-        const i32 nRows = Session()->sCustomPaperCount;
+        const i32 nRows = Session()->sCustomPaperCount, nModel = CountPaperRows(Session()->pXpi.get());
         PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pFile;
         const i32 nFile = GetSavedPapers(call, nullptr, &pFile);
-        std::string fault = SamePapers(pRows, nRows, pFile.get(), nFile) ? "" : "file; ", names;
+        std::string fault = SamePapers(pRows, nRows, pFile.get(), nFile) ? "" : "file; ";
         std::map<WideText, std::pair<u32, u32>> wanted, forms;
         std::vector<u16> sizes = {257, 2100, 11880, 300, 3000, 2000};
         for (i32 i = 0; i < nRows; i++) {
@@ -133,21 +137,19 @@ class SavedPapersTest : public SheetTest {
             for (u32 ulWord : {448u + static_cast<u32>(i), pRows[i].ulWidth / 10, pRows[i].ulLength / 10}) {
                 sizes.push_back(static_cast<u16>(ulWord));
             }
-            names += Narrow(pRows[i].wcName) + "|";
+            const std::string row = RowText(Page(1), IDC_PAPER_SIZE, CB_GETLBTEXT, nModel + i);
+            fault += row == Narrow(pRows[i].wcName) + "|" ? "" : "list; ";
         }
         for (const MachineForm& form : MachineForms()) {
             fault += forms.contains(LowerText(form.wcName)) ? "a form twice; " : "";
             forms[LowerText(form.wcName)] = {form.size.cx, form.size.cy};
         }
-        DWORD dwType;
-        Bytes value, before;
-        GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value);
-        SetSizes(sizes);
-        GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &before);
-        return fault + (wanted == forms ? "" : "forms; ") + (value == before ? "" : "value; ") +
-               (Rows(Page(1), IDC_PAPER_SIZE, CountPaperRows(Session()->pXpi.get())) == names ? "" : "list");
+        return fault + (wanted == forms ? "" : "forms; ") + (Sizes() == BytesOf(sizes) ? "" : "value; ");
     }
     bool IsDirty() const { return Session()->bPageDirty[SLOT_CUSTOM_PAPERS] != 0; }
+
+    std::string notes;
+    int nWork = 0, nEdits = 0;
 };
 
 } // namespace
@@ -155,35 +157,19 @@ class SavedPapersTest : public SheetTest {
 TEST_F(SavedPapersTest, AreMadeByHand)
 {
     Open(false);
-    InList([&](HWND hList) {
-        EXPECT_EQ(Rows(hList), "+--");
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            EXPECT_EQ(Editor(hEditor), "New Paper Size||3.00|in|5.00|in|1703");
-            Fill(hEditor, u"   ", u"1", u"99");
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|   |1|in|99|in|1703");
-            TypeText(hEditor, IDC_SIZE_NAME, u"Card ", false);
-            EXPECT_EQ(Refusal(hEditor), "Paper Size Out of Range");
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|   Card |3.00|in|47.24|in|Add|1710");
-            EXPECT_EQ(GetFocus(), GetDlgItem(hEditor, IDC_SIZE_WIDTH)) << "the first of those that were out";
-            ClickControl(hEditor, IDC_UNIT);
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|   Card |76.2|mm|1199.9|mm|Add|1710");
-            Fill(hEditor, u" Card ", u"100.0", u"152.4");
-            SpinControl(hEditor, IDC_SIZE_WIDTH_SPIN, SB_LINEUP);
-            SpinControl(hEditor, IDC_SIZE_WIDTH_SPIN, SB_LINEDOWN);
-            EXPECT_EQ(GetFocus(), GetDlgItem(hEditor, IDC_SIZE_WIDTH_SPIN));
-            TypeText(hEditor, IDC_SIZE_LENGTH, u"152.4");
-            SendKey(VK_RETURN);
-        });
-        EXPECT_EQ(Rows(hList), "Card (100.0 x 152.4 mm)|+++");
-        EXPECT_TRUE(IsDirty() && CanApplySheet(pSheet));
-        Add(hList, u"A  B", u"9.84", u"11.81");
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            Fill(hEditor, u"Card", u"8.00", u"10.00");
-            EXPECT_EQ(Refusal(hEditor), "Name Already in Use");
-            CloseWindowByUser(hEditor);
-        });
-        ClickControl(hList, IDC_OK);
-    });
+    EXPECT_EQ(
+        Work(
+            u"see/new/see/n=   /see/n= Card /w=1/l=99/add/see/close/see/unit/see/w=100.0/up/see/down/l=152.4/enter/"
+            u"new/n=A  B/w=9.84/l=11.81/add/new/n=Card/add/see/close/cancel/see/ok"),
+        "Your Paper Sizes|New...|Cancel|>OK|\n"
+        "New Paper Size|_|3.00|in||5.00|in|>Cancel|\n"
+        "New Paper Size|_   |3.00|in||5.00|in|>Cancel|\n"
+        "Paper Size Out of Range|\n"
+        "New Paper Size| Card |_3.00|in||47.24|in|>Add|Cancel|\n"
+        "New Paper Size| Card |76.2|mm||1199.9|mm|>Add|Cancel|\n"
+        "New Paper Size| Card |100.1|mm|_|1199.9|mm|>Add|Cancel|\n"
+        "Name Already in Use|\n"
+        "Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
     EXPECT_EQ(ForcedCloses(), 0);
     EXPECT_EQ(Disagreement(), "");
     EXPECT_EQ(SheetResults(pSheet).size(), 1u);
@@ -197,49 +183,26 @@ TEST_F(SavedPapersTest, AreMadeByHand)
 TEST_F(SavedPapersTest, AreKnownByTheirNames)
 {
     Open(true);
-    InList([&](HWND hList) {
-        Add(hList, u"One", u"100.0", u"200.0");
-        Add(hList, u"Two", u"150", u"250");
-        ClickControl(hList, IDC_OK);
-    });
+    Work(u"new/n=One/w=100/l=200/add/new/n=Two/w=150/l=250/add/ok");
     SelectComboValue(Page(1), IDC_PAPER_SIZE, 449);
-    InList([&](HWND hList) {
-        EXPECT_FALSE(IsDirty());
-        ClickControl(hList, IDC_SIZES_DELETE);
-        EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), 448);
-        ClickControl(hList, IDC_OK);
-    });
+    Work(u"delete/ok");
+    EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), 448);
     EXPECT_EQ(Disagreement(), "");
-    InList([&](HWND hList) {
-        Within(
-            [&](HWND hEditor) {
-                EXPECT_EQ(Editor(hEditor), "Edit Paper Size|Two|150.0|mm|250.0|mm|OK|1709");
-                TypeText(hEditor, IDC_SIZE_NAME, u"Three");
-                ClickControl(hEditor, IDC_UNIT);
-                Confirm(hEditor);
-            },
-            [&] { DoubleClickRow(hList, IDC_SIZES_LIST, 0); });
-        EXPECT_EQ(Rows(hList), "Three (5.91 x 9.84 in)|+++");
-        EXPECT_EQ(record.rPrivate.bMetric, 0);
-        EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), PAPER_A4) << "the name is gone";
-        ClickControl(hList, IDC_CANCEL);
-    });
+    EXPECT_EQ(Work(u"row=0/see/n=Three/unit/change/see/cancel"),
+              "Edit Paper Size|_Two|150.0|mm||250.0|mm|>OK|Cancel|\n"
+              "Your Paper Sizes|Three (5.91 x 9.84 in)|New...|Edit...|Delete|Cancel|>OK|\n");
+    EXPECT_EQ(record.rPrivate.bMetric, 0);
+    EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), PAPER_A4) << "the name is gone";
     EXPECT_FALSE(IsDirty()) << "no page's commit waits for them";
     EXPECT_EQ(Disagreement(), "file; forms; value; ");
-    InList([&](HWND hList) { ClickControl(hList, IDC_OK); });
+    Work(u"ok");
     EXPECT_EQ(Disagreement(), "") << "the next OK finds them";
     ResetCallCounts();
-    InList([&](HWND hList) { ClickControl(hList, IDC_OK); });
+    Work(u"ok");
     EXPECT_EQ(CallCount(CALL_DeleteFormW) + CallCount(CALL_SetPrinterDataW), 0) << "nothing to store";
     SetSizes({448, 0, 0, 449});
-    InList([&](HWND hList) {
-        ClickControl(hList, IDC_SIZES_DELETE);
-        EXPECT_EQ(Rows(hList), "+--");
-        ClickControl(hList, IDC_OK);
-    });
-    DWORD dwType;
-    Bytes value;
-    EXPECT_FALSE(GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value)) << "no row is left";
+    Work(u"delete/ok");
+    EXPECT_TRUE(Sizes().empty()) << "no row is left";
     EXPECT_TRUE(MachineForms().empty());
 }
 
@@ -247,56 +210,30 @@ TEST_F(SavedPapersTest, AreKnownByTheirNames)
 TEST_F(SavedPapersTest, TakeNoSizeBeyondTheModels)
 {
     Open(true);
-    const WideText wcMany(200, u'9');
-    const std::map<WideText, u32> taken = {{u"", 7620},
-                                           {u"-", 7620},
-                                           {u"-100", 7620},
-                                           {u"abc", 7620},
-                                           {u"\u0661\u0660\u0660", 7620},
-                                           {u"76.1", 7620},
-                                           {u"100,5", 7620},
-                                           {u"+100.5", 10050},
-                                           {u" 100 x", 10000},
-                                           {u"311.2", 31120},
-                                           {u"311.3", 31120},
-                                           {u"999999", 31120},
-                                           {wcMany, 31120}};
-    for (const auto& [wcText, ulTaken] : taken) {
-        InList([&](HWND hList) {
-            Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-                Fill(hEditor, u"Card", wcText, u"200");
-                Refusal(hEditor);
-                Confirm(hEditor);
-            });
+    const WideText wcMany(200, u'9'), wcArabic = u"\u0661\u0660\u0660";
+    const std::map<u32, std::vector<WideText>> taken = {
+        {7620, {u"", u"-", u"-100", u"abc", wcArabic, u"100,5", u"76.1"}},
+        {10000, {u" 100 x"}},
+        {10050, {u"+100.5"}},
+        {31120, {u"311.2", u"311.3", wcMany}}};
+    for (const auto& [ulTaken, texts] : taken) {
+        for (const WideText& wcText : texts) {
+            Work(u"new/n=Card/w=" + wcText + u"/l=200/add/close/add/cancel");
             EXPECT_EQ(Session()->pCustomPapers->ulWidth, ulTaken) << Narrow(wcText);
-            Press(hList, IDC_SIZES_EDIT, [&](HWND hEditor) {
-                ClickControl(hEditor, IDC_UNIT);
-                Confirm(hEditor);
-            });
+            Work(u"edit/unit/change/cancel");
             EXPECT_EQ(Session()->pCustomPapers->ulMetric, 0u) << Narrow(wcText);
-            ClickControl(hList, IDC_SIZES_DELETE);
-        });
-    }
-    InList([&](HWND hList) {
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            TypeText(hEditor, IDC_SIZE_NAME, WideText(20, u'n'));
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|nnnnnnnnnnnnnnnn|76.0|mm|127.0|mm|Add|1710")
-                << "a proposal is rounded, and may lie below the least";
-            SetDlgItemTextW(hEditor, IDC_SIZE_NAME, (u"\tA\nB" + WideText(90, u'x')).c_str());
-            SetDlgItemTextW(hEditor, IDC_SIZE_WIDTH, wcMany.c_str());
-            Refusal(hEditor);
-            Confirm(hEditor);
-        });
-        EXPECT_EQ(Rows(hList), "A B" + std::string(59, 'x') + " (311.2 x 127.0 mm)|+++");
-    });
-    for (i32 lLimit = 10; lLimit <= 0x7FFF * 10; lLimit += 10) { /* of every model */
-        for (int bMetric : {0, 1}) {
-            WCHAR wcText[TEXT_CHARS];
-            FormatMeasure(lLimit, bMetric, ROUND_UP, u".", wcText, TEXT_CHARS);
-            ASSERT_GE(MeasureOfText(wcText, u".", bMetric), lLimit);
-            FormatMeasure(lLimit, bMetric, ROUND_DOWN, u".", wcText, TEXT_CHARS);
-            ASSERT_LE(MeasureOfText(wcText, u".", bMetric), lLimit);
+            Work(u"delete/cancel");
         }
+    }
+    EXPECT_EQ(Work(u"new/n=" + WideText(20, u'n') + u"/see/cancel"),
+              "New Paper Size|_nnnnnnnnnnnnnnnn|76.0|mm||127.0|mm|>Add|Cancel|\n");
+    for (i32 i = 20; i <= 2 * 0x7FFF + 1; i++) { /* the limits of every model, in both units */
+        const i32 lLimit = i / 2 * 10, bMetric = i % 2;
+        WCHAR wcText[TEXT_CHARS];
+        FormatMeasure(lLimit, bMetric, ROUND_UP, u".", wcText, TEXT_CHARS);
+        ASSERT_GE(MeasureOfText(wcText, u".", bMetric), lLimit);
+        FormatMeasure(lLimit, bMetric, ROUND_DOWN, u".", wcText, TEXT_CHARS);
+        ASSERT_LE(MeasureOfText(wcText, u".", bMetric), lLimit);
     }
 }
 
@@ -304,65 +241,37 @@ TEST_F(SavedPapersTest, AThousandEditsLeaveAllPlacesOfOneMind)
 {
     Open(true);
     std::mt19937 random(16);
-    const auto below = [&](u32 n) { return static_cast<int>(random() % n); };
-    const WideText awcNames[] = {u"A",    u"a", u" B ", u"\"C\"", u"'", u"D=;[x]", u"\u00E4\u4E00",
-                                 u"E\tF", u"",  u"G  H"};
-    const WideText awcSides[] = {u"100.0", u"150.5", u"12",  u"200", u"311.2",
-                                 u"x",     u"99999", u"250", u"",    u"-1"};
-    const auto edit = [&](HWND hEditor) {
-        TypeText(hEditor, IDC_SIZE_NAME, awcNames[below(10)], below(2));
-        for (int i = below(5); i > 0; i--) {
-            switch (below(5)) {
-            case 0: SpinControl(hEditor, IDC_SIZE_LENGTH_SPIN, below(3)); break;
-            case 1: TypeText(hEditor, IDC_SIZE_WIDTH, awcSides[below(10)]); break;
-            case 2: TypeText(hEditor, IDC_SIZE_LENGTH, awcSides[below(10)]); break;
-            case 3: ClickControl(hEditor, IDC_UNIT); break;
-            default: SendKey(static_cast<WPARAM>(KEY_PRIOR + below(8))); break;
-            }
-        }
-        Confirm(hEditor);
-    };
+    const WideText aThings[] = {u"new",   u"new",      u"new",     u"edit",    u"delete", u"unit",
+                                u"up",    u"down",     u"close",   u"enter",   u"row=0",  u"row=2",
+                                u"n=A",   u"n=a",      u"n= B ",   u"n=\"C\"", u"n='",    u"n=E\tF",
+                                u"n=",    u"n=D=;[x]", u"w=100.5", u"w=x",     u"w=9.99", u"n=\u00E4\u4E00",
+                                u"l=150", u"l=8.25",   u"l=999",   u"enter",   u"enter"};
     size_t nMost = 0;
-    for (int n = 0; n < 1000;) {
-        InList([&](HWND hList) {
-            for (int i = below(6); i >= 0; i--, n++) {
-                const int anButtons[] = {IDC_SIZES_NEW, IDC_SIZES_NEW, IDC_SIZES_EDIT, IDC_SIZES_DELETE};
-                PickRow(hList, IDC_SIZES_LIST, below(8));
-                Press(hList, anButtons[below(4)], edit);
-            }
-            ClickControl(hList, IDC_OK);
-        });
-        ASSERT_EQ(Disagreement(), "") << n;
+    while (nEdits < 1000) {
+        WideText wcThings;
+        for (int i = 0; i < 80; i++) {
+            wcThings += aThings[random() % std::size(aThings)] + u"/";
+        }
+        Work(wcThings + u"close/close");
+        Work(u"ok");
+        ASSERT_EQ(Disagreement(), "") << Narrow(wcThings);
         nMost = std::max(nMost, MachineForms().size());
     }
     EXPECT_GE(nMost, 5u);
     EXPECT_EQ(ForcedCloses(), 0);
 }
 
-/* Whatever failed, nothing is held, all rows but the spare one have a name, and the next OK puts everything in order. */
+/* Whatever failed, nothing is held, all rows but the spare one have a name, and the next edit puts everything in order. */
 TEST_F(SavedPapersTest, SurviveEveryFailure)
 {
     Open(true);
-    const auto use = [&] {
-        InList([&](HWND hList) {
-            Add(hList, u"A", u"100", u"300");
-            Press(hList, IDC_SIZES_EDIT, [&](HWND hEditor) {
-                Fill(hEditor, u"B", u"1", u"300");
-                Refusal(hEditor);
-                Confirm(hEditor);
-            });
-            ClickControl(hList, IDC_OK);
-        });
-    };
     const auto clear = [&] {
-        InList([&](HWND hList) {
-            while (Session()->sCustomPaperCount) {
-                ClickControl(hList, IDC_SIZES_DELETE);
-            }
-            ClickControl(hList, IDC_OK);
-        });
+        Work(u"delete/delete/ok");
         FillPaperCombo(Page(1), Session());
         return Disagreement();
+    };
+    const auto use = [&] {
+        return Work(u"new/n=A/w=1/add/close/add/edit/n=B/unit/change/ok"), std::string();
     };
     use();
     int nFaults = 0;
@@ -370,7 +279,7 @@ TEST_F(SavedPapersTest, SurviveEveryFailure)
         for (int n = 1, nHit = 1; nHit; n++) {
             ASSERT_EQ(clear(), "") << n;
             FailCall(ANY_CALL, n, mode);
-            ASSERT_EQ(HoldsNothing([&] { return use(), std::string(); }), "") << n;
+            ASSERT_EQ(HoldsNothing(use), "") << n;
             nHit = StopFaults();
             nFaults += nHit;
             const PaperSizeRow* pRows = Session()->pCustomPapers.get();
@@ -387,9 +296,8 @@ TEST_F(SavedPapersTest, ALongListFillsAtOnce)
     Open(true);
     Session()->pCustomPapers.reset(static_cast<PaperSizeRow*>(AllocateRows(1001, sizeof(PaperSizeRow))));
     Session()->sCustomPaperCount = 1000;
-    const auto begun = std::chrono::steady_clock::now();
+    const std::clock_t begun = std::clock();
     FillPaperCombo(Page(1), Session());
-    const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begun;
+    EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 50);
     EXPECT_EQ(SendDlgItemMessageW(Page(1), IDC_PAPER_SIZE, CB_GETCOUNT, 0, 0), 1014);
-    EXPECT_LT(spent.count(), 0.5) << "sanitized, and both lists";
 }
