@@ -98,12 +98,12 @@ class SavedPapersTest : public SheetTest {
         return Narrow(wcRow) + "|";
     }
     /* Title, rows, edit controls with their units, the buttons that can be pressed, ">" at the one that Enter presses,
-       "_" at the control with the focus. */
-    static std::string See(HWND hDialog)
+       "_" at the control with the focus; "*" in front when there are edits and the sheet can be applied. */
+    std::string See(HWND hDialog) const
     {
         WCHAR wcTitle[TEXT_CHARS] = {};
         GetWindowTextW(hDialog, wcTitle, TEXT_CHARS);
-        std::string seen = Narrow(wcTitle) + "|";
+        std::string seen = (IsDirty() && CanApplySheet(pSheet) ? "*" : "") + Narrow(wcTitle) + "|";
         for (LRESULT i = 0; i < SendDlgItemMessageW(hDialog, IDC_SIZES_LIST, LB_GETCOUNT, 0, 0); i++) {
             seen += RowText(hDialog, IDC_SIZES_LIST, LB_GETTEXT, i);
         }
@@ -190,7 +190,7 @@ TEST_F(SavedPapersTest, AreKnownByTheirNames)
     EXPECT_EQ(Disagreement(), "");
     EXPECT_EQ(Work(u"row=0/see/n=Three/unit/change/see/cancel"),
               "Edit Paper Size|_Two|150.0|mm||250.0|mm|>OK|Cancel|\n"
-              "Your Paper Sizes|Three (5.91 x 9.84 in)|New...|Edit...|Delete|Cancel|>OK|\n");
+              "*Your Paper Sizes|Three (5.91 x 9.84 in)|New...|Edit...|Delete|Cancel|>OK|\n");
     EXPECT_EQ(record.rPrivate.bMetric, 0);
     EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), PAPER_A4) << "the name is gone";
     EXPECT_FALSE(IsDirty()) << "no page's commit waits for them";
