@@ -32,13 +32,15 @@ i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSi
     return ReadCustomSizes(*pFile, pModel, outRows);
 }
 
-void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
+int SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
 {
     WCHAR tcPath[PATH_CHARS];
-    if (GetUserSettingsPath(call, tcPath)) {
-        WriteCustomSizes(tcPath, pRows, nCount);
-        ForgetUserSettings(call);
+    if (!GetUserSettingsPath(call, tcPath)) {
+        return 0;
     }
+    int bWritten = WriteCustomSizes(tcPath, pRows, nCount);
+    ForgetUserSettings(call);
+    return bWritten;
 }
 
 i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)

@@ -1,5 +1,7 @@
 #include "sheet/paper_editor.h"
 
+#include <utility>
+
 #include "description/control_ids.h"
 #include "description/string_ids.h"
 #include "sheet/dialog_frame.h"
@@ -14,9 +16,11 @@ constexpr int NAME_LIMIT = 16, SIDE_LIMIT = 6; /* characters that can be typed *
 constexpr int NAME_CHARS = static_cast<int>(sizeof PaperSizeRow::wcName / sizeof(WCHAR));
 constexpr int EDITOR_TOP = 80; /* below the upper edge of the list dialog */
 
+/* Not by sDialogArg: a notice takes the focus, and so sends the name's control a notification, while its own id stands
+   there. */
 PaperSizeRow* EditedRow(const UiSession* pSession)
 {
-    return pSession->pCustomPapers.get() + pSession->sDialogArg;
+    return static_cast<PaperSizeRow*>(pSession->pDialogData);
 }
 
 /* The button that confirms: a new paper is added, a named one changed. */
@@ -116,14 +120,17 @@ void Confirm(HWND hDialog, UiSession* pSession)
         SetFocus(GetDlgItem(hDialog, bWidth ? IDC_SIZE_LENGTH : IDC_SIZE_WIDTH));
         return;
     }
-    ReadName(hDialog, row.wcName);
-    if (!row.wcName[0]) {
+    WCHAR wcName[NAME_CHARS];
+    ReadName(hDialog, wcName);
+    if (!wcName[0]) {
         return; /* the button cannot be pressed, but other programs send messages, too */
     }
-    if (IsPaperNameTaken(pSession->pCustomPapers.get(), pSession->sDialogArg, row.wcName)) {
+    const PaperSizeRow* pFirst = pSession->pCustomPapers.get();
+    if (IsPaperNameTaken(pFirst, static_cast<i32>(EditedRow(pSession) - pFirst), wcName)) {
         ShowNotice(pSession, hDialog, NOTICE_NAME);
         return;
     }
+    CopyWide(row.wcName, NAME_CHARS, wcName); /* rows are compared whole, so nothing stands behind the name */
     row.ulMetric = static_cast<u32>(IsMetric(pSession));
     *EditedRow(pSession) = row;
     EndDialog(hDialog, DIALOG_OK);
@@ -164,5 +171,8 @@ constexpr DialogRoutines paperEditor = {
 
 int EditPaper(HWND hOwner, UiSession* pSession, i16 sRow)
 {
-    return RunDialog<paperEditor>(pSession, hOwner, IDD_SIZE, sRow) == DIALOG_OK;
+    void* pBefore = std::exchange(pSession->pDialogData, pSession->pCustomPapers.get() + sRow);
+    INT_PTR nEnd = RunDialog<paperEditor>(pSession, hOwner, IDD_SIZE, sRow);
+    pSession->pDialogData = pBefore;
+    return nEnd == DIALOG_OK;
 }

@@ -11,17 +11,11 @@ namespace {
 
 constexpr LRESULT ROW_LIMIT = 0x7FFF; /* what a control says is not walked any further */
 constexpr i32 LAST_CODE = 0x7FFF;
-constexpr i32 NO_TARGET = -1; /* item data; without such a row the first stands for it */
-constexpr int FIRST_LIST_BOX = 1401, LAST_LIST_BOX = 1413;
+constexpr i32 NO_TARGET = -1;     /* item data; without such a row the first stands for it */
 constexpr i32 NAMES_AT_ONCE = 16; /* of the model's papers, read together */
 
 /* Room for a name, a size in the widest unit and the unit's name. */
 constexpr int DETAIL_CHARS = 3 * TEXT_CHARS;
-
-int IsListBox(int nControl)
-{
-    return nControl >= FIRST_LIST_BOX && nControl <= LAST_LIST_BOX;
-}
 
 void AppendRow(HWND hList, int bListBox, const WCHAR* wcText, i32 lCode)
 {
@@ -138,7 +132,8 @@ void FillPaperList(HWND hDialog, const UiSession* pSession, int nControl, int bD
             FormatPaper(pRow[i], pSession->rLanguage.wcDecimal, pRow[i].ulMetric ? wcMetric : wcInch,
                         wcDetail, DETAIL_CHARS);
         }
-        AppendRow(hList, IsListBox(nControl), bDetail ? wcDetail : pRow[i].wcName, FIRST_SAVED_CODE + i);
+        AppendRow(hList, nControl == IDC_SIZES_LIST, bDetail ? wcDetail : pRow[i].wcName,
+                  FIRST_SAVED_CODE + i);
     }
 }
 

@@ -4,7 +4,7 @@
 
 #include "sheet/session.h"
 
-/* Appends the saved papers to a list box or combo box, which the control's number tells apart; item data is the paper
+/* Appends the saved papers to IDC_SIZES_LIST, the only list box of papers, or to a combo box; item data is the paper
    code. With bDetail each row also shows the size in the paper's own unit. Papers whose code does not fit into 16 bits
    are left out. */
 void FillPaperList(HWND hDialog, const UiSession* pSession, int nControl, int bDetail);

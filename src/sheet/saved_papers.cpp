@@ -16,15 +16,6 @@ int IsBlankOrControl(WCHAR wc)
     return wc <= ' ' || wc == 0x7F;
 }
 
-void DeleteForms(PrinterCall& call)
-{
-    OwnedBlock<PaperSizeRow> pRows;
-    i32 nRows = GetSavedPapers(call, nullptr, &pRows);
-    for (i32 i = 0; i < nRows; i++) {
-        DeleteFormW(call.hPrinter, pRows.get()[i].wcName);
-    }
-}
-
 } // namespace
 
 int IsListFull(i32 nCount)
@@ -105,9 +96,20 @@ void FormatPaper(const PaperSizeRow& row, const WCHAR* wcDecimal, const WCHAR* w
 
 void StorePapers(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRows, i32 nRows)
 {
-    /* The margins of a paper are found by its code in the file, so the file comes before the forms. */
-    DeleteForms(call);
-    SetSavedPapers(call, pRows, nRows);
+    OwnedBlock<PaperSizeRow> pOld;
+    i32 nOld = GetSavedPapers(call, nullptr, &pOld);
+    if (!pOld) {
+        return; /* for want of memory; forms that nobody knows any more would stay for good */
+    }
+    for (i32 i = 0; i < nOld; i++) {
+        DeleteFormW(call.hPrinter, pOld.get()[i].wcName);
+    }
+    /* Margins are asked for by a paper's code, which the file knows, so the file comes before the forms. The others say
+       what the file says, also when it could not be written. */
+    if (!SetSavedPapers(call, pRows, nRows)) {
+        pRows = pOld.get();
+        nRows = nOld;
+    }
     AddSavedPaperForms(call, pModel, pRows, nRows);
     ReplacePaperSizes(call, CountPaperRows(pModel), pRows, nRows);
 }

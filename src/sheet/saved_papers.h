@@ -33,7 +33,8 @@ int IsPaperNameTaken(const PaperSizeRow* pRows, i32 nRows, const WCHAR* wcName);
 void FormatPaper(const PaperSizeRow& row, const WCHAR* wcDecimal, const WCHAR* wcUnit, WCHAR* wcOut, int cch);
 
 /* Stores the papers in the user's settings file, as forms of the printer, and in the value "PaperSizes". The forms of
-   the papers that the file had are deleted. Nothing tells of the outcome; what cannot be stored is passed over. */
+   the papers that the file had are deleted. Nothing tells of the outcome: while the file cannot be written the others
+   stay at its papers, and a form or value that cannot be stored is passed over. */
 void StorePapers(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRows, i32 nRows);
 
 #endif

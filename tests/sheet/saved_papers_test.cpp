@@ -1,13 +1,13 @@
-/* The dialogs of the user's own papers, worked as a user works them, and the four places that know of the papers: the
-   settings file, the printer's forms, the value "PaperSizes", and the lists of the Paper page. */
+/* The dialogs of the user's own papers, worked as a user works them, and the places that know of the papers: settings
+   file, printer's forms, value "PaperSizes", list of the Paper page. */
 #include "sheet/saved_papers.h"
 
+#include <map>
 #include <random>
 
 #include "base/measure.h"
 #include "description/control_ids.h"
 #include "description/paper.h"
-#include "description/printer_store.h"
 #include "sheet/dialog_services.h"
 #include "sheet/paper_lists.h"
 #include "sheet/saved_papers_dialog.h"
@@ -16,397 +16,271 @@
 
 namespace {
 
-using Step = std::function<void(HWND hDialog)>;
-
-/* Takes a step in the dialog that an action opens; when none opens, the step is not taken later either. */
-void Within(const Step& step, const std::function<void()>& action)
-{
-    const auto bOpen = std::make_shared<bool>(true);
-    QueueModalStep([=](HWND hDialog) { *bOpen ? step(hDialog) : void(); });
-    action();
-    *bOpen = false;
-}
-void Press(HWND hDialog, int nButton, const Step& step)
-{
-    Within(step, [=] { ClickControl(hDialog, nButton); });
-}
+const std::map<WideText, int> words = {
+    {u"new", IDC_SIZES_NEW}, {u"edit", IDC_SIZES_EDIT}, {u"delete", IDC_SIZES_DELETE},
+    {u"ok", IDC_OK},         {u"add", IDC_SIZE_ADD},    {u"change", IDC_SIZE_CHANGE},
+    {u"unit", IDC_UNIT},     {u"cancel", IDC_CANCEL},   {u"n", IDC_SIZE_NAME},
+    {u"w", IDC_SIZE_WIDTH},  {u"l", IDC_SIZE_LENGTH},   {u"close", IDC_NOTICE_OK},
+    {u"row", IDC_SIZES_LIST}};
 
 class SavedPapersTest : public SheetTest {
   protected:
-    /* Opens a document's sheet at its Paper page; the value "PaperSizes" is as an installation leaves it, with a row of
-       a paper that is no more. */
+    /* Opens a document's sheet whose Paper page has been shown. */
     void Open(bool bMetric)
     {
         SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
         AddSample("T410A");
-        const u16 ausSizes[] = {257, 2100, 11880, 300, 3000, 2000, 448, 1, 1};
-        const u8* pSizes = reinterpret_cast<const u8*>(ausSizes);
-        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, Bytes(pSizes, pSizes + sizeof ausSizes));
+        SetSizes({257, 2100, 11880, 300, 3000, 2000});
         OpenDocument();
         ASSERT_TRUE(ShowSheetPage(pSheet, 1));
         FillPaperCombo(Page(1), Session());
-        DropMachineForms();
+        ASSERT_TRUE(ShowSheetPage(pSheet, 0));
     }
-    void InList(const Step& step)
+    void SetSizes(const std::vector<u16>& sizes)
     {
-        Within(step, [&] { ShowSavedPapers(SheetWindow(pSheet), Session()); });
+        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, BytesOf(sizes));
     }
-    static void Fill(HWND hEditor, const WideText& wcName, const WideText& wcWidth, const WideText& wcLength)
+    static Bytes BytesOf(const std::vector<u16>& sizes)
     {
-        TypeText(hEditor, IDC_SIZE_NAME, wcName);
-        TypeText(hEditor, IDC_SIZE_WIDTH, wcWidth);
-        TypeText(hEditor, IDC_SIZE_LENGTH, wcLength);
+        const u8* pBytes = reinterpret_cast<const u8*>(sizes.data());
+        return Bytes(pBytes, pBytes + 2 * sizes.size());
     }
-    static void Confirm(HWND hEditor)
+    Bytes Sizes()
     {
-        ClickControl(hEditor, IDC_SIZE_ADD);
-        ClickControl(hEditor, IDC_SIZE_CHANGE);
-    }
-    void Add(HWND hList, const WideText& wcName, const WideText& wcWidth, const WideText& wcLength)
-    {
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            Fill(hEditor, wcName, wcWidth, wcLength);
-            Confirm(hEditor);
-        });
+        DWORD dwType;
+        Bytes value;
+        GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value);
+        return value;
     }
 
-    static std::string Title(HWND hDialog)
+    /* The user opens the list and does one thing after the other, parted by "/", each in the dialog that is up then: the
+       button of that word, "n=TEXT" typed into a control, "row=2" picked and double-clicked, "up" and "down" of the
+       width's spin button, "enter"; "see" notes what is shown. Result: the notes. What does not come to its turn is not
+       done later. */
+    std::string Work(const WideText& wcThings)
+    {
+        notes.clear();
+        nWork++;
+        for (size_t nAt = 0, nEnd = 0; nEnd != WideText::npos; nAt = nEnd + 1) {
+            nEnd = wcThings.find(u'/', nAt);
+            QueueModalStep([this, nOwn = nWork, wcThing = wcThings.substr(nAt, nEnd - nAt)](HWND hDialog) {
+                nOwn == nWork ? Do(hDialog, wcThing) : void();
+            });
+        }
+        ShowSavedPapers(SheetWindow(pSheet), Session());
+        return notes;
+    }
+    void Do(HWND hDialog, const WideText& wcThing)
+    {
+        const size_t nMark = wcThing.find(u'=');
+        const auto word = words.find(wcThing.substr(0, nMark));
+        if (wcThing == u"see") {
+            notes += See(hDialog) + "\n";
+        } else if (wcThing == u"enter") {
+            SendKey(VK_RETURN);
+        } else if (wcThing == u"up" || wcThing == u"down") {
+            SpinControl(hDialog, IDC_SIZE_WIDTH_SPIN, wcThing == u"up" ? SB_LINEUP : SB_LINEDOWN);
+        } else if (nMark == WideText::npos) {
+            nEdits += ClickControl(hDialog, word->second) && word->first != u"unit";
+        } else if (word->second == IDC_SIZES_LIST) {
+            PickRow(hDialog, IDC_SIZES_LIST, wcThing.back() - u'0');
+            DoubleClickRow(hDialog, IDC_SIZES_LIST, wcThing.back() - u'0');
+        } else {
+            TypeText(hDialog, word->second, wcThing.substr(nMark + 1));
+        }
+    }
+
+    static std::string RowText(HWND hDialog, int nList, UINT uMessage, LRESULT nRow)
+    {
+        WCHAR wcRow[3 * TEXT_CHARS] = {};
+        SendDlgItemMessageW(hDialog, nList, uMessage, static_cast<WPARAM>(nRow),
+                            reinterpret_cast<LPARAM>(wcRow));
+        return Narrow(wcRow) + "|";
+    }
+    /* Title, rows, edit controls with their units, the buttons that can be pressed, ">" at the one that Enter presses,
+       "_" at the control with the focus; "*" in front when there are edits and the sheet can be applied. */
+    std::string See(HWND hDialog) const
     {
         WCHAR wcTitle[TEXT_CHARS] = {};
         GetWindowTextW(hDialog, wcTitle, TEXT_CHARS);
-        return Narrow(wcTitle);
-    }
-    /* Rows of a list from nFirst on, "*" at the selected one, and what the dialog's buttons can do. */
-    static std::string Rows(HWND hDialog, int nControl, int nFirst = 0)
-    {
-        const bool bCombo = nControl != IDC_SIZES_LIST;
-        std::string rows;
-        const LRESULT nRows =
-            SendDlgItemMessageW(hDialog, nControl, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
-        for (LRESULT i = nFirst; i < nRows; i++) {
-            WCHAR wcRow[3 * TEXT_CHARS] = {};
-            SendDlgItemMessageW(hDialog, nControl, bCombo ? CB_GETLBTEXT : LB_GETTEXT, static_cast<WPARAM>(i),
-                                reinterpret_cast<LPARAM>(wcRow));
-            rows += SendDlgItemMessageW(hDialog, nControl, bCombo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0) == i
-                        ? "*"
-                        : "";
-            rows += Narrow(wcRow) + "|";
+        std::string seen = (IsDirty() && CanApplySheet(pSheet) ? "*" : "") + Narrow(wcTitle) + "|";
+        for (LRESULT i = 0; i < SendDlgItemMessageW(hDialog, IDC_SIZES_LIST, LB_GETCOUNT, 0, 0); i++) {
+            seen += RowText(hDialog, IDC_SIZES_LIST, LB_GETTEXT, i);
         }
-        for (int nButton : {IDC_SIZES_NEW, IDC_SIZES_EDIT, IDC_SIZES_DELETE}) {
-            rows += bCombo ? "" : IsWindowEnabled(GetDlgItem(hDialog, nButton)) ? "+" : "-";
+        for (int nControl : {IDC_SIZE_NAME, IDC_SIZE_WIDTH, IDC_SIZE_WIDTH_UNIT, IDC_SIZE_WIDTH_SPIN,
+                             IDC_SIZE_LENGTH, IDC_SIZE_LENGTH_UNIT, IDC_SIZES_NEW, IDC_SIZES_EDIT,
+                             IDC_SIZES_DELETE, IDC_SIZE_ADD, IDC_SIZE_CHANGE, IDC_CANCEL, IDC_OK}) {
+            const HWND hControl = GetDlgItem(hDialog, nControl);
+            if (IsWindowEnabled(hControl) && IsWindowVisible(hControl)) {
+                seen += LOWORD(SendMessageW(hDialog, DM_GETDEFID, 0, 0)) == nControl ? ">" : "";
+                seen += GetFocus() == hControl ? "_" : "";
+                seen += Narrow(TextOf(hDialog, nControl)) + "|";
+            }
         }
-        return rows;
-    }
-    static std::string Editor(HWND hEditor)
-    {
-        std::string shown = Title(hEditor);
-        for (int nControl :
-             {IDC_SIZE_NAME, IDC_SIZE_WIDTH, IDC_SIZE_WIDTH_UNIT, IDC_SIZE_LENGTH, IDC_SIZE_LENGTH_UNIT}) {
-            shown += "|" + Narrow(TextOf(hEditor, nControl));
-        }
-        for (int nButton : {IDC_SIZE_ADD, IDC_SIZE_CHANGE}) {
-            const HWND hButton = GetDlgItem(hEditor, nButton);
-            shown += !(GetWindowLongPtrW(hButton, GWL_STYLE) & static_cast<LONG_PTR>(WS_VISIBLE)) ? ""
-                     : IsWindowEnabled(hButton) ? "|" + Narrow(TextOf(hEditor, nButton))
-                                                : "|off";
-        }
-        return shown + "|" + std::to_string(LOWORD(SendMessageW(hEditor, DM_GETDEFID, 0, 0)));
+        return seen;
     }
 
-    /* "" when file, forms, value and list say what the session does; of papers with one name in the spooler's eyes the
-       last has the form. */
+    /* "" when file, forms, value and list say what the session does. Of papers that have one name in the spooler's eyes
+       the last has the form. */
     std::string Disagreement()
     {
         const PaperSizeRow* pRows = Session()->pCustomPapers.get();
-        const i32 nRows = Session()->sCustomPaperCount;
-        std::string fault;
+        const i32 nRows = Session()->sCustomPaperCount, nModel = CountPaperRows(Session()->pXpi.get());
         PrinterCall call(hPrinter);
         OwnedBlock<PaperSizeRow> pFile;
         const i32 nFile = GetSavedPapers(call, nullptr, &pFile);
-        fault += SamePapers(pRows, nRows, pFile.get(), nFile) ? "" : "file; ";
-        std::map<WideText, std::pair<i32, i32>> wanted, forms;
-        std::vector<u16> sizes = {257, 2100, 11880, 300, 3000, 2000}, stored;
-        std::string names;
+        std::string fault = SamePapers(pRows, nRows, pFile.get(), nFile) ? "" : "file; ";
+        std::map<WideText, std::pair<u32, u32>> wanted, forms;
+        std::vector<u16> sizes = {257, 2100, 11880, 300, 3000, 2000};
         for (i32 i = 0; i < nRows; i++) {
             wanted[LowerText(pRows[i].wcName)] = {pRows[i].ulWidth * 10, pRows[i].ulLength * 10};
             for (u32 ulWord : {448u + static_cast<u32>(i), pRows[i].ulWidth / 10, pRows[i].ulLength / 10}) {
                 sizes.push_back(static_cast<u16>(ulWord));
             }
-            names += Narrow(pRows[i].wcName) + "|";
+            const std::string row = RowText(Page(1), IDC_PAPER_SIZE, CB_GETLBTEXT, nModel + i);
+            fault += row == Narrow(pRows[i].wcName) + "|" ? "" : "list; ";
         }
         for (const MachineForm& form : MachineForms()) {
+            fault += forms.contains(LowerText(form.wcName)) ? "a form twice; " : "";
             forms[LowerText(form.wcName)] = {form.size.cx, form.size.cy};
         }
-        fault += wanted == forms && MachineForms().size() == forms.size() ? "" : "forms; ";
-        DWORD dwType;
-        Bytes value;
-        GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value);
-        stored.resize(value.size() / 2);
-        std::memcpy(stored.data(), value.data(), 2 * stored.size());
-        fault += stored == sizes ? "" : "value; ";
-        std::string shown = Rows(Page(1), IDC_PAPER_SIZE, CountPaperRows(Session()->pXpi.get()));
-        std::erase(shown, '*');
-        return fault + (shown == names ? "" : "list " + shown + " not " + names);
-    }
-    WideText Settings()
-    {
-        WCHAR tcPath[PATH_CHARS];
-        PrinterCall call(hPrinter);
-        GetUserSettingsPath(call, tcPath);
-        return tcPath;
+        return fault + (wanted == forms ? "" : "forms; ") + (Sizes() == BytesOf(sizes) ? "" : "value; ");
     }
     bool IsDirty() const { return Session()->bPageDirty[SLOT_CUSTOM_PAPERS] != 0; }
+
+    std::string notes;
+    int nWork = 0, nEdits = 0;
 };
 
 } // namespace
 
-TEST_F(SavedPapersTest, AreMadeChangedAndDeletedByHand)
+TEST_F(SavedPapersTest, AreMadeByHand)
 {
     Open(false);
-    InList([&](HWND hList) {
-        EXPECT_EQ(Title(hList) + " " + Rows(hList, IDC_SIZES_LIST), "Your Paper Sizes +--");
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            EXPECT_EQ(Editor(hEditor), "New Paper Size||3.00|in|5.00|in|off|1703");
-            TypeText(hEditor, IDC_SIZE_NAME, u"   ");
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|   |3.00|in|5.00|in|off|1703");
-            Fill(hEditor, u" Card ", u"1", u"99");
-            Press(hEditor, IDC_SIZE_ADD, [&](HWND hNotice) {
-                EXPECT_EQ(Title(hNotice), "Paper Size Out of Range");
-                ClickControl(hNotice, IDC_NOTICE_OK);
-            });
-            EXPECT_EQ(Editor(hEditor), "New Paper Size| Card |3.00|in|47.24|in|Add|1710");
-            EXPECT_EQ(GetFocus(), GetDlgItem(hEditor, IDC_SIZE_WIDTH)) << "the first of those that were out";
-            ClickControl(hEditor, IDC_UNIT);
-            EXPECT_EQ(Editor(hEditor), "New Paper Size| Card |76.2|mm|1199.9|mm|Add|1710");
-            TypeText(hEditor, IDC_SIZE_WIDTH, u"100.0");
-            SpinControl(hEditor, IDC_SIZE_WIDTH_SPIN, SB_LINEUP);
-            EXPECT_EQ(GetFocus(), GetDlgItem(hEditor, IDC_SIZE_WIDTH_SPIN));
-            TypeText(hEditor, IDC_SIZE_LENGTH, u"152.4");
-            SpinControl(hEditor, IDC_SIZE_WIDTH_SPIN, SB_LINEDOWN);
-            SendKey(VK_RETURN);
-        });
-        EXPECT_EQ(Rows(hList, IDC_SIZES_LIST), "*Card (100.0 x 152.4 mm)|+++");
-        EXPECT_TRUE(IsDirty() && CanApplySheet(pSheet));
-        EXPECT_EQ(Rows(Page(1), IDC_PAPER_SIZE, 14), "Card|");
-        Add(hList, u"A  B", u"9.84", u"11.81");
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            Fill(hEditor, u"Card", u"8.00", u"10.00");
-            Press(hEditor, IDC_SIZE_ADD, [&](HWND hNotice) {
-                EXPECT_EQ(Title(hNotice), "Name Already in Use");
-                ClickControl(hNotice, IDC_NOTICE_OK);
-            });
-            CloseWindowByUser(hEditor);
-        });
-        EXPECT_EQ(Session()->sCustomPaperCount, 2);
-        ClickControl(hList, IDC_OK);
-    });
+    EXPECT_EQ(
+        Work(
+            u"see/new/see/n=   /see/n= Card /w=1/l=99/add/see/close/see/unit/see/w=100.0/up/see/down/l=152.4/enter/"
+            u"new/n=A  B/w=9.84/l=11.81/add/new/n=Card/add/see/close/cancel/see/ok"),
+        "Your Paper Sizes|New...|Cancel|>OK|\n"
+        "New Paper Size|_|3.00|in||5.00|in|>Cancel|\n"
+        "New Paper Size|_   |3.00|in||5.00|in|>Cancel|\n"
+        "Paper Size Out of Range|\n"
+        "New Paper Size| Card |_3.00|in||47.24|in|>Add|Cancel|\n"
+        "New Paper Size| Card |76.2|mm||1199.9|mm|>Add|Cancel|\n"
+        "New Paper Size| Card |100.1|mm|_|1199.9|mm|>Add|Cancel|\n"
+        "Name Already in Use|\n"
+        "Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
     EXPECT_EQ(ForcedCloses(), 0);
     EXPECT_EQ(Disagreement(), "");
+    EXPECT_EQ(SheetResults(pSheet).size(), 1u);
     /* Margins of 130 and 140, and of 160 and 170, at 600 dots to the inch. */
     ASSERT_EQ(MachineForms().size(), 2u);
-    const RECTL card = MachineForms()[0].area;
-    EXPECT_EQ(card.left, 5503);
-    EXPECT_EQ(card.top, 5926);
-    EXPECT_EQ(card.right, 100000 - 5926);
-    EXPECT_EQ(card.bottom, 152400 - 5503);
+    const RECTL area = MachineForms()[0].area;
+    EXPECT_TRUE(area.left == 5503 && area.top == 5926 && area.right == 94074 && area.bottom == 146897);
     EXPECT_EQ(MachineForms()[1].area.left, 6773);
-    EXPECT_FALSE(IsDirty());
-    EXPECT_EQ(SheetResults(pSheet).size(), 1u);
 }
 
-TEST_F(SavedPapersTest, KeepTheirPlaceWhenOneBeforeThemGoes)
+TEST_F(SavedPapersTest, AreKnownByTheirNames)
 {
     Open(true);
-    InList([&](HWND hList) {
-        Add(hList, u"One", u"100.0", u"200.0");
-        Add(hList, u"Two", u"150", u"250");
-        ClickControl(hList, IDC_OK);
-    });
+    Work(u"new/n=One/w=100/l=200/add/new/n=Two/w=150/l=250/add/ok");
     SelectComboValue(Page(1), IDC_PAPER_SIZE, 449);
-    InList([&](HWND hList) {
-        EXPECT_EQ(Rows(hList, IDC_SIZES_LIST), "*One (100.0 x 200.0 mm)|Two (150.0 x 250.0 mm)|+++");
-        EXPECT_FALSE(IsDirty());
-        ClickControl(hList, IDC_SIZES_DELETE);
-        EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), 448) << "known by its name";
-        ClickControl(hList, IDC_OK);
-    });
+    Work(u"delete/ok");
+    EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), 448);
     EXPECT_EQ(Disagreement(), "");
-    InList([&](HWND hList) {
-        QueueModalStep([&](HWND hEditor) {
-            EXPECT_EQ(Editor(hEditor), "Edit Paper Size|Two|150.0|mm|250.0|mm|OK|1709");
-            ClickControl(hEditor, IDC_UNIT);
-            ClickControl(hEditor, IDC_UNIT);
-            EXPECT_EQ(Editor(hEditor), "Edit Paper Size|Two|150.1|mm|249.9|mm|OK|1709");
-            TypeText(hEditor, IDC_SIZE_NAME, u"Three");
-            ClickControl(hEditor, IDC_UNIT);
-            Confirm(hEditor);
-        });
-        DoubleClickRow(hList, IDC_SIZES_LIST, 0);
-        EXPECT_EQ(Rows(hList, IDC_SIZES_LIST), "*Three (5.91 x 9.84 in)|+++");
-        EXPECT_EQ(Session()->pRecord->rPrivate.bMetric, 0);
-        EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), 9) << "the name is gone";
-        Add(hList, u"Four", u"999", u"150");
-        ClickControl(hList, IDC_CANCEL);
-    });
+    EXPECT_EQ(Work(u"row=0/see/n=Three/unit/change/see/cancel"),
+              "Edit Paper Size|_Two|150.0|mm||250.0|mm|>OK|Cancel|\n"
+              "*Your Paper Sizes|Three (5.91 x 9.84 in)|New...|Edit...|Delete|Cancel|>OK|\n");
+    EXPECT_EQ(record.rPrivate.bMetric, 0);
+    EXPECT_EQ(GetComboValue(Page(1), IDC_PAPER_SIZE, nullptr), PAPER_A4) << "the name is gone";
     EXPECT_FALSE(IsDirty()) << "no page's commit waits for them";
-    EXPECT_EQ(Session()->sCustomPaperCount, 1) << "a new paper beyond the limits is not taken";
-    EXPECT_NE(Disagreement(), "");
-    InList([&](HWND hList) {
-        EXPECT_TRUE(IsDirty());
-        ClickControl(hList, IDC_OK);
-    });
-    EXPECT_EQ(Disagreement(), "");
-    const Bytes file = GetFile(Settings());
+    EXPECT_EQ(Disagreement(), "file; forms; value; ");
+    Work(u"ok");
+    EXPECT_EQ(Disagreement(), "") << "the next OK finds them";
     ResetCallCounts();
-    InList([&](HWND hList) { ClickControl(hList, IDC_OK); });
+    Work(u"ok");
     EXPECT_EQ(CallCount(CALL_DeleteFormW) + CallCount(CALL_SetPrinterDataW), 0) << "nothing to store";
-    SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, {0xC0, 1, 0, 0, 0, 0, 7});
-    InList([&](HWND hList) {
-        ClickControl(hList, IDC_SIZES_DELETE);
-        EXPECT_EQ(Rows(hList, IDC_SIZES_LIST), "+--");
-        ClickControl(hList, IDC_OK);
-    });
-    DWORD dwType;
-    Bytes value;
-    EXPECT_FALSE(GetPrinterValue(wcPrinter, u"PaperSizes", &dwType, &value)) << "no row is left";
+    SetSizes({448, 0, 0, 449});
+    Work(u"delete/ok");
+    EXPECT_TRUE(Sizes().empty()) << "no row is left";
     EXPECT_TRUE(MachineForms().empty());
-    EXPECT_NE(GetFile(Settings()), file);
 }
 
 /* What a text typed for the width becomes: a refusal shows the limit, and that is taken in either unit. */
 TEST_F(SavedPapersTest, TakeNoSizeBeyondTheModels)
 {
     Open(true);
-    const WideText wcMany(200, u'9');
-    for (const auto& [wcText, ulTaken] : std::vector<std::pair<WideText, u32>>{{u"", 7620},
-                                                                               {u"-", 7620},
-                                                                               {u"-100", 7620},
-                                                                               {u"abc", 7620},
-                                                                               {u"\u0661\u0660\u0660", 7620},
-                                                                               {u"100,5", 7620},
-                                                                               {u"+100.5", 10050},
-                                                                               {u" 100 x", 10000},
-                                                                               {u"76.1", 7620},
-                                                                               {u"311.2", 31120},
-                                                                               {u"311.3", 31120},
-                                                                               {u"999999", 31120},
-                                                                               {wcMany, 31120}}) {
-        InList([&](HWND hList) {
-            Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-                Fill(hEditor, u"Card", wcText, u"200");
-                Press(hEditor, IDC_SIZE_ADD, [](HWND hNotice) { ClickControl(hNotice, IDC_NOTICE_OK); });
-                Confirm(hEditor);
-            });
+    const WideText wcMany(200, u'9'), wcArabic = u"\u0661\u0660\u0660";
+    const std::map<u32, std::vector<WideText>> taken = {
+        {7620, {u"", u"-", u"-100", u"abc", wcArabic, u"100,5", u"76.1"}},
+        {10000, {u" 100 x"}},
+        {10050, {u"+100.5"}},
+        {31120, {u"311.2", u"311.3", wcMany}}};
+    for (const auto& [ulTaken, texts] : taken) {
+        for (const WideText& wcText : texts) {
+            Work(u"new/n=Card/w=" + wcText + u"/l=200/add/close/add/cancel");
             EXPECT_EQ(Session()->pCustomPapers->ulWidth, ulTaken) << Narrow(wcText);
-            Press(hList, IDC_SIZES_EDIT, [&](HWND hEditor) {
-                ClickControl(hEditor, IDC_UNIT);
-                Confirm(hEditor);
-            });
+            Work(u"edit/unit/change/cancel");
             EXPECT_EQ(Session()->pCustomPapers->ulMetric, 0u) << Narrow(wcText);
-            ClickControl(hList, IDC_SIZES_DELETE);
-        });
-    }
-    /* The proposal for a new paper is rounded, and may lie below the least width. */
-    InList([&](HWND hList) {
-        Press(hList, IDC_SIZES_NEW, [&](HWND hEditor) {
-            TypeText(hEditor, IDC_SIZE_NAME, WideText(20, u'n'));
-            EXPECT_EQ(Editor(hEditor), "New Paper Size|nnnnnnnnnnnnnnnn|76.0|mm|127.0|mm|Add|1710");
-            SetDlgItemTextW(hEditor, IDC_SIZE_NAME, u"\tA\nB\"");
-            SetDlgItemTextW(hEditor, IDC_SIZE_WIDTH, wcMany.c_str());
-            Press(hEditor, IDC_SIZE_ADD, [](HWND hNotice) { ClickControl(hNotice, IDC_NOTICE_OK); });
-            Confirm(hEditor);
-        });
-        EXPECT_EQ(Rows(hList, IDC_SIZES_LIST), "*A B\" (311.2 x 127.0 mm)|+++");
-    });
-    /* Of every model: what the refusal shows is within. */
-    for (i32 lLimit = 10; lLimit <= 0x7FFF * 10; lLimit += 10) {
-        WCHAR wcText[TEXT_CHARS];
-        for (int bMetric : {0, 1}) {
-            FormatMeasure(lLimit, bMetric, ROUND_UP, u".", wcText, TEXT_CHARS);
-            ASSERT_GE(MeasureOfText(wcText, u".", bMetric), lLimit);
-            FormatMeasure(lLimit, bMetric, ROUND_DOWN, u".", wcText, TEXT_CHARS);
-            ASSERT_LE(MeasureOfText(wcText, u".", bMetric), lLimit);
+            Work(u"delete/cancel");
         }
+    }
+    EXPECT_EQ(Work(u"new/n=" + WideText(20, u'n') + u"/see/cancel"),
+              "New Paper Size|_nnnnnnnnnnnnnnnn|76.0|mm||127.0|mm|>Add|Cancel|\n");
+    for (i32 i = 20; i <= 2 * 0x7FFF + 1; i++) { /* the limits of every model, in both units */
+        const i32 lLimit = i / 2 * 10, bMetric = i % 2;
+        WCHAR wcText[TEXT_CHARS];
+        FormatMeasure(lLimit, bMetric, ROUND_UP, u".", wcText, TEXT_CHARS);
+        ASSERT_GE(MeasureOfText(wcText, u".", bMetric), lLimit);
+        FormatMeasure(lLimit, bMetric, ROUND_DOWN, u".", wcText, TEXT_CHARS);
+        ASSERT_LE(MeasureOfText(wcText, u".", bMetric), lLimit);
     }
 }
 
-TEST_F(SavedPapersTest, AThousandEditsLeaveTheFourPlacesOfOneMind)
+TEST_F(SavedPapersTest, AThousandEditsLeaveAllPlacesOfOneMind)
 {
     Open(true);
     std::mt19937 random(16);
-    const auto below = [&](u32 n) { return static_cast<int>(random() % n); };
-    const WideText awcNames[] = {u"A",    u"a", u" B ", u"\"C\"", u"'", u"D=;[x]", u"\u00E4\u4E00",
-                                 u"E\tF", u"",  u"G  H"};
-    const WideText awcSides[] = {u"100.0", u"4.5",   u"12",  u"7.77", u"311.2",
-                                 u"x",     u"99999", u"250", u"",     u"-1"};
-    const auto edit = [&](HWND hEditor) {
-        for (int i = below(5); i >= 0; i--) {
-            switch (below(6)) {
-            case 0: TypeText(hEditor, IDC_SIZE_NAME, awcNames[below(10)], below(2)); break;
-            case 1: TypeText(hEditor, IDC_SIZE_WIDTH, awcSides[below(10)]); break;
-            case 2: TypeText(hEditor, IDC_SIZE_LENGTH, awcSides[below(10)]); break;
-            case 3: ClickControl(hEditor, IDC_UNIT); break;
-            case 4: SpinControl(hEditor, IDC_SIZE_LENGTH_SPIN, below(3)); break;
-            default: SendKey(static_cast<WPARAM>(KEY_PRIOR + below(8))); break;
-            }
-        }
-        if (!GetDlgItem(hEditor, IDC_NOTICE_OK)) {
-            Confirm(hEditor);
-        }
-    };
+    const WideText aThings[] = {u"new",   u"new",      u"new",     u"edit",    u"delete", u"unit",
+                                u"up",    u"down",     u"close",   u"enter",   u"row=0",  u"row=2",
+                                u"n=A",   u"n=a",      u"n= B ",   u"n=\"C\"", u"n='",    u"n=E\tF",
+                                u"n=",    u"n=D=;[x]", u"w=100.5", u"w=x",     u"w=9.99", u"n=\u00E4\u4E00",
+                                u"l=150", u"l=8.25",   u"l=999",   u"enter",   u"enter"};
     size_t nMost = 0;
-    for (int n = 0; n < 1000;) {
-        InList([&](HWND hList) {
-            for (int i = below(6); i >= 0; i--, n++) {
-                const int anButtons[] = {IDC_SIZES_NEW, IDC_SIZES_NEW, IDC_SIZES_EDIT, IDC_SIZES_DELETE};
-                PickRow(hList, IDC_SIZES_LIST, below(8));
-                Press(hList, anButtons[below(4)], edit);
-            }
-            ClickControl(hList, IDC_OK);
-        });
-        ASSERT_EQ(Disagreement(), "") << n;
+    while (nEdits < 1000) {
+        WideText wcThings;
+        for (int i = 0; i < 80; i++) {
+            wcThings += aThings[random() % std::size(aThings)] + u"/";
+        }
+        Work(wcThings + u"close/close");
+        Work(u"ok");
+        ASSERT_EQ(Disagreement(), "") << Narrow(wcThings);
         nMost = std::max(nMost, MachineForms().size());
     }
     EXPECT_GE(nMost, 5u);
     EXPECT_EQ(ForcedCloses(), 0);
 }
 
-/* Whatever failed, nothing is held, every row has a name, and the next OK puts all in order. */
+/* Whatever failed, nothing is held, all rows but the spare one have a name, and the next edit puts everything in order. */
 TEST_F(SavedPapersTest, SurviveEveryFailure)
 {
     Open(true);
-    const auto use = [&] {
-        InList([&](HWND hList) {
-            Add(hList, u"A", u"1", u"300");
-            Press(hList, IDC_SIZES_EDIT, [&](HWND hEditor) {
-                ClickControl(hEditor, IDC_UNIT);
-                Confirm(hEditor);
-            });
-            ClickControl(hList, IDC_OK);
-        });
-    };
     const auto clear = [&] {
-        InList([&](HWND hList) {
-            while (Session()->sCustomPaperCount) {
-                ClickControl(hList, IDC_SIZES_DELETE);
-            }
-            ClickControl(hList, IDC_OK);
-        });
+        Work(u"delete/delete/ok");
         FillPaperCombo(Page(1), Session());
         return Disagreement();
+    };
+    const auto use = [&] {
+        return Work(u"new/n=A/w=1/add/close/add/edit/n=B/unit/change/ok"), std::string();
     };
     use();
     int nFaults = 0;
     for (FaultMode mode : {FAIL_ONCE, FAIL_FROM_THERE}) {
         for (int n = 1, nHit = 1; nHit; n++) {
             ASSERT_EQ(clear(), "") << n;
-            const std::string held = HoldsNothing([&] {
-                FailCall(ANY_CALL, n, mode);
-                use();
-                nHit = StopFaults();
-                return std::string();
-            });
-            ASSERT_EQ(held, "") << n;
+            FailCall(ANY_CALL, n, mode);
+            ASSERT_EQ(HoldsNothing(use), "") << n;
+            nHit = StopFaults();
             nFaults += nHit;
             const PaperSizeRow* pRows = Session()->pCustomPapers.get();
             for (i32 i = 0; i <= Session()->sCustomPaperCount; i++) {
@@ -422,10 +296,8 @@ TEST_F(SavedPapersTest, ALongListFillsAtOnce)
     Open(true);
     Session()->pCustomPapers.reset(static_cast<PaperSizeRow*>(AllocateRows(1001, sizeof(PaperSizeRow))));
     Session()->sCustomPaperCount = 1000;
-    const auto begun = std::chrono::steady_clock::now();
+    const std::clock_t begun = std::clock();
     FillPaperCombo(Page(1), Session());
-    const auto spent = std::chrono::steady_clock::now() - begun;
+    EXPECT_LT(std::clock() - begun, CLOCKS_PER_SEC / 50);
     EXPECT_EQ(SendDlgItemMessageW(Page(1), IDC_PAPER_SIZE, CB_GETCOUNT, 0, 0), 1014);
-    EXPECT_EQ(SendDlgItemMessageW(Page(1), IDC_PAPER_TARGET, CB_GETCOUNT, 0, 0), 1015);
-    EXPECT_LT(std::chrono::duration<double>(spent).count(), 0.5) << "sanitized, on a busy machine";
 }
