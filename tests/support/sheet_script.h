@@ -26,13 +26,13 @@
 #ifndef TQUI_TESTS_SHEET_SCRIPT_H
 #define TQUI_TESTS_SHEET_SCRIPT_H
 
-#include <fstream>
 #include <map>
 #include <sstream>
 
 #include "hosted/user_input.h"
 #include "sheet/dialog_services.h"
 #include "sheet/page_windows.h"
+#include "support/control_names.h"
 #include "support/data_file.h"
 #include "support/sheet_machine.h"
 
@@ -173,7 +173,7 @@ class SheetScript : public SheetTest {
         if (name == "dialogs") {
             return name + "=" + std::to_string(DialogsOpened() - nDialogs);
         }
-        if (std::isupper(static_cast<unsigned char>(name[0])) && Ids().contains(name)) {
+        if (std::isupper(static_cast<unsigned char>(name[0])) && ControlNumber(name)) {
             return name + "=" + Value(PageOf(name), Id(name));
         }
         return name + "=" + FieldOf(record, name).value;
@@ -246,29 +246,10 @@ class SheetScript : public SheetTest {
         return Session()->hPageWnd[slot->second];
     }
 
-    /* Numbers of the controls by their names, as the resource sources have them. */
-    static const std::map<std::string, int>& Ids()
-    {
-        static const std::map<std::string, int> ids = [] {
-            std::map<std::string, int> found;
-            std::ifstream header(TQUI_SOURCE_DIR "/src/description/control_ids.h");
-            for (std::string line; std::getline(header, line);) {
-                std::istringstream words(line);
-                std::string define, name;
-                int nId;
-                if (words >> define >> name >> nId && define == "#define" && name.starts_with("IDC_")) {
-                    found[name.substr(4)] = nId;
-                }
-            }
-            return found;
-        }();
-        return ids;
-    }
     static int Id(const std::string& name)
     {
-        const auto found = Ids().find(name);
-        EXPECT_NE(found, Ids().end()) << name;
-        return found == Ids().end() ? 0 : found->second;
+        EXPECT_NE(ControlNumber(name), 0) << name;
+        return ControlNumber(name);
     }
 
     std::string opened; /* sample */
