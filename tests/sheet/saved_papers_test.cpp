@@ -168,8 +168,8 @@ TEST_F(SavedPapersTest, AreMadeByHand)
         "New Paper Size| Card |_3.00|in||47.24|in|>Add|Cancel|\n"
         "New Paper Size| Card |76.2|mm||1199.9|mm|>Add|Cancel|\n"
         "New Paper Size| Card |100.1|mm|_|1199.9|mm|>Add|Cancel|\n"
-        "Name Already in Use|\n"
-        "Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
+        "*Name Already in Use|\n"
+        "*Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
     EXPECT_EQ(ForcedCloses(), 0);
     EXPECT_EQ(Disagreement(), "");
     EXPECT_EQ(SheetResults(pSheet).size(), 1u);
