@@ -1,6 +1,7 @@
 #include "sheet/saved_papers.h"
 
 #include <cstring>
+#include <utility>
 
 #include "base/format.h"
 #include "base/measure.h"

@@ -2,6 +2,7 @@
    file, printer's forms, value "PaperSizes", list of the Paper page. */
 #include "sheet/saved_papers.h"
 
+#include <ctime>
 #include <map>
 #include <random>
 
@@ -30,15 +31,11 @@ class SavedPapersTest : public SheetTest {
     {
         SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
         AddSample("T410A");
-        SetSizes({257, 2100, 11880, 300, 3000, 2000});
+        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, BytesOf({257, 2100, 11880, 300, 3000, 2000}));
         OpenDocument();
         ASSERT_TRUE(ShowSheetPage(pSheet, 1));
         FillPaperCombo(Page(1), Session());
         ASSERT_TRUE(ShowSheetPage(pSheet, 0));
-    }
-    void SetSizes(const std::vector<u16>& sizes)
-    {
-        SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, BytesOf(sizes));
     }
     static Bytes BytesOf(const std::vector<u16>& sizes)
     {
@@ -168,8 +165,8 @@ TEST_F(SavedPapersTest, AreMadeByHand)
         "New Paper Size| Card |_3.00|in||47.24|in|>Add|Cancel|\n"
         "New Paper Size| Card |76.2|mm||1199.9|mm|>Add|Cancel|\n"
         "New Paper Size| Card |100.1|mm|_|1199.9|mm|>Add|Cancel|\n"
-        "Name Already in Use|\n"
-        "Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
+        "*Name Already in Use|\n"
+        "*Your Paper Sizes|Card (100.0 x 152.4 mm)|A  B (9.84 x 11.81 in)|_New...|Edit...|Delete|Cancel|>OK|\n");
     EXPECT_EQ(ForcedCloses(), 0);
     EXPECT_EQ(Disagreement(), "");
     EXPECT_EQ(SheetResults(pSheet).size(), 1u);
@@ -200,7 +197,7 @@ TEST_F(SavedPapersTest, AreKnownByTheirNames)
     ResetCallCounts();
     Work(u"ok");
     EXPECT_EQ(CallCount(CALL_DeleteFormW) + CallCount(CALL_SetPrinterDataW), 0) << "nothing to store";
-    SetSizes({448, 0, 0, 449});
+    SetPrinterValue(wcPrinter, u"PaperSizes", REG_BINARY, BytesOf({448, 0, 0, 449}));
     Work(u"delete/ok");
     EXPECT_TRUE(Sizes().empty()) << "no row is left";
     EXPECT_TRUE(MachineForms().empty());
