@@ -87,9 +87,25 @@ std::string DoStep(HWND hSheet, const std::string& step)
 
 } // namespace
 
+/* A modal dialog disables what lies below it. */
 HWND UppermostWindow(HWND hSheet)
 {
-    return GetLastActivePopup(hSheet);
+    struct Search {
+        HWND hSheet, hFound;
+    } search = {hSheet, hSheet};
+    EnumThreadWindows(
+        GetWindowThreadProcessId(hSheet, nullptr),
+        [](HWND hWnd, LPARAM lParam) -> BOOL {
+            auto* pSearch = reinterpret_cast<Search*>(lParam);
+            if (hWnd != pSearch->hSheet && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd) &&
+                GetWindow(hWnd, GW_OWNER)) {
+                pSearch->hFound = hWnd;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.hFound;
 }
 
 std::string DoSteps(HWND hSheet, const std::string& steps)

