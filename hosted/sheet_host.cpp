@@ -70,6 +70,8 @@ LONG_PTR CALLBACK ComPropSheet(HANDLE hComPropSheet, UINT uFunction, LPARAM lPar
     return 0;
 }
 
+bool AcceptSheet(Sheet* pSheet);
+
 LRESULT CALLBACK FrameProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
 {
     if (uMessage == PSM_CHANGED || uMessage == PSM_UNCHANGED) {
@@ -81,6 +83,14 @@ LRESULT CALLBACK FrameProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lPara
             }
         }
         return 1;
+    }
+    if (uMessage == WM_COMMAND && (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)) {
+        for (Sheet* pSheet : openSheets) {
+            if (pSheet->hFrame == hWnd) { /* the keys: the focus stays where it is */
+                LOWORD(wParam) == IDOK ? AcceptSheet(pSheet) : PressSheetCancel(pSheet);
+                return 1;
+            }
+        }
     }
     return DefaultWindowProc(hWnd, uMessage, wParam, lParam);
 }
@@ -185,6 +195,23 @@ void CloseWindows(Sheet* pSheet)
     pSheet->nActive = -1;
     for (const auto& page : pSheet->pages) {
         page->hWnd = nullptr;
+    }
+}
+
+bool AcceptSheet(Sheet* pSheet)
+{
+    if (!pSheet->hFrame || !ApplyAll(pSheet, true)) {
+        return false;
+    }
+    CloseWindows(pSheet);
+    return true;
+}
+
+/* A click on a button of the frame takes the focus from the page first. */
+void FocusFrame(const Sheet* pSheet)
+{
+    if (pSheet->hFrame) {
+        MoveFocus(pSheet->hFrame);
     }
 }
 
@@ -307,16 +334,17 @@ bool CanApplySheet(const Sheet* pSheet)
 
 bool PressSheetApply(Sheet* pSheet)
 {
-    return CanApplySheet(pSheet) && ApplyAll(pSheet, false);
+    if (!CanApplySheet(pSheet)) {
+        return false;
+    }
+    FocusFrame(pSheet);
+    return ApplyAll(pSheet, false);
 }
 
 bool PressSheetOk(Sheet* pSheet)
 {
-    if (!pSheet->hFrame || !ApplyAll(pSheet, true)) {
-        return false;
-    }
-    CloseWindows(pSheet);
-    return true;
+    FocusFrame(pSheet);
+    return AcceptSheet(pSheet);
 }
 
 bool PressSheetCancel(Sheet* pSheet)

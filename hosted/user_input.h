@@ -74,7 +74,8 @@ void SendKey(WPARAM uKey, bool bShift = false);
 void MoveMouse(HWND hWnd, int x, int y);
 void PressMouse(HWND hWnd, int x, int y);
 void ReleaseMouse(HWND hWnd, int x, int y);
-void AskContextMenu(HWND hWnd, int x, int y); /* a right click's WM_CONTEXTMENU */
+/* The right button, once or twice; each release asks for the context menu. */
+void RightClick(HWND hWnd, int x, int y, bool bTwice = false);
 void CloseWindowByUser(HWND hDialog);         /* the cross in its caption */
 
 /* ---- what is to be painted ---- */

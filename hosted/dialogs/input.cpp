@@ -88,10 +88,24 @@ HWND DialogOf(HWND hWnd)
     return pWindow && pWindow->kind != KIND_DIALOG ? pWindow->hParent : hWnd;
 }
 
+/* A page has neither OK nor Cancel: both keys are its sheet's. Null for any other dialog. */
+HWND SheetOf(HWND hDialog)
+{
+    const Window* pDialog = FindWindowState(hDialog);
+    const Window* pParent =
+        pDialog && pDialog->dwStyle & WS_CHILD ? FindWindowState(pDialog->hParent) : nullptr;
+    return pParent && pParent->kind == KIND_FRAME ? pParent->hWnd : nullptr;
+}
+
 void PressReturn(HWND hDialog, const Window* pFocus)
 {
     LONG_PTR lId = IDOK;
-    if (pFocus->kind == KIND_BUTTON && ButtonKind(pFocus) <= BS_DEFPUSHBUTTON) {
+    const bool bButton = pFocus->kind == KIND_BUTTON && ButtonKind(pFocus) <= BS_DEFPUSHBUTTON;
+    if (const HWND hSheet = SheetOf(hDialog); hSheet && !bButton) {
+        Send(hSheet, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED));
+        return;
+    }
+    if (bButton) {
         lId = pFocus->lId;
     } else if (const LRESULT lDefault = Send(hDialog, DM_GETDEFID); HIWORD(lDefault) == DC_HASDEFID) {
         lId = LOWORD(lDefault);
@@ -256,7 +270,8 @@ void SendKey(WPARAM uKey, bool bShift)
     } else if (uKey == VK_RETURN) {
         PressReturn(hDialog, pFocus);
     } else if (uKey == VK_ESCAPE) {
-        Send(hDialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED));
+        const HWND hSheet = SheetOf(hDialog);
+        Send(hSheet ? hSheet : hDialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED));
     } else if (bButton && IsArrow(uKey)) {
         const std::vector<HWND> group = GroupBehind(hFocus);
         const bool bBack = uKey == VK_LEFT || uKey == VK_UP;
@@ -292,16 +307,14 @@ void ReleaseMouse(HWND hWnd, int x, int y)
     SendMouse(hWnd, WM_LBUTTONUP, x, y);
 }
 
-void AskContextMenu(HWND hWnd, int x, int y)
+void RightClick(HWND hWnd, int x, int y, bool bTwice)
 {
-    Window* pWindow = FindWindowState(hWnd);
-    if (!pWindow || !IsUsable(pWindow)) {
-        return;
+    SendMouse(hWnd, WM_RBUTTONDOWN, x, y);
+    SendMouse(hWnd, WM_RBUTTONUP, x, y); /* which asks for the context menu, unless somebody else takes it */
+    if (bTwice) {
+        SendMouse(hWnd, WM_RBUTTONDBLCLK, x, y);
+        SendMouse(hWnd, WM_RBUTTONUP, x, y);
     }
-    const POINT origin = ClientOrigin(pWindow);
-    cursorPoint = {origin.x + x, origin.y + y};
-    const HWND hUnder = WindowUnder(pWindow, cursorPoint)->hWnd;
-    Send(hUnder, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(hUnder), MAKELPARAM(cursorPoint.x, cursorPoint.y));
 }
 
 void CloseWindowByUser(HWND hDialog)

@@ -186,6 +186,12 @@ LRESULT DefaultWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam
         wcOut[cch] = 0;
         return static_cast<LRESULT>(cch);
     }
+    case WM_RBUTTONUP: {
+        const POINT origin = ClientOrigin(pWindow);
+        const int x = origin.x + static_cast<i16>(LOWORD(lParam)),
+                  y = origin.y + static_cast<i16>(HIWORD(lParam));
+        return Send(hWnd, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(hWnd), MAKELPARAM(x, y));
+    }
     case WM_HELP: /* a control hands both on, so that the dialog answers for it */
     case WM_CONTEXTMENU:
         return pWindow->dwStyle & WS_CHILD ? Send(pWindow->hParent, uMessage, wParam, lParam) : 0;

@@ -32,13 +32,15 @@ i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSi
     return ReadCustomSizes(*pFile, pModel, outRows);
 }
 
-void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
+int SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount)
 {
     WCHAR tcPath[PATH_CHARS];
-    if (GetUserSettingsPath(call, tcPath)) {
-        WriteCustomSizes(tcPath, pRows, nCount);
-        ForgetUserSettings(call);
+    if (!GetUserSettingsPath(call, tcPath)) {
+        return 0;
     }
+    int bWritten = WriteCustomSizes(tcPath, pRows, nCount);
+    ForgetUserSettings(call);
+    return bWritten;
 }
 
 i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
@@ -76,6 +78,15 @@ i32 GetSpoolerForms(PrinterCall& call, OwnedBlock<PaperSizeRow>* outRows)
         }
     }
     return nUser;
+}
+
+i32 CountPaperRows(const XpiModel* pModel)
+{
+    i32 nRows = 0;
+    while (pModel && Row(pModel, pModel->pPaperTable, nRows)->sNameId) {
+        nRows++;
+    }
+    return nRows;
 }
 
 const PaperRow* FindPaperRow(const XpiModel* pModel, i16 sCode)

@@ -25,9 +25,9 @@ constexpr i32 USER_SIZED_PAPER = 256; /* from here on sizes decide, not codes: m
 i32 GetSavedPapers(PrinterCall& call, const XpiModel* pModel, OwnedBlock<PaperSizeRow>* outRows);
 
 /* Replaces the saved papers in the user's settings file by nCount rows, the spare one not counted. Without such
-   a file's path nothing happens. As with all writers of the store, the outcome is not told: what could not be
-   written leaves the file as it was. */
-void SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount);
+   a file's path nothing happens. Result: 1 when the file holds them now, else 0: what could not be written leaves
+   the file as it was. */
+int SetSavedPapers(PrinterCall& call, const PaperSizeRow* pRows, i32 nCount);
 
 /* The spooler's user forms in its order; built-in forms and those of printers are left out.
    Result: row count with *outRows a new array, the caller's; 0 and null when there is none or memory fails. */
@@ -39,6 +39,9 @@ i32 GetPaperSize(PrinterCall& call, const XpiModel* pModel, i16 sCode, i16* psWi
 
 /* The paper that a document is scaled to when this one is chosen; 0 or below for none. */
 i16 GetCompanionPaper(const XpiModel* pModel, i16 sCode);
+
+/* Rows of the model's paper table up to its end; 0 without a model or a table. */
+i32 CountPaperRows(const XpiModel* pModel);
 
 /* Row of the model's paper table with this code, or null. */
 const PaperRow* FindPaperRow(const XpiModel* pModel, i16 sCode);

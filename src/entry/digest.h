@@ -20,10 +20,4 @@
    that cannot be had or written is missing. Nothing tells of the outcome. */
 void DigestXpi(PrinterCall& call, const XpiModel* pModel);
 
-/* A row of the value "PaperSizes". */
-struct StoredPaperSize {
-    u16 usCode, usWidth, usLength; /* tenths of a millimetre */
-};
-static_assert(sizeof(StoredPaperSize) == 6);
-
 #endif

@@ -11,16 +11,6 @@ namespace {
 
 constexpr u32 SUBLANGUAGE_BITS = 0xFC00;
 
-/* Rows of the paper table that get a form, up to the end of the table. */
-i32 CountPapers(const XpiModel* pModel)
-{
-    i32 nPapers = 0;
-    while (Row(pModel, pModel->pPaperTable, nPapers)->sNameId) {
-        nPapers++;
-    }
-    return nPapers;
-}
-
 } // namespace
 
 void ReplacePrinterForm(PrinterCall& call, const WCHAR* wcName, i64 lWidth, i64 lLength, Margins upright,
@@ -46,7 +36,7 @@ void AddModelForms(PrinterCall& call, const XpiModel* pModel)
     if (!pFile || !pModel->pPaperTable) {
         return;
     }
-    i32 nPapers = CountPapers(pModel);
+    i32 nPapers = CountPaperRows(pModel);
     OwnedBlock<i16> pIds(static_cast<i16*>(AllocateRows(static_cast<u64>(nPapers), sizeof(i16))));
     i32 nForms = 0;
     for (i32 i = 0; pIds && i < nPapers; i++) {
@@ -78,5 +68,17 @@ void AddModelForms(PrinterCall& call, const XpiModel* pModel)
                                rotated);
             wcName += TEXT_CHARS;
         }
+    }
+}
+
+void AddSavedPaperForms(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRows, i32 nRows)
+{
+    for (i32 i = 0; i < nRows; i++) {
+        const PaperSizeRow* pRow = pRows + i;
+        i16 sCode = LowWord(FIRST_SAVED_CODE + i);
+        Margins upright = GetSavedPaperMargins(call, pModel, pRow, sCode, 1, FORM_UNITS_PER_INCH);
+        Margins rotated = GetSavedPaperMargins(call, pModel, pRow, LowWord(-sCode), 1, FORM_UNITS_PER_INCH);
+        ReplacePrinterForm(call, pRow->wcName, static_cast<i64>(pRow->ulWidth) * 10,
+                           static_cast<i64>(pRow->ulLength) * 10, upright, rotated);
     }
 }

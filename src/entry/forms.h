@@ -16,4 +16,8 @@ void ReplacePrinterForm(PrinterCall& call, const WCHAR* wcName, i64 lWidth, i64 
    user's language. */
 void AddModelForms(PrinterCall& call, const XpiModel* pModel);
 
+/* Adds a form for each saved paper in place of one of its name. The codes begin at that of the first saved paper, and
+   the saved papers that margins may be asked from are these. */
+void AddSavedPaperForms(PrinterCall& call, const XpiModel* pModel, const PaperSizeRow* pRows, i32 nRows);
+
 #endif

@@ -229,20 +229,31 @@ int ChangeFile(const WCHAR* tcPath, const WCHAR* wcSection, const WCHAR* wcKey, 
     }
 }
 
+/* 1 for a text that stands in quotation marks itself. */
+int IsQuoted(TextSpan text)
+{
+    text = TrimSpan(text);
+    return text.nLength >= 2 && (text.pText[0] == '"' || text.pText[0] == '\'') &&
+           text.pText[text.nLength - 1] == text.pText[0];
+}
+
 } // namespace
 
 void WriteProfileText(SectionLines* pLines, const WCHAR* wcKey, const WCHAR* wcText, int cchMax)
 {
     u32 nKey = static_cast<u32>(WideLength(wcKey));
     u32 nText = static_cast<u32>(BoundedLength(wcText, cchMax));
+    u32 nMark = static_cast<u32>(IsQuoted({wcText, nText}));
     Append(pLines, wcKey, nKey);
     Append(pLines, TEXT("="), 1);
+    Append(pLines, TEXT("\""), nMark);
     if (Append(pLines, wcText, nText)) {
         WCHAR* pValue = pLines->pText.get() + (pLines->nLength - nText);
         for (u32 i = 0; i < nText; i++) {
             pValue[i] = IsControl(pValue[i]) ? static_cast<WCHAR>(' ') : pValue[i];
         }
     }
+    Append(pLines, TEXT("\""), nMark);
     Append(pLines, TEXT("\r\n"), 2);
 }
 

@@ -23,7 +23,8 @@ struct SectionLines {
 };
 
 /* Add "key=value". Decimal: a number of up to 16 bits. Long: of 32 bits, with a sign. Hex: 8 digits, capitals.
-   Text: up to its NUL or cchMax characters; control characters become blanks. */
+   Text: up to its NUL or cchMax characters; control characters become blanks. A text that stands in quotation marks
+   gets another pair, since readers take one away. */
 void WriteProfileDecimal(SectionLines* pLines, const WCHAR* wcKey, i32 lValue);
 void WriteProfileLong(SectionLines* pLines, const WCHAR* wcKey, i32 lValue);
 void WriteProfileHex(SectionLines* pLines, const WCHAR* wcKey, u32 ulValue);

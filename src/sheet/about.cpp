@@ -2,23 +2,19 @@
 #include "sheet/about.h"
 
 #include <cstring>
+#include <utility>
 
 #include "base/format.h"
 #include "description/control_ids.h"
 #include "description/string_ids.h"
 #include "description/xpi_text.h"
+#include "sheet/dialog_frame.h"
 #include "sheet/dialog_services.h"
 #include "sheet/version_text.h"
 
 namespace {
 
 constexpr i32 TEXTS_ABOVE = 3; /* texts of the model above the version, at most */
-
-/* The logo is the box's own, since the pages' goes with the last of them. */
-struct AboutBox {
-    UiSession* pSession;
-    HBITMAP hLogo;
-};
 
 /* Number of the model's text nRow; 0 for none. */
 i16 AboutText(const UiSession* pSession, i32 nRow)
@@ -40,31 +36,25 @@ void ShowModelText(HWND hDialog, UiSession* pSession, int nControl, i16 sId)
     SetDlgItemTextW(hDialog, nControl, wcText);
 }
 
-INT_PTR CALLBACK AboutProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM lParam)
+/* The logo is the box's own, since the pages' goes with the last of them. */
+void InitAbout(HWND hDialog, UiSession* pSession)
 {
-    switch (uMessage) {
-    case WM_INITDIALOG: {
-        const AboutBox* pBox = reinterpret_cast<const AboutBox*>(lParam);
-        WCHAR wcTitle[TEXT_CHARS];
-        SetWindowLongPtrW(hDialog, DWLP_USER, reinterpret_cast<LONG_PTR>(pBox->pSession));
-        LabelControls(hDialog, pBox->pSession);
-        LoadUiText(pBox->pSession, IDS_TITLE_ABOUT, wcTitle, TEXT_CHARS);
-        SetWindowTextW(hDialog, wcTitle);
-        if (pBox->hLogo) {
-            SendDlgItemMessageW(hDialog, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
-                                reinterpret_cast<LPARAM>(pBox->hLogo));
-        }
-        FillAbout(hDialog, pBox->pSession);
-        return 1;
+    SetTitle(hDialog, pSession, IDS_TITLE_ABOUT);
+    if (pSession->pDialogData) {
+        SendDlgItemMessageW(hDialog, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
+                            reinterpret_cast<LPARAM>(pSession->pDialogData));
     }
-    case WM_COMMAND:
-        if (LOWORD(wParam) == IDC_NOTICE_OK || LOWORD(wParam) == IDCANCEL) {
-            EndDialog(hDialog, 0);
-        }
-        return 1;
-    default: return 0;
+    FillAbout(hDialog, pSession);
+}
+
+void AboutCommand(HWND hDialog, UiSession*, WPARAM wParam, LPARAM)
+{
+    if (LOWORD(wParam) == IDC_NOTICE_OK) {
+        EndDialog(hDialog, DIALOG_OK);
     }
 }
+
+constexpr DialogRoutines aboutBox = {-1, InitAbout, AboutCommand};
 
 } // namespace
 
@@ -93,14 +83,16 @@ void FillAbout(HWND hDialog, UiSession* pSession)
 
 void ShowAbout(UiSession* pSession, HWND hOwner)
 {
-    HMODULE hLibrary = static_cast<HMODULE>(pSession->hLanguageDll.get());
+    HINSTANCE hLibrary = static_cast<HINSTANCE>(pSession->hLanguageDll.get());
     if (!hLibrary) {
-        return; /* the program that we are loaded into may have a dialog of that number */
+        return;
     }
-    AboutBox box = {pSession, static_cast<HBITMAP>(LoadImageW(hLibrary, TEXT("LOGOBITMAP"), IMAGE_BITMAP, 0,
-                                                              0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT))};
-    DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(IDD_ABOUT), hOwner, AboutProc, reinterpret_cast<LPARAM>(&box));
-    if (box.hLogo) {
-        DeleteObject(box.hLogo);
+    HANDLE hLogo =
+        LoadImageW(hLibrary, TEXT("LOGOBITMAP"), IMAGE_BITMAP, 0, 0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT);
+    void* pBefore = std::exchange(pSession->pDialogData, hLogo);
+    RunDialog<aboutBox>(pSession, hOwner, IDD_ABOUT, 0);
+    pSession->pDialogData = pBefore;
+    if (hLogo) {
+        DeleteObject(static_cast<HBITMAP>(hLogo));
     }
 }

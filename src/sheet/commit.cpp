@@ -28,29 +28,22 @@ void TellAllWindows(const UiSession* pSession)
 
 } // namespace
 
-void CommitPage(UiSession* pSession, int nSlot)
+int CommitPage(UiSession* pSession, int nSlot, HWND hOwner)
 {
     pSession->bPageDirty[nSlot] = 0;
     if (IsAnyDirty(pSession)) {
-        return;
+        return 1;
     }
     /* A dialog has no page of its own: the Paper page speaks for it. What it edited is stored already. */
     int bPage = pSession->hPage[nSlot] != nullptr;
     int nSpeaker = bPage ? nSlot : SLOT_PAPER;
-    HWND hPage = pSession->hPageWnd[nSpeaker];
-    if (CheckConstraints(hPage, pSession)) {
+    if (CheckConstraints(hOwner, pSession)) {
         pSession->bStickyChange = 1;
-        if (bPage) {
-            pSession->bPageDirty[nSlot] = 1;
-            SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
-        }
-        return;
+        pSession->bPageDirty[nSlot] = bPage != 0;
+        return 0;
     }
     if (pSession->pRecord->dmICMMethod > LAST_KNOWN_METHOD) {
         pSession->pRecord->dmICMMethod = 1;
-    }
-    if (bPage) {
-        SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_NOERROR);
     }
     if (pSession->bSettingsLoaded) {
         PrinterCall call(pSession->hPrinter);
@@ -67,4 +60,5 @@ void CommitPage(UiSession* pSession, int nSlot)
     pSession->rSnapshot = *pSession->pRecord;
     CopyWide(pSession->wcProfileFileSnapshot, PATH_CHARS, pSession->wcProfileFile);
     CopyWide(pSession->wcScreenFileSnapshot, PATH_CHARS, pSession->wcScreenFile);
+    return 1;
 }

@@ -5,8 +5,9 @@
 #include "sheet/session.h"
 
 /* Last step of a page's apply, or of a dialog that has a slot of its own: the last one with edits tests the conflicts
-   and gives the settings to the host. A conflict keeps the sheet on the page, and the page's edits count as not
-   applied; a dialog's are. */
-void CommitPage(UiSession* pSession, int nSlot);
+   and gives the settings to the host. hOwner is the window that a conflict's notice lies over.
+   Result: 1 when the settings were given or wait for another page's edits. 0 for a conflict: a page's edits count as
+   not applied then, and the caller refuses the host's apply as its last step; a dialog's edits are stored already. */
+int CommitPage(UiSession* pSession, int nSlot, HWND hOwner);
 
 #endif

@@ -92,6 +92,13 @@ i32 GetComboValue(HWND hDialog, int nControl, int* pbChosen)
     return GetValue(hDialog, nControl, pbChosen, comboMessages);
 }
 
+Selection ReadCombo(HWND hDialog, int nControl)
+{
+    Selection selection;
+    selection.lValue = GetComboValue(hDialog, nControl, &selection.bChosen);
+    return selection;
+}
+
 i32 GetListValue(HWND hDialog, int nControl, int* pbChosen)
 {
     return GetValue(hDialog, nControl, pbChosen, listMessages);
@@ -147,6 +154,78 @@ void LabelControls(HWND hDialog, const UiSession* pSession)
 {
     LabelPass pass = {hDialog, pSession};
     EnumChildWindows(hDialog, LabelControl, reinterpret_cast<LPARAM>(&pass));
+}
+
+void ShowControls(HWND hDialog, const int* pnControls, int bShow)
+{
+    for (; *pnControls; pnControls++) {
+        if (HWND hControl = GetDlgItem(hDialog, *pnControls)) {
+            ShowWindow(hControl, bShow ? SW_SHOW : SW_HIDE);
+        }
+    }
+}
+
+void EnableControls(HWND hDialog, const int* pnControls, int bEnable)
+{
+    for (; *pnControls; pnControls++) {
+        EnableControl(hDialog, *pnControls, bEnable);
+    }
+}
+
+void OfferControls(HWND hDialog, const int* pnControls, int bOffer)
+{
+    EnableControls(hDialog, pnControls, bOffer);
+    ShowControls(hDialog, pnControls, bOffer);
+}
+
+void EnableControl(HWND hDialog, int nControl, int bEnable)
+{
+    if (HWND hControl = GetDlgItem(hDialog, nControl)) {
+        EnableWindow(hControl, bEnable != 0);
+    }
+}
+
+int IsChecked(HWND hDialog, int nControl)
+{
+    return IsDlgButtonChecked(hDialog, nControl) == BST_CHECKED;
+}
+
+void SetChecked(HWND hDialog, int nControl, int bCheck)
+{
+    CheckDlgButton(hDialog, nControl, bCheck ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void CheckRadio(HWND hDialog, const int* pnRadios, int nRadio)
+{
+    for (; *pnRadios; pnRadios++) {
+        SetChecked(hDialog, *pnRadios, *pnRadios == nRadio);
+    }
+}
+
+void MakeDefaultButton(HWND hDialog, int nButton, int nOther)
+{
+    SendDlgItemMessageW(hDialog, nOther, BM_SETSTYLE, BS_PUSHBUTTON, 1);
+    SendDlgItemMessageW(hDialog, nButton, BM_SETSTYLE, BS_DEFPUSHBUTTON, 1);
+    SendMessageW(hDialog, DM_SETDEFID, static_cast<WPARAM>(nButton), 0);
+}
+
+int IsOverControl(HWND hDialog, int nControl, LPARAM lPoint)
+{
+    RECT area;
+    LONG x = static_cast<i16>(LOWORD(lPoint)), y = static_cast<i16>(HIWORD(lPoint));
+    return ControlRect(hDialog, nControl, &area) && x >= area.left && x <= area.right && y >= area.top &&
+           y <= area.bottom;
+}
+
+void ShowHandCursor(UiSession* pSession, int bOver)
+{
+    HCURSOR hNow = GetCursor();
+    if (bOver && hNow != pSession->hCursorHand) {
+        pSession->hCursorSaved = hNow;
+        SetCursor(pSession->hCursorHand);
+    } else if (!bOver && hNow == pSession->hCursorHand) {
+        SetCursor(pSession->hCursorSaved);
+    }
 }
 
 int ControlRect(HWND hDialog, int nControl, RECT* pRect)

@@ -1,5 +1,7 @@
 #include "sheet/edit_keys.h"
 
+#include <algorithm>
+
 #include "base/wide.h"
 #include "description/control_ids.h"
 
@@ -55,22 +57,15 @@ constexpr KeyRow aKeyRanges[] = {
     {},
 };
 
-/* Range of a measure; 0 for the sides of a paper without a model. */
-int MeasureRange(const UiSession* pSession, NumberKind kind, int bMetric, NumberRange* pRange)
+/* The row of an edit control; null without. */
+const KeyRow* FindKeyRow(int nControl)
 {
-    if (kind == POSITION) {
-        i32 lFarthest = bMetric ? FARTHEST_METRIC : FARTHEST_INCH;
-        *pRange = {-lFarthest, 0, lFarthest};
-        return 1;
+    for (const KeyRow* pRow = aKeyRanges; pRow->usEdit; pRow++) {
+        if (pRow->usEdit == nControl) {
+            return pRow;
+        }
     }
-    const XpiModel* pModel = pSession->pXpi.get();
-    if (!pModel) {
-        return 0;
-    }
-    *pRange = kind == PAPER_WIDTH
-                  ? PaperSideRange(pModel->sMinCustomWidth, pModel->sMaxCustomWidth, bMetric)
-                  : PaperSideRange(pModel->sMinCustomLength, pModel->sMaxCustomLength, bMetric);
-    return 1;
+    return nullptr;
 }
 
 /* 1 when the key is one that steps this control. */
@@ -78,11 +73,8 @@ int PressKey(HWND hEdit, UiSession* pSession, int nKey)
 {
     HWND hDialog = GetParent(hEdit);
     int nControl = GetDlgCtrlID(hEdit);
-    const KeyRow* pRow = aKeyRanges;
-    while (pRow->usEdit && pRow->usEdit != nControl) {
-        pRow++;
-    }
-    if (!pRow->usEdit) {
+    const KeyRow* pRow = FindKeyRow(nControl);
+    if (!pRow) {
         return 0;
     }
     if (pRow->kind == WHOLE_NUMBER) {
@@ -90,21 +82,20 @@ int PressKey(HWND hEdit, UiSession* pSession, int nKey)
         i32 lNew = lOld;
         int bOurs = PressNumberKey(nKey, pRow->range, &lNew);
         if (lNew != lOld) {
-            SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lNew), 1);
+            ShowNumber(hDialog, nControl, lNew);
         }
         return bOurs;
     }
     NumberRange range;
-    int bMetric = pSession->pbEditMetric && *pSession->pbEditMetric;
-    if (!MeasureRange(pSession, pRow->kind, bMetric, &range)) {
+    if (!MeasureRangeOf(pSession, nControl, &range)) {
         return 0;
     }
     RoundingMode mode = ROUND_NEAREST;
-    i32 lOld = ReadMeasure(hDialog, pSession, nControl, bMetric);
+    i32 lOld = ReadMeasure(hDialog, pSession, nControl);
     i32 lNew = lOld;
-    int bOurs = PressMeasureKey(nKey, range, bMetric, &lNew, &mode);
+    int bOurs = PressMeasureKey(nKey, range, IsMetric(pSession), &lNew, &mode);
     if (lNew != lOld) {
-        ShowMeasure(hDialog, pSession, nControl, lNew, bMetric, mode);
+        ShowMeasure(hDialog, pSession, nControl, lNew, mode);
     }
     return bOurs;
 }
@@ -130,44 +121,106 @@ LRESULT CALLBACK NumericEditProc(HWND hEdit, UINT uMessage, WPARAM wParam, LPARA
 
 } // namespace
 
-i32 ReadMeasure(HWND hDialog, const UiSession* pSession, int nControl, int bMetric)
+i32 ReadMeasure(HWND hDialog, const UiSession* pSession, int nControl)
 {
     WCHAR wcText[TEXT_CHARS];
     UINT nGot = GetDlgItemTextW(hDialog, nControl, wcText, TEXT_CHARS);
     wcText[nGot < TEXT_CHARS ? nGot : TEXT_CHARS - 1] = 0;
-    return MeasureOfText(wcText, pSession->rLanguage.wcDecimal, bMetric);
+    return MeasureOfText(wcText, pSession->rLanguage.wcDecimal, IsMetric(pSession));
 }
 
-void ShowMeasure(HWND hDialog, const UiSession* pSession, int nControl, i32 lValue, int bMetric,
-                 RoundingMode mode)
+void ShowMeasure(HWND hDialog, const UiSession* pSession, int nControl, i32 lValue, RoundingMode mode)
 {
     WCHAR wcText[TEXT_CHARS];
-    FormatMeasure(lValue, bMetric, mode, pSession->rLanguage.wcDecimal, wcText, TEXT_CHARS);
+    FormatMeasure(lValue, IsMetric(pSession), mode, pSession->rLanguage.wcDecimal, wcText, TEXT_CHARS);
     SetDlgItemTextW(hDialog, nControl, wcText);
 }
 
-i32 ReadNumber(HWND hDialog, int nControl)
+int MeasureRangeOf(const UiSession* pSession, int nControl, NumberRange* pRange)
 {
-    return static_cast<i32>(GetDlgItemInt(hDialog, nControl, nullptr, 1));
+    const KeyRow* pRow = FindKeyRow(nControl);
+    int bMetric = IsMetric(pSession);
+    if (pRow && pRow->kind == POSITION) {
+        i32 lFarthest = bMetric ? FARTHEST_METRIC : FARTHEST_INCH;
+        *pRange = {-lFarthest, 0, lFarthest};
+        return 1;
+    }
+    const XpiModel* pModel = pSession->pXpi.get();
+    if (!pRow || pRow->kind == WHOLE_NUMBER || !pModel) {
+        return 0;
+    }
+    *pRange = pRow->kind == PAPER_WIDTH
+                  ? PaperSideRange(pModel->sMinCustomWidth, pModel->sMaxCustomWidth, bMetric)
+                  : PaperSideRange(pModel->sMinCustomLength, pModel->sMaxCustomLength, bMetric);
+    return 1;
 }
 
-void StepMeasureEdit(HWND hDialog, const UiSession* pSession, int nCode, int nControl, i32 lMin, i32 lMax,
-                     int bMetric)
+void ShowLimitedMeasure(HWND hDialog, const UiSession* pSession, int nControl, i32 lValue)
+{
+    NumberRange range;
+    RoundingMode mode = ROUND_NEAREST;
+    if (MeasureRangeOf(pSession, nControl, &range)) {
+        if (lValue >= range.lMax) {
+            lValue = range.lMax;
+            mode = ROUND_DOWN;
+        } else if (lValue <= range.lMin) {
+            lValue = range.lMin;
+            mode = ROUND_UP;
+        }
+    }
+    ShowMeasure(hDialog, pSession, nControl, lValue, mode);
+}
+
+i32 ReadNumber(HWND hDialog, int nControl, int* pbNumber)
+{
+    BOOL bNumber = 0;
+    i32 lValue = static_cast<i32>(GetDlgItemInt(hDialog, nControl, &bNumber, 1));
+    if (pbNumber) {
+        *pbNumber = bNumber != 0;
+    }
+    return lValue;
+}
+
+void ShowNumber(HWND hDialog, int nControl, i32 lValue)
+{
+    SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lValue), 1);
+}
+
+i32 LimitNumber(int nControl, i32 lValue)
+{
+    const KeyRow* pRow = FindKeyRow(nControl);
+    if (!pRow || pRow->kind != WHOLE_NUMBER) {
+        return lValue;
+    }
+    return std::clamp(lValue, pRow->range.lMin, pRow->range.lMax);
+}
+
+i32 ClampNumber(HWND hDialog, int nControl)
+{
+    i32 lValue = ReadNumber(hDialog, nControl);
+    i32 lWithin = LimitNumber(nControl, lValue);
+    if (lWithin != lValue) {
+        ShowNumber(hDialog, nControl, lWithin);
+        SendDlgItemMessageW(hDialog, nControl, EM_SETSEL, 0, -1); /* what is typed next takes its place */
+    }
+    return lWithin;
+}
+
+void StepMeasureEdit(HWND hDialog, const UiSession* pSession, int nCode, int nControl, i32 lMin, i32 lMax)
 {
     RoundingMode mode;
-    i32 lValue = ReadMeasure(hDialog, pSession, nControl, bMetric);
-    lValue = StepMeasure(lValue, nCode, lMin, lMax, bMetric, &mode);
-    ShowMeasure(hDialog, pSession, nControl, lValue, bMetric, mode);
+    i32 lValue = ReadMeasure(hDialog, pSession, nControl);
+    lValue = StepMeasure(lValue, nCode, lMin, lMax, IsMetric(pSession), &mode);
+    ShowMeasure(hDialog, pSession, nControl, lValue, mode);
 }
 
 void SpinEdit(HWND hDialog, int nCode, int nControl, i32 lMin, i32 lMax)
 {
     i32 lStep = nControl == IDC_LAYOUT_BOOKLET ? BOOKLET_STEP : 1;
-    i32 lValue = StepNumber(ReadNumber(hDialog, nControl), nCode, lStep, lMin, lMax);
-    SetDlgItemInt(hDialog, nControl, static_cast<UINT>(lValue), 1);
+    ShowNumber(hDialog, nControl, StepNumber(ReadNumber(hDialog, nControl), nCode, lStep, lMin, lMax));
 }
 
-int HandleSpin(HWND hDialog, const UiSession* pSession, WPARAM wParam, LPARAM lParam, int bMetric)
+int HandleSpin(HWND hDialog, const UiSession* pSession, WPARAM wParam, LPARAM lParam)
 {
     int nSpin = GetDlgCtrlID(reinterpret_cast<HWND>(lParam));
     int nCode = LOWORD(wParam);
@@ -178,8 +231,8 @@ int HandleSpin(HWND hDialog, const UiSession* pSession, WPARAM wParam, LPARAM lP
         NumberRange range;
         if (pRow->kind == WHOLE_NUMBER) {
             SpinEdit(hDialog, nCode, pRow->usEdit, pRow->lMin, pRow->lMax);
-        } else if (MeasureRange(pSession, pRow->kind, bMetric, &range)) {
-            StepMeasureEdit(hDialog, pSession, nCode, pRow->usEdit, range.lMin, range.lMax, bMetric);
+        } else if (MeasureRangeOf(pSession, pRow->usEdit, &range)) {
+            StepMeasureEdit(hDialog, pSession, nCode, pRow->usEdit, range.lMin, range.lMax);
         } else {
             return 0;
         }
@@ -205,10 +258,4 @@ void SubclassNumberEdit(HWND hDialog, UiSession* pSession, int nControl)
         pSession->pfnEditProc = reinterpret_cast<WNDPROC>(lBefore);
     }
     SetWindowLongPtrW(hEdit, GWLP_WNDPROC, lOwn);
-}
-
-void SubclassMeasureEdit(HWND hDialog, UiSession* pSession, int nControl, const u32* pbMetric)
-{
-    pSession->pbEditMetric = pbMetric;
-    SubclassNumberEdit(hDialog, pSession, nControl);
 }

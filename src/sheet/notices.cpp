@@ -7,6 +7,7 @@
 #include "description/paper.h"
 #include "description/xpi_text.h"
 #include "sheet/conflicts.h"
+#include "sheet/dialog_frame.h"
 #include "sheet/dialog_services.h"
 
 namespace {
@@ -100,10 +101,7 @@ void InitNotice(HWND hDialog, UiSession* pSession)
     if (!pRow) {
         return;
     }
-    WCHAR wcTitle[TEXT_CHARS];
-    LabelControls(hDialog, pSession);
-    LoadUiText(pSession, pRow->id, wcTitle, TEXT_CHARS);
-    SetWindowTextW(hDialog, wcTitle);
+    SetTitle(hDialog, pSession, pRow->id);
     Show(hDialog, IDC_NOTICE_TEXT, SW_HIDE);
     HICON hIcon = LoadIconW(nullptr, pRow->icon == SHOWS_STOP ? IDI_HAND : IDI_EXCLAMATION);
     SendDlgItemMessageW(hDialog, IDC_NOTICE_ICON, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
@@ -115,42 +113,23 @@ void InitNotice(HWND hDialog, UiSession* pSession)
     }
 }
 
-/* Returns the id of the button; a dialog that failed to open never returns one. */
-INT_PTR CALLBACK NoticeProc(HWND hDialog, UINT uMessage, WPARAM wParam, LPARAM lParam)
+void NoticeCommand(HWND hDialog, UiSession*, WPARAM wParam, LPARAM)
 {
-    switch (uMessage) {
-    case WM_INITDIALOG:
-        SetWindowLongPtrW(hDialog, DWLP_USER, lParam);
-        InitNotice(hDialog, reinterpret_cast<UiSession*>(lParam));
-        return 1;
-    case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDC_OK:
-        case IDC_CANCEL:
-        case IDC_NOTICE_OK:
-        case IDCANCEL: EndDialog(hDialog, LOWORD(wParam)); break;
-        default: break;
-        }
-        return 1;
-    default: return 0;
+    switch (LOWORD(wParam)) {
+    case IDC_OK: EndDialog(hDialog, DIALOG_OK); break;
+    case IDC_NOTICE_OK: EndDialog(hDialog, DIALOG_CANCEL); break;
+    default: break;
     }
 }
+
+constexpr DialogRoutines noticeBox = {-1, InitNotice, NoticeCommand};
 
 } // namespace
 
 INT_PTR ShowNotice(UiSession* pSession, HWND hOwner, NoticeId notice)
 {
-    HMODULE hLibrary = static_cast<HMODULE>(pSession->hLanguageDll.get());
     const NoticeRow* pRow = FindNotice(notice);
-    if (!hLibrary || !pRow) {
-        return 1; /* with a null module the template would be looked for in the program that we are loaded into */
-    }
-    i16 sBefore = pSession->sDialogArg;
-    pSession->sDialogArg = notice;
-    INT_PTR nEnd = DialogBoxParamW(hLibrary, MAKEINTRESOURCEW(pRow->usTemplate), hOwner, NoticeProc,
-                                   reinterpret_cast<LPARAM>(pSession));
-    pSession->sDialogArg = sBefore;
-    return nEnd != IDC_OK;
+    return !pRow || RunDialog<noticeBox>(pSession, hOwner, pRow->usTemplate, notice) != DIALOG_OK;
 }
 
 int ShowJobNotice(HMODULE hLanguageDll, const LanguageChoice& choice)

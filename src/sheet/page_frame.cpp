@@ -1,6 +1,8 @@
 /* The pages of a sheet: how they come to the host, and what every one of them does with its messages. */
 #include "sheet/page_frame.h"
 
+#include <utility>
+
 #include "description/control_ids.h"
 #include "sheet/about.h"
 #include "sheet/commit.h"
@@ -8,6 +10,7 @@
 #include "sheet/edit_keys.h"
 #include "sheet/presets_and_help.h"
 #include "sheet/preview_panel.h"
+#include "sheet/zoom_and_layout.h"
 
 namespace {
 
@@ -60,64 +63,19 @@ int AddTablePages(UiSession* pSession, const PageTableRow* pTable, int* pnAdded)
     return 1;
 }
 
-void ShowLogo(HWND hPage, UiSession* pSession)
-{
-    if (!pSession->hLogoBitmap) {
-        pSession->hLogoBitmap = static_cast<HBITMAP>(
-            LoadImageW(static_cast<HINSTANCE>(pSession->hLanguageDll.get()), TEXT("LOGOBITMAP"), IMAGE_BITMAP,
-                       0, 0, LR_LOADMAP3DCOLORS | LR_LOADTRANSPARENT));
-    }
-    if (pSession->hLogoBitmap) {
-        SendDlgItemMessageW(hPage, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP,
-                            reinterpret_cast<LPARAM>(pSession->hLogoBitmap));
-    }
-}
-
-/* The logo goes with the last page, and no control holds it then. */
-void ReleaseLogo(HWND hPage, UiSession* pSession)
-{
-    if (!pSession->hLogoBitmap) {
-        return;
-    }
-    SendDlgItemMessageW(hPage, IDC_LOGO, STM_SETIMAGE, IMAGE_BITMAP, 0);
-    for (HWND hOther : pSession->hPageWnd) {
-        if (hOther) {
-            return;
-        }
-    }
-    DeleteObject(pSession->hLogoBitmap);
-    pSession->hLogoBitmap = nullptr;
-}
-
-/* Right and bottom edge belong to the area. */
-int IsOver(HWND hPage, int nControl, LPARAM lPoint)
-{
-    RECT area;
-    LONG x = static_cast<i16>(LOWORD(lPoint)), y = static_cast<i16>(HIWORD(lPoint));
-    return ControlRect(hPage, nControl, &area) && x >= area.left && x <= area.right && y >= area.top &&
-           y <= area.bottom;
-}
-
 void MoveOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 {
-    HCURSOR hNow = GetCursor();
-    if (IsOver(hPage, IDC_PREVIEW_SIZE, lPoint) || IsOver(hPage, IDC_LOGO, lPoint)) {
-        if (hNow != pSession->hCursorHand) {
-            pSession->hCursorSaved = hNow;
-            SetCursor(pSession->hCursorHand);
-        }
-    } else if (hNow == pSession->hCursorHand) {
-        SetCursor(pSession->hCursorSaved);
-    }
+    ShowHandCursor(pSession,
+                   IsOverControl(hPage, IDC_PREVIEW_SIZE, lPoint) || IsOverControl(hPage, IDC_LOGO, lPoint));
 }
 
 /* The size line turns between the units, the logo leads to the maker's page. */
 void ReleaseOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 {
-    if (IsOver(hPage, IDC_PREVIEW_SIZE, lPoint)) {
+    if (IsOverControl(hPage, IDC_PREVIEW_SIZE, lPoint)) {
         SetCursor(pSession->hCursorHand);
         FlipPreviewUnit(hPage, pSession);
-    } else if (IsOver(hPage, IDC_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
+    } else if (IsOverControl(hPage, IDC_LOGO, lPoint) && pSession->pXpi->sWebLinkCmdId) {
         OpenWebPage(pSession);
     }
 }
@@ -125,28 +83,39 @@ void ReleaseOverPage(HWND hPage, UiSession* pSession, LPARAM lPoint)
 INT_PTR InitPage(const PageRoutines& routines, HWND hPage, LPARAM lParam)
 {
     InitPageCommon(hPage, reinterpret_cast<const PROPSHEETPAGEW*>(lParam), routines.slot);
-    UiSession* pSession = SessionOf(hPage);
-    if (pSession && routines.pfnInit) {
-        u32 bFilling = pSession->bFilling;
-        pSession->bFilling = 1;
-        routines.pfnInit(hPage, pSession);
-        pSession->bFilling = bFilling;
+    if (UiSession* pSession = SessionOf(hPage)) {
+        pSession->apRoutines[routines.slot] = &routines;
+        FillPage(routines, hPage, pSession);
     }
     return routines.slot == SLOT_ABOUT;
 }
 
-/* An earlier refusal must not answer for this apply. */
+/* Writes the record from the controls. 0 when the page refuses. */
+int WriteRecord(const PageRoutines& routines, HWND hPage, UiSession* pSession)
+{
+    u32 bFilling = std::exchange(pSession->bFilling, 1u);
+    int bDone = !routines.pfnApply || routines.pfnApply(hPage, pSession);
+    pSession->bFilling = bFilling;
+    return bDone;
+}
+
+/* An earlier refusal must not answer for this apply, and whatever the page is sent later clears the answer again. So
+   the answer is the last step. */
 void ApplyPage(const PageRoutines& routines, HWND hPage, UiSession* pSession)
 {
-    SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_NOERROR);
-    if (!pSession->bPageDirty[routines.slot]) {
-        return;
+    if (routines.pfnApplyAlways) {
+        routines.pfnApplyAlways(hPage, pSession);
     }
-    if (routines.pfnApply && !routines.pfnApply(hPage, pSession)) {
-        SetWindowLongPtrW(hPage, DWLP_MSGRESULT, PSNRET_INVALID_NOCHANGEPAGE);
-        return;
+    LONG_PTR lAnswer = PSNRET_NOERROR;
+    if (pSession->bPageDirty[routines.slot]) {
+        if (!WriteRecord(routines, hPage, pSession) || !CommitPage(pSession, routines.slot, hPage)) {
+            lAnswer = PSNRET_INVALID_NOCHANGEPAGE;
+        }
+        if (routines.pfnApplied) {
+            routines.pfnApplied(hPage, pSession);
+        }
     }
-    CommitPage(pSession, routines.slot);
+    SetWindowLongPtrW(hPage, DWLP_MSGRESULT, lAnswer);
 }
 
 INT_PTR Notified(const PageRoutines& routines, HWND hPage, UiSession* pSession, LPARAM lParam)
@@ -165,13 +134,60 @@ INT_PTR Notified(const PageRoutines& routines, HWND hPage, UiSession* pSession, 
     }
 }
 
+/* The check at the end of whatever the user did. A dialog that it opened may have outlived the page. */
+void CheckPage(const PageRoutines& routines, HWND hPage)
+{
+    UiSession* pSession = SessionOf(hPage);
+    if (pSession && !pSession->bFilling && routines.pfnDiffers) {
+        TrackChange(hPage, pSession, routines.slot, routines.pfnDiffers(hPage, pSession));
+    }
+}
+
 INT_PTR Commanded(const PageRoutines& routines, HWND hPage, WPARAM wParam, LPARAM lParam)
 {
-    if (DispatchPageCommand(hPage, wParam, lParam, routines.slot) && routines.pfnDiffers) {
-        UiSession* pSession = SessionOf(hPage); /* a dialog of the command may have outlived the page */
-        if (pSession && !pSession->bFilling) {
-            TrackChange(hPage, pSession, routines.slot, routines.pfnDiffers(hPage, pSession));
+    if (DispatchPageCommand(hPage, wParam, lParam, routines.slot)) {
+        CheckPage(routines, hPage);
+    }
+    return 0;
+}
+
+INT_PTR Scrolled(const PageRoutines& routines, HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM lParam)
+{
+    if (routines.pfnScroll) {
+        routines.pfnScroll(hPage, pSession, wParam, lParam);
+        CheckPage(routines, hPage);
+    }
+    return 0;
+}
+
+/* A preset changes both pages that exclude each other, and the medical mode is none of its settings. */
+void UsePreset(HWND hPage, UiSession* pSession)
+{
+    ApplyPreset(hPage, pSession);
+    EnableScalingGroup(pSession, ScalingAllowed(pSession));
+    EnableLayoutGroup(pSession, IsZoom100(pSession));
+    if (HWND hPaper = pSession->hPageWnd[SLOT_PAPER]) {
+        SendDlgItemMessageW(hPaper, IDC_PAPER_MEDICAL, CB_SETCURSEL, 0, 0);
+    }
+    RepaintControl(hPage, IDC_PREVIEW);
+}
+
+/* The hot areas of every page; then what the page has besides. */
+INT_PTR MouseOnPage(const PageRoutines& routines, HWND hPage, UiSession* pSession, UINT uMessage,
+                    LPARAM lPoint)
+{
+    switch (uMessage) {
+    case WM_MOUSEMOVE: MoveOverPage(hPage, pSession, lPoint); break;
+    case WM_LBUTTONDOWN:
+        if (IsOverControl(hPage, IDC_PREVIEW_SIZE, lPoint)) {
+            SetCursor(pSession->hCursorHand);
         }
+        break;
+    case WM_LBUTTONUP: ReleaseOverPage(hPage, pSession, lPoint); break;
+    default: break;
+    }
+    if (routines.pfnMouse) {
+        routines.pfnMouse(hPage, pSession, uMessage, lPoint);
     }
     return 0;
 }
@@ -210,28 +226,10 @@ void InitPageCommon(HWND hPage, const PROPSHEETPAGEW* pPage, int nSlot)
     ShowLogo(hPage, pSession);
 }
 
-void PageDestroyed(HWND hDialog, int nSlot)
-{
-    UiSession* pSession = SessionOf(hDialog);
-    if (!pSession || nSlot < 0 || nSlot >= SLOT_COUNT) {
-        return;
-    }
-    SetWindowLongPtrW(hDialog, DWLP_USER, 0);
-    pSession->hPageWnd[nSlot] = nullptr;
-    if (nSlot == SLOT_WATERMARKS) {
-        pSession->pDeletedWatermarks.reset();
-        pSession->sDeletedWatermarkCount = 0;
-    } else if (nSlot == SLOT_FONTS) {
-        pSession->pFontSubsSnapshot.reset();
-        pSession->sFontSubsSnapshotCount = 0;
-    }
-    ReleaseLogo(hDialog, pSession);
-}
-
 int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot)
 {
     UiSession* pSession = SessionOf(hPage);
-    if (!pSession) {
+    if (!pSession || pSession->bFilling) {
         return 0;
     }
     int bClicked = HIWORD(wParam) == BN_CLICKED;
@@ -248,7 +246,7 @@ int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot)
         return 0;
     case IDC_PRESET_APPLY:
         if (bClicked) {
-            ApplyPreset(hPage, pSession);
+            UsePreset(hPage, pSession);
         }
         return 0;
     default:
@@ -294,21 +292,12 @@ INT_PTR HandlePageMessage(const PageRoutines& routines, HWND hPage, UINT uMessag
     case WM_HELP:
     case WM_CONTEXTMENU: return ShowContextHelp(hPage, pSession, uMessage, wParam, lParam);
     case WM_COMMAND: return Commanded(routines, hPage, wParam, lParam);
-    case WM_VSCROLL: /* spin buttons on a page move whole numbers only */
-        HandleSpin(hPage, pSession, wParam, lParam, 0);
-        return 0;
-    case WM_HSCROLL:
-        if (routines.pfnScroll) {
-            routines.pfnScroll(hPage, pSession, wParam, lParam);
-        }
-        return 0;
-    case WM_MOUSEMOVE: MoveOverPage(hPage, pSession, lParam); return 0;
+    case WM_VSCROLL: HandleSpin(hPage, pSession, wParam, lParam); return 0;
+    case WM_HSCROLL: return Scrolled(routines, hPage, pSession, wParam, lParam);
+    case WM_MOUSEMOVE:
     case WM_LBUTTONDOWN:
-        if (IsOver(hPage, IDC_PREVIEW_SIZE, lParam)) {
-            SetCursor(pSession->hCursorHand);
-        }
-        return 0;
-    case WM_LBUTTONUP: ReleaseOverPage(hPage, pSession, lParam); return 0;
+    case WM_LBUTTONUP:
+    case WM_RBUTTONDBLCLK: return MouseOnPage(routines, hPage, pSession, uMessage, lParam);
     default: return 0;
     }
 }

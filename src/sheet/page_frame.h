@@ -3,19 +3,7 @@
 #ifndef TQUI_SHEET_PAGE_FRAME_H
 #define TQUI_SHEET_PAGE_FRAME_H
 
-#include "sheet/session.h"
-
-struct PageRoutines {
-    PageSlot slot;
-    int nHelpKey;
-    void (*pfnInit)(HWND hPage,
-                    UiSession* pSession); /* fills the controls from the record; also reloads them */
-    int (*pfnDiffers)(HWND hPage, UiSession* pSession); /* 1 when the controls differ from the record */
-    int (*pfnApply)(HWND hPage, UiSession* pSession);   /* writes the record from them; 0: refused, stay */
-    void (*pfnPaint)(HWND hPage, UiSession* pSession);  /* WM_PAINT, from BeginPaint to EndPaint */
-    PageCommand pfnScroll;                              /* WM_HSCROLL; spin buttons need no routine */
-};
-/* Each routine may be null. What a page does with its commands stands in the page table. */
+#include "sheet/page_windows.h"
 
 /* Row of the page table. A template of 0: not in that kind of sheet. */
 struct PageTableRow {
@@ -43,10 +31,8 @@ int BuildSheetPages(UiSession* pSession, PROPSHEETUI_INFO* pInfo, const PageTabl
 /* First step of every page's start: the session goes into the window, labels, logo. */
 void InitPageCommon(HWND hPage, const PROPSHEETPAGEW* pPage, int nSlot);
 
-/* Last step of a page's or dialog's window. nSlot -1: nothing. */
-void PageDestroyed(HWND hDialog, int nSlot);
-
-/* WM_COMMAND of every page: web page, About, presets, and what is the page's own. Result: 1 when it was that. */
+/* WM_COMMAND of every page: web page, About, presets, and what is the page's own. Result: 1 when it was that. Nothing
+   runs while the driver sets controls itself. */
 int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot);
 
 /* What a check found is told to the host: any difference marks the page, none takes the mark away unless a preset

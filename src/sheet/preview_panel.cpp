@@ -1,114 +1,12 @@
 #include "sheet/preview_panel.h"
 
-#include "base/arithmetic.h"
 #include "description/control_ids.h"
 #include "preview/preview_tools.h"
 #include "sheet/dialog_services.h"
 #include "sheet/duplex_picture.h"
-#include "sheet/edit_keys.h"
+#include "sheet/page_windows.h"
 
 namespace {
-
-int IsChecked(HWND hPage, int nControl)
-{
-    return IsDlgButtonChecked(hPage, nControl) == BST_CHECKED;
-}
-
-int HasDuplexOption(const XpiModel* pModel)
-{
-    return ((pModel->ulOptOptions | pModel->ulStdOptions | pModel->ulMoreOptions) & OPTION_DUPLEX) != 0;
-}
-
-/* Item data of the selected row, or what stands in for it. */
-i32 ComboOr(HWND hPage, int nControl, i32 lOther)
-{
-    int bChosen;
-    i32 lValue = GetComboValue(hPage, nControl, &bChosen);
-    return bChosen ? lValue : lOther;
-}
-
-void ReadPaperPage(HWND hPage, PreviewChoice* pChoice)
-{
-    int bChosen;
-    i32 lPaper = GetComboValue(hPage, IDC_PAPER_SIZE, &bChosen);
-    if (!bChosen) {
-        return;
-    }
-    pChoice->usPaper = static_cast<u16>(LowWord(lPaper));
-    i32 lCopies = ReadNumber(hPage, IDC_PAPER_COPIES);
-    pChoice->lCopies = lCopies < 1 ? 1 : lCopies;
-    pChoice->bCollate = IsChecked(hPage, IDC_PAPER_COLLATE);
-    pChoice->bReverse = IsChecked(hPage, IDC_PAPER_REVERSE);
-    pChoice->lZoom = ReadNumber(hPage, IDC_PAPER_ZOOM);
-    if (pChoice->lZoom != 100) {
-        pChoice->bScaled = 1;
-        pChoice->bCentred = IsChecked(hPage, IDC_PAPER_CENTRE);
-    }
-}
-
-void ReadLayoutType(HWND hPage, i32 lType, PreviewChoice* pChoice)
-{
-    pChoice->bBooklet = lType == LAYOUT_BOOKLET;
-    pChoice->sPosterSize = 0;
-    switch (lType) {
-    case LAYOUT_POSTER:
-        pChoice->sLayout = 1;
-        pChoice->sPageOrder = 0;
-        pChoice->sPosterSize = LowWord(ComboOr(hPage, IDC_LAYOUT_POSTER, 0));
-        break;
-    case LAYOUT_BOOKLET:
-        pChoice->sLayout = LAYOUT_BOOKLET;
-        pChoice->sPageOrder = static_cast<i16>(IsChecked(hPage, IDC_LAYOUT_BIND_RIGHT));
-        break;
-    default:
-        pChoice->sLayout = LowWord(ComboOr(hPage, IDC_LAYOUT_PAGES, 1));
-        pChoice->sPageOrder = LowWord(ComboOr(hPage, IDC_LAYOUT_ORDER, 0));
-        break;
-    }
-}
-
-void ReadLayoutPage(HWND hPage, const XpiModel* pModel, PreviewChoice* pChoice)
-{
-    int bChosen;
-    i32 lType = GetComboValue(hPage, IDC_LAYOUT_TYPE, &bChosen);
-    if (!bChosen) {
-        return;
-    }
-    ReadLayoutType(hPage, lType, pChoice);
-    pChoice->usDuplex = !HasDuplexOption(pModel)                  ? 1
-                        : IsChecked(hPage, IDC_LAYOUT_LONG_EDGE)  ? 2
-                        : IsChecked(hPage, IDC_LAYOUT_SHORT_EDGE) ? 3
-                                                                  : 1;
-    pChoice->usOrientation = static_cast<u16>(IsChecked(hPage, IDC_LAYOUT_PORTRAIT));
-    pChoice->bRotate180 = IsChecked(hPage, IDC_LAYOUT_ROTATE);
-    pChoice->bBorders = IsChecked(hPage, IDC_LAYOUT_BORDERS);
-}
-
-void ReadWatermarkPage(HWND hPage, PreviewChoice* pChoice)
-{
-    int bChosen;
-    i32 lRow = GetListValue(hPage, IDC_WATERMARKS_LIST, &bChosen);
-    if (bChosen) {
-        pChoice->lWatermark = lRow;
-        pChoice->bWMOnePage = IsChecked(hPage, IDC_WATERMARKS_FIRST_PAGE);
-    }
-}
-
-void ReadQualityPage(HWND hPage, const UiSession* pSession, PreviewChoice* pChoice)
-{
-    int bColor = IsChecked(hPage, IDC_QUALITY_COLOR);
-    if (bColor || IsChecked(hPage, IDC_QUALITY_MONOCHROME)) {
-        pChoice->bColor = IsPreviewColor(*pSession->pRecord, bColor);
-    }
-    const XpiModel* pModel = pSession->pXpi.get();
-    if (pModel->usLanguage == KIND_IMAGE) {
-        LRESULT nRow = SendDlgItemMessageW(hPage, IDC_QUALITY_RESOLUTION, CB_GETCURSEL, 0, 0);
-        u16 usResolution = GetDlgItem(hPage, IDC_QUALITY_RESOLUTION)
-                               ? ResolutionOfRow(pModel, static_cast<i32>(nRow))
-                               : u16{0};
-        pChoice->usResolution = usResolution ? usResolution : pChoice->usResolution;
-    }
-}
 
 void ShowSizeLine(HWND hPage, UiSession* pSession, const PreviewChoice& choice, const PreviewSizes& sizes)
 {
@@ -150,17 +48,11 @@ PreviewLists SessionPreviewLists(const UiSession* pSession)
 PreviewChoice GatherPreviewChoice(const UiSession* pSession)
 {
     PreviewChoice choice = ChoiceFromRecord(*pSession->pRecord, SessionPreviewLists(pSession));
-    if (HWND hPage = pSession->hPageWnd[SLOT_PAPER]) {
-        ReadPaperPage(hPage, &choice);
-    }
-    if (HWND hPage = pSession->hPageWnd[SLOT_LAYOUT]) {
-        ReadLayoutPage(hPage, pSession->pXpi.get(), &choice);
-    }
-    if (HWND hPage = pSession->hPageWnd[SLOT_WATERMARKS]) {
-        ReadWatermarkPage(hPage, &choice);
-    }
-    if (HWND hPage = pSession->hPageWnd[SLOT_QUALITY]) {
-        ReadQualityPage(hPage, pSession, &choice);
+    for (int nSlot = 0; nSlot < SLOT_COUNT; nSlot++) {
+        const PageRoutines* pRoutines = pSession->apRoutines[nSlot];
+        if (pSession->hPageWnd[nSlot] && pRoutines && pRoutines->pfnPreview) {
+            pRoutines->pfnPreview(pSession->hPageWnd[nSlot], pSession, &choice);
+        }
     }
     return choice;
 }

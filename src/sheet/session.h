@@ -33,6 +33,9 @@ enum PageSlot : int {
 constexpr int DUPLEX_PICTURES = 3;
 
 struct UiSession;
+struct PageRoutines; /* see page_windows.h */
+using PageRoutine = void (*)(HWND hPage, UiSession* pSession);
+using MouseRoutine = void (*)(HWND hPage, UiSession* pSession, UINT uMessage, LPARAM lPoint);
 using PageCommand = void (*)(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM lParam);
 
 struct UiSession {
@@ -66,14 +69,16 @@ struct UiSession {
     u32 bPageDirty[SLOT_COUNT];       /* edits that are not in the record */
     u32 bSettingsLoaded;              /* a preset went into the record since the last commit */
     u32 bStickyChange;                /* a factory preset or a refused commit: the sheet counts as changed */
-    u32 bFilling;                     /* controls are being set by an init: no check runs */
+    u32 bFilling;                     /* the driver sets controls itself: no command and no check runs */
     PageCommand pfnPageCommand[SLOT_COUNT];
+    const PageRoutines* apRoutines[SLOT_COUNT]; /* of the pages that have been shown */
     WCHAR wcPageTitle[SLOT_COUNT][TEXT_CHARS];
     DriverDevmode rSnapshot; /* the record at the start and at each commit */
     OwnedBlock<WCHAR> pFontSubsSnapshot;
     i16 sFontSubsSnapshotCount;
     OwnedBlock<u8> pFontSubs; /* the pairs of the printer value, ulFontSubsBytes and two NULs */
     u16 sWatermarkSnapshotCount;
+    u32 ulWatermarkNext; /* number from which the next watermark's own is looked for */
     HCURSOR hCursorHand, hCursorSaved;
     HICON hIconInfo;
     WCHAR wcScreenFile[PATH_CHARS], wcProfileFile[PATH_CHARS];
@@ -89,7 +94,6 @@ struct UiSession {
     OwnedBlock<PaperSizeRow> pForms; /* the spooler's user forms */
     u16 sFormCount;
     WNDPROC pfnEditProc;                      /* that the numeric edit controls had before */
-    const u32* pbEditMetric;                  /* unit of the measures in the editor that is open; its own */
     HANDLE hPrinter;                          /* the host's */
     HBITMAP hLogoBitmap;                      /* shown by all pages */
     HBITMAP ahDuplexPicture[DUPLEX_PICTURES]; /* of the Layout page, as far as they were shown */

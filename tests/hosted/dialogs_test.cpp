@@ -164,7 +164,7 @@ TEST_F(HostedWindows, MouseAndHelp)
         EXPECT_EQ(TakeHeard(), Heard{});
         EXPECT_TRUE(ClickControl(hDialog, LOGO));
         EXPECT_FALSE(ClickControl(hDialog, AREA));
-        AskContextMenu(hDialog, rect.left, rect.top);
+        RightClick(hDialog, rect.left, rect.top);
         SetFocus(GetDlgItem(hDialog, GO_ON));
         SendKey(VK_F1);
         EXPECT_EQ(TakeHeard(), (Heard{"103:0", "context 103", "help 102"}));

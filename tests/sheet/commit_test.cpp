@@ -50,8 +50,8 @@ int ApplyCopies(HWND hPage, UiSession* pSession)
     return 1;
 }
 
-constexpr PageRoutines framesPage = {SLOT_LAYOUT, 0, InitFrames, FramesDiffer, ApplyFrames, nullptr, nullptr};
-constexpr PageRoutines copiesPage = {SLOT_PAPER, 0, InitCopies, CopiesDiffer, ApplyCopies, nullptr, nullptr};
+constexpr PageRoutines framesPage = {SLOT_LAYOUT, 0, InitFrames, FramesDiffer, ApplyFrames};
+constexpr PageRoutines copiesPage = {SLOT_PAPER, 0, InitCopies, CopiesDiffer, ApplyCopies};
 constexpr PageTableRow aTestPages[] = {
     {SLOT_LAYOUT, IDS_TITLE_LAYOUT, IDD_LAYOUT, IDD_LAYOUT, PageProc<framesPage>, CommandFrames},
     {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, IDD_PAPER, PageProc<copiesPage>, CommandFrames},
@@ -231,12 +231,12 @@ TEST_F(CommitTest, ADialogCommitsInThePaperPagesName)
 {
     Open();
     Session()->bPageDirty[SLOT_CUSTOM_PAPERS] = 1;
-    CommitPage(Session(), SLOT_CUSTOM_PAPERS);
+    CommitPage(Session(), SLOT_CUSTOM_PAPERS, SheetWindow(pSheet));
     ASSERT_EQ(SheetResults(pSheet).size(), 1u);
     EXPECT_EQ(SheetResults(pSheet)[0].hPage, SheetPageHandle(pSheet, 1));
     ForbidPaper();
     Session()->bPageDirty[SLOT_CUSTOM_PAPERS] = 1;
-    CommitPage(Session(), SLOT_CUSTOM_PAPERS);
+    CommitPage(Session(), SLOT_CUSTOM_PAPERS, SheetWindow(pSheet));
     EXPECT_EQ(DialogsOpened(), 1);
     EXPECT_FALSE(IsDirty(SLOT_CUSTOM_PAPERS));
     EXPECT_EQ(SheetResults(pSheet).size(), 1u);

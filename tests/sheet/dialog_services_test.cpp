@@ -35,10 +35,11 @@ class DialogServices : public SheetDialogs {
     std::string Spun(HWND hDialog, int nSpin, int nEdit, const char* cText, std::initializer_list<int> codes,
                      int bMetric = 0)
     {
+        record.rPrivate.bMetric = static_cast<u16>(bMetric);
         SetDlgItemTextW(hDialog, nEdit, Wide(cText).c_str());
         for (int nCode : codes) {
             EXPECT_EQ(HandleSpin(hDialog, pSession.get(), static_cast<WPARAM>(nCode),
-                                 reinterpret_cast<LPARAM>(GetDlgItem(hDialog, nSpin)), bMetric),
+                                 reinterpret_cast<LPARAM>(GetDlgItem(hDialog, nSpin))),
                       nEdit);
         }
         return TextOf(hDialog, nEdit);
@@ -122,12 +123,14 @@ TEST_F(DialogServices, MeasuresAndTheirSpins)
 {
     const HWND hDialog = OpenTemplate(IDD_SIZE, hFrame);
     const auto shown = [&](i32 lValue, int bMetric, RoundingMode mode) {
-        ShowMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, lValue, bMetric, mode);
+        record.rPrivate.bMetric = static_cast<u16>(bMetric);
+        ShowMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, lValue, mode);
         return TextOf(hDialog, IDC_SIZE_WIDTH);
     };
     const auto read = [&](const std::string& text, int bMetric) {
         SetDlgItemTextW(hDialog, IDC_SIZE_WIDTH, Wide(text).c_str());
-        return ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, bMetric);
+        record.rPrivate.bMetric = static_cast<u16>(bMetric);
+        return ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH);
     };
     EXPECT_EQ(shown(2540, 0, ROUND_NEAREST), "1.00");
     EXPECT_EQ(shown(-50, 1, ROUND_NEAREST), "-0.5");
@@ -140,7 +143,7 @@ TEST_F(DialogServices, MeasuresAndTheirSpins)
     EXPECT_EQ(read("1,5", 0), 3810);
     CopyWide(pSession->rLanguage.wcDecimal, 4, u".");
     TellLies(LIE_UNTERMINATED, CALL_GetDlgItemTextW);
-    EXPECT_EQ(ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH, 1), 0x7FFFFFFF);
+    EXPECT_EQ(ReadMeasure(hDialog, pSession.get(), IDC_SIZE_WIDTH), 0x7FFFFFFF);
     TellLies(LIE_NONE);
 
     EXPECT_EQ(Spun(hDialog, IDC_SIZE_WIDTH_SPIN, IDC_SIZE_WIDTH, "12.60", {0}), "12.59")
@@ -160,13 +163,13 @@ TEST_F(DialogServices, MeasuresAndTheirSpins)
     EXPECT_EQ(Spun(hPaper, IDC_PAPER_COPIES_SPIN, IDC_PAPER_COPIES, "text", {1}), "1");
     EXPECT_EQ(Spun(hQuality, IDC_QUALITY_CONTRAST_SPIN, IDC_QUALITY_CONTRAST, "-50", {1}), "-50");
     EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0,
-                         reinterpret_cast<LPARAM>(GetDlgItem(hPaper, IDC_PAPER_ZOOM_BAR)), 0),
+                         reinterpret_cast<LPARAM>(GetDlgItem(hPaper, IDC_PAPER_ZOOM_BAR))),
               0);
-    EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0, 0, 0), 0);
+    EXPECT_EQ(HandleSpin(hPaper, pSession.get(), 0, 0), 0);
     pSession->pXpi.reset();
     SetDlgItemTextW(hDialog, IDC_SIZE_WIDTH, u"5");
     EXPECT_EQ(HandleSpin(hDialog, pSession.get(), 0,
-                         reinterpret_cast<LPARAM>(GetDlgItem(hDialog, IDC_SIZE_WIDTH_SPIN)), 0),
+                         reinterpret_cast<LPARAM>(GetDlgItem(hDialog, IDC_SIZE_WIDTH_SPIN))),
               0);
     EXPECT_EQ(TextOf(hDialog, IDC_SIZE_WIDTH), "5");
 }
@@ -188,7 +191,7 @@ LRESULT CALLBACK CountingProc(HWND hEdit, UINT uMessage, WPARAM wParam, LPARAM l
 TEST_F(DialogServices, KeysStepNumericEdits)
 {
     const HWND hPaper = OpenTemplate(IDD_PAPER, hFrame), hSize = OpenTemplate(IDD_SIZE, hFrame);
-    u32 bMetric = 1;
+    record.rPrivate.bMetric = 1;
     nKeys = nCharacters = nTexts = nOwnAtEnd = 0;
     for (const auto& [hDialog, nEdit] : std::vector<std::pair<HWND, int>>{
              {hPaper, IDC_PAPER_COPIES}, {hPaper, IDC_PAPER_ZOOM}, {hSize, IDC_SIZE_WIDTH}}) {
@@ -198,7 +201,7 @@ TEST_F(DialogServices, KeysStepNumericEdits)
     for (int nTimes = 0; nTimes < 2; nTimes++) { /* a page's start is also its reload */
         SubclassNumberEdit(hPaper, pSession.get(), IDC_PAPER_COPIES);
         SubclassNumberEdit(hPaper, pSession.get(), IDC_PAPER_ZOOM);
-        SubclassMeasureEdit(hSize, pSession.get(), IDC_SIZE_WIDTH, &bMetric);
+        SubclassNumberEdit(hSize, pSession.get(), IDC_SIZE_WIDTH);
         SubclassNumberEdit(hPaper, pSession.get(), 4711);
     }
     EXPECT_EQ(pSession->pfnEditProc, CountingProc);
@@ -223,7 +226,7 @@ TEST_F(DialogServices, KeysStepNumericEdits)
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "100.0", {VK_HOME}), "77.0");
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "100.0", {VK_NEXT, VK_DOWN}), "98.9") << "1.0 and 0.1 mm";
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "1", {VK_UP}), "76.2");
-    bMetric = 0;
+    record.rPrivate.bMetric = 0;
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "9", {VK_HOME}), "4.00");
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "9", {VK_END}), "12.59");
     EXPECT_EQ(Pressed(hSize, IDC_SIZE_WIDTH, "3.00", {VK_DOWN}), "3.00");
@@ -373,7 +376,7 @@ TEST_F(DialogServices, SurviveEveryFailure)
         SendKey(VK_UP);
         TypeText(hPaper, IDC_PAPER_COPIES, u"3");
         SpinEdit(hPaper, SPIN_UP, IDC_PAPER_COPIES, 1, 99);
-        StepMeasureEdit(hPaper, p, SPIN_UP, IDC_PAPER_COPIES, 1, 99, 1);
+        StepMeasureEdit(hPaper, p, SPIN_UP, IDC_PAPER_COPIES, 1, 99);
         EnableLayoutGroup(p, IsZoom100(p));
         EnableScalingGroup(p, ScalingAllowed(p));
         RepaintControl(hPaper, IDC_PREVIEW);

@@ -3,7 +3,6 @@
 
 #include "entry/exports.h"
 #include "places.h"
-#include "support/data_file.h"
 
 void MachineTest::SetUp()
 {

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "description/control_ids.h"
+#include "page_user.h"
+#include "settings/driver_devmode.h"
 #include "sheet_user.h"
 
 namespace {
@@ -148,6 +150,46 @@ TEST(Sheets, GiveTheRecordBack)
     refused[68] = 0; /* dmSpecVersion */
     EXPECT_TRUE(VisitDocumentSheet(printer, AsDevmode(out), AsDevmode(refused), PressOk).bShown);
     EXPECT_EQ(out, current);
+}
+
+/* A user chooses both sides and two pages a sheet; the application finds that in the record. */
+TEST(Sheets, StoreWhatTheUserChooses)
+{
+    const InstalledPrinter printer = Install("K100");
+    Record out(cbRecord);
+    std::string fault = "never shown";
+    VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
+        fault =
+            DoSteps(hSheet, "page 0,click LAYOUT_LONG_EDGE,pick LAYOUT_PAGES 2,page 1,type PAPER_COPIES 3");
+        PressOk(hSheet);
+    });
+    EXPECT_EQ(fault, "");
+    const auto* pRecord = reinterpret_cast<const DriverDevmode*>(out.data());
+    EXPECT_EQ(pRecord->dmDuplex, 2);
+    EXPECT_EQ(pRecord->dmCopies, 3);
+    EXPECT_EQ(pRecord->rPrivate.lPagesPerSheet, 2);
+}
+
+/* What the printer cannot do keeps the sheet, below a notice. */
+TEST(Sheets, StayWhenThePrinterRefuses)
+{
+    const InstalledPrinter printer = Install("T410A");
+    Record out(cbRecord);
+    std::string fault = "never shown";
+    bool bKept = false;
+    VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
+        fault = DoSteps(hSheet, "page 0,click LAYOUT_LONG_EDGE");
+        PressOk(hSheet);
+        for (int n = 0; n < 2000 && UppermostWindow(hSheet) == hSheet; n++) {
+            Sleep(5);
+        }
+        fault += DoSteps(hSheet, "end NOTICE_OK");
+        Sleep(200);
+        bKept = IsWindow(hSheet) && IsWindowVisible(hSheet);
+        PressCancel(hSheet);
+    });
+    EXPECT_EQ(fault, "");
+    EXPECT_TRUE(bKept);
 }
 
 /* Nothing stays behind a sheet. */

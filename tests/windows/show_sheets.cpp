@@ -10,7 +10,9 @@
 
 #include <commctrl.h>
 
+#include "page_user.h"
 #include "sheet_user.h"
+#include "support/data_file.h"
 #include "window_picture.h"
 
 namespace {
@@ -26,23 +28,42 @@ std::string Plain(const std::wstring& wcText)
     return text;
 }
 
-SheetUser Photographer(const std::string& stem)
+/* Wine paints the title of the window that is active; without a window manager none is. */
+void Photograph(HWND hWnd, const std::string& path)
 {
-    return [stem](HWND hSheet) {
+    SendMessageW(hWnd, WM_NCACTIVATE, 1, 0);
+    RedrawWindow(hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    Sleep(100);
+    if (!WritePicture(hWnd, path)) {
+        std::printf("%s: no picture\n", path.c_str());
+        nBad++;
+    }
+}
+
+/* Each page as it opens, then the states of the list. */
+SheetUser Photographer(const std::string& stem, const std::string& model)
+{
+    return [stem, model](HWND hSheet) {
         SetWindowPos(hSheet, HWND_TOPMOST, 40, 40, 0, 0, SWP_NOSIZE);
         const std::vector<std::wstring> tabs = SheetTabs(hSheet);
         for (size_t n = 0; n < tabs.size(); n++) {
-            const HWND hPage = ShowTab(hSheet, static_cast<int>(n));
-            RedrawWindow(hSheet, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-            Sleep(200);
-            const std::string path = stem + "-" + std::to_string(n + 1) + "-" + Plain(tabs[n]) + ".bmp";
-            if (!hPage || !WritePicture(hSheet, path)) {
-                std::printf("%s: no picture\n", path.c_str());
-                nBad++;
+            ShowTab(hSheet, static_cast<int>(n));
+            Photograph(hSheet, stem + "-" + std::to_string(n + 1) + "-" + Plain(tabs[n]) + ".bmp");
+        }
+        for (const DataRow& row : model.empty() ? std::vector<DataRow>() : ReadRows("show_states.txt")) {
+            if (!row[1].empty() && row[1].find(model) == std::string::npos) {
+                continue;
             }
+            const std::string fault = DoSteps(hSheet, row[2]);
+            if (!fault.empty()) {
+                std::printf("%s %s: %s\n", model.c_str(), row[0].c_str(), fault.c_str());
+                nBad++;
+                break;
+            }
+            Photograph(UppermostWindow(hSheet), stem + "-" + row[0] + ".bmp");
         }
         std::printf("%s: %d pages\n", stem.c_str(), static_cast<int>(tabs.size()));
-        PressOk(hSheet);
+        PressCancel(hSheet);
     };
 }
 
@@ -57,10 +78,11 @@ void ShowModel(const InfModel& model, const std::string& folder)
     const InstalledPrinter printer(model, PathFromEnvironment("TQUI_BUILT"),
                                    PathFromEnvironment("TQUI_TEST_LIBRARY"));
     std::vector<BYTE> out(4088);
-    const SheetVisit document = VisitDocumentSheet(printer, reinterpret_cast<DEVMODEW*>(out.data()), nullptr,
-                                                   Photographer(folder + "/" + model.section + "-document"));
+    const SheetVisit document =
+        VisitDocumentSheet(printer, reinterpret_cast<DEVMODEW*>(out.data()), nullptr,
+                           Photographer(folder + "/" + model.section + "-document", model.section));
     const SheetVisit device =
-        VisitDeviceSheet(printer, Photographer(folder + "/" + model.section + "-printer"));
+        VisitDeviceSheet(printer, Photographer(folder + "/" + model.section + "-printer", ""));
     if (!document.bShown || !device.bShown) {
         std::printf("%s: a sheet did not come up (%ld, %ld)\n", model.section.c_str(), document.lResult,
                     device.lResult);

@@ -1,0 +1,260 @@
+/* Sheets worked by scripts in text files: a row says on which sample, what the record holds, what the user does and what
+   is then to be seen. Columns: title | sample | fields of the record | steps | expectations. A row without a sample goes
+   on in the sheet of the row before.
+
+   Steps, separated by commas; controls by their names in control_ids.h without IDC_, on the page that the name begins
+   with, else on the one that is shown:
+     page N            shows the page of slot N
+     pick NAME N       chooses the row with that item data
+     click NAME        a button, check box, radio button
+     type NAME TEXT    replaces an edit control's text; without a text it is emptied
+     spin NAME N       a movement of a spin button or scroll bar by its code; "spin NAME 5 120" moves the thumb there
+     key N             a key to the control with the focus
+     leave NAME        the focus goes to that control
+     set FIELD=VALUE   in the record that is edited
+     server, options N the printer is on a server, has these options; the pages are filled again
+     reload            fills the pages again
+     apply, ok, cancel of the sheet
+
+   Expectations, separated by blanks:
+     NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
+     NAME- NAME~ NAME+ hidden; shown and disabled; shown and enabled
+     field=value       of the record
+     dirty0=1          page with edits, by slot
+     changed=1         the sheet's Apply button
+     results=N messages=N dialogs=N since the sheet was opened */
+#ifndef TQUI_TESTS_SHEET_SCRIPT_H
+#define TQUI_TESTS_SHEET_SCRIPT_H
+
+#include <map>
+#include <sstream>
+
+#include "hosted/user_input.h"
+#include "sheet/dialog_services.h"
+#include "sheet/page_windows.h"
+#include "support/control_names.h"
+#include "support/data_file.h"
+#include "support/sheet_machine.h"
+
+class SheetScript : public SheetTest {
+  protected:
+    void Play(const char* cDataFile)
+    {
+        std::string title;
+        for (const DataRow& row : ReadRows(cDataFile)) {
+            ASSERT_EQ(row.size(), 5u) << row[0];
+            title = row[0].empty() ? title : row[0];
+            SCOPED_TRACE(title + " | " + row[3]);
+            if (!row[1].empty()) {
+                Begin(row[1], row[2]);
+            }
+            for (const std::string& step : SplitTrimmed(row[3], ',')) {
+                if (!step.empty()) {
+                    Do(step);
+                }
+            }
+            std::istringstream expected(row[4]);
+            std::string wanted, seen;
+            for (std::string token; expected >> token;) {
+                const std::string found = Seen(token);
+                if (!SaysTheSame(found, token)) {
+                    wanted += token + " ";
+                    seen += found + " ";
+                }
+            }
+            EXPECT_EQ(seen, wanted);
+            if (HasFatalFailure()) {
+                return;
+            }
+        }
+        Close();
+    }
+
+    /* Opens a sheet on a sample's default record with these fields, separated by blanks. */
+    void Begin(const std::string& sample, const std::string& fields)
+    {
+        Close();
+        if (sample != opened) {
+            AddSample(sample);
+            opened = sample;
+        }
+        DriverDevmode in = Defaults();
+        OpenDocument(&in);
+        std::istringstream list(fields);
+        for (std::string field; list >> field;) {
+            SetRecordField(&record, field);
+        }
+        ASSERT_NE(Session(), nullptr);
+        Session()->rSnapshot = record; /* as if the caller had given it so */
+        Session()->bPaperHasTarget = 0;
+        ReloadAll();
+        nMessages = ShownMessages().size();
+        nDialogs = DialogsOpened();
+    }
+
+    void Do(const std::string& step)
+    {
+        std::istringstream words(step);
+        std::string verb, name, text;
+        words >> verb >> name;
+        std::getline(words >> std::ws, text);
+        if (verb == "page") {
+            EXPECT_TRUE(ShowSlot(std::stoi(name))) << step;
+        } else if (verb == "pick") {
+            EXPECT_TRUE(Pick(name, std::stoi(text)))
+                << step << ": no such row, or the list cannot be reached";
+        } else if (verb == "click") {
+            EXPECT_TRUE(ClickControl(PageOf(name), Id(name))) << step;
+        } else if (verb == "type") {
+            EXPECT_TRUE(TypeText(PageOf(name), Id(name), Widen(text))) << step;
+        } else if (verb == "spin") {
+            const size_t nBlank = text.find(' ');
+            const int nPos = nBlank == std::string::npos ? 0 : std::stoi(text.substr(nBlank));
+            EXPECT_TRUE(SpinControl(PageOf(name), Id(name), std::stoi(text), nPos)) << step;
+        } else if (verb == "key") {
+            SendKey(static_cast<WPARAM>(std::stoi(name)));
+        } else if (verb == "leave") {
+            SetFocus(GetDlgItem(PageOf(name), Id(name)));
+        } else if (verb == "set") {
+            SetRecordField(Session()->pRecord, name);
+        } else if (verb == "server" || verb == "options" || verb == "reload") {
+            Session()->bOnServer |= verb == "server";
+            Session()->rDeviceInfo.ulOptions =
+                verb == "options" ? static_cast<u32>(std::stoi(name)) : Session()->rDeviceInfo.ulOptions;
+            ReloadAll();
+        } else if (verb == "apply") {
+            PressSheetApply(pSheet);
+        } else if (verb == "ok") {
+            PressSheetOk(pSheet);
+        } else if (verb == "cancel") {
+            PressSheetCancel(pSheet);
+        } else {
+            ADD_FAILURE() << "no such step: " << step;
+        }
+    }
+
+    /* Flags are shown as hex numbers, and a script may say them as it likes. */
+    static bool SaysTheSame(const std::string& found, const std::string& token)
+    {
+        const size_t nEqual = token.find('=');
+        if (found == token || nEqual == std::string::npos ||
+            found.substr(0, nEqual) != token.substr(0, nEqual)) {
+            return found == token;
+        }
+        char *pFound, *pToken;
+        const long long llFound = std::strtoll(found.c_str() + nEqual + 1, &pFound, 0);
+        const long long llToken = std::strtoll(token.c_str() + nEqual + 1, &pToken, 0);
+        return !*pFound && !*pToken && llFound == llToken;
+    }
+
+    /* The expectation as it stands after what was found. */
+    std::string Seen(const std::string& token)
+    {
+        const size_t nEqual = token.find('=');
+        const std::string name = token.substr(0, nEqual);
+        if (nEqual == std::string::npos) {
+            const std::string control = token.substr(0, token.size() - 1);
+            const HWND hControl = GetDlgItem(PageOf(control), Id(control));
+            const auto lStyle = static_cast<DWORD>(GetWindowLongPtrW(hControl, GWL_STYLE));
+            return control + (!(lStyle & WS_VISIBLE) ? "-" : lStyle & WS_DISABLED ? "~" : "+");
+        }
+        if (name.starts_with("dirty")) {
+            return name + "=" + std::to_string(Session()->bPageDirty[std::stoi(name.substr(5))]);
+        }
+        if (name == "changed") {
+            return name + "=" + std::to_string(CanApplySheet(pSheet));
+        }
+        if (name == "results") {
+            return name + "=" + std::to_string(SheetResults(pSheet).size());
+        }
+        if (name == "messages") {
+            return name + "=" + std::to_string(ShownMessages().size() - nMessages);
+        }
+        if (name == "dialogs") {
+            return name + "=" + std::to_string(DialogsOpened() - nDialogs);
+        }
+        if (std::isupper(static_cast<unsigned char>(name[0])) && ControlNumber(name)) {
+            return name + "=" + Value(PageOf(name), Id(name));
+        }
+        return name + "=" + FieldOf(record, name).value;
+    }
+
+    static std::string Value(HWND hPage, int nControl)
+    {
+        const HWND hControl = GetDlgItem(hPage, nControl);
+        const WideText wcClass = HostedClassName(hControl);
+        if (wcClass == u"Button") {
+            return std::to_string(IsChecked(hPage, nControl));
+        }
+        if (wcClass == u"ComboBox" || wcClass == u"ListBox") {
+            int bChosen;
+            const i32 lValue = wcClass == u"ComboBox" ? GetComboValue(hPage, nControl, &bChosen)
+                                                      : GetListValue(hPage, nControl, &bChosen);
+            return bChosen ? std::to_string(lValue) : "none";
+        }
+        return Narrow(TextOf(hPage, nControl));
+    }
+
+    bool Pick(const std::string& name, i32 lValue)
+    {
+        const HWND hPage = PageOf(name);
+        const HWND hList = GetDlgItem(hPage, Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        const LRESULT nRows = SendMessageW(hList, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
+        for (LRESULT nRow = 0; nRow < nRows; nRow++) {
+            if (static_cast<i32>(SendMessageW(hList, bCombo ? CB_GETITEMDATA : LB_GETITEMDATA,
+                                              static_cast<WPARAM>(nRow), 0)) == lValue) {
+                return PickRow(hPage, Id(name), static_cast<int>(nRow));
+            }
+        }
+        return false;
+    }
+
+    bool ShowSlot(int nSlot)
+    {
+        for (size_t nPage = 0; nPage < SheetPageCount(pSheet); nPage++) {
+            if (SheetPageHandle(pSheet, nPage) == Session()->hPage[nSlot]) {
+                return ShowSheetPage(pSheet, nPage);
+            }
+        }
+        return false;
+    }
+
+    void ReloadAll()
+    {
+        for (int nSlot = 0; nSlot < SLOT_COUNT; nSlot++) {
+            ReloadPage(Session(), nSlot);
+        }
+    }
+
+    /* The window of the page that a control's name begins with; a page that is not there yet is shown for it. */
+    HWND PageOf(const std::string& name)
+    {
+        static const std::map<std::string, int> slots = {{"LAYOUT", SLOT_LAYOUT},
+                                                         {"PAPER", SLOT_PAPER},
+                                                         {"QUALITY", SLOT_QUALITY},
+                                                         {"WATERMARKS", SLOT_WATERMARKS},
+                                                         {"FONTS", SLOT_FONTS}};
+        const auto slot = slots.find(name.substr(0, name.find('_')));
+        if (slot == slots.end()) {
+            return Page(static_cast<size_t>(ActiveSheetPage(pSheet)));
+        }
+        const HWND hActive = Page(static_cast<size_t>(ActiveSheetPage(pSheet)));
+        if (Session()->hPageWnd[slot->second] != hActive) {
+            EXPECT_TRUE(ShowSlot(slot->second)) << name;
+        }
+        return Session()->hPageWnd[slot->second];
+    }
+
+    static int Id(const std::string& name)
+    {
+        EXPECT_NE(ControlNumber(name), 0) << name;
+        return ControlNumber(name);
+    }
+
+    std::string opened; /* sample */
+    size_t nMessages = 0;
+    int nDialogs = 0;
+};
+
+#endif
