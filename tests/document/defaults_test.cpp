@@ -179,6 +179,18 @@ TEST_F(DefaultsTest, TheChecksTakeTheSamplesDefaults)
     }
 }
 
+/* The goldens hold what differs from the template; this holds the template itself. */
+TEST_F(DefaultsTest, TheTemplate)
+{
+    DriverDevmode zeros;
+    std::memset(&zeros, 0, sizeof zeros);
+    std::string wanted;
+    for (const DataRow& row : ReadRows("template.txt")) {
+        wanted += (wanted.empty() ? "" : " ") + row[0];
+    }
+    EXPECT_EQ(Changes(zeros, recordTemplate), wanted);
+}
+
 TEST_F(DefaultsTest, ThePrintersOwnNameWithoutServerAndTail)
 {
     AddTestPrinter(Small().Build());

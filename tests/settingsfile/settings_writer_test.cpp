@@ -264,6 +264,15 @@ TEST_F(SettingsWriter, StylesOfAnUncheckedRecordStayInTheRegion)
     EXPECT_EQ(CountStem(Written(record, 3), "StyleType"), 2u);
     pRegion[2] = 208;
     EXPECT_EQ(CountStem(Written(record, 3), "StyleWMFileName"), 0u) << "a type that needs more than there is";
+    /* Blocks that end with the region: of 255 pages behind 222 bytes, and of none behind 732. */
+    for (const auto& [nStyle, bPages] : {std::pair<size_t, u8>{222, 255}, {732, 0}}) {
+        std::memset(pRegion, 0, REGION_END - REGION_AT);
+        pRegion[0] = pRegion[1] = 1;
+        pRegion[2] = static_cast<u8>(nStyle);
+        pRegion[3] = static_cast<u8>(nStyle >> 8);
+        pRegion[2 + nStyle + 1] = bPages;
+        EXPECT_EQ(CountStem(Written(record, 3), "BlockPageCount"), 1u) << nStyle;
+    }
 }
 
 TEST_F(SettingsWriter, TextsEndWithTheirFieldAndHoldNoLines)
