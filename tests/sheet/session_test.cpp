@@ -82,6 +82,8 @@ TEST_F(SessionTest, EditsTheCallersRecordAsFarAsItIsGood)
     stored.rPrivate.sContrast = 7;
     SetPrinterRecord(wcPrinter, Bytes(reinterpret_cast<u8*>(&stored), reinterpret_cast<u8*>(&stored + 1)));
 
+    OpenDevice();
+    EXPECT_EQ(Session()->pRecord->dmCopies, 3) << "the printer's sheet has the printer's settings";
     OpenDocument(nullptr);
     EXPECT_EQ(Differing(stored, record), "");
 
