@@ -15,7 +15,7 @@ namespace {
 
 [[maybe_unused]] const auto* const pTotals = ExpectTotals(1000, 0, 0);
 
-int nAppliedPages;
+int nAppliedPages, nCommands, nChecks;
 bool bRefuse, bDeviceKind;
 
 void InitFrames(HWND hPage, UiSession* pSession)
@@ -23,7 +23,10 @@ void InitFrames(HWND hPage, UiSession* pSession)
     CheckDlgButton(hPage, IDC_LAYOUT_BORDERS,
                    pSession->pRecord->rPrivate.sPageBorders ? BST_CHECKED : BST_UNCHECKED);
 }
-void CommandFrames(HWND, UiSession*, WPARAM, LPARAM) {}
+void CommandFrames(HWND, UiSession*, WPARAM, LPARAM)
+{
+    nCommands++;
+}
 int FramesDiffer(HWND hPage, UiSession* pSession)
 {
     return (IsDlgButtonChecked(hPage, IDC_LAYOUT_BORDERS) == BST_CHECKED) !=
@@ -41,12 +44,15 @@ void InitCopies(HWND hPage, UiSession* pSession)
 }
 int CopiesDiffer(HWND hPage, UiSession* pSession)
 {
+    nChecks++;
     return ReadNumber(hPage, IDC_PAPER_COPIES) != pSession->pRecord->dmCopies;
 }
 int ApplyCopies(HWND hPage, UiSession* pSession)
 {
     nAppliedPages++;
     pSession->pRecord->dmCopies = static_cast<i16>(ReadNumber(hPage, IDC_PAPER_COPIES));
+    SetDlgItemInt(hPage, IDC_PAPER_COPIES, 99, 1); /* which tells the page of a change */
+    SetDlgItemInt(hPage, IDC_PAPER_COPIES, static_cast<UINT>(pSession->pRecord->dmCopies), 1);
     return 1;
 }
 
@@ -225,6 +231,26 @@ TEST_F(CommitTest, ALoadedPresetKeepsTheSheetChanged)
     EXPECT_EQ(WideText(wcName), u"new.scr");
     OpenDocument(nullptr, 0, 4, TestEntry);
     EXPECT_EQ(WideText(Session()->wcScreenFile), u"new.scr") << "known to the next sheet";
+}
+
+/* What the driver sets itself is nobody's edit, and leaves the focus where the user has it. */
+TEST_F(CommitTest, FillsAndAppliesRunNoCommand)
+{
+    Open();
+    EditCopies(u"7");
+    nCommands = nChecks = 0;
+    const HWND hFocus = GetDlgItem(Page(1), IDC_PAPER_COPIES);
+    SetFocus(hFocus);
+    ReloadPage(Session(), SLOT_PAPER);
+    EXPECT_EQ(TextOf(Page(1), IDC_PAPER_COPIES), u"1");
+    EXPECT_EQ(nCommands + nChecks, 0) << "a fill";
+    EXPECT_EQ(GetFocus(), hFocus);
+    ReloadPage(Session(), SLOT_QUALITY); /* without a window */
+    Session()->bPageDirty[SLOT_PAPER] = 1;
+    PSHNOTIFY notify = {{SheetWindow(pSheet), 0, PSN_APPLY}, 0};
+    SendMessageW(Page(1), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notify));
+    EXPECT_EQ(nCommands + nChecks, 0) << "an apply";
+    EXPECT_EQ(SheetResults(pSheet).size(), 1u);
 }
 
 TEST_F(CommitTest, ADialogCommitsInThePaperPagesName)
