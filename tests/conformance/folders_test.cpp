@@ -59,6 +59,24 @@ TEST_F(Folders, EverythingIsFoundWithItsKindAndAnEnd)
     EXPECT_EQ(dwError, DWORD(ERROR_FILE_NOT_FOUND));
 }
 
+TEST_F(Folders, RelativePathsGoOnFromTheCurrentOne)
+{
+    WCHAR tcFirst[300] = {}, tcNow[300] = {};
+    const DWORD cchFirst = GetCurrentDirectoryW(300, tcFirst);
+    ASSERT_EQ(cchFirst, WideString(tcFirst).size());
+    EXPECT_EQ(GetCurrentDirectoryW(cchFirst, tcNow), cchFirst + 1) << "what is needed, with the NUL";
+    PutTestFile(tcFolder + Wide("\\here"), "x");
+    EXPECT_EQ(GetFileAttributesW(TEXT("here")), DWORD(INVALID_FILE_ATTRIBUTES));
+    ASSERT_TRUE(SetCurrentDirectoryW((tcFolder + Wide("\\")).c_str()));
+    EXPECT_NE(GetFileAttributesW(TEXT("here")), DWORD(INVALID_FILE_ATTRIBUTES));
+    for (const char* cNone : {"none", "here"}) {
+        EXPECT_FALSE(SetCurrentDirectoryW(Wide(cNone).c_str())) << cNone;
+    }
+    GetCurrentDirectoryW(300, tcNow);
+    EXPECT_EQ(Ascii(tcNow), Ascii(tcFolder));
+    EXPECT_TRUE(SetCurrentDirectoryW(tcFirst));
+}
+
 TEST_F(Folders, ACopyReplacesWhatIsThereUnlessToldNotTo)
 {
     const WideString tcFrom = tcFolder + Wide("\\from"), tcTo = tcFolder + Wide("\\to");

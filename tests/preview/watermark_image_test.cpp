@@ -2,7 +2,7 @@
    short form of its path. */
 #include <cstring>
 
-#include "preview/short_path.h"
+#include "base/short_path.h"
 #include "preview/watermark_image.h"
 #include "support/bitmap_builder.h"
 #include "support/sample_machine.h"

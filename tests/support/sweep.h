@@ -111,7 +111,8 @@ inline std::string HoldsNothing(const std::function<std::string()>& body)
                      std::to_string(after.nPrinters - before.nPrinters) + ", keys " +
                      std::to_string(after.nKeys - before.nKeys) + ", modules " +
                      std::to_string(after.nModules - before.nModules) + ", semaphores " +
-                     std::to_string(after.nSemaphores - before.nSemaphores) + ", windows " +
+                     std::to_string(after.nSemaphores - before.nSemaphores) + ", events " +
+                     std::to_string(after.nEvents - before.nEvents) + ", windows " +
                      std::to_string(after.nWindows - before.nWindows) + ", GDI objects " +
                      std::to_string(after.nGdiObjects - before.nGdiObjects) + "; ";
 }
