@@ -76,12 +76,14 @@ int IsUnderWay(u32 ulStem)
     return hEvent || GetLastError() != ERROR_FILE_NOT_FOUND;
 }
 
-/* 1 when the text is that of a command file, or as much of one as reached the disk. */
+/* 1 when the text is that of a command file, or as much of one as reached the disk: zeros stand for the rest, and half of
+   the mark in front reads as one character beyond ASCII. */
 int IsCommandText(TextSpan text)
 {
     const WCHAR* wcHead = TEXT("[MAKEWM]");
-    for (u32 i = 0; i < text.nLength && wcHead[i] && text.pText[i]; i++) {
-        if (Capital(text.pText[i]) != wcHead[i]) {
+    u32 nMark = text.nLength && text.pText[0] > 0x7F;
+    for (u32 i = 0; nMark + i < text.nLength && wcHead[i] && text.pText[nMark + i]; i++) {
+        if (Capital(text.pText[nMark + i]) != wcHead[i]) {
             return 0;
         }
     }

@@ -83,7 +83,9 @@ using Facts = std::map<std::string, std::string>;
 /* The lines of UTF-16 text as facts: "KEY=VALUE" by the key, others by their number. */
 void AddLines(const std::string& name, const Bytes& bytes, Facts* pFacts)
 {
-    std::istringstream lines(Narrow({reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / 2}));
+    const size_t nMark = bytes.empty() ? 0 : 1;
+    std::istringstream lines(
+        Narrow({reinterpret_cast<const char16_t*>(bytes.data()) + nMark, bytes.size() / 2 - nMark}));
     int nLine = 0;
     for (std::string line; std::getline(lines, line); nLine++) {
         line.erase(line.find_last_not_of('\r') + 1);
