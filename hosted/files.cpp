@@ -121,7 +121,7 @@ DWORD ResolveStart(std::u16string_view* pRest, WideText* pStart)
         return 0;
     }
     if (wcPath.size() < 2 || !IsSeparator(wcPath[0]) || !IsSeparator(wcPath[1])) {
-        return ERROR_PATH_NOT_FOUND; /* relative: there is no current folder */
+        return ERROR_PATH_NOT_FOUND; /* the root or the folder of a drive that is not told */
     }
     pRest->remove_prefix(2);
     if (!pRest->empty() && (pRest->front() == u'?' || pRest->front() == u'.')) {
@@ -236,6 +236,8 @@ ResolvedPath Resolve(std::u16string_view wcPath)
         resolved.dwError = ERROR_PATH_NOT_FOUND;
         return resolved;
     }
+    const WideText tcWhole = BelowCurrentFolder(wcPath);
+    wcPath = tcWhole;
     WideText wcHost;
     std::vector<std::u16string_view> names;
     resolved.dwError = ResolveStart(&wcPath, &wcHost);
@@ -517,7 +519,7 @@ BOOL WINAPI CloseHandle(HANDLE hObject)
         liveCounts.nFiles--;
         return !bFails;
     }
-    if (CloseSemaphore(hObject)) {
+    if (CloseSemaphore(hObject) || CloseEvent(hObject)) {
         return !bFails;
     }
     /* The invalid handle is at the same time this process's own, which closes at any time without effect. */

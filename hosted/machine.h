@@ -8,6 +8,7 @@
 #define TQUI_HOSTED_MACHINE_H
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -121,9 +122,17 @@ void SetSpoolerCallback(void (*fnCallback)());
 const std::vector<std::string>& OpenedPrinters();
 
 /* ---- programs, time, fonts ---- */
-const std::vector<std::string>&
-StartedPrograms();              /* command lines of WinExec, "|hidden" behind those that were */
-void SetTickCount(u32 ulTicks); /* GetTickCount, which stands still */
+/* Command lines of WinExec. Behind them "|hidden" where they were, and "|in FOLDER" of another current folder than a new
+   machine's, "C:\". */
+const std::vector<std::string>& StartedPrograms();
+/* A program that runs when it is started, within WinExec, or the delay later when somebody waits that long. It may use
+   the Windows calls. Without a routine the program cannot be started; programs that are not set are only noted. */
+void SetProgram(std::u16string_view tcPath, std::function<void(const std::string& commandLine)> routine,
+                u32 ulDelay = 0);
+void SetTickCount(u32 ulTicks); /* GetTickCount; only waiting moves the clock */
+bool HasEvent(std::u16string_view wcName);
+BOOL WINAPI SetEvent(HANDLE hEvent); /* for the programs: the library never calls it */
+constexpr DWORD EVENT_MODIFY_STATE = 2;
 struct FontFamily {
     WideText wcName;
     DWORD dwType; /* RASTER_FONTTYPE and so on */
@@ -192,7 +201,7 @@ bool CouldLie(LieKind kind, CallId call); /* whether there was a turn for it sin
 /* ---- what is held ---- */
 struct LiveCounts {
     int nBlocks = 0, nFiles = 0, nPrinters = 0, nKeys = 0, nModules = 0, nSearches = 0, nContexts = 0;
-    int nSemaphores = 0, nWindows = 0, nGdiObjects = 0;
+    int nSemaphores = 0, nEvents = 0, nWindows = 0, nGdiObjects = 0;
     bool operator==(const LiveCounts&) const = default;
 };
 LiveCounts CountLive();

@@ -84,6 +84,8 @@ void StopMachine()
     ResetResources();
     ResetSystemRoutines();
     DropSemaphores();
+    DropEvents();
+    ResetCurrentFolder();
     ResetSpooler();
     ResetRegistry();
     ResetFolders();

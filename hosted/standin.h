@@ -86,6 +86,8 @@ void ResetFolders();
 void ResetFonts();
 void ResetSystemRoutines();
 void ResetThreads();
+void DropEvents();
+void ResetCurrentFolder();
 
 /* Where the system's own libraries lie. */
 inline const WideText tcSystemFolder = u"C:\\Windows\\system32";
@@ -94,8 +96,19 @@ inline const WideText tcSystemFolder = u"C:\\Windows\\system32";
 HMODULE LoadSystemLibrary(std::u16string_view wcLibrary);
 bool FreeSystemLibrary(HMODULE hLibrary);
 
-/* Closes a semaphore's handle; false when it is none. */
+/* Close the handle of a semaphore or event; false when it is none. */
 bool CloseSemaphore(HANDLE hObject);
+bool CloseEvent(HANDLE hObject);
+
+/* Moves the clock to the next start of a program that is due within ulMost milliseconds and runs it; false, with the
+   clock moved by all of ulMost, when none is. */
+bool RunNextProgram(u32 ulMost);
+
+/* A path as the system takes it: a relative one goes on behind the current folder. */
+WideText BelowCurrentFolder(std::u16string_view tcPath);
+std::string CurrentFolderNote(); /* "|in FOLDER", empty for the first */
+
+u32 MachineTicks(); /* GetTickCount for stand-ins: not counted, never failing */
 
 /* Locale value of section "intl"; false when the machine has none. */
 bool GetLocaleValue(std::u16string_view wcKey, WideText* pText);

@@ -341,7 +341,7 @@ BOOL WINAPI UpdateWindow(HWND hWnd)
     if (!FindWindowState(hWnd)) {
         return 0;
     }
-    PaintIfInvalid(hWnd);
+    PaintWindows(hWnd); /* those in it, too */
     return 1;
 }
 

@@ -1,6 +1,7 @@
 /* What the spooler tells of a printer that comes or goes: a printer is set up once, when it is made, so that later
    calls find all they need with it. Every step that fails is passed over, but for three that an installation cannot
    do without: the printer, memory, and the value that names the rendering half's user mode driver. */
+#include "base/started_program.h"
 #include "base/system_library.h"
 #include "base/wide.h"
 #include "description/driver_files.h"
@@ -14,7 +15,6 @@
 #include "entry/install_import.h"
 #include "entry/print_processor.h"
 #include "entry/printer_driver_section.h"
-#include "entry/started_program.h"
 #include "entry/user_settings_file.h"
 
 namespace {
@@ -29,6 +29,15 @@ int StoreUserModeDriver(PrinterCall& call)
     WCHAR tcPath[PATH_CHARS];
     return CopyPrinterDriverSection(call) || !FindDriverFile(call, TEXT(""), TEXT("KRND.DLL"), tcPath) ||
            StorePrinterText(call, TEXT("SPLUserModePrinterDriver"), BehindLast(tcPath, '\\'));
+}
+
+/* Starts the font installer, without a window. */
+void StartFontInstaller(PrinterCall& call)
+{
+    WCHAR tcPath[PATH_CHARS];
+    if (FindDriverFile(call, TEXT("FontInstaller"), TEXT("GLYF.EXE"), tcPath)) {
+        StartProgram(tcPath, nullptr, SW_HIDE);
+    }
 }
 
 /* Name and size of the font description file, before anything is added. Result: that size. */

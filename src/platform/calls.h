@@ -25,6 +25,9 @@
     X(BOOL, GetVersionExW, (LPOSVERSIONINFOW), 0) \
     X(HANDLE, CreateSemaphoreW, (LPSECURITY_ATTRIBUTES, LONG, LONG, LPCWSTR), nullptr) \
     X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
+    X(HANDLE, CreateEventW, (LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR), nullptr) \
+    X(HANDLE, OpenEventW, (DWORD, BOOL, LPCWSTR), nullptr) \
+    X(DWORD, WaitForSingleObject, (HANDLE, DWORD), WAIT_FAILED) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(UINT, GetSystemDirectoryW, (LPWSTR, UINT), 0) \
@@ -50,7 +53,9 @@
     X(BOOL, SetFileAttributesW, (LPCWSTR, DWORD), 0) \
     X(BOOL, DeleteFileW, (LPCWSTR), 0) \
     X(BOOL, MoveFileExW, (LPCWSTR, LPCWSTR, DWORD), 0) \
-    X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0)
+    X(BOOL, CreateDirectoryW, (LPCWSTR, LPSECURITY_ATTRIBUTES), 0) \
+    X(DWORD, GetCurrentDirectoryW, (DWORD, LPWSTR), 0) \
+    X(BOOL, SetCurrentDirectoryW, (LPCWSTR), 0)
 
 #define PROFILE_CALLS(X) \
     X(UINT, GetProfileIntW, (LPCWSTR, LPCWSTR, INT), 0) \

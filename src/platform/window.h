@@ -86,6 +86,7 @@ static_assert(sizeof(HELPINFO) == 40);
     (static_cast<DWORD>(static_cast<WORD>(nLow)) | static_cast<DWORD>(static_cast<WORD>(nHigh)) << 16)
 
 #define IDC_ARROW       MAKEINTRESOURCEW(32512)
+#define IDC_WAIT        MAKEINTRESOURCEW(32514)
 #define IDC_SIZEWE      MAKEINTRESOURCEW(32644)
 #define IDC_HAND        MAKEINTRESOURCEW(32649)
 #define IDI_HAND        MAKEINTRESOURCEW(32513)

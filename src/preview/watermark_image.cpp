@@ -5,9 +5,9 @@
 
 #include "base/measure.h"
 #include "base/owned.h"
+#include "base/short_path.h"
 #include "platform/files.h"
 #include "preview/preview_tools.h"
-#include "preview/short_path.h"
 
 namespace {
 

@@ -423,6 +423,28 @@ TEST_F(Windows, SubclassedEditAndEnd)
     hDialog_ = nullptr;
 }
 
+int nEditPaints;
+
+LRESULT CALLBACK CountPaints(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    nEditPaints += uMessage == WM_PAINT;
+    return CallWindowProcW(pfnBefore, hWnd, uMessage, wParam, lParam);
+}
+
+/* Whoever updates a window has what lies in it painted as well, at once and only as far as it is invalid. */
+TEST_F(Windows, UpdatingReachesControls)
+{
+    FinishPainting(hDialog_);
+    pfnBefore = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(Item(EDIT_LINE), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CountPaints)));
+    nEditPaints = 0;
+    InvalidateRect(Item(EDIT_LINE), nullptr, FALSE);
+    EXPECT_TRUE(UpdateWindow(hDialog_));
+    EXPECT_EQ(nEditPaints, 1);
+    EXPECT_TRUE(UpdateWindow(hDialog_));
+    EXPECT_EQ(nEditPaints, 1);
+}
+
 TEST_F(Windows, Painting)
 {
     /* Only what was made invalid is painted, and at once when that is asked for. */

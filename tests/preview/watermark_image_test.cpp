@@ -2,8 +2,8 @@
    short form of its path. */
 #include <cstring>
 
+#include "base/short_path.h"
 #include "preview/picture_cases.h"
-#include "preview/short_path.h"
 #include "preview/watermark_image.h"
 #include "support/data_file.h"
 #include "support/sample_machine.h"

@@ -1,4 +1,4 @@
-/* Stand-in for the helper programs: the font installer GLYF.EXE and the watermark builder MRK.EXE.
+/* Stand-in for the font installer GLYF.EXE.
 
    Not a product file: it does no work, ends with 0 and leaves its command line as UTF-8 in a file of its own
    name with ".started" behind (GLYF.EXE.started), which tells a test that and how it was started. An

@@ -148,6 +148,7 @@ inline std::string HoldsNothing(const std::function<std::string()>& body)
     differs("searches", &LiveCounts::nSearches);
     differs("contexts", &LiveCounts::nContexts);
     differs("semaphores", &LiveCounts::nSemaphores);
+    differs("events", &LiveCounts::nEvents);
     differs("windows", &LiveCounts::nWindows);
     differs("GDI objects", &LiveCounts::nGdiObjects);
     const bool bSameHouse = after.folder == before.folder && after.locale == before.locale;

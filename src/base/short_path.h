@@ -1,6 +1,6 @@
 /* Paths in the short form that the file system keeps beside long names. */
-#ifndef TQUI_PREVIEW_SHORT_PATH_H
-#define TQUI_PREVIEW_SHORT_PATH_H
+#ifndef TQUI_BASE_SHORT_PATH_H
+#define TQUI_BASE_SHORT_PATH_H
 
 #include "platform/basic.h"
 

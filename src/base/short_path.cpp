@@ -1,5 +1,5 @@
 /* Looks up each element of a path. */
-#include "preview/short_path.h"
+#include "base/short_path.h"
 
 #include "base/wide.h"
 #include "platform/files.h"
