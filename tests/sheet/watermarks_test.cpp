@@ -158,7 +158,7 @@ TEST_F(WatermarksTest, AThousandStepsLeaveNoOrphans)
         case 3:
             if (nRow >= 0) {
                 DoSteps(std::string("open WATERMARKS_EDIT,type ") +
-                        (bImage ? "IMAGE_MARK_SCALE " : "TEXT_MARK_SIZE ") + size + ",end MARK_CHANGE");
+                        (bImage ? "IMAGE_MARK_SCALE " : "TEXT_MARK_SIZE ") + digit + ",end MARK_CHANGE");
             }
             break;
         case 4:
@@ -230,6 +230,16 @@ TEST_F(WatermarksTest, SurviveFailures)
         return fault;
     };
     EXPECT_EQ(work(), "");
+    const AskedFile& file = AskedFiles().at(0);
+    EXPECT_EQ(file.wcFilter, WideText(u"Image files\0*.BMP\0All files\0*.*", 31));
+    EXPECT_TRUE(file.hOwner && file.wcFile.empty() && file.wcFolder == u"My Documents");
+    EXPECT_EQ(file.wcExtension, u"*.BMP");
+    EXPECT_EQ(file.nRoom, DWORD{PATH_CHARS});
+    EXPECT_EQ(file.dwFlags, OFN_NOCHANGEDIR);
+    const AskedColor& color = AskedColors().at(0);
+    EXPECT_TRUE(color.hOwner && color.color == 0xFF &&
+                color.dwFlags == (CC_RGBINIT | CC_FULLOPEN | CC_ANYCOLOR));
+    EXPECT_TRUE(color.custom[0] == 0x0000FF && color.custom[5] == 0x00C000 && color.custom[15] == 0xC0C0C0);
     int nFaults = 0;
     for (CallId call : {CALL_HeapAlloc, CALL_CreateFileW, CALL_MoveFileExW, CALL_DialogBoxParamW,
                         CALL_LoadLibraryExW, CALL_GetProcAddress}) {
@@ -237,7 +247,7 @@ TEST_F(WatermarksTest, SurviveFailures)
         EXPECT_EQ(sweep.fault, "");
         nFaults += sweep.nFaults;
     }
-    EXPECT_GT(nFaults, 75);
+    EXPECT_GT(nFaults, 60);
     EXPECT_EQ(ForcedCloses(), 0);
 }
 
@@ -253,8 +263,7 @@ TEST_F(WatermarksTest, ALongListShowsAtOnce)
         Do(cStep);
         return static_cast<double>(std::clock() - begun) / CLOCKS_PER_SEC;
     };
-    const double dShown = seconds("reload"), dCommand = seconds("click UNIT");
-    RecordProperty("milliseconds", std::to_string(dShown * 1000) + " " + std::to_string(dCommand * 1000));
-    std::printf("shown in %.1f ms, command in %.1f ms\n", dShown * 1000, dCommand * 1000);
+    EXPECT_LT(seconds("reload"), 0.06);
+    EXPECT_LT(seconds("click UNIT"), 0.06);
     EXPECT_EQ(Seen("dirty7=0"), "dirty7=0");
 }

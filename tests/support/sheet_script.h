@@ -28,7 +28,7 @@
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
-     NAME:TEXT         text of a control or of the row that is selected; blanks as "_"
+     NAME:TEXT         text of a control, of the row that is selected, or of a record's field; blanks as "_"
      title:TEXT        of the dialog
      WMKey0:TEXT       of the stored watermarks; "-" when there is no such key
      built:A,B         built files of watermarks in the user's folder, in alphabetical order
@@ -280,6 +280,9 @@ class SheetScript : public SheetTest {
             WCHAR wcTitle[TEXT_CHARS] = {};
             GetWindowTextW(hModal, wcTitle, TEXT_CHARS);
             return Narrow(wcTitle);
+        }
+        if (!ControlNumber(name)) {
+            return FieldOf(record, name).value;
         }
         const HWND hPage = PageOf(name);
         const HWND hList = GetDlgItem(hPage, Id(name));
