@@ -11,8 +11,7 @@
 constexpr i32 NO_MARK = -1; /* in the place of a row: no watermark */
 constexpr i32 TRANSPARENCY_MAX = 100;
 constexpr i32 DARKNESS_MIN = 1, DARKNESS_MAX = 100; /* percent */
-constexpr i32 MARK_SIZE_MIN = 8, MARK_SIZE_MAX = 300;
-constexpr i32 MARK_SCALE_MIN = 25, MARK_SCALE_MAX = 400;
+constexpr i32 MARK_SCALE_MAX = 400;
 constexpr u32 MARK_GREY = 0xC0C0C0; /* of trials, and of new texts without colour */
 
 struct WatermarksChoice {

@@ -12,7 +12,7 @@
 #include "watermark/watermark_store.h"
 
 /* A row by its name: "text" and "image" have no files, "built" and "picture" are the same with both files, "arabic" runs
-   from right to left, "placed" is an image at the top left, off by both positions. */
+   from right to left, "faceless" has a face that the system lacks, "placed" is an image at the top left, off by both positions. */
 inline WatermarkEntry MarkRow(const std::string& name, const WideText& tcFolder, int nRow)
 {
     WatermarkEntry row;
@@ -29,6 +29,9 @@ inline WatermarkEntry MarkRow(const std::string& name, const WideText& tcFolder,
     row.WMType = bImage ? ENTRY_IMAGE : ENTRY_TEXT;
     CopyWide(row.WMString, 64, name == "arabic" ? u"\u0633\u0631\u064A" : Widen(name).c_str());
     row.WMRTL = name == "arabic";
+    if (name == "faceless") {
+        CopyWide(row.WMFace, 32, u"Ari");
+    }
     if (name == "placed") {
         row.WMPlacement = 6;
         row.WMPositionX = row.WMPositionY = 1000;

@@ -60,7 +60,8 @@ std::string DoStep(HWND hSheet, const std::string& step)
     if (verb == "page") {
         return ShowTab(hSheet, std::stoi(name)) ? "" : "no such tab";
     }
-    const HWND hPlace = Place(hSheet), hControl = GetDlgItem(hPlace, ControlNumber(name));
+    const HWND hPlace = Place(hSheet);
+    const HWND hControl = GetDlgItem(hPlace, name == "IDCANCEL" ? IDCANCEL : ControlNumber(name));
     if (!hControl || !IsWindowVisible(hControl) || !IsWindowEnabled(hControl)) {
         return "the control cannot be reached";
     }
