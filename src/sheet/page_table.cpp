@@ -9,18 +9,9 @@
 #include "sheet/layout_page.h"
 #include "sheet/paper_page.h"
 #include "sheet/preview_panel.h"
+#include "sheet/watermarks_page.h"
 
 namespace {
-
-void PreviewWatermarks(HWND hPage, const UiSession*, PreviewChoice* pChoice)
-{
-    int bChosen;
-    i32 lRow = GetListValue(hPage, IDC_WATERMARKS_LIST, &bChosen);
-    if (bChosen) {
-        pChoice->lWatermark = lRow;
-        pChoice->bWMOnePage = IsChecked(hPage, IDC_WATERMARKS_FIRST_PAGE);
-    }
-}
 
 void PreviewQuality(HWND hPage, const UiSession* pSession, PreviewChoice* pChoice)
 {
@@ -49,8 +40,6 @@ constexpr PageRoutines qualityPage = {.slot = SLOT_QUALITY,
                                       .pfnInit = InitQuality,
                                       .pfnPaint = PaintPreviewPage,
                                       .pfnPreview = PreviewQuality};
-constexpr PageRoutines watermarksPage = {
-    .slot = SLOT_WATERMARKS, .nHelpKey = 500, .pfnPaint = PaintPreviewPage, .pfnPreview = PreviewWatermarks};
 constexpr PageRoutines fontsPage = {.slot = SLOT_FONTS, .nHelpKey = 600, .pfnPaint = PaintPreviewPage};
 constexpr PageRoutines aboutPage = {.slot = SLOT_ABOUT, .nHelpKey = 0, .pfnInit = FillAbout};
 
@@ -61,7 +50,7 @@ const PageTableRow aPageTable[] = {
     {SLOT_LAYOUT, IDS_TITLE_LAYOUT, IDD_LAYOUT, 0, PageProc<layoutPage>, LayoutCommand},
     {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, 0, PageProc<paperPage>, PaperCommand},
     {SLOT_QUALITY, IDS_TITLE_QUALITY, IDD_QUALITY, 0, PageProc<qualityPage>, PreviewCommand},
-    {SLOT_WATERMARKS, IDS_TITLE_WATERMARKS, IDD_WATERMARKS, 0, PageProc<watermarksPage>, PreviewCommand},
+    {SLOT_WATERMARKS, IDS_TITLE_WATERMARKS, IDD_WATERMARKS, 0, PageProc<watermarksPage>, WatermarksCommand},
     {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, IDD_DEVICE_FONTS, PageProc<fontsPage>, PreviewCommand},
     {0, 0, 0, 0, nullptr, nullptr},
 };

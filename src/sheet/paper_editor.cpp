@@ -9,6 +9,7 @@
 #include "sheet/edit_keys.h"
 #include "sheet/notices.h"
 #include "sheet/saved_papers.h"
+#include "sheet/tidy_name.h"
 
 namespace {
 
@@ -34,7 +35,7 @@ void ReadName(HWND hDialog, WCHAR* wcName)
 {
     UINT nGot = GetDlgItemTextW(hDialog, IDC_SIZE_NAME, wcName, NAME_CHARS);
     wcName[nGot < NAME_CHARS ? nGot : NAME_CHARS - 1] = 0;
-    TrimPaperName(wcName);
+    TidyName(wcName);
 }
 
 /* A paper without a name cannot be confirmed: Enter leaves the dialog then. */

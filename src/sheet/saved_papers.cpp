@@ -10,15 +10,6 @@
 #include "entry/forms.h"
 #include "entry/paper_sizes.h"
 
-namespace {
-
-int IsBlankOrControl(WCHAR wc)
-{
-    return wc <= ' ' || wc == 0x7F;
-}
-
-} // namespace
-
 int IsListFull(i32 nCount)
 {
     return nCount >= LIST_LIMIT;
@@ -58,21 +49,6 @@ int CompactPapers(const SavedPapers& papers, const XpiModel* pModel)
 int SamePapers(const PaperSizeRow* pOne, i32 nOne, const PaperSizeRow* pOther, i32 nOther)
 {
     return nOne == nOther && !std::memcmp(pOne, pOther, static_cast<size_t>(nOne) * sizeof(PaperSizeRow));
-}
-
-void TrimPaperName(WCHAR* wcName)
-{
-    int nFrom = 0, nTo = WideLength(wcName);
-    while (nFrom < nTo && IsBlankOrControl(wcName[nFrom])) {
-        nFrom++;
-    }
-    while (nTo > nFrom && IsBlankOrControl(wcName[nTo - 1])) {
-        nTo--;
-    }
-    for (int i = nFrom; i < nTo; i++) {
-        wcName[i - nFrom] = IsBlankOrControl(wcName[i]) ? static_cast<WCHAR>(' ') : wcName[i];
-    }
-    wcName[nTo - nFrom] = 0;
 }
 
 int IsPaperNameTaken(const PaperSizeRow* pRows, i32 nRows, const WCHAR* wcName)

@@ -22,10 +22,6 @@ int CompactPapers(const SavedPapers& papers, const XpiModel* pModel);
 /* 1 when two lists have the same rows, byte for byte. */
 int SamePapers(const PaperSizeRow* pOne, i32 nOne, const PaperSizeRow* pOther, i32 nOther);
 
-/* Makes a text a paper's name as the settings file keeps it: control characters become blanks, and those at both ends
-   go. */
-void TrimPaperName(WCHAR* wcName);
-
 /* 1 when one of the first nRows papers has that name, case included. */
 int IsPaperNameTaken(const PaperSizeRow* pRows, i32 nRows, const WCHAR* wcName);
 

@@ -46,6 +46,7 @@ struct UiSession {
     u32 bReadOnly;                   /* the user may not write printer data */
     LanguageChoice rLanguage;        /* language ids, help file, decimal separator of at most 3 characters */
     OwnedModule hLanguageDll;        /* null: dialogs and texts are not to be had */
+    OwnedModule hCommonDialogs;      /* comdlg32.dll, from the first of its dialogs to the end of the sheet */
     DriverDevmode* pRecord;          /* in edit; the caller's */
     OwnedBlock<DriverDevmode> pOwnRecord; /* a device sheet's working copy, which pRecord then is */
     DeviceInfo rDeviceInfo;
@@ -78,7 +79,7 @@ struct UiSession {
     i16 sFontSubsSnapshotCount;
     OwnedBlock<u8> pFontSubs; /* the pairs of the printer value, ulFontSubsBytes and two NULs */
     u16 sWatermarkSnapshotCount;
-    u32 ulWatermarkNext; /* number from which the next watermark's own is looked for */
+    u32 ulWatermarkNext; /* COLORREF that is under edit in the editor of text watermarks */
     HCURSOR hCursorHand, hCursorSaved;
     HICON hIconInfo;
     WCHAR wcScreenFile[PATH_CHARS], wcProfileFile[PATH_CHARS];

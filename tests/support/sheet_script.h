@@ -7,7 +7,7 @@
      page N            shows the page of slot N
      pick NAME N       chooses the row with that item data
      click NAME        a button, check box, radio button
-     type NAME TEXT    replaces an edit control's text; without a text it is emptied
+     type NAME TEXT    replaces an edit control's text, "_" is a blank; without a text it is emptied
      spin NAME N       a movement of a spin button or scroll bar by its code; "spin NAME 5 120" moves the thumb there
      key N             a key to the control with the focus
      leave NAME        the focus goes to that control
@@ -15,9 +15,24 @@
      server, options N the printer is on a server, has these options; the pages are filled again
      reload            fills the pages again
      apply, ok, cancel of the sheet
+     open NAME [N]     a button, or the row of a list that is double-clicked; opens a dialog, in which the steps are
+                       done from here to the one that ends it
+     end NAME          a button that ends a dialog; "end enter" and "end escape" by key, "end cross" by its caption
+     choose NAME TEXT  the row of a list with that text
+     ltr NAME, rtl NAME  turns an edit control's reading
+     hit NAME          a click where that control lies
+     file PATH, color N, file, color   what the system's dialogs answer from now on; without: Cancel
+     marks ROWS, stored ROWS  the user's watermarks, also in the sheet or in the file alone; see mark_lists.h
+     look              keeps the picture of the dialog
+     see EXPECTATIONS  holds them at this step, within a dialog
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
+     NAME:TEXT         text of a control, of the row that is selected, or of a record's field; blanks as "_"
+     title:TEXT        of the dialog
+     WMKey0:TEXT       of the stored watermarks; "-" when there is no such key
+     built:A,B         built files of watermarks in the user's folder, in alphabetical order
+     default=NAME      the button that Enter presses; focus=NAME
      NAME- NAME~ NAME+ hidden; shown and disabled; shown and enabled
      field=value       of the record
      dirty0=1          page with edits, by slot
@@ -29,11 +44,13 @@
 #include <map>
 #include <sstream>
 
+#include "hosted/pictures.h"
 #include "hosted/user_input.h"
 #include "sheet/dialog_services.h"
 #include "sheet/page_windows.h"
 #include "support/control_names.h"
 #include "support/data_file.h"
+#include "support/mark_lists.h"
 #include "support/sheet_machine.h"
 
 class SheetScript : public SheetTest {
@@ -48,21 +65,8 @@ class SheetScript : public SheetTest {
             if (!row[1].empty()) {
                 Begin(row[1], row[2]);
             }
-            for (const std::string& step : SplitTrimmed(row[3], ',')) {
-                if (!step.empty()) {
-                    Do(step);
-                }
-            }
-            std::istringstream expected(row[4]);
-            std::string wanted, seen;
-            for (std::string token; expected >> token;) {
-                const std::string found = Seen(token);
-                if (!SaysTheSame(found, token)) {
-                    wanted += token + " ";
-                    seen += found + " ";
-                }
-            }
-            EXPECT_EQ(seen, wanted);
+            DoAll(SplitTrimmed(row[3], ','));
+            Expect(row[4]);
             if (HasFatalFailure()) {
                 return;
             }
@@ -92,6 +96,48 @@ class SheetScript : public SheetTest {
         nDialogs = DialogsOpened();
     }
 
+    /* A dialog is up while the step that opens it is done, so the steps within it are told beforehand. */
+    void DoAll(const std::vector<std::string>& steps)
+    {
+        for (size_t i = 0; i < steps.size(); i++) {
+            const size_t nOpener = i;
+            for (int nDeep = Deeper(steps[i]); nDeep > 0 && i + 1 < steps.size(); nDeep += Deeper(steps[i])) {
+                QueueStep(steps[++i]);
+            }
+            if (!steps[nOpener].empty()) {
+                Do(steps[nOpener]);
+                EXPECT_EQ(ModalStepsLeft(), 0u) << "no dialog was up for a step behind " << steps[nOpener];
+            }
+        }
+    }
+    /* A step to be done in the dialog that is up then. */
+    void QueueStep(const std::string& step)
+    {
+        QueueModalStep([this, step](HWND hDialog) {
+            const HWND hBefore = std::exchange(hModal, hDialog);
+            Do(step);
+            hModal = hBefore;
+        });
+    }
+    static int Deeper(const std::string& step)
+    {
+        return step.starts_with("open ") ? 1 : step.starts_with("end ") ? -1 : 0;
+    }
+
+    void Expect(const std::string& tokens)
+    {
+        std::istringstream expected(tokens);
+        std::string wanted, seen;
+        for (std::string token; expected >> token;) {
+            const std::string found = Seen(token);
+            if (!SaysTheSame(found, token)) {
+                wanted += token + " ";
+                seen += found + " ";
+            }
+        }
+        EXPECT_EQ(seen, wanted);
+    }
+
     void Do(const std::string& step)
     {
         std::istringstream words(step);
@@ -106,6 +152,7 @@ class SheetScript : public SheetTest {
         } else if (verb == "click") {
             EXPECT_TRUE(ClickControl(PageOf(name), Id(name))) << step;
         } else if (verb == "type") {
+            std::replace(text.begin(), text.end(), '_', ' ');
             EXPECT_TRUE(TypeText(PageOf(name), Id(name), Widen(text))) << step;
         } else if (verb == "spin") {
             const size_t nBlank = text.find(' ');
@@ -115,6 +162,36 @@ class SheetScript : public SheetTest {
             SendKey(static_cast<WPARAM>(std::stoi(name)));
         } else if (verb == "leave") {
             SetFocus(GetDlgItem(PageOf(name), Id(name)));
+        } else if (verb == "see") {
+            SCOPED_TRACE(step);
+            Expect(name + " " + text);
+        } else if (verb == "open" || verb == "end") {
+            EXPECT_TRUE(OpenOrEnd(name, text)) << step;
+        } else if (verb == "choose") {
+            EXPECT_TRUE(Choose(name, text)) << step;
+        } else if (verb == "look") {
+            PaintWindows(hModal);
+            EXPECT_TRUE(WindowPicture(hModal, &pictures.emplace_back()));
+        } else if (verb == "ltr" || verb == "rtl") {
+            EXPECT_TRUE(TurnReading(PageOf(name), Id(name), verb == "rtl")) << step;
+        } else if (verb == "hit") {
+            RECT place;
+            ASSERT_TRUE(ControlRect(PageOf(name), Id(name), &place)) << step;
+            MoveMouse(PageOf(name), place.left + 1, place.top + 1);
+            PressMouse(PageOf(name), place.left + 1, place.top + 1);
+            ReleaseMouse(PageOf(name), place.left + 1, place.top + 1);
+        } else if (verb == "file") {
+            AnswerFileDialog(Widen(name + (text.empty() ? "" : " " + text)));
+        } else if (verb == "color") {
+            AnswerColorDialog(name.empty() ? CLR_INVALID
+                                           : static_cast<COLORREF>(std::stoul(name, nullptr, 0)));
+        } else if (verb == "stored") {
+            StoreMarks(Session(), name + " " + text);
+        } else if (verb == "marks") {
+            DropBuiltMarks(Session());
+            StoreMarks(Session(), name + " " + text);
+            TakeStoredMarks(Session());
+            ReloadAll();
         } else if (verb == "set") {
             SetRecordField(Session()->pRecord, name);
         } else if (verb == "server" || verb == "options" || verb == "reload") {
@@ -150,6 +227,11 @@ class SheetScript : public SheetTest {
     /* The expectation as it stands after what was found. */
     std::string Seen(const std::string& token)
     {
+        if (const size_t nColon = token.find(':'); nColon < token.find('=')) {
+            std::string text = TextSeen(token.substr(0, nColon));
+            std::replace(text.begin(), text.end(), ' ', '_');
+            return token.substr(0, nColon + 1) + text;
+        }
         const size_t nEqual = token.find('=');
         const std::string name = token.substr(0, nEqual);
         if (nEqual == std::string::npos) {
@@ -160,6 +242,13 @@ class SheetScript : public SheetTest {
         }
         if (name.starts_with("dirty")) {
             return name + "=" + std::to_string(Session()->bPageDirty[std::stoi(name.substr(5))]);
+        }
+        if (name == "default" || name == "focus") {
+            const int nControl =
+                name == "focus" ? GetDlgCtrlID(GetFocus()) : LOWORD(SendMessageW(hModal, DM_GETDEFID, 0, 0));
+            return name + "=" +
+                   (Id(token.substr(nEqual + 1)) == nControl ? token.substr(nEqual + 1)
+                                                             : std::to_string(nControl));
         }
         if (name == "changed") {
             return name + "=" + std::to_string(CanApplySheet(pSheet));
@@ -177,6 +266,58 @@ class SheetScript : public SheetTest {
             return name + "=" + Value(PageOf(name), Id(name));
         }
         return name + "=" + FieldOf(record, name).value;
+    }
+
+    std::string TextSeen(const std::string& name)
+    {
+        if (name == "built") {
+            return BuiltMarks(Session());
+        }
+        if (name.starts_with("WM") || name == "NumWatermarks") {
+            return StoredMark(Session(), name);
+        }
+        if (name == "title") {
+            WCHAR wcTitle[TEXT_CHARS] = {};
+            GetWindowTextW(hModal, wcTitle, TEXT_CHARS);
+            return Narrow(wcTitle);
+        }
+        if (!ControlNumber(name)) {
+            return FieldOf(record, name).value;
+        }
+        const HWND hPage = PageOf(name);
+        const HWND hList = GetDlgItem(hPage, Id(name));
+        if (HostedClassName(hList) != u"ListBox") {
+            return Narrow(TextOf(hPage, Id(name)));
+        }
+        WCHAR wcRow[3 * TEXT_CHARS] = {};
+        SendMessageW(hList, LB_GETTEXT, static_cast<WPARAM>(SendMessageW(hList, LB_GETCURSEL, 0, 0)),
+                     reinterpret_cast<LPARAM>(wcRow));
+        return Narrow(wcRow);
+    }
+
+    bool OpenOrEnd(const std::string& name, const std::string& text)
+    {
+        if (name == "enter" || name == "escape") {
+            SendKey(name == "enter" ? VK_RETURN : VK_ESCAPE);
+        } else if (name == "cross") {
+            CloseWindowByUser(hModal);
+        } else if (!text.empty()) {
+            const LRESULT nRow = RowOf(GetDlgItem(PageOf(name), Id(name)), std::stoi(text));
+            return nRow >= 0 && DoubleClickRow(PageOf(name), Id(name), static_cast<int>(nRow));
+        } else {
+            return ClickControl(PageOf(name), Id(name));
+        }
+        return true;
+    }
+
+    bool Choose(const std::string& name, const std::string& text)
+    {
+        const HWND hList = GetDlgItem(PageOf(name), Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        const LRESULT nRow =
+            SendMessageW(hList, bCombo ? CB_FINDSTRINGEXACT : LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                         reinterpret_cast<LPARAM>(Widen(text).c_str()));
+        return nRow >= 0 && PickRow(PageOf(name), Id(name), static_cast<int>(nRow));
     }
 
     static std::string Value(HWND hPage, int nControl)
@@ -198,16 +339,19 @@ class SheetScript : public SheetTest {
     bool Pick(const std::string& name, i32 lValue)
     {
         const HWND hPage = PageOf(name);
-        const HWND hList = GetDlgItem(hPage, Id(name));
+        const LRESULT nRow = RowOf(GetDlgItem(hPage, Id(name)), lValue);
+        return nRow >= 0 && PickRow(hPage, Id(name), static_cast<int>(nRow));
+    }
+
+    /* The row with that item data; -1 without one. */
+    static LRESULT RowOf(HWND hList, i32 lValue)
+    {
         const bool bCombo = HostedClassName(hList) == u"ComboBox";
-        const LRESULT nRows = SendMessageW(hList, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
-        for (LRESULT nRow = 0; nRow < nRows; nRow++) {
-            if (static_cast<i32>(SendMessageW(hList, bCombo ? CB_GETITEMDATA : LB_GETITEMDATA,
-                                              static_cast<WPARAM>(nRow), 0)) == lValue) {
-                return PickRow(hPage, Id(name), static_cast<int>(nRow));
-            }
+        LRESULT nRow = SendMessageW(hList, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
+        while (--nRow >= 0 && static_cast<i32>(SendMessageW(hList, bCombo ? CB_GETITEMDATA : LB_GETITEMDATA,
+                                                            static_cast<WPARAM>(nRow), 0)) != lValue) {
         }
-        return false;
+        return nRow;
     }
 
     bool ShowSlot(int nSlot)
@@ -230,6 +374,9 @@ class SheetScript : public SheetTest {
     /* The window of the page that a control's name begins with; a page that is not there yet is shown for it. */
     HWND PageOf(const std::string& name)
     {
+        if (hModal) {
+            return hModal;
+        }
         static const std::map<std::string, int> slots = {{"LAYOUT", SLOT_LAYOUT},
                                                          {"PAPER", SLOT_PAPER},
                                                          {"QUALITY", SLOT_QUALITY},
@@ -252,7 +399,9 @@ class SheetScript : public SheetTest {
         return ControlNumber(name);
     }
 
-    std::string opened; /* sample */
+    std::string opened;            /* sample */
+    std::vector<Picture> pictures; /* that were looked at */
+    HWND hModal = nullptr;         /* the dialog that is up */
     size_t nMessages = 0;
     int nDialogs = 0;
 };

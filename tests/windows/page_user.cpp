@@ -19,12 +19,15 @@ HWND Place(HWND hSheet)
     return hTop != hSheet ? hTop : reinterpret_cast<HWND>(SendMessageW(hSheet, PSM_GETCURRENTPAGEHWND, 0, 0));
 }
 
+/* Until another window can be used: between two dialogs there is a moment when none can. */
 bool Wait(HWND hSheet, HWND hBefore)
 {
-    for (int n = 0; n < PATIENCE_STEPS && UppermostWindow(hSheet) == hBefore; n++) {
+    HWND hNow = UppermostWindow(hSheet);
+    for (int n = 0; n < PATIENCE_STEPS && (hNow == hBefore || !IsWindowEnabled(hNow)); n++) {
         Sleep(STEP_MILLISECONDS);
+        hNow = UppermostWindow(hSheet);
     }
-    return UppermostWindow(hSheet) != hBefore;
+    return hNow != hBefore && IsWindowEnabled(hNow);
 }
 
 void Tell(HWND hPlace, HWND hControl, WORD wCode)
@@ -60,7 +63,8 @@ std::string DoStep(HWND hSheet, const std::string& step)
     if (verb == "page") {
         return ShowTab(hSheet, std::stoi(name)) ? "" : "no such tab";
     }
-    const HWND hPlace = Place(hSheet), hControl = GetDlgItem(hPlace, ControlNumber(name));
+    const HWND hPlace = Place(hSheet);
+    const HWND hControl = GetDlgItem(hPlace, name == "IDCANCEL" ? IDCANCEL : ControlNumber(name));
     if (!hControl || !IsWindowVisible(hControl) || !IsWindowEnabled(hControl)) {
         return "the control cannot be reached";
     }

@@ -7,7 +7,7 @@
      type NAME TEXT    an edit control's text
      spin NAME N       a movement of a spin button or scroll bar by its code
      open NAME         a button that opens a dialog; what follows is done there
-     end NAME          a button that ends a dialog; what follows is done below it */
+     end NAME          a button that ends a dialog; what follows is done below it; "end IDCANCEL" for the system's own */
 #ifndef TQUI_TESTS_WINDOWS_PAGE_USER_H
 #define TQUI_TESTS_WINDOWS_PAGE_USER_H
 
