@@ -7,6 +7,7 @@
 
 #include "hosted/machine.h"
 #include "platform/calls.h"
+#include "platform/common_dialogs.h"
 #include "platform/drawing.h"
 #include "platform/files.h"
 #include "platform/gdi.h"

@@ -1,5 +1,6 @@
 /* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. WINSPOOL.DRV
-   is always there, with its routine 204, and so is version.dll, with the calls of platform/version.h. */
+   is always there, with its routine 204, and so are version.dll and comdlg32.dll, with the calls of platform/version.h
+   and platform/common_dialogs.h. */
 #include <map>
 
 #include "hosted/standin.h"
@@ -11,7 +12,8 @@ void (*fnSpoolerCallback)() = nullptr;
 std::map<WideText, std::map<std::string, void*>> systemLibraries; /* by name in one form */
 std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
-const WideText wcSpooler = u"winspool.drv", wcVersion = u"version.dll"; /* in that form */
+const WideText wcSpooler = u"winspool.drv", wcVersion = u"version.dll",
+               wcDialogs = u"comdlg32.dll"; /* in that form */
 
 BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
 {
@@ -31,11 +33,19 @@ FARPROC FixedRoutine(const WideText& wcLibrary, LPCSTR cName, bool bNumber)
     if (wcLibrary == wcSpooler && bNumber && reinterpret_cast<std::uintptr_t>(cName) == ANNOUNCE) {
         return AnyRoutine(&TakeAnnouncement);
     }
+    if (bNumber) {
+        return nullptr;
+    }
 #define FIND_CALL(result, name, params, failed) \
-    if (wcLibrary == wcVersion && !bNumber && std::string_view(cName) == #name) { \
+    if (std::string_view(cName) == #name) { \
         return AnyRoutine(&name); \
     }
-    VERSION_CALLS(FIND_CALL)
+    if (wcLibrary == wcVersion) {
+        VERSION_CALLS(FIND_CALL)
+    }
+    if (wcLibrary == wcDialogs) {
+        COMMON_DIALOG_CALLS(FIND_CALL)
+    }
 #undef FIND_CALL
     return nullptr;
 }
@@ -72,7 +82,7 @@ HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
     if (const WideText wcFolder = LowerText(tcSystemFolder) + u"\\"; wcForm.starts_with(wcFolder)) {
         wcForm.erase(0, wcFolder.size());
     }
-    if (wcForm != wcSpooler && wcForm != wcVersion && !systemLibraries.count(wcForm)) {
+    if (wcForm != wcSpooler && wcForm != wcVersion && wcForm != wcDialogs && !systemLibraries.count(wcForm)) {
         SetHostedError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "hosted/machine.h"
+#include "platform/common_dialogs.h"
 #include "platform/window.h"
 
 /* ---- what the system offers besides, for tests alone ---- */
@@ -56,6 +57,24 @@ struct BroadcastMessage {
 const std::vector<BroadcastMessage>& Broadcasts();
 HWND ForegroundWindow(); /* what SetForegroundWindow brought there last */
 
+/* ---- the system's dialogs for a file and for a colour: each is answered as soon as it is asked ---- */
+struct AskedFile {
+    HWND hOwner;
+    WideText wcFilter; /* with the NULs between its parts, without those behind the last */
+    WideText wcFile, wcFolder, wcExtension;
+    DWORD nRoom, dwFlags; /* characters of room for the path */
+};
+const std::vector<AskedFile>& AskedFiles();
+void AnswerFileDialog(std::u16string_view tcPath); /* from now on; empty: Cancel, as on a new machine */
+struct AskedColor {
+    HWND hOwner;
+    COLORREF color; /* that the dialog starts with */
+    std::vector<COLORREF> custom;
+    DWORD dwFlags;
+};
+const std::vector<AskedColor>& AskedColors();
+void AnswerColorDialog(COLORREF color); /* from now on; CLR_INVALID: Cancel, as on a new machine */
+
 /* ---- mouse and keyboard ---- */
 bool ClickControl(HWND hDialog, int nId); /* buttons act; statics tell when they notify */
 bool PickRow(HWND hDialog, int nId,
@@ -66,6 +85,8 @@ bool DoubleClickRow(HWND hDialog, int nId, int nRow);
 bool SpinControl(HWND hDialog, int nId, int nCode, int nPos = 0);
 /* Types at the end of the edit control's text, after bReplace in the place of all of it. */
 bool TypeText(HWND hDialog, int nId, std::u16string_view wcText, bool bReplace = true);
+/* Gives an edit control the other direction of reading, as its user does with the keys Ctrl and Shift. */
+bool TurnReading(HWND hDialog, int nId, bool bRightToLeft);
 /* A key to the window with the focus, with what dialogs make of it: tab, return, escape, arrows in a group of
    radio buttons, F1. */
 void SendKey(WPARAM uKey, bool bShift = false);
@@ -76,7 +97,7 @@ void PressMouse(HWND hWnd, int x, int y);
 void ReleaseMouse(HWND hWnd, int x, int y);
 /* The right button, once or twice; each release asks for the context menu. */
 void RightClick(HWND hWnd, int x, int y, bool bTwice = false);
-void CloseWindowByUser(HWND hDialog);         /* the cross in its caption */
+void CloseWindowByUser(HWND hDialog); /* the cross in its caption */
 
 /* ---- what is to be painted ---- */
 bool GetInvalidRect(HWND hWnd, RECT* pRect); /* client area; false: nothing */

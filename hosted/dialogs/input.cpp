@@ -254,6 +254,19 @@ bool TypeText(HWND hDialog, int nId, std::u16string_view wcText, bool bReplace)
     return true;
 }
 
+bool TurnReading(HWND hDialog, int nId, bool bRightToLeft)
+{
+    const KeepRecords keep;
+    Window* pWindow = Reach(hDialog, nId);
+    if (!pWindow || pWindow->kind != KIND_EDIT) {
+        return false;
+    }
+    FocusByMouse(pWindow);
+    pWindow->dwExStyle = (pWindow->dwExStyle & ~WS_EX_RTLREADING) | (bRightToLeft ? WS_EX_RTLREADING : 0);
+    NotifyParent(pWindow->hWnd, bRightToLeft ? EN_ALIGN_RTL_EC : EN_ALIGN_LTR_EC);
+    return true;
+}
+
 void SendKey(WPARAM uKey, bool bShift)
 {
     const KeepRecords keep;

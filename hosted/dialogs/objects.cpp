@@ -136,4 +136,5 @@ void ResetObjects()
     shown().hCursor = static_cast<HCURSOR>(SystemPicture(IDC_ARROW));
     ResetDialogs();
     ResetInput();
+    ResetCommonDialogs();
 }

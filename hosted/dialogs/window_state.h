@@ -148,8 +148,9 @@ LRESULT CALLBACK DialogWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARA
 
 void ResetDialogs();
 
-/* ---- objects.cpp, input.cpp ---- */
+/* ---- objects.cpp, input.cpp, common_dialogs.cpp ---- */
 void ResetObjects();
 void ResetInput();
+void ResetCommonDialogs();
 
 #endif

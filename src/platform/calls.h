@@ -92,6 +92,11 @@
     X(BOOL, GetFileVersionInfoW, (LPCWSTR, DWORD, DWORD, LPVOID), 0) \
     X(BOOL, VerQueryValueW, (LPCVOID, LPCWSTR, LPVOID*, PUINT), 0)
 
+/* Routines of comdlg32.dll, which are found in the same way. */
+#define COMMON_DIALOG_CALLS(X) \
+    X(BOOL, ChooseColorW, (LPCHOOSECOLORW), 0) \
+    X(BOOL, GetOpenFileNameW, (LPOPENFILENAMEW), 0)
+
 #define WINDOW_CALLS(X) \
     X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
     X(LRESULT, CallWindowProcW, (WNDPROC, HWND, UINT, WPARAM, LPARAM), 0) \
@@ -198,6 +203,7 @@
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
     VERSION_CALLS(X) \
+    COMMON_DIALOG_CALLS(X) \
     WINDOW_CALLS(X) \
     GDI_CALLS(X) \
     DRAWING_CALLS(X) \

@@ -2,6 +2,7 @@
 #include <type_traits>
 
 #include "platform/calls.h"
+#include "platform/common_dialogs.h"
 #include "platform/drawing.h"
 #include "platform/files.h"
 #include "platform/gdi.h"
