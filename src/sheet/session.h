@@ -46,6 +46,7 @@ struct UiSession {
     u32 bReadOnly;                   /* the user may not write printer data */
     LanguageChoice rLanguage;        /* language ids, help file, decimal separator of at most 3 characters */
     OwnedModule hLanguageDll;        /* null: dialogs and texts are not to be had */
+    OwnedModule hCommonDialogs;      /* comdlg32.dll, from the first of its dialogs to the end of the sheet */
     DriverDevmode* pRecord;          /* in edit; the caller's */
     OwnedBlock<DriverDevmode> pOwnRecord; /* a device sheet's working copy, which pRecord then is */
     DeviceInfo rDeviceInfo;
