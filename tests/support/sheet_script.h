@@ -15,9 +15,20 @@
      server, options N the printer is on a server, has these options; the pages are filled again
      reload            fills the pages again
      apply, ok, cancel of the sheet
+     open NAME         a button that opens a dialog, in which the steps are done from here to the one that ends it
+     end NAME          a button that ends a dialog; "end enter" and "end escape" by key, "end cross" by its caption
+     text NAME TEXT    another program gives a control a text
+     choose NAME TEXT  the row of a list with that text
+     row NAME N        the row of a list by its number
+     right NAME        a double click of the right button where that control lies
+     file PATH, file   what the system's file dialog answers from now on; without a path: Cancel
+     see EXPECTATIONS  holds them at this step, within a dialog
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
+     NAME#N            number of the row that is selected
+     NAME:TEXT         text of a control; NAME[N]:TEXT of a row of a list; blanks and tabs as "_"
+     title:TEXT        of the dialog
      NAME- NAME~ NAME+ hidden; shown and disabled; shown and enabled
      field=value       of the record
      dirty0=1          page with edits, by slot
@@ -48,21 +59,8 @@ class SheetScript : public SheetTest {
             if (!row[1].empty()) {
                 Begin(row[1], row[2]);
             }
-            for (const std::string& step : SplitTrimmed(row[3], ',')) {
-                if (!step.empty()) {
-                    Do(step);
-                }
-            }
-            std::istringstream expected(row[4]);
-            std::string wanted, seen;
-            for (std::string token; expected >> token;) {
-                const std::string found = Seen(token);
-                if (!SaysTheSame(found, token)) {
-                    wanted += token + " ";
-                    seen += found + " ";
-                }
-            }
-            EXPECT_EQ(seen, wanted);
+            DoAll(SplitTrimmed(row[3], ','));
+            Expect(row[4]);
             if (HasFatalFailure()) {
                 return;
             }
@@ -92,6 +90,50 @@ class SheetScript : public SheetTest {
         nDialogs = DialogsOpened();
     }
 
+    /* A dialog is up while the step that opens it is done, so the steps within it are told beforehand. */
+    void DoAll(const std::vector<std::string>& steps)
+    {
+        for (size_t i = 0; i < steps.size(); i++) {
+            const size_t nOpener = i;
+            for (int nDeep = Deeper(steps[i]); nDeep > 0 && i + 1 < steps.size(); nDeep += Deeper(steps[i])) {
+                QueueStep(steps[++i]);
+            }
+            if (!steps[nOpener].empty()) {
+                Do(steps[nOpener]);
+                EXPECT_EQ(ModalStepsLeft(), 0u) << "no dialog was up for a step behind " << steps[nOpener];
+            }
+        }
+    }
+    /* A step to be done in the dialog that is up then. */
+    void QueueStep(const std::string& step)
+    {
+        QueueModalStep([this, step](HWND hDialog) {
+            const HWND hBefore = std::exchange(hModal, hDialog);
+            Do(step);
+            hModal = hBefore;
+        });
+    }
+    static int Deeper(const std::string& step)
+    {
+        return step.starts_with("open ") || step.starts_with("right ") ? 1
+               : step.starts_with("end ")                              ? -1
+                                                                       : 0;
+    }
+
+    void Expect(const std::string& tokens)
+    {
+        std::istringstream expected(tokens);
+        std::string wanted, seen;
+        for (std::string token; expected >> token;) {
+            const std::string found = Seen(token);
+            if (!SaysTheSame(found, token)) {
+                wanted += token + " ";
+                seen += found + " ";
+            }
+        }
+        EXPECT_EQ(seen, wanted);
+    }
+
     void Do(const std::string& step)
     {
         std::istringstream words(step);
@@ -101,7 +143,7 @@ class SheetScript : public SheetTest {
         if (verb == "page") {
             EXPECT_TRUE(ShowSlot(std::stoi(name))) << step;
         } else if (verb == "pick") {
-            EXPECT_TRUE(Pick(name, std::stoi(text)))
+            EXPECT_TRUE(Pick(name, std::stoi(text, nullptr, 0)))
                 << step << ": no such row, or the list cannot be reached";
         } else if (verb == "click") {
             EXPECT_TRUE(ClickControl(PageOf(name), Id(name))) << step;
@@ -115,6 +157,23 @@ class SheetScript : public SheetTest {
             SendKey(static_cast<WPARAM>(std::stoi(name)));
         } else if (verb == "leave") {
             SetFocus(GetDlgItem(PageOf(name), Id(name)));
+        } else if (verb == "see") {
+            SCOPED_TRACE(step);
+            Expect(name + " " + text);
+        } else if (verb == "open" || verb == "end") {
+            EXPECT_TRUE(OpenOrEnd(name)) << step;
+        } else if (verb == "text") {
+            SetDlgItemTextW(PageOf(name), Id(name), Widen(text).c_str());
+        } else if (verb == "choose") {
+            EXPECT_TRUE(Choose(name, text)) << step;
+        } else if (verb == "row") {
+            EXPECT_TRUE(PickRow(PageOf(name), Id(name), std::stoi(text))) << step;
+        } else if (verb == "right") {
+            RECT place;
+            ASSERT_TRUE(ControlRect(PageOf(name), Id(name), &place)) << step;
+            RightClick(PageOf(name), place.left + 1, place.top + 1, true);
+        } else if (verb == "file") {
+            AnswerFileDialog(Widen(name + (text.empty() ? "" : " " + text)));
         } else if (verb == "set") {
             SetRecordField(Session()->pRecord, name);
         } else if (verb == "server" || verb == "options" || verb == "reload") {
@@ -150,6 +209,19 @@ class SheetScript : public SheetTest {
     /* The expectation as it stands after what was found. */
     std::string Seen(const std::string& token)
     {
+        if (const size_t nColon = token.find(':'); nColon < token.find('=')) {
+            std::string text = TextSeen(token.substr(0, nColon));
+            std::replace_if(
+                text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }, '_');
+            return token.substr(0, nColon + 1) + text;
+        }
+        if (const size_t nHash = token.find('#'); nHash != std::string::npos) {
+            const std::string list = token.substr(0, nHash);
+            const HWND hList = GetDlgItem(PageOf(list), Id(list));
+            const bool bCombo = HostedClassName(hList) == u"ComboBox";
+            return list + "#" +
+                   std::to_string(SendMessageW(hList, bCombo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0));
+        }
         const size_t nEqual = token.find('=');
         const std::string name = token.substr(0, nEqual);
         if (nEqual == std::string::npos) {
@@ -177,6 +249,49 @@ class SheetScript : public SheetTest {
             return name + "=" + Value(PageOf(name), Id(name));
         }
         return name + "=" + FieldOf(record, name).value;
+    }
+
+    std::string TextSeen(const std::string& token)
+    {
+        if (token == "title") {
+            WCHAR wcTitle[TEXT_CHARS] = {};
+            GetWindowTextW(hModal, wcTitle, TEXT_CHARS);
+            return Narrow(wcTitle);
+        }
+        const size_t nBracket = token.find('[');
+        const std::string name = token.substr(0, nBracket);
+        if (nBracket == std::string::npos) {
+            return Narrow(TextOf(PageOf(name), Id(name)));
+        }
+        const HWND hList = GetDlgItem(PageOf(name), Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        WCHAR wcRow[3 * TEXT_CHARS] = {};
+        SendMessageW(hList, bCombo ? CB_GETLBTEXT : LB_GETTEXT,
+                     static_cast<WPARAM>(std::stoi(token.substr(nBracket + 1))),
+                     reinterpret_cast<LPARAM>(wcRow));
+        return Narrow(wcRow);
+    }
+
+    bool OpenOrEnd(const std::string& name)
+    {
+        if (name == "enter" || name == "escape") {
+            SendKey(name == "enter" ? VK_RETURN : VK_ESCAPE);
+        } else if (name == "cross") {
+            CloseWindowByUser(hModal);
+        } else {
+            return ClickControl(PageOf(name), Id(name));
+        }
+        return true;
+    }
+
+    bool Choose(const std::string& name, const std::string& text)
+    {
+        const HWND hList = GetDlgItem(PageOf(name), Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        const LRESULT nRow =
+            SendMessageW(hList, bCombo ? CB_FINDSTRINGEXACT : LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                         reinterpret_cast<LPARAM>(Widen(text).c_str()));
+        return nRow >= 0 && PickRow(PageOf(name), Id(name), static_cast<int>(nRow));
     }
 
     static std::string Value(HWND hPage, int nControl)
@@ -230,6 +345,9 @@ class SheetScript : public SheetTest {
     /* The window of the page that a control's name begins with; a page that is not there yet is shown for it. */
     HWND PageOf(const std::string& name)
     {
+        if (hModal) {
+            return hModal;
+        }
         static const std::map<std::string, int> slots = {{"LAYOUT", SLOT_LAYOUT},
                                                          {"PAPER", SLOT_PAPER},
                                                          {"QUALITY", SLOT_QUALITY},
@@ -252,7 +370,8 @@ class SheetScript : public SheetTest {
         return ControlNumber(name);
     }
 
-    std::string opened; /* sample */
+    std::string opened;    /* sample */
+    HWND hModal = nullptr; /* the dialog that is up */
     size_t nMessages = 0;
     int nDialogs = 0;
 };
