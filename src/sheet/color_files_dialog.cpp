@@ -6,11 +6,11 @@
 #include "sheet/dialog_frame.h"
 #include "sheet/dialog_services.h"
 #include "sheet/file_dialog.h"
+#include "sheet/quality_dialogs.h"
 
 namespace {
 
-constexpr int DIALOG_BELOW = 80, DIALOG_BELOW_READ_ONLY = 60; /* the sheet's upper edge, in pixels */
-constexpr int NAME_CHARS = 200;                               /* room for a path in the file dialog */
+constexpr int NAME_CHARS = 200; /* room for a path in the file dialog */
 
 constexpr ComboTableRow aProfiles[] = {
     {ALL_ROWS, IDS_PROFILE_BUILT_IN, 0, PROFILE_BUILT_IN},
@@ -89,7 +89,7 @@ void InitChoice(HWND hDialog, const UiSession* pSession, const FileChoice& choic
 void InitFiles(HWND hDialog, UiSession* pSession)
 {
     const PrivateDevmode& part = pSession->pRecord->rPrivate;
-    CentreDialog(hDialog, CENTRE_X, pSession->bReadOnly ? DIALOG_BELOW_READ_ONLY : DIALOG_BELOW);
+    PlaceQualityDialog(hDialog, pSession);
     SetTitle(hDialog, pSession, IDS_TITLE_FILES);
     SetLabel(hDialog, pSession, IDC_FILES_OK, IDC_OK);
     FillFormats(hDialog);

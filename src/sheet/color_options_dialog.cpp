@@ -7,13 +7,13 @@
 #include "document/color_choices.h"
 #include "sheet/dialog_frame.h"
 #include "sheet/dialog_services.h"
+#include "sheet/quality_dialogs.h"
 
 namespace {
 
 constexpr u16 NO_NAME = 0xFFFF;   /* usNameId of a value: the library has a text for it */
 constexpr i32 VALUE_LIMIT = 1000; /* values of an option that are listed, whatever a description says */
 constexpr int VALUE_COLUMN = 80;  /* of the list, in its own units */
-constexpr int DIALOG_BELOW = 80, DIALOG_BELOW_READ_ONLY = 60; /* the sheet's upper edge, in pixels */
 
 /* A row's text: two names and the tab between them. */
 constexpr int ROW_CHARS = 2 * TEXT_CHARS;
@@ -124,7 +124,7 @@ void FillOptionSection(HWND hDialog, UiSession* pSession, const OptionSection& s
 
 void InitOptions(HWND hDialog, UiSession* pSession)
 {
-    CentreDialog(hDialog, CENTRE_X, pSession->bReadOnly ? DIALOG_BELOW_READ_ONLY : DIALOG_BELOW);
+    PlaceQualityDialog(hDialog, pSession);
     SetTitle(hDialog, pSession, IsEditable(pSession) ? IDS_TITLE_OPTIONS : IDS_TITLE_FIXED_OPTIONS);
     SetLabel(hDialog, pSession, IDC_OPTIONS_OK, IDC_OK);
     for (const OptionSection& section : aSections) {
@@ -193,7 +193,8 @@ void EditColorOptions(HWND hOwner, UiSession* pSession, i32 nMode)
     PrivateDevmode* pPart = &pSession->pRecord->rPrivate;
     const ColorChoices before = GetColorChoices(*pPart);
     int nTemplate = pSession->pXpi->pGeneralOptions ? IDD_OPTIONS4 : IDD_OPTIONS3;
-    if (RunDialog<colorOptionsDialog>(pSession, hOwner, nTemplate, static_cast<i16>(nMode)) != DIALOG_OK) {
+    INT_PTR nEnd = RunDialog<colorOptionsDialog>(pSession, hOwner, nTemplate, static_cast<i16>(nMode));
+    if (nEnd != DIALOG_OK && SessionOf(hOwner)) { /* the dialog may outlive the page */
         SetColorChoices(pPart, before);
     }
 }

@@ -201,6 +201,12 @@ TEST_F(QualityTest, FailuresLeaveTheChoicesAlone)
     };
     use();
     EXPECT_EQ(record.rPrivate.sProfile, 2);
+    const AskedFile asked = AskedFiles().back();
+    EXPECT_EQ(asked.wcFilter,
+              WideText(u"Zeph Tone Realms and ICC Profiles\0*.tr;*.icm;*.icc\0All files\0*.*", 64));
+    EXPECT_EQ(asked.nRoom, 200u);
+    EXPECT_EQ(asked.dwFlags, OFN_NOCHANGEDIR);
+    EXPECT_EQ(asked.wcFile + asked.wcFolder + asked.wcExtension, u"C:\\*");
     for (CallId call : {CALL_DialogBoxParamW, CALL_GetDlgItemTextW, CALL_HeapAlloc, CALL_GetProcAddress,
                         CALL_GetOpenFileNameW, CALL_EndDialog, CALL_SetWindowLongPtrW, CALL_GetDlgItemInt}) {
         const FaultSweep sweep = SweepFaults(call, FAIL_ONCE, 400, use);
