@@ -57,5 +57,5 @@ int AskFile(HWND hOwner, UiSession* pSession, const FileQuestion& question, WCHA
     asked.Flags = OFN_NOCHANGEDIR;
     int bChosen = fnAsk(&asked) != 0;
     tcPath[bChosen ? PATH_CHARS - 1 : 0] = 0; /* the length of a path that did not fit stands there */
-    return bChosen && tcPath[0];
+    return tcPath[0] != 0;
 }

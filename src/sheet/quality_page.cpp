@@ -75,8 +75,8 @@ Selection ReadMode(HWND hPage, const UiSession* pSession)
 {
     Selection mode = ReadRow(hPage, IDC_QUALITY_CORRECTION);
     Selection kind = ReadCombo(hPage, IDC_QUALITY_CORRECTION);
-    mode.bChosen = mode.bChosen && kind.bChosen &&
-                   ColorModeKind(pSession->pXpi.get(), mode.lValue) == static_cast<u32>(kind.lValue);
+    mode.bChosen =
+        mode.bChosen && ColorModeKind(pSession->pXpi.get(), mode.lValue) == static_cast<u32>(kind.lValue);
     return mode;
 }
 
@@ -250,7 +250,8 @@ void PreviewQuality(HWND hPage, const UiSession* pSession, PreviewChoice* pShown
     }
 }
 
-/* 1 while the user is about to type a number: nothing yet, or a sign. */
+/* 1 while the user is about to type a number: nothing yet, or a sign. An edit control that tells that the focus leaves it
+   has it no more. */
 int IsNumberBegun(HWND hPage, int nControl)
 {
     WCHAR wcText[TONE_DIGITS + 1] = {};
@@ -259,16 +260,16 @@ int IsNumberBegun(HWND hPage, int nControl)
            (!wcText[0] || ((wcText[0] == '-' || wcText[0] == '+') && !wcText[1]));
 }
 
-/* Brings the number within its limits; what is no number gives way to the record's value. bLeft: the focus goes, and
-   nothing may stay begun. What is written here is not looked at again. */
-void SettleTone(HWND hPage, UiSession* pSession, int nControl, int bLeft)
+/* Brings the number within its limits; what is no number gives way to the record's value, unless it is begun. What is
+   written here is not looked at again. */
+void SettleTone(HWND hPage, UiSession* pSession, int nControl)
 {
     int bNumber;
     u32 bFilling = std::exchange(pSession->bFilling, 1u);
     ReadNumber(hPage, nControl, &bNumber);
     if (bNumber) {
         ClampNumber(hPage, nControl);
-    } else if (bLeft || !IsNumberBegun(hPage, nControl)) {
+    } else if (!IsNumberBegun(hPage, nControl)) {
         ShowRecordTone(hPage, pSession, nControl);
     }
     pSession->bFilling = bFilling;
@@ -329,7 +330,7 @@ void QualityCommand(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM)
     int nControl = LOWORD(wParam), nCode = HIWORD(wParam);
     int bTone = nControl == IDC_QUALITY_CONTRAST || nControl == IDC_QUALITY_BRIGHTNESS;
     if (bTone && (nCode == EN_CHANGE || nCode == EN_KILLFOCUS)) {
-        SettleTone(hPage, pSession, nControl, nCode == EN_KILLFOCUS);
+        SettleTone(hPage, pSession, nControl);
     } else if (nCode == CBN_SELCHANGE && nControl == IDC_QUALITY_CORRECTION) {
         ShowColorGroup(hPage, pSession);
     } else if (nCode == CBN_SELCHANGE && nControl == IDC_QUALITY_RESOLUTION) {

@@ -160,6 +160,19 @@ TEST_F(QualityTest, TheJobFollowsThePage)
               "hts=FALSE;errDiff=TRUE;contrast=-20;");
 }
 
+TEST_F(QualityTest, PathsAreTakenWholeOrNotAtAll)
+{
+    Begin("K100", "sProfile=0");
+    const std::string text(PATH_CHARS, 'x');
+    DoAll({"page 6", "open QUALITY_COLOR_FILES", "pick FILES_PROFILE 2", "text FILES_PROFILE_NAME C:\\a.icm",
+           "file C:\\" + text, "click FILES_PROFILE_BROWSE", "see FILES_PROFILE_NAME:C:\\a.icm",
+           "end FILES_OK"});
+    EXPECT_EQ(WideText(Session()->wcProfileFile), u"C:\\a.icm");
+    DoAll({"open QUALITY_COLOR_FILES", "text FILES_PROFILE_NAME " + text, "end FILES_OK"});
+    EXPECT_EQ(WideText(Session()->wcProfileFile), u"");
+    Expect("sProfile=2 dirty6=1");
+}
+
 /* Every k-th failure of the calls that page and dialogs stand on: nothing is held, and a cancelled dialog leaves all
    choices as they were. Steps for a dialog that did not come up are not done later. */
 TEST_F(QualityTest, FailuresLeaveTheChoicesAlone)

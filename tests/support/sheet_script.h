@@ -18,6 +18,7 @@
      open NAME         a button that opens a dialog, in which the steps are done from here to the one that ends it
      end NAME          a button that ends a dialog; "end enter" and "end escape" by key, "end cross" by its caption
      text NAME TEXT    another program gives a control a text
+     tell NAME N       another program sends the control's notification of that code
      choose NAME TEXT  the row of a list with that text
      row NAME N        the row of a list by its number
      right NAME        a double click of the right button where that control lies
@@ -164,6 +165,9 @@ class SheetScript : public SheetTest {
             EXPECT_TRUE(OpenOrEnd(name)) << step;
         } else if (verb == "text") {
             SetDlgItemTextW(PageOf(name), Id(name), Widen(text).c_str());
+        } else if (verb == "tell") {
+            SendMessageW(PageOf(name), WM_COMMAND, MAKEWPARAM(Id(name), std::stoi(text)),
+                         reinterpret_cast<LPARAM>(GetDlgItem(PageOf(name), Id(name))));
         } else if (verb == "choose") {
             EXPECT_TRUE(Choose(name, text)) << step;
         } else if (verb == "row") {
