@@ -96,8 +96,16 @@ struct FeatureValueRow {
     u16 usCmdId;
 };
 
+/* ulKind of a colour mode: what decides about the colours. */
+enum : u32 {
+    MODE_PRINTER = 1, /* the printer's default */
+    MODE_SYSTEM = 2,  /* the system's colour management */
+    MODE_OWN = 4,     /* options that the user edits */
+    MODE_FIXED = 8    /* options that the mode presets */
+};
+
 struct ColorModeRow {
-    u32 ulKind; /* 1, 2, 4 or 8; 0 ends */
+    u32 ulKind; /* 0 ends */
     i16 sNameId;
     i16 sFirstPreset; /* negative: none */
 };

@@ -17,11 +17,9 @@ namespace {
 
 /* Bits of dmFields that not every printer has. */
 
-constexpr u32 STD_DISPLAY = 0x04;      /* of the model's ulStdOptions: the job head says DISPLAY */
-constexpr u32 FEATURE_BARE_JOB = 0x40; /* of its ulLanguageFeatures: PostScript without a wrapper */
-constexpr u32 METHOD_NONE = 1, METHOD_SYSTEM = 2; /* dmICMMethod */
-constexpr u32 MODE_SYSTEM = 2;                    /* ulKind of a colour mode */
-constexpr u16 TRANSPARENCY_SECOND = 50;           /* per cent, what a second image printer starts with */
+constexpr u32 STD_DISPLAY = 0x04;       /* of the model's ulStdOptions: the job head says DISPLAY */
+constexpr u32 FEATURE_BARE_JOB = 0x40;  /* of its ulLanguageFeatures: PostScript without a wrapper */
+constexpr u16 TRANSPARENCY_SECOND = 50; /* per cent, what a second image printer starts with */
 constexpr i32 FEATURE_SLOTS = 32;
 constexpr int NAME_CHARS = 32; /* of dmDeviceName and of the two fonts, the NUL included */
 constexpr int FONT_NAME_BYTES =

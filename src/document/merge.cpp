@@ -9,6 +9,7 @@
 #include "base/format.h"
 #include "description/installed_set.h"
 #include "description/paper.h"
+#include "document/color_choices.h"
 #include "document/defaults.h"
 #include "document/spool_folder.h"
 #include "settings/caller_record.h"
@@ -22,7 +23,6 @@ constexpr u32 MODE_UPDATE = 1, MODE_COPY = 2, MODE_MODIFY = 8; /* fMode */
 
 constexpr u32 FIELDS_FOREIGN = 0x830F; /* orientation, paper and its two sides, copies, source, collation */
 
-constexpr u32 METHOD_NONE = 1;
 constexpr u32 FEATURE_OVERLAYS = 0x01; /* ulLanguageFeatures of an image model */
 
 /* From a text field of the record into a buffer with room for it and a NUL. */
@@ -124,16 +124,6 @@ void FitWatermark(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRec
     }
 }
 
-/* The six offset and length pairs, and the count of the commands, whose rows stay. */
-void ClearColorCommands(PrivateDevmode& part)
-{
-    constexpr size_t FIRST = offsetof(PrivateDevmode, sTextHdrOffset);
-    constexpr size_t END = offsetof(PrivateDevmode, sGraphicsLength) + sizeof part.sGraphicsLength;
-    static_assert(END - FIRST == 6 * 2 * sizeof(i16));
-    std::memset(reinterpret_cast<u8*>(&part) + FIRST, 0, END - FIRST);
-    part.sGenColorCmdCount = 0;
-}
-
 void FitColor(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
 {
     PrivateDevmode& part = pRecord->rPrivate;
@@ -142,7 +132,7 @@ void FitColor(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
         pRecord->dmColor = 0;
         pRecord->dmICMMethod = 0;
         pRecord->dmICMIntent = 0;
-        ClearColorCommands(part);
+        ClearColorCommands(&part);
         return;
     }
     pRecord->dmFields |= FIELDS_COLOR | FIELDS_MEDIATYPE;
@@ -154,7 +144,7 @@ void FitColor(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord)
     }
     if (pRecord->dmColor == COLOR_MONOCHROME) {
         pRecord->dmICMMethod = METHOD_NONE;
-        ClearColorCommands(part);
+        ClearColorCommands(&part);
     }
     if (!pRecord->dmMediaType) {
         pRecord->dmFields &= ~FIELDS_MEDIATYPE;
@@ -173,22 +163,6 @@ i32 FindResolution(const XpiModel* pModel, u16 usDpiX, u16 usDpiY)
             return i;
         }
     }
-}
-
-/* The pixel fields of the record but sPageBorderWidth, which follows the resolution on its page alone. */
-void RescalePixels(PrivateDevmode& part, i32 lNew, u32 ulOld)
-{
-    const auto pixels = [=](i32 lOld) { return static_cast<i64>(lOld) * lNew / static_cast<i64>(ulOld); };
-    part.ptlWMPosition.x = LowLong(pixels(part.ptlWMPosition.x));
-    part.ptlWMPosition.y = LowLong(pixels(part.ptlWMPosition.y));
-    part.lBindLong = LowLong(pixels(part.lBindLong));
-    part.lBindShort = LowLong(pixels(part.lBindShort));
-    part.sMarginLeft = LowWord(pixels(part.sMarginLeft));
-    part.sMarginTop = LowWord(pixels(part.sMarginTop));
-    part.sMarginRight = LowWord(pixels(part.sMarginRight));
-    part.sMarginBottom = LowWord(pixels(part.sMarginBottom));
-    part.usCenterMargin = static_cast<u16>(LowWord(pixels(part.usCenterMargin)));
-    part.usOuterMargin = static_cast<u16>(LowWord(pixels(part.usOuterMargin)));
 }
 
 void FitResolution(const XpiModel* pModel, DriverDevmode* pRecord)
@@ -210,7 +184,7 @@ void FitResolution(const XpiModel* pModel, DriverDevmode* pRecord)
     pRecord->dmPrintQuality = pRow->usDpiX;
     pRecord->dmYResolution = pRow->usDpiY;
     if (ulDpi != part.ulResolution && part.ulResolution) {
-        RescalePixels(part, pRow->sDpi, part.ulResolution);
+        RescalePixels(&part, pRow->sDpi, part.ulResolution);
     }
     part.sResolution = static_cast<i16>(nRow);
     part.ulResolution = ulDpi;
@@ -336,6 +310,21 @@ void StorePaperSize(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pR
     GetPaperSize(call, pModel, pRecord->dmPaperSize, &sWidth, &sLength);
     pRecord->dmPaperWidth = sWidth;
     pRecord->dmPaperLength = sLength;
+}
+
+void RescalePixels(PrivateDevmode* pPart, i32 lNew, u32 ulOld)
+{
+    const auto pixels = [=](i32 lOld) { return static_cast<i64>(lOld) * lNew / static_cast<i64>(ulOld); };
+    pPart->ptlWMPosition.x = LowLong(pixels(pPart->ptlWMPosition.x));
+    pPart->ptlWMPosition.y = LowLong(pixels(pPart->ptlWMPosition.y));
+    pPart->lBindLong = LowLong(pixels(pPart->lBindLong));
+    pPart->lBindShort = LowLong(pixels(pPart->lBindShort));
+    pPart->sMarginLeft = LowWord(pixels(pPart->sMarginLeft));
+    pPart->sMarginTop = LowWord(pixels(pPart->sMarginTop));
+    pPart->sMarginRight = LowWord(pixels(pPart->sMarginRight));
+    pPart->sMarginBottom = LowWord(pixels(pPart->sMarginBottom));
+    pPart->usCenterMargin = static_cast<u16>(LowWord(pixels(pPart->usCenterMargin)));
+    pPart->usOuterMargin = static_cast<u16>(LowWord(pixels(pPart->usOuterMargin)));
 }
 
 void MergeDocumentSettings(PrinterCall& call, const DOCUMENTPROPERTYHEADER& header)

@@ -19,4 +19,8 @@ void MergeDocumentSettings(PrinterCall& call, const DOCUMENTPROPERTYHEADER& head
 /* Sizes from the paper's code, as GetPaperSize tells them. */
 void StorePaperSize(PrinterCall& call, const XpiModel* pModel, DriverDevmode* pRecord);
 
+/* Brings the pixel fields of a record from one resolution to another, rounded toward zero, but for the width of page
+   borders, which follows the resolution on its page alone. ulOld is not 0. */
+void RescalePixels(PrivateDevmode* pPart, i32 lNew, u32 ulOld);
+
 #endif

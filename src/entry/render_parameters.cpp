@@ -6,6 +6,7 @@
 
 #include "base/format.h"
 #include "base/narrow.h"
+#include "description/color_formats.h"
 #include "description/installed_set.h"
 #include "description/printer_store.h"
 #include "entry/pjl_commands.h"
@@ -14,27 +15,11 @@
 namespace {
 
 constexpr u8 FLAG_TEXT_FORM = 0x08; /* of bModelFlags */
-constexpr u32 METHOD_SYSTEM = 2;    /* dmICMMethod */
-constexpr u16 PROFILE_OFF = 1, PROFILE_NAMED = 2;
-constexpr u16 SCREEN_NAMED = 1;
-constexpr i32 ERROR_DIFFUSION = 2; /* number in a screen's command */
-constexpr i32 OPTION_ROWS = 4;     /* choices that a record has for one list */
+constexpr i32 ERROR_DIFFUSION = 2;  /* number in a screen's command */
+constexpr i32 OPTION_ROWS = 4;      /* choices that a record has for one list */
 constexpr int WORD_BYTES = SHORT_COMMAND_BYTES;
 constexpr int XPI_NAME_CHARS = 160;
 constexpr size_t ENTRY_MARGIN = 6; /* counted beside key and value: =, NUL and an index of 4 digits */
-
-struct ColorFormat {
-    u32 ulCode;
-    const char* cName;
-};
-constexpr ColorFormat aColorFormats[] = {
-    {0x00000, "OCM_COLOR_NONE"},  {0x00001, "OCM_COLOR_BGR24"},  {0x00002, "OCM_COLOR_RGB24"},
-    {0x00004, "OCM_COLOR_BGR32"}, {0x00008, "OCM_COLOR_RGB32"},  {0x00010, "OCM_COLOR_GRAY8"},
-    {0x00020, "OCM_COLOR_GRAY4"}, {0x00040, "OCM_COLOR_GRAY2"},  {0x00080, "OCM_COLOR_GRAY1"},
-    {0x00100, "OCM_COLOR_CMY24"}, {0x00200, "OCM_COLOR_CMY3"},   {0x01000, "OCM_COLOR_CMYK32"},
-    {0x02000, "OCM_COLOR_CMYK6"}, {0x04000, "OCM_COLOR_CMYK4"},  {0x08000, "OCM_COLOR_CMYK7"},
-    {0x10000, "OCM_COLOR_CMYK8"}, {0x20000, "OCM_COLOR_CMYK16"},
-};
 
 const char* ColorFormatName(u32 ulCode)
 {

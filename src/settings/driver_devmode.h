@@ -51,6 +51,10 @@ enum : u16 {
 
 constexpr u16 COLOR_MONOCHROME = 1, COLOR_FULL = 2; /* dmColor */
 constexpr u32 MODE_ALWAYS_COLOR = 42;               /* ulColorMode: in colour whatever dmColor says */
+constexpr u32 METHOD_NONE = 1, METHOD_SYSTEM = 2;   /* dmICMMethod */
+
+/* sProfile and sScreen: the driver's own, none, and a file that the user has named. */
+constexpr u16 PROFILE_BUILT_IN = 0, PROFILE_OFF = 1, PROFILE_NAMED = 2, SCREEN_BUILT_IN = 0, SCREEN_NAMED = 1;
 
 /* dmFields, by the system's bits; matching: method, intent and media type */
 constexpr u32 FIELDS_ORIENTATION = 0x0001, FIELDS_PAPERSIZE = 0x0002, FIELDS_COPIES = 0x0100,

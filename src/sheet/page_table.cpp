@@ -9,37 +9,11 @@
 #include "sheet/layout_page.h"
 #include "sheet/paper_page.h"
 #include "sheet/preview_panel.h"
+#include "sheet/quality_page.h"
 #include "sheet/watermarks_page.h"
 
 namespace {
 
-void PreviewQuality(HWND hPage, const UiSession* pSession, PreviewChoice* pChoice)
-{
-    int bColor = IsChecked(hPage, IDC_QUALITY_COLOR);
-    if (bColor || IsChecked(hPage, IDC_QUALITY_MONOCHROME)) {
-        pChoice->bColor = IsPreviewColor(*pSession->pRecord, bColor);
-    }
-    const XpiModel* pModel = pSession->pXpi.get();
-    if (pModel->usLanguage == KIND_IMAGE) {
-        LRESULT nRow = SendDlgItemMessageW(hPage, IDC_QUALITY_RESOLUTION, CB_GETCURSEL, 0, 0);
-        u16 usResolution = GetDlgItem(hPage, IDC_QUALITY_RESOLUTION)
-                               ? ResolutionOfRow(pModel, static_cast<i32>(nRow))
-                               : u16{0};
-        pChoice->usResolution = usResolution ? usResolution : pChoice->usResolution;
-    }
-}
-
-/* Two labels of the page say the same. */
-void InitQuality(HWND hPage, UiSession* pSession)
-{
-    SetLabel(hPage, pSession, IDC_QUALITY_CORRECTION_LABEL_ALONE, IDC_QUALITY_CORRECTION_LABEL);
-}
-
-constexpr PageRoutines qualityPage = {.slot = SLOT_QUALITY,
-                                      .nHelpKey = 400,
-                                      .pfnInit = InitQuality,
-                                      .pfnPaint = PaintPreviewPage,
-                                      .pfnPreview = PreviewQuality};
 constexpr PageRoutines fontsPage = {.slot = SLOT_FONTS, .nHelpKey = 600, .pfnPaint = PaintPreviewPage};
 constexpr PageRoutines aboutPage = {.slot = SLOT_ABOUT, .nHelpKey = 0, .pfnInit = FillAbout};
 
@@ -49,7 +23,7 @@ constexpr PageRoutines aboutPage = {.slot = SLOT_ABOUT, .nHelpKey = 0, .pfnInit 
 const PageTableRow aPageTable[] = {
     {SLOT_LAYOUT, IDS_TITLE_LAYOUT, IDD_LAYOUT, 0, PageProc<layoutPage>, LayoutCommand},
     {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, 0, PageProc<paperPage>, PaperCommand},
-    {SLOT_QUALITY, IDS_TITLE_QUALITY, IDD_QUALITY, 0, PageProc<qualityPage>, PreviewCommand},
+    {SLOT_QUALITY, IDS_TITLE_QUALITY, IDD_QUALITY, 0, PageProc<qualityPage>, QualityCommand},
     {SLOT_WATERMARKS, IDS_TITLE_WATERMARKS, IDD_WATERMARKS, 0, PageProc<watermarksPage>, WatermarksCommand},
     {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, IDD_DEVICE_FONTS, PageProc<fontsPage>, PreviewCommand},
     {0, 0, 0, 0, nullptr, nullptr},

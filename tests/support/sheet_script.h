@@ -24,11 +24,17 @@
      file PATH, color N, file, color   what the system's dialogs answer from now on; without: Cancel
      marks ROWS, stored ROWS  the user's watermarks, also in the sheet or in the file alone; see mark_lists.h
      look              keeps the picture of the dialog
+     text NAME TEXT    another program gives a control a text
+     tell NAME N       another program sends the control's notification of that code
+     row NAME N        the row of a list by its number
+     right NAME        a double click of the right button where that control lies
      see EXPECTATIONS  holds them at this step, within a dialog
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
-     NAME:TEXT         text of a control, of the row that is selected, or of a record's field; blanks as "_"
+     NAME#N            number of the row that is selected
+     NAME:TEXT         text of a control, of the row that is selected, or of a record's field; NAME[N]:TEXT of a row of a
+                       list; blanks and tabs as "_"
      title:TEXT        of the dialog
      WMKey0:TEXT       of the stored watermarks; "-" when there is no such key
      built:A,B         built files of watermarks in the user's folder, in alphabetical order
@@ -121,7 +127,9 @@ class SheetScript : public SheetTest {
     }
     static int Deeper(const std::string& step)
     {
-        return step.starts_with("open ") ? 1 : step.starts_with("end ") ? -1 : 0;
+        return step.starts_with("open ") || step.starts_with("right ") ? 1
+               : step.starts_with("end ")                              ? -1
+                                                                       : 0;
     }
 
     void Expect(const std::string& tokens)
@@ -147,7 +155,7 @@ class SheetScript : public SheetTest {
         if (verb == "page") {
             EXPECT_TRUE(ShowSlot(std::stoi(name))) << step;
         } else if (verb == "pick") {
-            EXPECT_TRUE(Pick(name, std::stoi(text)))
+            EXPECT_TRUE(Pick(name, std::stoi(text, nullptr, 0)))
                 << step << ": no such row, or the list cannot be reached";
         } else if (verb == "click") {
             EXPECT_TRUE(ClickControl(PageOf(name), Id(name))) << step;
@@ -192,6 +200,17 @@ class SheetScript : public SheetTest {
             StoreMarks(Session(), name + " " + text);
             TakeStoredMarks(Session());
             ReloadAll();
+        } else if (verb == "text") {
+            SetDlgItemTextW(PageOf(name), Id(name), Widen(text).c_str());
+        } else if (verb == "tell") {
+            SendMessageW(PageOf(name), WM_COMMAND, MAKEWPARAM(Id(name), std::stoi(text)),
+                         reinterpret_cast<LPARAM>(GetDlgItem(PageOf(name), Id(name))));
+        } else if (verb == "row") {
+            EXPECT_TRUE(PickRow(PageOf(name), Id(name), std::stoi(text))) << step;
+        } else if (verb == "right") {
+            RECT place;
+            ASSERT_TRUE(ControlRect(PageOf(name), Id(name), &place)) << step;
+            RightClick(PageOf(name), place.left + 1, place.top + 1, true);
         } else if (verb == "set") {
             SetRecordField(Session()->pRecord, name);
         } else if (verb == "server" || verb == "options" || verb == "reload") {
@@ -229,8 +248,16 @@ class SheetScript : public SheetTest {
     {
         if (const size_t nColon = token.find(':'); nColon < token.find('=')) {
             std::string text = TextSeen(token.substr(0, nColon));
-            std::replace(text.begin(), text.end(), ' ', '_');
+            std::replace_if(
+                text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }, '_');
             return token.substr(0, nColon + 1) + text;
+        }
+        if (const size_t nHash = token.find('#'); nHash != std::string::npos) {
+            const std::string list = token.substr(0, nHash);
+            const HWND hList = GetDlgItem(PageOf(list), Id(list));
+            const bool bCombo = HostedClassName(hList) == u"ComboBox";
+            return list + "#" +
+                   std::to_string(SendMessageW(hList, bCombo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0));
         }
         const size_t nEqual = token.find('=');
         const std::string name = token.substr(0, nEqual);
@@ -268,8 +295,10 @@ class SheetScript : public SheetTest {
         return name + "=" + FieldOf(record, name).value;
     }
 
-    std::string TextSeen(const std::string& name)
+    std::string TextSeen(const std::string& token)
     {
+        const size_t nBracket = token.find('[');
+        const std::string name = token.substr(0, nBracket);
         if (name == "built") {
             return BuiltMarks(Session());
         }
@@ -282,15 +311,19 @@ class SheetScript : public SheetTest {
             return Narrow(wcTitle);
         }
         if (!ControlNumber(name)) {
-            return FieldOf(record, name).value;
+            return FieldOf(record, token).value;
         }
         const HWND hPage = PageOf(name);
         const HWND hList = GetDlgItem(hPage, Id(name));
-        if (HostedClassName(hList) != u"ListBox") {
+        const bool bCombo = HostedClassName(hList) == u"ComboBox",
+                   bList = HostedClassName(hList) == u"ListBox";
+        if (!bList && nBracket == std::string::npos) {
             return Narrow(TextOf(hPage, Id(name)));
         }
         WCHAR wcRow[3 * TEXT_CHARS] = {};
-        SendMessageW(hList, LB_GETTEXT, static_cast<WPARAM>(SendMessageW(hList, LB_GETCURSEL, 0, 0)),
+        const LRESULT nRow = nBracket == std::string::npos ? SendMessageW(hList, LB_GETCURSEL, 0, 0)
+                                                           : std::stoi(token.substr(nBracket + 1));
+        SendMessageW(hList, bCombo ? CB_GETLBTEXT : LB_GETTEXT, static_cast<WPARAM>(nRow),
                      reinterpret_cast<LPARAM>(wcRow));
         return Narrow(wcRow);
     }

@@ -63,6 +63,9 @@ std::string DoStep(HWND hSheet, const std::string& step)
     if (verb == "page") {
         return ShowTab(hSheet, std::stoi(name)) ? "" : "no such tab";
     }
+    if (verb == "apply") {
+        return SendMessageW(hSheet, PSM_APPLY, 0, 0) ? "" : "refused";
+    }
     const HWND hPlace = Place(hSheet);
     const HWND hControl = GetDlgItem(hPlace, name == "IDCANCEL" ? IDCANCEL : ControlNumber(name));
     if (!hControl || !IsWindowVisible(hControl) || !IsWindowEnabled(hControl)) {
@@ -75,6 +78,12 @@ std::string DoStep(HWND hSheet, const std::string& step)
         SendMessageW(hControl, BM_CLICK, 0, 0);
     } else if (verb == "type") {
         SetWindowTextW(hControl, std::wstring(text.begin(), text.end()).c_str());
+    } else if (verb == "keys") {
+        SendMessageW(hPlace, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(hControl), TRUE);
+        SendMessageW(hControl, EM_SETSEL, 0, -1);
+        for (const char c : text) {
+            SendMessageW(hControl, WM_CHAR, static_cast<WPARAM>(c), 1);
+        }
     } else if (verb == "spin") {
         const bool bDown = GetWindowLongW(hControl, GWL_STYLE) & SBS_VERT;
         SendMessageW(hPlace, bDown ? WM_VSCROLL : WM_HSCROLL, MAKEWPARAM(std::stoi(text), 0),

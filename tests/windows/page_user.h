@@ -5,6 +5,8 @@
      pick NAME N       the row of a list with that item data
      click NAME        a button, check box or radio button
      type NAME TEXT    an edit control's text
+     keys NAME TEXT    a text by keys in the place of the control's, which gets the focus
+     apply             the sheet's button
      spin NAME N       a movement of a spin button or scroll bar by its code
      open NAME         a button that opens a dialog; what follows is done there
      end NAME          a button that ends a dialog; what follows is done below it; "end IDCANCEL" for the system's own */

@@ -159,8 +159,10 @@ TEST(Sheets, StoreWhatTheUserChooses)
     Record out(cbRecord);
     std::string fault = "never shown";
     VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
-        fault =
-            DoSteps(hSheet, "page 0,click LAYOUT_LONG_EDGE,pick LAYOUT_PAGES 2,page 1,type PAPER_COPIES 3");
+        fault = DoSteps(hSheet,
+                        "page 0,click LAYOUT_LONG_EDGE,pick LAYOUT_PAGES 2,page 1,type PAPER_COPIES 3,page 2,"
+                        "keys QUALITY_CONTRAST -51,type QUALITY_BRIGHTNESS -,pick QUALITY_SCREENING 3,"
+                        "open QUALITY_COLOR_FILES,pick FILES_PROFILE 1,pick FILES_FORMAT 2,end FILES_OK");
         PressOk(hSheet);
     });
     EXPECT_EQ(fault, "");
@@ -168,6 +170,10 @@ TEST(Sheets, StoreWhatTheUserChooses)
     EXPECT_EQ(pRecord->dmDuplex, 2);
     EXPECT_EQ(pRecord->dmCopies, 3);
     EXPECT_EQ(pRecord->rPrivate.lPagesPerSheet, 2);
+    EXPECT_EQ(pRecord->rPrivate.sContrast, -50);
+    EXPECT_EQ(pRecord->rPrivate.sBrightness, 0);
+    EXPECT_EQ(pRecord->rPrivate.sScreening, 3);
+    EXPECT_EQ(pRecord->rPrivate.dwColorFormat, 2u);
 }
 
 /* What the printer cannot do keeps the sheet, below a notice. */
