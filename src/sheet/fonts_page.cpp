@@ -456,7 +456,6 @@ void FontsCommand(HWND hPage, UiSession* pSession, WPARAM wParam, LPARAM)
             TurnResidentFonts(hPage, pSession);
         }
         return;
-    case IDC_UNIT: FlipPreviewUnit(hPage, pSession); return;
     default: return;
     }
 }

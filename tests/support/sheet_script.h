@@ -15,9 +15,21 @@
      server, options N the printer is on a server, has these options; the pages are filled again
      reload            fills the pages again
      apply, ok, cancel of the sheet
+     open NAME         a button that opens a dialog, in which the steps are done from here to the one that ends it
+     end NAME          a button that ends a dialog; "end enter" and "end escape" by key
+     choose NAME TEXT  the row of a list with that text
+     readonly          the user may not write the printer's data; the pages are filled again
+     reopen            the sheet is closed and opened again on the same record
+     value NAME TEXT   a multi-string of the printer, with "/" for each NUL
+     see EXPECTATIONS  holds them at this step, within a dialog
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
+     NAME:TEXT         text of a control or of the row that is selected; blanks as "_"
+     rows.NAME:TEXT    all rows of a list, each with "/" behind it
+     value.NAME:TEXT   a multi-string of the printer
+     title:TEXT        of the dialog
+     default=NAME      the button that Enter presses; focus=NAME
      NAME- NAME~ NAME+ hidden; shown and disabled; shown and enabled
      field=value       of the record
      dirty0=1          page with edits, by slot
@@ -48,21 +60,8 @@ class SheetScript : public SheetTest {
             if (!row[1].empty()) {
                 Begin(row[1], row[2]);
             }
-            for (const std::string& step : SplitTrimmed(row[3], ',')) {
-                if (!step.empty()) {
-                    Do(step);
-                }
-            }
-            std::istringstream expected(row[4]);
-            std::string wanted, seen;
-            for (std::string token; expected >> token;) {
-                const std::string found = Seen(token);
-                if (!SaysTheSame(found, token)) {
-                    wanted += token + " ";
-                    seen += found + " ";
-                }
-            }
-            EXPECT_EQ(seen, wanted);
+            DoAll(SplitTrimmed(row[3], ','));
+            Expect(row[4]);
             if (HasFatalFailure()) {
                 return;
             }
@@ -70,16 +69,19 @@ class SheetScript : public SheetTest {
         Close();
     }
 
-    /* Opens a sheet on a sample's default record with these fields, separated by blanks. */
-    void Begin(const std::string& sample, const std::string& fields)
+    /* Opens a sheet on a sample's default record with these fields, separated by blanks; "/device" behind the sample's name:
+       the printer's own sheet. */
+    void Begin(const std::string& sampleAndSheet, const std::string& fields)
     {
+        const std::string sample = sampleAndSheet.substr(0, sampleAndSheet.find('/'));
+        const bool bDevice = sampleAndSheet.ends_with("/device");
         Close();
         if (sample != opened) {
             AddSample(sample);
             opened = sample;
         }
         DriverDevmode in = Defaults();
-        OpenDocument(&in);
+        bDevice ? OpenDevice() : OpenDocument(&in);
         std::istringstream list(fields);
         for (std::string field; list >> field;) {
             SetRecordField(&record, field);
@@ -90,6 +92,48 @@ class SheetScript : public SheetTest {
         ReloadAll();
         nMessages = ShownMessages().size();
         nDialogs = DialogsOpened();
+    }
+
+    /* A dialog is up while the step that opens it is done, so the steps within it are told beforehand. */
+    void DoAll(const std::vector<std::string>& steps)
+    {
+        for (size_t i = 0; i < steps.size(); i++) {
+            const size_t nOpener = i;
+            for (int nDeep = Deeper(steps[i]); nDeep > 0 && i + 1 < steps.size(); nDeep += Deeper(steps[i])) {
+                QueueStep(steps[++i]);
+            }
+            if (!steps[nOpener].empty()) {
+                Do(steps[nOpener]);
+                EXPECT_EQ(ModalStepsLeft(), 0u) << "no dialog was up for a step behind " << steps[nOpener];
+            }
+        }
+    }
+    /* A step to be done in the dialog that is up then. */
+    void QueueStep(const std::string& step)
+    {
+        QueueModalStep([this, step](HWND hDialog) {
+            const HWND hBefore = std::exchange(hModal, hDialog);
+            Do(step);
+            hModal = hBefore;
+        });
+    }
+    static int Deeper(const std::string& step)
+    {
+        return step.starts_with("open ") ? 1 : step.starts_with("end ") ? -1 : 0;
+    }
+
+    void Expect(const std::string& tokens)
+    {
+        std::istringstream expected(tokens);
+        std::string wanted, seen;
+        for (std::string token; expected >> token;) {
+            const std::string found = Seen(token);
+            if (!SaysTheSame(found, token)) {
+                wanted += token + " ";
+                seen += found + " ";
+            }
+        }
+        EXPECT_EQ(seen, wanted);
     }
 
     void Do(const std::string& step)
@@ -115,9 +159,26 @@ class SheetScript : public SheetTest {
             SendKey(static_cast<WPARAM>(std::stoi(name)));
         } else if (verb == "leave") {
             SetFocus(GetDlgItem(PageOf(name), Id(name)));
+        } else if (verb == "see") {
+            SCOPED_TRACE(step);
+            Expect(name + " " + text);
+        } else if (verb == "open" || verb == "end") {
+            EXPECT_TRUE(OpenOrEnd(name)) << step;
+        } else if (verb == "choose") {
+            EXPECT_TRUE(Choose(name, text)) << step;
+        } else if (verb == "value") {
+            std::replace(text.begin(), text.end(), '/', '\0');
+            const WideText wcValue = Widen(text);
+            const auto* pBytes = reinterpret_cast<const u8*>(wcValue.data());
+            SetPrinterValue(wcPrinter, Widen(name), REG_MULTI_SZ,
+                            Bytes(pBytes, pBytes + wcValue.size() * sizeof(WCHAR)));
+        } else if (verb == "reopen") {
+            DriverDevmode in = record;
+            Session()->bDeviceSheet ? OpenDevice() : OpenDocument(&in);
         } else if (verb == "set") {
             SetRecordField(Session()->pRecord, name);
-        } else if (verb == "server" || verb == "options" || verb == "reload") {
+        } else if (verb == "server" || verb == "options" || verb == "reload" || verb == "readonly") {
+            Session()->bReadOnly |= verb == "readonly";
             Session()->bOnServer |= verb == "server";
             Session()->rDeviceInfo.ulOptions =
                 verb == "options" ? static_cast<u32>(std::stoi(name)) : Session()->rDeviceInfo.ulOptions;
@@ -150,6 +211,11 @@ class SheetScript : public SheetTest {
     /* The expectation as it stands after what was found. */
     std::string Seen(const std::string& token)
     {
+        if (const size_t nColon = token.find(':'); nColon < token.find('=')) {
+            std::string text = TextSeen(token.substr(0, nColon));
+            std::replace(text.begin(), text.end(), ' ', '_');
+            return token.substr(0, nColon + 1) + text;
+        }
         const size_t nEqual = token.find('=');
         const std::string name = token.substr(0, nEqual);
         if (nEqual == std::string::npos) {
@@ -160,6 +226,13 @@ class SheetScript : public SheetTest {
         }
         if (name.starts_with("dirty")) {
             return name + "=" + std::to_string(Session()->bPageDirty[std::stoi(name.substr(5))]);
+        }
+        if (name == "default" || name == "focus") {
+            const int nControl =
+                name == "focus" ? GetDlgCtrlID(GetFocus()) : LOWORD(SendMessageW(hModal, DM_GETDEFID, 0, 0));
+            return name + "=" +
+                   (Id(token.substr(nEqual + 1)) == nControl ? token.substr(nEqual + 1)
+                                                             : std::to_string(nControl));
         }
         if (name == "changed") {
             return name + "=" + std::to_string(CanApplySheet(pSheet));
@@ -177,6 +250,62 @@ class SheetScript : public SheetTest {
             return name + "=" + Value(PageOf(name), Id(name));
         }
         return name + "=" + FieldOf(record, name).value;
+    }
+
+    std::string TextSeen(const std::string& name)
+    {
+        if (name == "title") {
+            WCHAR wcTitle[TEXT_CHARS] = {};
+            GetWindowTextW(hModal, wcTitle, TEXT_CHARS);
+            return Narrow(wcTitle);
+        }
+        if (name.starts_with("value.")) {
+            DWORD dwType;
+            Bytes value;
+            GetPrinterValue(wcPrinter, Widen(name.substr(6)), &dwType, &value);
+            WideText wcValue(value.size() / sizeof(WCHAR), u'\0');
+            std::memcpy(wcValue.data(), value.data(), wcValue.size() * sizeof(WCHAR));
+            std::replace(wcValue.begin(), wcValue.end(), u'\0', u'/');
+            return Narrow(wcValue);
+        }
+        const bool bAll = name.starts_with("rows.");
+        const HWND hPage = PageOf(name.substr(bAll ? 5 : 0));
+        const HWND hList = GetDlgItem(hPage, Id(name.substr(bAll ? 5 : 0)));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        if (!bAll && HostedClassName(hList) != u"ListBox") {
+            return Narrow(TextOf(hPage, Id(name)));
+        }
+        const LRESULT nChosen = SendMessageW(hList, LB_GETCURSEL, 0, 0);
+        LRESULT nRow = bAll ? 0 : nChosen;
+        const LRESULT nEnd =
+            bAll ? SendMessageW(hList, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0) : nChosen + 1;
+        std::string rows;
+        for (; nRow >= 0 && nRow < nEnd; nRow++) {
+            WCHAR wcRow[3 * TEXT_CHARS] = {};
+            SendMessageW(hList, bCombo ? CB_GETLBTEXT : LB_GETTEXT, static_cast<WPARAM>(nRow),
+                         reinterpret_cast<LPARAM>(wcRow));
+            rows += Narrow(wcRow) + (bAll ? "/" : "");
+        }
+        return rows;
+    }
+
+    bool OpenOrEnd(const std::string& name)
+    {
+        if (name == "enter" || name == "escape") {
+            SendKey(name == "enter" ? VK_RETURN : VK_ESCAPE);
+            return true;
+        }
+        return ClickControl(PageOf(name), Id(name));
+    }
+
+    bool Choose(const std::string& name, const std::string& text)
+    {
+        const HWND hList = GetDlgItem(PageOf(name), Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        const LRESULT nRow =
+            SendMessageW(hList, bCombo ? CB_FINDSTRINGEXACT : LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                         reinterpret_cast<LPARAM>(Widen(text).c_str()));
+        return nRow >= 0 && PickRow(PageOf(name), Id(name), static_cast<int>(nRow));
     }
 
     static std::string Value(HWND hPage, int nControl)
@@ -230,6 +359,9 @@ class SheetScript : public SheetTest {
     /* The window of the page that a control's name begins with; a page that is not there yet is shown for it. */
     HWND PageOf(const std::string& name)
     {
+        if (hModal) {
+            return hModal;
+        }
         static const std::map<std::string, int> slots = {{"LAYOUT", SLOT_LAYOUT},
                                                          {"PAPER", SLOT_PAPER},
                                                          {"QUALITY", SLOT_QUALITY},
@@ -252,7 +384,8 @@ class SheetScript : public SheetTest {
         return ControlNumber(name);
     }
 
-    std::string opened; /* sample */
+    std::string opened;    /* sample */
+    HWND hModal = nullptr; /* the dialog that is up */
     size_t nMessages = 0;
     int nDialogs = 0;
 };
