@@ -101,11 +101,11 @@ TEST_F(FontPairs, AreShownAndStored)
     EXPECT_EQ(Rows(wcLong + u'\0' + u"abc" + u'\0').substr(0, 120), wcLong);
     EXPECT_EQ(Rows(wcLong + u'\0' + u"abcd" + u'\0').substr(0, 7), u"Courier");
     PreparePairTexts(&rows, 500 * 100);
+    AppendPairText(&rows, u" => no family", 13);
     for (int i = 0; i < 500; i++) {
         const WideText wcRow = WideText(80, u'f') + u" => " + Widen(std::to_string(i));
         AppendPairText(&rows, wcRow.c_str(), static_cast<int>(wcRow.size()));
     }
-    AppendPairText(&rows, u" => no family", 13);
     const WideText wcCut = Stored();
     EXPECT_EQ(WithoutNuls(wcCut.substr(wcCut.size() - 7)), "f/385//");
     std::mt19937 random(1404);
