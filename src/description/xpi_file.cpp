@@ -118,13 +118,11 @@ int ReadLimitedCommand(XpiCommands& commands, u16 usId, u32 nLimit, char* cOut, 
     return static_cast<int>(nLength);
 }
 
-/* Reads nRows rows of the font offset table from row nFirst on; 0 unless all came. */
+/* The same, all or nothing. */
 int ReadFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows)
 {
-    u32 cbGot;
-    return ReadXpiBytes(file, ReadXpiHeader(file)->dwFontTableOffset + 4 * static_cast<u64>(nFirst), aRows,
-                        4 * nRows, &cbGot) &&
-           cbGot == 4 * nRows;
+    u32 nGot;
+    return ReadXpiFontRows(file, nFirst, aRows, nRows, &nGot) && nGot == nRows;
 }
 
 } // namespace
@@ -149,6 +147,15 @@ int ReadXpiShortCommand(XpiFile& file, u16 usId, char* cOut, int cbOut)
 {
     XpiCommands commands(file);
     return ReadShortCommand(commands, usId, cOut, cbOut);
+}
+
+int ReadXpiFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows, u32* pnGot)
+{
+    u32 cbGot;
+    int bRead = ReadXpiBytes(file, ReadXpiHeader(file)->dwFontTableOffset + 4 * static_cast<u64>(nFirst),
+                             aRows, 4 * nRows, &cbGot);
+    *pnGot = cbGot / 4;
+    return bRead;
 }
 
 u32 ReadXpiFontChunk(XpiFile& file, const XpiModel* pModel, u8* pOut, i32 nFirst)

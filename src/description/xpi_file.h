@@ -84,6 +84,10 @@ constexpr u32 XpiFontBytes(u32 ulRow, u32 ulNextRow)
     return static_cast<u16>(ulNextRow - ulRow);
 }
 
+/* Reads nRows rows of the font offset table from the 0-based row nFirst on; *pnGot is how many the file has of them.
+   0 when the read fails. */
+int ReadXpiFontRows(XpiFile& file, u32 nFirst, u32* aRows, u32 nRows, u32* pnGot);
+
 /* Reads the fonts from the 1-based number nFirst on that make up one chunk of at most FONT_CHUNK_BYTES into
    pOut (that many bytes of room; null only measures). Result: the chunk's size; 0 when there is no such font,
    it alone is larger, or the bytes did not all come. Callers that step by chunks advance by one font at

@@ -42,6 +42,7 @@ int CALLBACK StoreFamily(const LOGFONTW* pFont, const TEXTMETRICW*, DWORD dwType
         return 0;
     }
     CopyWide(pList->pNext, LF_FACESIZE, wcName);
+    AddIndexedText(&pList->rIndex, pList->pNext, pList->sCount);
     pList->pNext += cch + 1;
     pList->pKinds.get()[pList->sCount] = dwType & TRUETYPE_FONTTYPE ? FAMILY_TRUETYPE : FAMILY_DEVICE;
     pList->pCharSets.get()[pList->sCount] = pFont->lfCharSet;
@@ -62,7 +63,8 @@ int BuildFontFamilyList(HDC hDc, FontFamilyList* pList)
     pList->pNames.reset(static_cast<WCHAR*>(AllocateRows(nRoom, LF_FACESIZE * sizeof(WCHAR))));
     pList->pKinds.reset(static_cast<u32*>(AllocateRows(nRoom, sizeof(u32))));
     pList->pCharSets.reset(static_cast<u16*>(AllocateRows(nRoom, sizeof(u16))));
-    if (!pList->pNames || !pList->pKinds || !pList->pCharSets) {
+    if (!PrepareTextIndex(&pList->rIndex, static_cast<u32>(nRoom)) || !pList->pNames || !pList->pKinds ||
+        !pList->pCharSets) {
         *pList = {};
         return 0;
     }
@@ -73,12 +75,6 @@ int BuildFontFamilyList(HDC hDc, FontFamilyList* pList)
 
 i32 FindFamily(const FontFamilyList& list, const WCHAR* wcName)
 {
-    const WCHAR* pName = list.pNames.get();
-    for (i16 i = 0; i < list.sCount; i++) {
-        if (SameWide(pName, wcName)) {
-            return list.pCharSets.get()[i];
-        }
-        pName += WideLength(pName) + 1;
-    }
-    return NO_FAMILY;
+    i32 lFamily = FindIndexedText(list.rIndex, wcName);
+    return lFamily == NOT_INDEXED ? NO_FAMILY : list.pCharSets.get()[lFamily];
 }

@@ -2,7 +2,7 @@
 #ifndef TQUI_ENTRY_FONT_FAMILIES_H
 #define TQUI_ENTRY_FONT_FAMILIES_H
 
-#include "base/owned.h"
+#include "base/text_index.h"
 #include "platform/gdi.h"
 
 /* Kinds of a family, as the font page shows them. */
@@ -16,6 +16,7 @@ struct FontFamilyList {
     OwnedBlock<u32> pKinds;    /* FAMILY_... of each */
     OwnedBlock<u16> pCharSets; /* lfCharSet of each */
     WCHAR* pNext;              /* end of the last name */
+    TextIndex rIndex;          /* of the names */
 };
 
 /* Lists the families of the context in its order, a name once. Bitmap fonts are left out; families that turn up

@@ -6,6 +6,7 @@
 #include "description/string_ids.h"
 #include "sheet/about.h"
 #include "sheet/dialog_services.h"
+#include "sheet/fonts_page.h"
 #include "sheet/layout_page.h"
 #include "sheet/paper_page.h"
 #include "sheet/preview_panel.h"
@@ -14,7 +15,6 @@
 
 namespace {
 
-constexpr PageRoutines fontsPage = {.slot = SLOT_FONTS, .nHelpKey = 600, .pfnPaint = PaintPreviewPage};
 constexpr PageRoutines aboutPage = {.slot = SLOT_ABOUT, .nHelpKey = 0, .pfnInit = FillAbout};
 
 } // namespace
@@ -25,7 +25,7 @@ const PageTableRow aPageTable[] = {
     {SLOT_PAPER, IDS_TITLE_PAPER, IDD_PAPER, 0, PageProc<paperPage>, PaperCommand},
     {SLOT_QUALITY, IDS_TITLE_QUALITY, IDD_QUALITY, 0, PageProc<qualityPage>, QualityCommand},
     {SLOT_WATERMARKS, IDS_TITLE_WATERMARKS, IDD_WATERMARKS, 0, PageProc<watermarksPage>, WatermarksCommand},
-    {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, IDD_DEVICE_FONTS, PageProc<fontsPage>, PreviewCommand},
+    {SLOT_FONTS, IDS_TITLE_FONTS, IDD_FONTS, IDD_DEVICE_FONTS, PageProc<fontsPage>, FontsCommand},
     {0, 0, 0, 0, nullptr, nullptr},
 };
 

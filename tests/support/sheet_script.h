@@ -28,6 +28,9 @@
      tell NAME N       another program sends the control's notification of that code
      row NAME N        the row of a list by its number
      right NAME        a double click of the right button where that control lies
+     readonly          the user may not write the printer's data; the pages are filled again
+     reopen            the sheet is closed and opened again on the same record
+     value NAME TEXT   a multi-string of the printer, with "/" for each NUL
      see EXPECTATIONS  holds them at this step, within a dialog
 
    Expectations, separated by blanks:
@@ -38,6 +41,8 @@
      title:TEXT        of the dialog
      WMKey0:TEXT       of the stored watermarks; "-" when there is no such key
      built:A,B         built files of watermarks in the user's folder, in alphabetical order
+     rows.NAME:TEXT    all rows of a list, each with "/" behind it
+     value.NAME:TEXT   a multi-string of the printer
      default=NAME      the button that Enter presses; focus=NAME
      NAME- NAME~ NAME+ hidden; shown and disabled; shown and enabled
      field=value       of the record
@@ -80,16 +85,19 @@ class SheetScript : public SheetTest {
         Close();
     }
 
-    /* Opens a sheet on a sample's default record with these fields, separated by blanks. */
-    void Begin(const std::string& sample, const std::string& fields)
+    /* Opens a sheet on a sample's default record with these fields, separated by blanks; "/device" behind the sample's name:
+       the printer's own sheet. */
+    void Begin(const std::string& sampleAndSheet, const std::string& fields)
     {
+        const std::string sample = sampleAndSheet.substr(0, sampleAndSheet.find('/'));
+        const bool bDevice = sampleAndSheet.ends_with("/device");
         Close();
         if (sample != opened) {
             AddSample(sample);
             opened = sample;
         }
         DriverDevmode in = Defaults();
-        OpenDocument(&in);
+        bDevice ? OpenDevice() : OpenDocument(&in);
         std::istringstream list(fields);
         for (std::string field; list >> field;) {
             SetRecordField(&record, field);
@@ -211,9 +219,19 @@ class SheetScript : public SheetTest {
             RECT place;
             ASSERT_TRUE(ControlRect(PageOf(name), Id(name), &place)) << step;
             RightClick(PageOf(name), place.left + 1, place.top + 1, true);
+        } else if (verb == "value") {
+            std::replace(text.begin(), text.end(), '/', '\0');
+            const WideText wcValue = Widen(text);
+            const auto* pBytes = reinterpret_cast<const u8*>(wcValue.data());
+            SetPrinterValue(wcPrinter, Widen(name), REG_MULTI_SZ,
+                            Bytes(pBytes, pBytes + wcValue.size() * sizeof(WCHAR)));
+        } else if (verb == "reopen") {
+            DriverDevmode in = record;
+            Session()->bDeviceSheet ? OpenDevice() : OpenDocument(&in);
         } else if (verb == "set") {
             SetRecordField(Session()->pRecord, name);
-        } else if (verb == "server" || verb == "options" || verb == "reload") {
+        } else if (verb == "server" || verb == "options" || verb == "reload" || verb == "readonly") {
+            Session()->bReadOnly |= verb == "readonly";
             Session()->bOnServer |= verb == "server";
             Session()->rDeviceInfo.ulOptions =
                 verb == "options" ? static_cast<u32>(std::stoi(name)) : Session()->rDeviceInfo.ulOptions;
@@ -295,6 +313,21 @@ class SheetScript : public SheetTest {
         return name + "=" + FieldOf(record, name).value;
     }
 
+    std::string AllRows(const std::string& name)
+    {
+        const HWND hList = GetDlgItem(PageOf(name), Id(name));
+        const bool bCombo = HostedClassName(hList) == u"ComboBox";
+        const LRESULT nRows = SendMessageW(hList, bCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
+        std::string rows;
+        for (LRESULT nRow = 0; nRow < nRows; nRow++) {
+            WCHAR wcRow[3 * TEXT_CHARS] = {};
+            SendMessageW(hList, bCombo ? CB_GETLBTEXT : LB_GETTEXT, static_cast<WPARAM>(nRow),
+                         reinterpret_cast<LPARAM>(wcRow));
+            rows += Narrow(wcRow) + "/";
+        }
+        return rows;
+    }
+
     std::string TextSeen(const std::string& token)
     {
         const size_t nBracket = token.find('[');
@@ -309,6 +342,18 @@ class SheetScript : public SheetTest {
             WCHAR wcTitle[TEXT_CHARS] = {};
             GetWindowTextW(hModal, wcTitle, TEXT_CHARS);
             return Narrow(wcTitle);
+        }
+        if (name.starts_with("value.")) {
+            DWORD dwType;
+            Bytes value;
+            GetPrinterValue(wcPrinter, Widen(name.substr(6)), &dwType, &value);
+            WideText wcValue(value.size() / sizeof(WCHAR), u'\0');
+            std::memcpy(wcValue.data(), value.data(), wcValue.size() * sizeof(WCHAR));
+            std::replace(wcValue.begin(), wcValue.end(), u'\0', u'/');
+            return Narrow(wcValue);
+        }
+        if (name.starts_with("rows.")) {
+            return AllRows(name.substr(5));
         }
         if (!ControlNumber(name)) {
             return FieldOf(record, token).value;
