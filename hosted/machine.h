@@ -122,8 +122,17 @@ const std::vector<std::string>& OpenedPrinters();
 
 /* ---- programs, time, fonts ---- */
 const std::vector<std::string>&
-StartedPrograms();              /* command lines of WinExec, "|hidden" behind those that were */
-void SetTickCount(u32 ulTicks); /* GetTickCount, which stands still */
+StartedPrograms(); /* command lines of WinExec, "|hidden" behind those that were */
+struct AskedHelp {
+    HWND hWindow;
+    WideText wcPath;
+    UINT uCommand;
+    DWORD dwTopic; /* of the window's control; 0: none, or another command */
+};
+#define DESKTOP_WINDOW (reinterpret_cast<HWND>(std::uintptr_t{0x10010}))
+const std::vector<AskedHelp>& AskedHelps();      /* of the help control, in order */
+void SetHelpControl(std::u16string_view tcPath); /* a machine has none at first */
+void SetTickCount(u32 ulTicks);                  /* GetTickCount, which stands still */
 struct FontFamily {
     WideText wcName;
     DWORD dwType; /* RASTER_FONTTYPE and so on */
@@ -134,7 +143,9 @@ void SetFontFamilies(const std::vector<FontFamily>& families);
 const std::vector<FontFamily>& FontFamilies();
 
 /* ---- registry ---- */
-void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
+void AddKey(
+    std::u16string_view
+        wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..."; HKEY_CLASSES_ROOT shows "SOFTWARE\Classes" of both */
 void SetKeyValue(std::u16string_view wcPath, const MachineValue& value);
 std::vector<WideText> KeyPaths(); /* in small letters */
 std::vector<MachineValue> KeyValues(std::u16string_view wcPath);

@@ -27,6 +27,7 @@
     X(HANDLE, OpenSemaphoreW, (DWORD, BOOL, LPCWSTR), nullptr) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
+    X(DWORD, ExpandEnvironmentStringsW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(UINT, GetSystemDirectoryW, (LPWSTR, UINT), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
 
@@ -92,6 +93,9 @@
     X(BOOL, GetFileVersionInfoW, (LPCWSTR, DWORD, DWORD, LPVOID), 0) \
     X(BOOL, VerQueryValueW, (LPCVOID, LPCWSTR, LPVOID*, PUINT), 0)
 
+/* The one routine of the help control, which is found by number when help is first asked for. */
+#define HELP_CALLS(X) X(HWND, HtmlHelpW, (HWND, LPCWSTR, UINT, DWORD_PTR), nullptr)
+
 #define WINDOW_CALLS(X) \
     X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
     X(LRESULT, CallWindowProcW, (WNDPROC, HWND, UINT, WPARAM, LPARAM), 0) \
@@ -105,6 +109,7 @@
     X(BOOL, EnumChildWindows, (HWND, WNDENUMPROC, LPARAM), 0) \
     X(BOOL, GetClientRect, (HWND, LPRECT), 0) \
     X(HCURSOR, GetCursor, (void), nullptr) \
+    X(HWND, GetDesktopWindow, (void), nullptr) \
     X(BOOL, GetCursorPos, (LPPOINT), 0) \
     X(int, GetDlgCtrlID, (HWND), 0) \
     X(HWND, GetDlgItem, (HWND, int), nullptr) \
@@ -198,6 +203,7 @@
     SPOOLER_CALLS(X) \
     RESOURCE_CALLS(X) \
     VERSION_CALLS(X) \
+    HELP_CALLS(X) \
     WINDOW_CALLS(X) \
     GDI_CALLS(X) \
     DRAWING_CALLS(X) \

@@ -141,3 +141,14 @@ TEST_F(RegistryConformance, ValuesOfTheUserWithATrailingBackslashInTheKey)
     RegDeleteKeyW(HKEY_CURRENT_USER, TEXT("SOFTWARE\\TquiConformance"));
 #endif
 }
+
+TEST_F(RegistryConformance, ClassesAreTheUsersAndTheMachines)
+{
+    const WCHAR* wcClass = TEXT("SOFTWARE\\Classes\\TquiConformance\\shell");
+    HKEY hKey;
+    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, wcClass, &hKey), 0);
+    EXPECT_EQ(RegCloseKey(hKey), 0);
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, TEXT("TquiConformance\\shell"), 0, KEY_QUERY_VALUE, &hKey), 0);
+    EXPECT_EQ(RegCloseKey(hKey), 0);
+    EXPECT_NE(RegOpenKeyExW(HKEY_CLASSES_ROOT, TEXT("TquiConformance\\open"), 0, KEY_QUERY_VALUE, &hKey), 0);
+}

@@ -244,6 +244,21 @@ TEST_F(Resources, SystemLibrariesAreLoadedByTheirFullPathToBeRun)
     const WideString tcPlanted = TestFolder() + TEXT("\\version.dll");
     PutTestFile(tcPlanted, std::string("no library"));
     EXPECT_FALSE(LoadLibraryExW(tcPlanted.c_str(), nullptr, TO_BE_RUN));
+    const DWORD dwBeside = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
+    EXPECT_TRUE(LoadLibraryExW((tcSystem + TEXT("\\version.dll")).c_str(), nullptr, dwBeside));
+    EXPECT_FALSE(LoadLibraryExW((TestFolder() + TEXT("\\tqnone.dll")).c_str(), nullptr, dwBeside));
+}
+
+TEST_F(Resources, NamesOfTheEnvironmentAreExpanded)
+{
+    WCHAR wcProfile[260], wcOut[300];
+    ASSERT_NE(GetEnvironmentVariableW(TEXT("USERPROFILE"), wcProfile, 260), 0u);
+    const WideString wcWanted = WideString(wcProfile) + TEXT("\\%tq none%100%");
+    const WCHAR* wcText = TEXT("%userprofile%\\%tq none%100%");
+    const auto cchNeeded = static_cast<DWORD>(wcWanted.size() + 1);
+    EXPECT_EQ(ExpandEnvironmentStringsW(wcText, wcOut, 300), cchNeeded);
+    EXPECT_EQ(wcWanted, wcOut);
+    EXPECT_GE(ExpandEnvironmentStringsW(wcText, wcOut, cchNeeded - 1), cchNeeded);
 }
 
 } // namespace
