@@ -22,6 +22,31 @@ namespace {
 constexpr const WCHAR* tcPreset = TEXT("C:\\PRESET\\A.TQS");
 constexpr u32 NAMES_CHARS = 0x40000;
 
+/* The key of a field that the reader knows on these kinds; null for none. */
+const SettingKey* KeyAt(unsigned nOffset, u8 bKinds)
+{
+    for (const KeyRows& run : aKeyRuns) {
+        for (int i = 0; i < run.nKeys; i++) {
+            const SettingKey& key = run.pKeys[i];
+            if (key.bKindsRead & bKinds && nOffset >= key.usOffset &&
+                (nOffset == key.usOffset || (key.bStride && (nOffset - key.usOffset) % key.bStride == 0 &&
+                                             nOffset - key.usOffset < unsigned{key.bCount} * key.bStride))) {
+                return &key;
+            }
+        }
+    }
+    return nullptr;
+}
+
+/* A field's text up to its NUL. */
+WideText TextAt(const DriverDevmode& record, const SettingKey& key)
+{
+    WCHAR wcText[TEXT_CHARS] = {};
+    std::memcpy(wcText, reinterpret_cast<const u8*>(&record) + key.usOffset,
+                size_t{key.bCount} * sizeof(WCHAR));
+    return wcText;
+}
+
 /* A printer of the model on a machine of its own, for as long as this lives. */
 struct PresetPrinter {
     DriverDevmode factory;
@@ -78,7 +103,10 @@ struct PresetPrinter {
         }
         std::vector<FieldValue> fields;
         for (const FieldValue& field : DifferingFields(low, high)) {
-            fields.push_back(FieldOf(record, field.name));
+            const SettingKey* pKey = KeyAt(field.nOffset, KindOf(usLanguage));
+            if (!pKey || pKey->form != KEY_TEXT || TextAt(low, *pKey) != TextAt(high, *pKey)) {
+                fields.push_back(FieldOf(record, field.name));
+            }
         }
         return fields;
     }
@@ -116,7 +144,7 @@ struct FoundKey {
     int nIndex;
 };
 
-FoundKey FindKey(const std::string& name, u8 bKinds)
+FoundKey FindKey(const std::string& name, u8 SettingKey::*pKinds, u8 bKinds)
 {
     FoundKey found = {nullptr, 0};
     for (const KeyRows& run : aKeyRuns) {
@@ -124,7 +152,7 @@ FoundKey FindKey(const std::string& name, u8 bKinds)
             const SettingKey& key = run.pKeys[i];
             const bool bIndexed = key.bCount > 1 && key.form != KEY_TEXT;
             const int nIndex = bIndexed ? IndexBehind(name, key.wcKey) : 0;
-            if (!(key.bKindsRead & bKinds) || nIndex < 0 || nIndex >= (bIndexed ? key.bCount : 1) ||
+            if (!(key.*pKinds & bKinds) || nIndex < 0 || nIndex >= (bIndexed ? key.bCount : 1) ||
                 (!bIndexed && !SameName(Widen(name), key.wcKey))) {
                 continue;
             }
@@ -173,10 +201,8 @@ std::string SayOfField(const ProfileSection& section, const std::string& name, c
     const SettingKey& key = *found.pKey;
     const WideText wcName = Widen(name);
     if (key.form == KEY_TEXT) {
-        WCHAR wcHeld[TEXT_CHARS] = {};
-        std::memcpy(wcHeld, reinterpret_cast<const u8*>(&record) + key.usOffset,
-                    size_t{key.bCount} * sizeof(WCHAR));
-        return Narrow(wcHeld) == value ? "" : "becomes \"" + Narrow(wcHeld) + "\"";
+        const std::string held = Narrow(TextAt(record, key));
+        return held == value ? "" : "becomes \"" + held + "\"";
     }
     if (!IsNumber(value, key.form)) {
         return "is no number";
@@ -193,7 +219,7 @@ std::string SayOfField(const ProfileSection& section, const std::string& name, c
 std::string SayOf(const ProfileSection& section, const std::string& name, const std::string& value,
                   const DriverDevmode& record, u8 bKind)
 {
-    const FoundKey found = FindKey(name, bKind);
+    const FoundKey found = FindKey(name, &SettingKey::bKindsRead, bKind);
     const KeyPlace place = PlaceOf(name);
     if (found.pKey) {
         return SayOfField(section, name, value, found, record);
@@ -202,12 +228,15 @@ std::string SayOf(const ProfileSection& section, const std::string& name, const 
         return "";
     }
     if (SameName(Widen(name), u"ColorMode")) {
-        return "is not read";
+        return value == "0" ? "" : "is not read"; /* the writer's own */
     }
-    if (place == UNKNOWN && !FindKey(name, ON_ALL).pKey) {
+    if (place == UNKNOWN && !FindKey(name, &SettingKey::bKindsRead, ON_ALL).pKey) {
         return "is unknown";
     }
-    if (place == UNKNOWN || (place == OF_STYLES && bKind == ON_OTHERS)) {
+    if (place == UNKNOWN) { /* the writer leaves some for other readers */
+        return FindKey(name, &SettingKey::bKindsWritten, bKind).pKey ? "" : "is not read on this model";
+    }
+    if (place == OF_STYLES && bKind == ON_OTHERS) {
         return "is not read on this model";
     }
     const bool bText =
@@ -289,6 +318,9 @@ int RunPresetCompare(const PresetOptions& options, std::ostream& out)
 int RunPresetMissing(const PresetOptions& options, std::ostream& out)
 {
     const PresetPrinter printer(options);
-    out << FieldLines(printer.NotCarried(printer.factory));
+    std::vector<FieldValue> fields = printer.NotCarried(printer.factory);
+    std::erase_if(fields,
+                  [&](const FieldValue& field) { return KeyAt(field.nOffset, KindOf(printer.usLanguage)); });
+    out << FieldLines(fields);
     return 0;
 }
