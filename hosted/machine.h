@@ -133,6 +133,15 @@ void SetTickCount(u32 ulTicks); /* GetTickCount; only waiting moves the clock */
 bool HasEvent(std::u16string_view wcName);
 BOOL WINAPI SetEvent(HANDLE hEvent); /* for the programs: the library never calls it */
 constexpr DWORD EVENT_MODIFY_STATE = 2;
+struct AskedHelp {
+    HWND hWindow;
+    WideText wcPath;
+    UINT uCommand;
+    DWORD dwTopic; /* of the window's control; 0: none, or another command */
+};
+#define DESKTOP_WINDOW (reinterpret_cast<HWND>(std::uintptr_t{0x10010}))
+const std::vector<AskedHelp>& AskedHelps();      /* of the help control, in order */
+void SetHelpControl(std::u16string_view tcPath); /* a machine has none at first */
 struct FontFamily {
     WideText wcName;
     DWORD dwType; /* RASTER_FONTTYPE and so on */
@@ -143,7 +152,9 @@ void SetFontFamilies(const std::vector<FontFamily>& families);
 const std::vector<FontFamily>& FontFamilies();
 
 /* ---- registry ---- */
-void AddKey(std::u16string_view wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..." */
+void AddKey(
+    std::u16string_view
+        wcPath); /* "HKLM\SYSTEM\..." or "HKCU\..."; HKEY_CLASSES_ROOT shows "SOFTWARE\Classes" of both */
 void SetKeyValue(std::u16string_view wcPath, const MachineValue& value);
 std::vector<WideText> KeyPaths(); /* in small letters */
 std::vector<MachineValue> KeyValues(std::u16string_view wcPath);

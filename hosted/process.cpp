@@ -317,6 +317,36 @@ DWORD WINAPI GetEnvironmentVariableW(LPCWSTR wcName, LPWSTR wcText, DWORD cchTex
     return cchFound;
 }
 
+/* Names that mean nothing stay as they are, with their % signs. */
+DWORD WINAPI ExpandEnvironmentStringsW(LPCWSTR wcText, LPWSTR wcOut, DWORD cchOut)
+{
+    FAILS(ExpandEnvironmentStringsW);
+    if (Lies(CALL_ExpandEnvironmentStringsW, LIE_UNTERMINATED)) {
+        std::fill_n(wcOut, cchOut, u'X');
+        return cchOut;
+    }
+    if (Lies(CALL_ExpandEnvironmentStringsW, LIE_HUGE)) {
+        return 0xFFFFFFF0;
+    }
+    WideText wcRest = wcText, wcExpanded;
+    for (size_t nSign; (nSign = wcRest.find(u'%')) != wcRest.npos;) {
+        const size_t nEnd = wcRest.find(u'%', nSign + 1);
+        const auto found =
+            nEnd == wcRest.npos
+                ? process().environment.end()
+                : process().environment.find(UpperText(wcRest.substr(nSign + 1, nEnd - nSign - 1)));
+        const bool bKnown = found != process().environment.end();
+        wcExpanded += wcRest.substr(0, nSign) + (bKnown ? found->second : wcRest.substr(nSign, nEnd - nSign));
+        wcRest.erase(0, bKnown ? nEnd + 1 : nEnd);
+    }
+    wcExpanded += wcRest;
+    if (wcExpanded.size() < cchOut) {
+        wcExpanded.copy(wcOut, wcExpanded.size());
+        wcOut[wcExpanded.size()] = 0;
+    }
+    return static_cast<DWORD>(wcExpanded.size()) + 1;
+}
+
 UINT WINAPI GetSystemDirectoryW(LPWSTR tcFolder, UINT cchFolder)
 {
     FAILS(GetSystemDirectoryW);

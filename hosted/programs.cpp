@@ -1,4 +1,5 @@
-/* Stand-ins for starting programs, for the clock, and for the user's locale. */
+/* Stand-ins for starting programs, for the help control, which only notes what it was asked, for the clock, and for the
+   user's locale. */
 #include <algorithm>
 #include <map>
 
@@ -21,6 +22,7 @@ struct Programs {
     std::vector<std::string> started;
     std::map<WideText, Program> programs; /* by path in one form */
     std::vector<DueProgram> due;          /* in the order of their starts */
+    std::vector<AskedHelp> asked;
     u32 ulTicks = 0x00ABCDEF;
 };
 
@@ -62,6 +64,31 @@ const std::vector<std::string>& StartedPrograms()
 void SetProgram(std::u16string_view tcPath, std::function<void(const std::string&)> routine, u32 ulDelay)
 {
     programs().programs[LowerText(tcPath)] = {std::move(routine), ulDelay};
+}
+
+const std::vector<AskedHelp>& AskedHelps()
+{
+    return programs().asked;
+}
+
+void SetHelpControl(std::u16string_view tcPath)
+{
+    SetSystemRoutine(tcPath, "#15", reinterpret_cast<void*>(&HtmlHelpW));
+}
+
+/* The topic of a control is looked up as the control does it: the first row of its number. */
+HWND WINAPI HtmlHelpW(HWND hWindow, LPCWSTR wcPath, UINT uCommand, DWORD_PTR ulData)
+{
+    FAILS(HtmlHelpW);
+    DWORD dwTopic = 0;
+    if (uCommand == HH_TP_HELP_WM_HELP || uCommand == HH_TP_HELP_CONTEXTMENU) {
+        const auto nControl = static_cast<DWORD>(GetDlgCtrlID(hWindow));
+        for (const auto* pRow = reinterpret_cast<const DWORD*>(ulData); pRow[0] && !dwTopic; pRow += 2) {
+            dwTopic = pRow[0] == nControl ? pRow[1] : 0;
+        }
+    }
+    programs().asked.push_back({hWindow, wcPath, uCommand, dwTopic});
+    return hWindow;
 }
 
 void SetTickCount(u32 ulTicks)

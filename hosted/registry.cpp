@@ -113,10 +113,24 @@ void DropKey(std::u16string_view wcPath)
 
 namespace {
 
-/* The full form of a path below an open key; false when that is none. */
+/* A key is there when it or one below it was made. */
+bool IsKey(const WideText& wcForm)
+{
+    auto found = registry().keys.lower_bound(wcForm);
+    return found != registry().keys.end() &&
+           (found->first == wcForm || found->first.compare(0, wcForm.size() + 1, wcForm + u'\\') == 0);
+}
+
+/* The full form of a path below an open key; false when that is none. Classes are the user's before the machine's. */
 bool FullForm(HKEY hParent, LPCWSTR wcPath, WideText* pForm)
 {
     WideText wcFull;
+    if (hParent == HKEY_CLASSES_ROOT) {
+        const WideText wcClass = WideText(u"\\software\\classes\\") + (wcPath ? wcPath : u"");
+        *pForm = KeyForm(u"hkcu" + wcClass);
+        *pForm = IsKey(*pForm) ? *pForm : KeyForm(u"hklm" + wcClass);
+        return true;
+    }
     if (!RootOf(hParent, &wcFull)) {
         return false;
     }
@@ -144,11 +158,7 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY hParent, LPCWSTR wcPath, DWORD, REGSAM, PHKEY 
     if (!FullForm(hParent, wcPath, &wcForm)) {
         return static_cast<LSTATUS>(ERROR_INVALID_HANDLE);
     }
-    /* A key is there when it or one below it was made. */
-    auto found = registry().keys.lower_bound(wcForm);
-    bool bHere = found != registry().keys.end() &&
-                 (found->first == wcForm || found->first.compare(0, wcForm.size() + 1, wcForm + u'\\') == 0);
-    return bHere ? KeepKey(wcForm, phKey) : static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
+    return IsKey(wcForm) ? KeepKey(wcForm, phKey) : static_cast<LSTATUS>(ERROR_FILE_NOT_FOUND);
 }
 
 LSTATUS WINAPI RegCreateKeyW(HKEY hParent, LPCWSTR wcPath, PHKEY phKey)

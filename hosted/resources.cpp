@@ -53,6 +53,13 @@ HMODULE WINAPI LoadLibraryExW(LPCWSTR tcPath, HANDLE hFile, DWORD dwFlags)
     if (dwFlags == LOAD_LIBRARY_SEARCH_SYSTEM32 && tcPath && !hFile) {
         return LoadSystemLibrary(tcPath);
     }
+    if (dwFlags == (LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR) && tcPath && !hFile) {
+        if (IsFullPath(tcPath)) {
+            return LoadSystemLibrary(tcPath);
+        }
+        SetHostedError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
     const DWORD dwData = LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE;
     if (!tcPath || *tcPath == 0 || hFile || (dwFlags & dwData) == 0 || (dwFlags & ~dwData) != 0) {
         SetHostedError(ERROR_INVALID_PARAMETER); /* code of a library cannot be run here */

@@ -1,6 +1,7 @@
-/* Stand-ins for the system's own libraries as far as they are run: a test says which routines there are. WINSPOOL.DRV
-   is always there, with its routine 204, and so are version.dll and comdlg32.dll, with the calls of platform/version.h
-   and platform/common_dialogs.h. */
+/* Stand-ins for the system's own libraries, and others of a full path, as far as they are run: a test says which routines
+   there are, by name or as "#15" by number. WINSPOOL.DRV is always there, with its routine 204, and so are version.dll
+   and comdlg32.dll, with the calls of platform/version.h and platform/common_dialogs.h. Controls (.ocx) stay loaded for
+   the process, so they do not count as held. */
 #include <map>
 
 #include "hosted/standin.h"
@@ -14,6 +15,11 @@ std::map<HMODULE, WideText> openLibraries;
 std::uintptr_t nLastLibrary = 0;
 const WideText wcSpooler = u"winspool.drv", wcVersion = u"version.dll",
                wcDialogs = u"comdlg32.dll"; /* in that form */
+
+bool IsControl(const WideText& wcLibrary)
+{
+    return wcLibrary.ends_with(LowerText(u".OCX"));
+}
 
 BOOL WINAPI TakeAnnouncement(LPCWSTR wcName)
 {
@@ -72,8 +78,9 @@ void SetSystemRoutine(std::u16string_view wcLibrary, const std::string& name, vo
 void ResetSystemRoutines()
 {
     systemLibraries.clear();
-    liveCounts.nModules -= static_cast<int>(openLibraries.size());
-    openLibraries.clear();
+    while (!openLibraries.empty()) {
+        FreeSystemLibrary(openLibraries.begin()->first);
+    }
 }
 
 HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
@@ -88,16 +95,18 @@ HMODULE LoadSystemLibrary(std::u16string_view wcLibrary)
     }
     const auto hLibrary = reinterpret_cast<HMODULE>(++nLastLibrary * 0x10000 + 8);
     openLibraries.emplace(hLibrary, wcForm);
-    liveCounts.nModules++;
+    liveCounts.nModules += !IsControl(wcForm);
     return hLibrary;
 }
 
 bool FreeSystemLibrary(HMODULE hLibrary)
 {
-    if (!openLibraries.erase(hLibrary)) {
+    const auto library = openLibraries.find(hLibrary);
+    if (library == openLibraries.end()) {
         return false;
     }
-    liveCounts.nModules--;
+    liveCounts.nModules -= !IsControl(library->second);
+    openLibraries.erase(library);
     return true;
 }
 
@@ -108,7 +117,9 @@ FARPROC WINAPI GetProcAddress(HMODULE hModule, LPCSTR cName)
     const bool bNumber = reinterpret_cast<std::uintptr_t>(cName) <= LAST_NUMBER; /* small ones are numbers */
     if (const auto library = openLibraries.find(hModule); library != openLibraries.end()) {
         const auto& routines = systemLibraries[library->second];
-        if (auto routine = bNumber ? routines.end() : routines.find(cName); routine != routines.end()) {
+        const std::string name =
+            bNumber ? "#" + std::to_string(reinterpret_cast<std::uintptr_t>(cName)) : cName;
+        if (const auto routine = routines.find(name); routine != routines.end()) {
             return reinterpret_cast<FARPROC>(routine->second);
         }
         if (const FARPROC fnFixed = FixedRoutine(library->second, cName, bNumber)) {

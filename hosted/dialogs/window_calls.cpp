@@ -137,6 +137,12 @@ BOOL WINAPI EnumChildWindows(HWND hWnd, WNDENUMPROC pfnEach, LPARAM lParam)
     return FindWindowState(hWnd) && pfnEach && EnumTree(hWnd, pfnEach, lParam);
 }
 
+HWND WINAPI GetDesktopWindow(void)
+{
+    FAILS(GetDesktopWindow);
+    return DESKTOP_WINDOW; /* none of the machine's windows, but a handle like any other */
+}
+
 BOOL WINAPI SetWindowTextW(HWND hWnd, LPCWSTR wcText)
 {
     FAILS(SetWindowTextW);

@@ -30,6 +30,7 @@
     X(DWORD, WaitForSingleObject, (HANDLE, DWORD), WAIT_FAILED) \
     X(BOOL, GetComputerNameW, (LPWSTR, LPDWORD), 0) \
     X(DWORD, GetEnvironmentVariableW, (LPCWSTR, LPWSTR, DWORD), 0) \
+    X(DWORD, ExpandEnvironmentStringsW, (LPCWSTR, LPWSTR, DWORD), 0) \
     X(UINT, GetSystemDirectoryW, (LPWSTR, UINT), 0) \
     X(LANGID, GetUserDefaultLangID, (void), 0)
 
@@ -101,6 +102,8 @@
 #define COMMON_DIALOG_CALLS(X) \
     X(BOOL, ChooseColorW, (LPCHOOSECOLORW), 0) \
     X(BOOL, GetOpenFileNameW, (LPOPENFILENAMEW), 0)
+/* The one routine of the help control, which is found by number when help is first asked for. */
+#define HELP_CALLS(X) X(HWND, HtmlHelpW, (HWND, LPCWSTR, UINT, DWORD_PTR), nullptr)
 
 #define WINDOW_CALLS(X) \
     X(HDC, BeginPaint, (HWND, LPPAINTSTRUCT), nullptr) \
@@ -115,6 +118,7 @@
     X(BOOL, EnumChildWindows, (HWND, WNDENUMPROC, LPARAM), 0) \
     X(BOOL, GetClientRect, (HWND, LPRECT), 0) \
     X(HCURSOR, GetCursor, (void), nullptr) \
+    X(HWND, GetDesktopWindow, (void), nullptr) \
     X(BOOL, GetCursorPos, (LPPOINT), 0) \
     X(int, GetDlgCtrlID, (HWND), 0) \
     X(HWND, GetDlgItem, (HWND, int), nullptr) \
@@ -209,6 +213,7 @@
     RESOURCE_CALLS(X) \
     VERSION_CALLS(X) \
     COMMON_DIALOG_CALLS(X) \
+    HELP_CALLS(X) \
     WINDOW_CALLS(X) \
     GDI_CALLS(X) \
     DRAWING_CALLS(X) \

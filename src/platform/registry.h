@@ -12,6 +12,7 @@ using HKEY = struct HKEY__*;
 using PHKEY = HKEY*;
 using REGSAM = DWORD;
 
+#define HKEY_CLASSES_ROOT  (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000000)))
 #define HKEY_CURRENT_USER  (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000001)))
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(0x80000002)))
 

@@ -11,6 +11,8 @@
 constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x02;
 constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
 
+constexpr DWORD LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR =
+    0x100;                                            /* what it imports may lie beside it; full paths only */
 constexpr DWORD LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800; /* to be run, from the system's own folder */
 
 using FARPROC = std::intptr_t (*)();

@@ -6,8 +6,9 @@
 #include "description/control_ids.h"
 #include "sheet/dialog_services.h"
 #include "sheet/edit_keys.h"
+#include "sheet/help.h"
 #include "sheet/page_windows.h"
-#include "sheet/presets_and_help.h"
+#include "sheet/web_link.h"
 
 namespace {
 

@@ -12,11 +12,6 @@
 #include "sheet/pair_dialog.h"
 #include "sheet/preview_panel.h"
 
-/* To be replaced by font_manager.cpp. */
-int HasFontManager(const UiSession*)
-{
-    return 0;
-}
 namespace {
 
 constexpr i16 TABLE_UNKNOWN = -1; /* sFontSubsSnapshotCount */

@@ -8,8 +8,10 @@
 #include "sheet/commit.h"
 #include "sheet/dialog_services.h"
 #include "sheet/edit_keys.h"
-#include "sheet/presets_and_help.h"
+#include "sheet/help.h"
+#include "sheet/presets.h"
 #include "sheet/preview_panel.h"
+#include "sheet/web_link.h"
 #include "sheet/zoom_and_layout.h"
 
 namespace {
@@ -123,7 +125,7 @@ INT_PTR Notified(const PageRoutines& routines, HWND hPage, UiSession* pSession, 
     const NMHDR* pNote = reinterpret_cast<const NMHDR*>(lParam);
     switch (pNote ? pNote->code : 0) {
     case PSN_APPLY: ApplyPage(routines, hPage, pSession); return 1;
-    case PSN_HELP: ShowPageTopic(hPage, pSession, routines.nHelpKey); return 0;
+    case PSN_HELP: ShowPageTopic(pSession, routines.nHelpKey); return 0;
     case PSN_SETACTIVE:
         RepaintControl(hPage, IDC_PREVIEW);
         if (routines.slot == SLOT_LAYOUT) {
@@ -161,9 +163,9 @@ INT_PTR Scrolled(const PageRoutines& routines, HWND hPage, UiSession* pSession, 
 }
 
 /* A preset changes both pages that exclude each other, and the medical mode is none of its settings. */
-void UsePreset(HWND hPage, UiSession* pSession)
+void UsePreset(HWND hPage, UiSession* pSession, int nSlot)
 {
-    ApplyPreset(hPage, pSession);
+    ApplyPreset(hPage, pSession, nSlot);
     EnableScalingGroup(pSession, ScalingAllowed(pSession));
     EnableLayoutGroup(pSession, IsZoom100(pSession));
     if (HWND hPaper = pSession->hPageWnd[SLOT_PAPER]) {
@@ -246,7 +248,7 @@ int DispatchPageCommand(HWND hPage, WPARAM wParam, LPARAM lParam, int nSlot)
         return 0;
     case IDC_PRESET_APPLY:
         if (bClicked) {
-            UsePreset(hPage, pSession);
+            UsePreset(hPage, pSession, nSlot);
         }
         return 0;
     default:

@@ -6,12 +6,15 @@
    with, else on the one that is shown:
      page N            shows the page of slot N
      pick NAME N       chooses the row with that item data
+     select NAME N     the same without the user, for lists that are never shown
      click NAME        a button, check box, radio button
      type NAME TEXT    replaces an edit control's text, "_" is a blank; without a text it is emptied
      spin NAME N       a movement of a spin button or scroll bar by its code; "spin NAME 5 120" moves the thumb there
      key N             a key to the control with the focus
      leave NAME        the focus goes to that control
      set FIELD=VALUE   in the record that is edited
+     nohelpfile        the driver has none
+     readonly          the user may not write printer data
      server, options N the printer is on a server, has these options; the pages are filled again
      reload            fills the pages again
      apply, ok, cancel of the sheet
@@ -32,6 +35,16 @@
      reopen            the sheet is closed and opened again on the same record
      value NAME TEXT   a multi-string of the printer, with "/" for each NUL
      see EXPECTATIONS  holds them at this step, within a dialog
+     put PATH TEXT     makes a file whose lines end with ";"; "user:" is the user's folder for the driver, "core:" that of
+                       the rendering half
+     drop PATH         removes it
+     registry KEY TYPE TEXT   the default value of a key
+     control PATH      the help control lies there
+     ask NAME          help for a control, as by F1 or the question mark of a title bar
+     menu NAME         the right button over a control; "menu at 200 100" over that point of the page
+     help              the sheet's Help button
+
+   In names of keys, paths and texts of these six "_" stands for a blank.
 
    Expectations, separated by blanks:
      NAME=N            item data of the selection, state of a check box or radio button, text of an edit control
@@ -48,16 +61,24 @@
      field=value       of the record
      dirty0=1          page with edits, by slot
      changed=1         the sheet's Apply button
-     results=N messages=N dialogs=N since the sheet was opened */
+     results=N messages=N dialogs=N since the sheet was opened
+     rows=NAME:KIND/...      the list of presets
+     loaded=1 sticky=1       what keeps the sheet changed
+     asked=COMMAND:TOPIC/... of the help control since the last look; TOPIC is the page's for command 0
+     started=LINE/...        programs since then */
 #ifndef TQUI_TESTS_SHEET_SCRIPT_H
 #define TQUI_TESTS_SHEET_SCRIPT_H
 
 #include <map>
 #include <sstream>
 
+#include "description/control_ids.h"
+#include "description/driver_files.h"
 #include "hosted/pictures.h"
 #include "hosted/user_input.h"
+#include "platform/help.h"
 #include "sheet/dialog_services.h"
+#include "sheet/help.h"
 #include "sheet/page_windows.h"
 #include "support/control_names.h"
 #include "support/data_file.h"
@@ -97,6 +118,7 @@ class SheetScript : public SheetTest {
             opened = sample;
         }
         DriverDevmode in = Defaults();
+        ForgetHelpControl();
         bDevice ? OpenDevice() : OpenDocument(&in);
         std::istringstream list(fields);
         for (std::string field; list >> field;) {
@@ -165,6 +187,10 @@ class SheetScript : public SheetTest {
         } else if (verb == "pick") {
             EXPECT_TRUE(Pick(name, std::stoi(text, nullptr, 0)))
                 << step << ": no such row, or the list cannot be reached";
+        } else if (verb == "select") {
+            EXPECT_GE(SelectComboValue(PageOf(name), Id(name), std::stoi(text)), 0) << step;
+        } else if (verb == "nohelpfile") {
+            Session()->rLanguage.tcHelpFile[0] = 0;
         } else if (verb == "click") {
             EXPECT_TRUE(ClickControl(PageOf(name), Id(name))) << step;
         } else if (verb == "type") {
@@ -242,9 +268,95 @@ class SheetScript : public SheetTest {
             PressSheetOk(pSheet);
         } else if (verb == "cancel") {
             PressSheetCancel(pSheet);
+        } else if (verb == "put") {
+            std::string lines = text;
+            std::replace(lines.begin(), lines.end(), ';', '\n');
+            PutFile(Place(name), lines);
+        } else if (verb == "drop") {
+            EXPECT_TRUE(std::filesystem::remove(HostPath(Place(name)))) << step;
+        } else if (verb == "registry") {
+            const WideText wcValue = Blanks(text.substr(text.find(' ') + 1));
+            const auto* pBytes = reinterpret_cast<const u8*>(wcValue.c_str());
+            SetKeyValue(Blanks(name), u"", static_cast<DWORD>(std::stoi(text)),
+                        Bytes(pBytes, pBytes + (wcValue.size() + 1) * sizeof(WCHAR)));
+        } else if (verb == "control") {
+            SetHelpControl(Blanks(name));
+        } else if (verb == "ask") {
+            const HWND hControl = GetDlgItem(PageOf(name), Id(name));
+            HELPINFO info = {sizeof info, HELPINFO_WINDOW, Id(name), hControl, 0, {}};
+            SendMessageW(hControl, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+        } else if (verb == "menu") {
+            RECT rect = {};
+            const HWND hPage = PageOf(name);
+            if (name != "at") {
+                EXPECT_TRUE(ControlRect(hPage, Id(name), &rect)) << step;
+            }
+            std::istringstream(text) >> rect.left >> rect.top;
+            RightClick(hPage, static_cast<int>(rect.left) + 1, static_cast<int>(rect.top) + 1);
+        } else if (verb == "help") {
+            NMHDR note = {SheetWindow(pSheet), 0, PSN_HELP};
+            SendMessageW(PageOf(""), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&note));
         } else {
             ADD_FAILURE() << "no such step: " << step;
         }
+    }
+
+    static WideText Blanks(std::string text)
+    {
+        std::replace(text.begin(), text.end(), '_', ' ');
+        return Widen(text);
+    }
+    WideText Place(const std::string& path) const
+    {
+        WCHAR tcCore[PATH_CHARS];
+        PrinterCall call(hPrinter);
+        GetRenderCorePath(call, tcCore);
+        const WideText tcWhole = tcCore;
+        return path.starts_with("user:") ? Session()->wcUserFolder + Blanks("\\" + path.substr(5))
+               : path.starts_with("core:")
+                   ? tcWhole.substr(0, tcWhole.rfind(u'\\') + 1) + Blanks(path.substr(5))
+                   : Blanks(path);
+    }
+    static std::string Underlined(std::u16string_view wcText)
+    {
+        std::string text = Narrow(wcText);
+        std::replace(text.begin(), text.end(), ' ', '_');
+        return text;
+    }
+    std::string Presets()
+    {
+        std::string rows;
+        const auto nRows =
+            static_cast<WPARAM>(SendDlgItemMessageW(PageOf(""), IDC_PRESET, CB_GETCOUNT, 0, 0));
+        for (WPARAM nRow = 0; nRow < nRows; nRow++) {
+            WCHAR wcName[PATH_CHARS] = {};
+            SendDlgItemMessageW(PageOf(""), IDC_PRESET, CB_GETLBTEXT, nRow, reinterpret_cast<LPARAM>(wcName));
+            rows += (nRow ? "/" : "") + Underlined(wcName) + ":" +
+                    std::to_string(SendDlgItemMessageW(PageOf(""), IDC_PRESET, CB_GETITEMDATA, nRow, 0));
+        }
+        return rows;
+    }
+    std::string Asked()
+    {
+        std::string asked;
+        for (; nAsked < AskedHelps().size(); nAsked++) {
+            const AskedHelp& help = AskedHelps()[nAsked];
+            EXPECT_TRUE(help.uCommand == HH_DISPLAY_TOPIC || help.wcPath.ends_with(u".CHM::/veldtopics.txt"));
+            EXPECT_EQ(help.uCommand == HH_DISPLAY_TOPIC, help.hWindow == DESKTOP_WINDOW);
+            asked += (asked.empty() ? "" : "/") + std::to_string(help.uCommand) + ":" +
+                     (help.uCommand == HH_DISPLAY_TOPIC
+                          ? Underlined(help.wcPath.substr(help.wcPath.find(u"::/") + 3))
+                          : std::to_string(help.dwTopic));
+        }
+        return asked;
+    }
+    std::string Started()
+    {
+        std::string started;
+        for (; nStarted < StartedPrograms().size(); nStarted++) {
+            started += (started.empty() ? "" : "/") + Underlined(Widen(StartedPrograms()[nStarted]));
+        }
+        return started;
     }
 
     /* Flags are shown as hex numbers, and a script may say them as it likes. */
@@ -306,6 +418,13 @@ class SheetScript : public SheetTest {
         }
         if (name == "dialogs") {
             return name + "=" + std::to_string(DialogsOpened() - nDialogs);
+        }
+        if (name == "rows" || name == "asked" || name == "started") {
+            return name + "=" + (name == "rows" ? Presets() : name == "asked" ? Asked() : Started());
+        }
+        if (name == "loaded" || name == "sticky") {
+            return name + "=" +
+                   std::to_string(name == "loaded" ? Session()->bSettingsLoaded : Session()->bStickyChange);
         }
         if (std::isupper(static_cast<unsigned char>(name[0])) && ControlNumber(name)) {
             return name + "=" + Value(PageOf(name), Id(name));
@@ -482,6 +601,7 @@ class SheetScript : public SheetTest {
     HWND hModal = nullptr;         /* the dialog that is up */
     size_t nMessages = 0;
     int nDialogs = 0;
+    size_t nAsked = 0, nStarted = 0;
 };
 
 #endif

@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include "places.h"
+#include "support/data_file.h"
 #include "support/sample_machine.h"
 #include "tools/tq/explain.h"
 #include "tools/tq/merge.h"
+#include "tools/tq/preset.h"
 #include "tools/tq/record.h"
 #include "tools/tq/record_text.h"
 #include "tools/tq/scripting.h"
@@ -132,4 +134,44 @@ TEST_F(RecordCommands, ThePageForScriptsIsWhatThePrintersDo)
     Bytes page = ReadDiskFile(TQUI_SOURCE_DIR "/docs/scripting.md");
     EXPECT_EQ(std::string(page.begin(), page.end()), ScriptingPage(TQUI_SAMPLES))
         << "docs/scripting.md is stale: tq scripting > docs/scripting.md";
+}
+
+TEST_F(RecordCommands, PresetsAreMadeCheckedAndCompared)
+{
+    using Command = int (*)(const PresetOptions&, std::ostream&);
+    const auto run = [](Command pfnRun, int nCode, const char* cModel, const char* cFile, const char* cOther,
+                        const std::vector<std::string>& assignments) {
+        std::ostringstream out;
+        PresetOptions options = {cModel,          TQUI_SAMPLES, false,      FOLDER / cFile,
+                                 FOLDER / cOther, "",           assignments};
+        EXPECT_EQ(pfnRun(options, out), nCode) << out.str();
+        return out.str();
+    };
+    for (const char* cModel : {"K100", "T410A", "T440B", "IX300", "QP5", "QPS"}) {
+        EXPECT_EQ(run(RunPresetMake, 0, cModel, "a", "", {}), "") << cModel;
+        EXPECT_EQ(run(RunPresetCheck, 0, cModel, "a", "", {}).find(" is "), std::string::npos) << cModel;
+    }
+    EXPECT_EQ(
+        run(RunPresetMake, 0, "T410A", "a", "", {"dmCopies=3", "wcDefaultFont=F", "sColorCorrection=2"}),
+        "not carried: sColorCorrection 2\n");
+    run(RunPresetMake, 0, "T410A", "b", "", {"dmCopies=4"});
+    const std::string differing = run(RunPresetCompare, 1, "T410A", "a", "b", {});
+    EXPECT_NE(differing.find("  3 -> 4\n"), std::string::npos) << differing;
+    EXPECT_NE(differing.find("wcDefaultFont "), std::string::npos) << differing;
+    EXPECT_EQ(run(RunPresetCompare, 0, "T410A", "b", "b", {}), "the settings are the same\n");
+    EXPECT_THROW(run(RunPresetCheck, 1, "QPS", "a", "", {}), std::exception) << "for another model";
+    std::ofstream(FOLDER / "c") << "[Other]\nCopies=2\n";
+    EXPECT_NE(run(RunPresetCheck, 1, "T410A", "c", "", {}).find("no settings"), std::string::npos);
+    const std::string missing = run(RunPresetMissing, 0, "T410A", "a", "", {});
+    EXPECT_NE(missing.find("\nsPosterX "), std::string::npos) << missing;
+    for (const char* cCarried : {"\nwcDefaultFont ", "\ndmCopies ", "\nwcWMString ", "\nsTextOption["}) {
+        EXPECT_EQ(missing.find(cCarried), std::string::npos) << cCarried;
+    }
+    for (const DataRow& row : ReadRows("preset_keys.txt")) { /* model, key and value, what is said of it */
+        std::ofstream(FOLDER / "c") << "[PrinterSettings]\n" << row[1] << "\n";
+        std::ostringstream out;
+        RunPresetCheck({row[0], TQUI_SAMPLES, false, FOLDER / "c", "", "", {}}, out);
+        const std::string said = out.str().substr(0, out.str().find('\n'));
+        EXPECT_EQ(said.starts_with(row[1] + ": ") ? said.substr(row[1].size() + 2) : "", row[2]) << row[1];
+    }
 }

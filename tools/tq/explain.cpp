@@ -171,11 +171,16 @@ std::string ConflictVerdict(PrinterCall& call, const DriverDevmode& record, cons
 
 int RunExplain(const ExplainOptions& options, std::ostream& out)
 {
-    DriverDevmode record = ReadRecordFile(options.file);
+    return ExplainRecord(ReadRecordFile(options.file), options.model, options.package, options.bMetric, out);
+}
+
+int ExplainRecord(DriverDevmode record, const std::string& model, const std::string& package, bool bMetric,
+                  std::ostream& out)
+{
     Account account = {&record, record, 0, false, false, {}};
     std::string verdicts;
     int bAccepted;
-    WideText wcName = StartModel(options.model, options.package, options.bMetric).wcName;
+    WideText wcName = StartModel(model, package, bMetric).wcName;
     {
         OpenSample printer(wcName);
         PrinterCall call(printer.hPrinter);

@@ -5,6 +5,8 @@
 #include <iosfwd>
 #include <string>
 
+#include "settings/driver_devmode.h"
+
 struct ExplainOptions {
     std::string file;    /* the record: its 4088 bytes, or the lines of `tq record` */
     std::string model;   /* a description file, or a sample's name or section of the INF */
@@ -17,5 +19,9 @@ struct ExplainOptions {
    Result: the exit code, 0 for an accepted record, 1 for a refused one. Throws when the record or the
    model is not to be had. */
 int RunExplain(const ExplainOptions& options, std::ostream& out);
+
+/* The same for a record that is there. */
+int ExplainRecord(DriverDevmode record, const std::string& model, const std::string& package, bool bMetric,
+                  std::ostream& out);
 
 #endif

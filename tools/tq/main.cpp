@@ -16,6 +16,7 @@
 #include "tools/tq/job.h"
 #include "tools/tq/lint.h"
 #include "tools/tq/merge.h"
+#include "tools/tq/preset.h"
 #include "tools/tq/preview.h"
 #include "tools/tq/record.h"
 #include "tools/tq/sample_printer.h"
@@ -207,6 +208,40 @@ void AddMerge(CLI::App& app, Commands& commands)
     commands.push_back({pMerge, [pOptions] { return RunMerge(*pOptions, std::cout); }});
 }
 
+void AddPreset(CLI::App& app, Commands& commands)
+{
+    CLI::App* pPreset = app.add_subcommand("preset", "Preset files: what they say, and what they cannot say");
+    pPreset->require_subcommand(1);
+    const auto add = [&](const char* cName, const char* cText,
+                         int (*pfnRun)(const PresetOptions&, std::ostream&)) {
+        auto pOptions = std::make_shared<PresetOptions>();
+        CLI::App* pCommand = pPreset->add_subcommand(cName, cText);
+        pCommand->add_option("--model", pOptions->model, "A description file, or a sample's name or section")
+            ->required();
+        pCommand
+            ->add_option("--package", pOptions->package,
+                         "Folder with tqui.inf, descriptions and settings files")
+            ->check(CLI::ExistingDirectory);
+        pCommand->add_flag("--metric", pOptions->bMetric, "The user's locale is metric");
+        pOptions->package = TQUI_SAMPLES;
+        commands.push_back({pCommand, [pOptions, pfnRun] { return pfnRun(*pOptions, std::cout); }});
+        return std::pair{pCommand, pOptions};
+    };
+    const auto [pMake, pMade] = add("make", "Writes a record's settings as a preset", RunPresetMake);
+    pMake->add_option("--record", pMade->record,
+                      "The record: its 4088 bytes, or the text of tq record; else the default");
+    pMake->add_option("--set", pMade->assignments, "field=value; several times");
+    pMake->add_option("-o,--out", pMade->file, "The preset file")->required();
+    const auto [pCheck, pChecked] =
+        add("check", "Holds a preset, or a driver's .INI file, against a model", RunPresetCheck);
+    pCheck->add_option("file", pChecked->file, "The preset file")->required();
+    const auto [pCompare, pCompared] =
+        add("compare", "The fields in which two presets differ", RunPresetCompare);
+    pCompare->add_option("first", pCompared->file, "A preset file")->required();
+    pCompare->add_option("second", pCompared->other, "Another one")->required();
+    add("missing", "The fields that no preset of a model carries", RunPresetMissing);
+}
+
 void AddPreview(CLI::App& app, Commands& commands)
 {
     auto pOptions = std::make_shared<PreviewOptions>();
@@ -311,8 +346,8 @@ int main(int argc, char** argv)
     CLI::App app("Shows what the printer driver interface makes of a printer description.", "tq");
     Commands commands;
     app.require_subcommand(1);
-    for (auto* pfnAdd : {AddCaps, AddLint, AddRecord, AddExplain, AddJob, AddMerge, AddPreview, AddGallery,
-                         AddScripting, AddMachineCommands}) {
+    for (auto* pfnAdd : {AddCaps, AddLint, AddRecord, AddExplain, AddJob, AddMerge, AddPreset, AddPreview,
+                         AddGallery, AddScripting, AddMachineCommands}) {
         pfnAdd(app, commands);
     }
     try {

@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "platform/gdi.h"
 #include "platform/glyphs.h"
+#include "platform/help.h"
 #include "platform/process.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
