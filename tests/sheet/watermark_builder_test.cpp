@@ -131,6 +131,8 @@ TEST_F(WatermarkBuilder, BuildsByTheTable)
         manners = {static_cast<BuilderManners::Mode>(number("mode")), number("result"), number("font"),
                    Widen(words["nonsense"])};
         SetBuilder(manners, static_cast<u32>(number("delay")), words.count("missing"));
+        row.WMColor =
+            words.count("color") && !words["color"].empty() ? static_cast<u32>(number("color")) : row.WMColor;
         Session()->pXpi->usColorClass = words.count("class") ? 42 : Session()->pXpi->usColorClass;
         const u32 ulBegun = MachineTicks();
         const int nResult = words.count("trial") ? TryWatermark(Session(), nullptr, &row)
