@@ -122,14 +122,13 @@ int WriteAll(HANDLE hFile, const WCHAR* pText, u32 nLength)
     return WriteFile(hFile, pText, cb, &cbWritten, nullptr) && cbWritten == cb;
 }
 
-/* Fills the command file that was just made. It reaches the disk before the builder is started, so
-   that what the builder makes has a command file beside it, whenever the power goes. */
+/* Fills the command file that was just made. It need not reach the disk: one that a power loss has torn is known, too. */
 int FillCommandFile(BuildRun* pRun, const SectionLines& lines)
 {
     static const WCHAR wcHead[] = {0xFEFF, '[', 'M', 'A', 'K', 'E', 'W', 'M', ']', '\r', '\n'};
     HANDLE hFile = pRun->hCommand.get();
     int bDone = !lines.bShort && WriteAll(hFile, wcHead, sizeof wcHead / sizeof wcHead[0]) &&
-                WriteAll(hFile, lines.pText.get(), lines.nLength) && FlushFileBuffers(hFile);
+                WriteAll(hFile, lines.pText.get(), lines.nLength);
     pRun->hCommand.reset();
     return bDone;
 }

@@ -131,10 +131,14 @@ TEST_F(WatermarkBuilder, BuildsByTheTable)
         manners = {static_cast<BuilderManners::Mode>(number("mode")), number("result"), number("font"),
                    Widen(words["nonsense"])};
         SetBuilder(manners, static_cast<u32>(number("delay")), words.count("missing"));
+        row.WMColor =
+            words.count("color") && !words["color"].empty() ? static_cast<u32>(number("color")) : row.WMColor;
         Session()->pXpi->usColorClass = words.count("class") ? 42 : Session()->pXpi->usColorClass;
+        FailCall(CALL_MoveFileExW, static_cast<int>(words.count("refused")));
         const u32 ulBegun = MachineTicks();
         const int nResult = words.count("trial") ? TryWatermark(Session(), nullptr, &row)
                                                  : BuildWatermark(Session(), nullptr, 0);
+        StopFaults();
         const auto name = [](const WCHAR* tcPath) { return Narrow(BehindLast(tcPath, '\\')); };
         facts = {{"result", std::to_string(nResult)},
                  {"size", std::to_string(row.WMWidth) + "x" + std::to_string(row.WMHeight)},
