@@ -74,10 +74,10 @@ struct UiSession {
     PageCommand pfnPageCommand[SLOT_COUNT];
     const PageRoutines* apRoutines[SLOT_COUNT]; /* of the pages that have been shown */
     WCHAR wcPageTitle[SLOT_COUNT][TEXT_CHARS];
-    DriverDevmode rSnapshot; /* the record at the start and at each commit */
+    DriverDevmode rSnapshot;             /* the record at the start and at each commit */
     OwnedBlock<WCHAR> pFontSubsSnapshot; /* rows of the Fonts page as they are stored, each with its NUL */
     i16 sFontSubsSnapshotCount;          /* -1: not known, and so nothing is stored */
-    OwnedBlock<u8> pFontSubs; /* the pairs of the printer value, ulFontSubsBytes and two NULs */
+    OwnedBlock<u8> pFontSubs;            /* the pairs of the printer value, ulFontSubsBytes and two NULs */
     u16 sWatermarkSnapshotCount;
     u32 ulWatermarkNext; /* COLORREF that is under edit in the editor of text watermarks */
     HCURSOR hCursorHand, hCursorSaved;
