@@ -19,12 +19,15 @@ HWND Place(HWND hSheet)
     return hTop != hSheet ? hTop : reinterpret_cast<HWND>(SendMessageW(hSheet, PSM_GETCURRENTPAGEHWND, 0, 0));
 }
 
+/* Until another window can be used: between two dialogs there is a moment when none can. */
 bool Wait(HWND hSheet, HWND hBefore)
 {
-    for (int n = 0; n < PATIENCE_STEPS && UppermostWindow(hSheet) == hBefore; n++) {
+    HWND hNow = UppermostWindow(hSheet);
+    for (int n = 0; n < PATIENCE_STEPS && (hNow == hBefore || !IsWindowEnabled(hNow)); n++) {
         Sleep(STEP_MILLISECONDS);
+        hNow = UppermostWindow(hSheet);
     }
-    return UppermostWindow(hSheet) != hBefore;
+    return hNow != hBefore && IsWindowEnabled(hNow);
 }
 
 void Tell(HWND hPlace, HWND hControl, WORD wCode)
