@@ -170,7 +170,7 @@ TEST_F(PresetsTest, OnlyWebAddressesAreOpened)
                                                    {"httpx://a", false},
                                                    {"http:/a", false},
                                                    {"http://a b", false},
-                                                   {"http://a\\\" -x", false},
+                                                   {"http://a\\\"x", false},
                                                    {"http://a<", false},
                                                    {"http://a>", false},
                                                    {"http://\u00E4", false},
