@@ -159,7 +159,7 @@ class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<S
         EXPECT_EQ(own, question(SystemReader(tcPath)));
         return own;
     }
-    std::string Read(const Words& w)
+    std::string Read(const StepWords& w)
     {
         std::string text = AskBoth([&](const auto& reader) { return reader.Text(Wide(w[0]), Wide(w[1])); });
         for (char* pEnd : {&text.front(), &text.back()}) {
@@ -167,7 +167,7 @@ class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<S
         }
         return text;
     }
-    std::string Number(const Words& w)
+    std::string Number(const StepWords& w)
     {
         return AskBoth(
             [&](const auto& reader) { return std::to_string(reader.Number(Wide(w[0]), Wide(w[1]))); });

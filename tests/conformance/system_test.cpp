@@ -78,7 +78,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* NAME PATH ACCESS SHARE [new] [folder] [link] */
-    std::string Open(const Words& words)
+    std::string Open(const StepWords& words)
     {
         DWORD dwHow = OPEN_EXISTING, dwFlags = FILE_ATTRIBUTE_NORMAL;
         for (size_t i = 4; i < words.size(); i++) {
@@ -94,7 +94,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
                     INVALID_HANDLE_VALUE);
     }
 
-    std::string Read(const Words& words)
+    std::string Read(const StepWords& words)
     {
         std::string bytes(64, '~');
         DWORD cbRead = 0xDEAD;
@@ -105,7 +105,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bytes.substr(0, cbRead);
     }
 
-    std::string Seek(const Words& words)
+    std::string Seek(const StepWords& words)
     {
         LARGE_INTEGER move, position;
         move.QuadPart = ToNumber(words[1]);
@@ -116,7 +116,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bDone ? std::to_string(position.QuadPart) : Error(GetLastError());
     }
 
-    std::string Size(const Words& words)
+    std::string Size(const StepWords& words)
     {
         LARGE_INTEGER size;
         size.QuadPart = -99;
@@ -125,7 +125,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bDone ? std::to_string(size.QuadPart) : Error(GetLastError());
     }
 
-    std::string Write(const Words& words)
+    std::string Write(const StepWords& words)
     {
         DWORD cbDone = 77;
         const BOOL bDone = WriteFile(handles_[words[0]], words[1].data(), static_cast<DWORD>(words[1].size()),
@@ -134,7 +134,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* The final path behind the test's folder, in small letters. */
-    std::string Final(const Words& words)
+    std::string Final(const StepWords& words)
     {
         WCHAR tcFinal[260];
         const DWORD cch = GetFinalPathNameByHandleW(handles_[words[0]], tcFinal, 260, 0);
@@ -152,20 +152,20 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return path;
     }
 
-    std::string MarkDeleted(const Words& words)
+    std::string MarkDeleted(const StepWords& words)
     {
         FILE_DISPOSITION_INFO info = {1};
         return Done(SetFileInformationByHandle(handles_[words[0]], FileDispositionInfo, &info, sizeof info));
     }
 
-    std::string Attributes(const Words& words)
+    std::string Attributes(const StepWords& words)
     {
         const DWORD dwAttributes = GetFileAttributesW(Path(words[0]).c_str());
         return dwAttributes == INVALID_FILE_ATTRIBUTES ? Error(GetLastError())
                                                        : AttributeLetters(dwAttributes);
     }
 
-    std::string Find(const Words& words)
+    std::string Find(const StepWords& words)
     {
         WIN32_FIND_DATAW entry;
         std::string found;
@@ -187,7 +187,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
 
     /* The sharing of an open file against that of a second opening: read, write and both, each with no share, r, w, rw.
        "x" for a violation. */
-    std::string Sharing(const Words& words)
+    std::string Sharing(const StepWords& words)
     {
         std::string found;
         for (const char* cAccess : {"r", "w", "rw"}) {
@@ -202,7 +202,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return found;
     }
 
-    std::string Load(const Words& words)
+    std::string Load(const StepWords& words)
     {
         const WideString tcPath = words[1][0] == '*' ? BuiltFile(words[1].c_str() + 1) : Path(words[1]);
         const DWORD dwHow = words[2] == "data"    ? DWORD{LOAD_LIBRARY_AS_DATAFILE}
@@ -215,7 +215,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* LoadStringW into a room within a larger buffer: "6 Layout"; without its end, when the room has none. */
-    std::string String(const Words& words)
+    std::string String(const StepWords& words)
     {
         constexpr WCHAR FILLER = 0x2588; /* in no text of the libraries */
         WideString wcBuffer(200, FILLER);
@@ -229,14 +229,14 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return std::to_string(cch) + (text.empty() ? "" : " " + text);
     }
 
-    std::string Text(const Words& words)
+    std::string Text(const StepWords& words)
     {
         const std::vector<unsigned char> bytes = ReadTestFile(Path(words[0]));
         return {bytes.begin(), bytes.end()};
     }
 
     /* A library that was cut. */
-    void PutPart(const Words& words)
+    void PutPart(const StepWords& words)
     {
         std::vector<unsigned char> bytes = ReadTestFile(BuiltFile("TXT.DLL"));
         bytes.resize(words[1] == "half" ? bytes.size() / 2 : Number(words[1]));
@@ -245,7 +245,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
 
 #ifndef _WIN32
     /* Where a file lies below the machine's root. */
-    static std::string OnHost(const Words& words)
+    static std::string OnHost(const StepWords& words)
     {
         const std::string root = HostPath(u"C:\\").parent_path().string();
         const std::string host = HostPath(WideWord(words[0])).string();
@@ -255,7 +255,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 #endif
 
-    std::string QueryValue(const Words& words)
+    std::string QueryValue(const StepWords& words)
     {
         HKEY hKey;
         BYTE abRoom[16] = {};
@@ -272,7 +272,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* Makes or opens the key; sets a value of so many bytes. */
-    std::string SetValue(const Words& words)
+    std::string SetValue(const StepWords& words)
     {
         HKEY hKey;
         const BYTE abValue[4] = {7};
@@ -294,9 +294,9 @@ TEST_P(System, AnswersAsWritten)
 #ifdef _WIN32
     RegDeleteKeyW(HKEY_CURRENT_USER, KEY);
 #endif
-    const auto file = [&](const Words& w, size_t n = 0) { return Path(w[n]); };
-    const auto handle = [&](const Words& w) { return handles_[w[0]]; };
-    const auto module = [&](const Words& w) { return static_cast<HMODULE>(handles_[w[0]]); };
+    const auto file = [&](const StepWords& w, size_t n = 0) { return Path(w[n]); };
+    const auto handle = [&](const StepWords& w) { return handles_[w[0]]; };
+    const auto module = [&](const StepWords& w) { return static_cast<HMODULE>(handles_[w[0]]); };
     const Verbs verbs = {
         VERB("open", Open(w)),
         VERB("close", Done(CloseHandle(handle(w)))),

@@ -11,8 +11,8 @@
 #include "support/both_builds.h"
 #include "support/data_file.h"
 
-using Words = std::vector<std::string>;
-using Verbs = std::map<std::string, std::function<std::string(const Words&)>>;
+using StepWords = std::vector<std::string>;
+using Verbs = std::map<std::string, std::function<std::string(const StepWords&)>>;
 
 struct Scenario {
     std::string name;
@@ -48,10 +48,10 @@ inline std::string ScenarioName(const testing::TestParamInfo<Scenario>& info)
     return name;
 }
 
-/* Words are separated by blanks; quotation marks hold blanks together, or nothing. */
-inline Words WordsOf(const std::string& text)
+/* StepWords are separated by blanks; quotation marks hold blanks together, or nothing. */
+inline StepWords WordsOf(const std::string& text)
 {
-    Words words;
+    StepWords words;
     bool bInside = false, bOpen = false;
     for (const char c : text) {
         if (c == '"') {
@@ -105,18 +105,18 @@ template <class Number> std::enable_if_t<std::is_arithmetic_v<Number>, std::stri
 /* An entry of Verbs: the name, and what it answers to the words w. DEED is one that answers nothing. */
 #define VERB(name, ...) \
     { \
-        name, [&]([[maybe_unused]] const Words& w) { return Said(__VA_ARGS__); } \
+        name, [&]([[maybe_unused]] const StepWords& w) { return Said(__VA_ARGS__); } \
     }
 #define DEED(name, ...) \
     { \
-        name, [&]([[maybe_unused]] const Words& w) { return __VA_ARGS__, std::string(); } \
+        name, [&]([[maybe_unused]] const StepWords& w) { return __VA_ARGS__, std::string(); } \
     }
 
 /* Takes the steps one after the other, each by the verb that its first word names. */
 inline void Play(const Scenario& scenario, const Verbs& verbs)
 {
     for (const DataRow& row : scenario.steps) {
-        const Words words = WordsOf(row[0]);
+        const StepWords words = WordsOf(row[0]);
         const auto verb = verbs.find(words[0]);
         ASSERT_NE(verb, verbs.end()) << row[0];
         std::string answer = verb->second({words.begin() + 1, words.end()});
