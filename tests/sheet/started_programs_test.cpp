@@ -31,9 +31,9 @@ TEST_F(StartedProgramsTest, CommandLinesAreExactOrNotStarted)
         {u"C:\\a\"b.exe", u"c", ""},
         {u"a.exe", u"c", ""}};
     for (const auto& [tcPath, wcArguments, line] : starts) {
-        const size_t nStarted = StartedPrograms().size();
+        const size_t nRuns = StartedPrograms().size();
         EXPECT_EQ(StartProgram(tcPath.c_str(), wcArguments.c_str(), SW_SHOWNORMAL), !line.empty()) << line;
-        ASSERT_EQ(StartedPrograms().size(), nStarted + !line.empty());
+        ASSERT_EQ(StartedPrograms().size(), nRuns + !line.empty());
         EXPECT_TRUE(line.empty() || StartedPrograms().back() == line) << StartedPrograms().back();
     }
 }

@@ -382,7 +382,7 @@ class SheetScript : public SheetTest {
                 text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }, '_');
             return token.substr(0, nColon + 1) + text;
         }
-        if (const size_t nHash = token.find('#'); nHash != std::string::npos) {
+        if (const size_t nHash = token.find('#'); nHash < token.find('=')) {
             const std::string list = token.substr(0, nHash);
             const HWND hList = GetDlgItem(PageOf(list), Id(list));
             const bool bCombo = HostedClassName(hList) == u"ComboBox";
