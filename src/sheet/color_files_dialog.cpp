@@ -5,8 +5,8 @@
 #include "description/string_ids.h"
 #include "sheet/dialog_frame.h"
 #include "sheet/dialog_services.h"
-#include "sheet/file_dialog.h"
 #include "sheet/quality_dialogs.h"
+#include "sheet/system_dialogs.h"
 
 namespace {
 

@@ -97,10 +97,12 @@ void PaintImageMark(HWND hDialog, UiSession* pSession)
 
 void BrowseForImage(HWND hDialog, UiSession* pSession)
 {
-    WCHAR tcPath[PATH_CHARS];
-    const WCHAR* wcPattern =
+    WCHAR tcPath[PATH_CHARS], wcName[TEXT_CHARS];
+    const WCHAR* wcPatterns =
         PrintsMarkItself(pSession->pXpi.get()) ? TEXT("*.JPG;*.TIF;*.PNG;*.WMP") : TEXT("*.BMP");
-    if (PickFile(pSession, hDialog, IDS_FILTER_IMAGES, wcPattern, tcPath)) {
+    LoadUiText(pSession, IDS_FILTER_IMAGES, wcName, TEXT_CHARS);
+    const FileQuestion question = {wcName, wcPatterns, TEXT("My Documents"), wcPatterns, PATH_CHARS};
+    if (AskFile(hDialog, pSession, question, tcPath)) {
         SetDlgItemTextW(hDialog, IDC_IMAGE_MARK_FILE, tcPath);
     }
 }

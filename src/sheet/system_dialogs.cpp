@@ -1,5 +1,6 @@
 #include "sheet/system_dialogs.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/system_library.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr int PATTERN_CHARS = 64, CUSTOM_COLORS = 16;
+constexpr int CUSTOM_COLORS = 16;
 
 constexpr COLORREF aCustomColors[CUSTOM_COLORS] = {
     0x0000FF, 0x0000C0, 0x000080, 0x000040, 0x008000, 0x00C000, 0x008000, 0x004000,
@@ -24,27 +25,23 @@ template <class Routine> Routine FindDialog(UiSession* pSession, const char* cNa
     return FindRoutine<Routine>(pSession->hCommonDialogs, cName);
 }
 
-/* The rows of a file dialog's list of kinds: a text and a pattern each. A second NUL ends them, so no text may be
-   empty. */
-struct FilterText {
-    WCHAR wcText[2 * (TEXT_CHARS + PATTERN_CHARS) + 1];
+/* Rows of a name and its patterns, each text with its NUL. One NUL more ends them, so no text may be empty. */
+struct FileFilter {
+    WCHAR wcRows[4 * TEXT_CHARS + 1]; /* two rows */
     int cch;
 };
 
-void AddToFilter(FilterText* pFilter, const WCHAR* wcText)
+void AddText(FileFilter* pFilter, const WCHAR* wcText)
 {
-    int cch = WideLength(wcText) + 1;
-    std::memcpy(pFilter->wcText + pFilter->cch, wcText, static_cast<size_t>(cch) * sizeof(WCHAR));
-    pFilter->cch += cch;
+    int cch = BoundedLength(wcText, TEXT_CHARS - 1);
+    std::memcpy(pFilter->wcRows + pFilter->cch, wcText, static_cast<size_t>(cch) * sizeof(WCHAR));
+    pFilter->cch += cch + 1;
 }
 
-void AddFilterRow(const UiSession* pSession, int nText, const WCHAR* wcPattern, FilterText* pFilter)
+void AddRow(FileFilter* pFilter, const WCHAR* wcName, const WCHAR* wcPatterns)
 {
-    WCHAR wcText[TEXT_CHARS], wcKinds[PATTERN_CHARS];
-    LoadUiText(pSession, nText, wcText, TEXT_CHARS);
-    CopyWide(wcKinds, PATTERN_CHARS, wcPattern);
-    AddToFilter(pFilter, wcText[0] ? wcText : wcKinds);
-    AddToFilter(pFilter, wcKinds);
+    AddText(pFilter, wcName[0] ? wcName : wcPatterns);
+    AddText(pFilter, wcPatterns);
 }
 
 } // namespace
@@ -70,26 +67,28 @@ int PickColor(UiSession* pSession, HWND hOwner, COLORREF* pColor)
     return 1;
 }
 
-int PickFile(UiSession* pSession, HWND hOwner, int nText, const WCHAR* wcPattern, WCHAR* tcPath)
+int AskFile(HWND hOwner, UiSession* pSession, const FileQuestion& question, WCHAR* tcPath)
 {
     std::memset(tcPath, 0, PATH_CHARS * sizeof(WCHAR));
-    const auto fnOpen = FindDialog<decltype(&GetOpenFileNameW)>(pSession, "GetOpenFileNameW");
-    if (!fnOpen) {
+    const auto fnAsk = FindDialog<decltype(&GetOpenFileNameW)>(pSession, "GetOpenFileNameW");
+    if (!fnAsk) {
         return 0;
     }
-    FilterText filter = {};
-    AddFilterRow(pSession, nText, wcPattern, &filter);
-    AddFilterRow(pSession, IDS_FILTER_ALL, TEXT("*.*"), &filter);
+    WCHAR wcAll[TEXT_CHARS];
+    FileFilter filter = {};
+    LoadUiText(pSession, IDS_FILTER_ALL, wcAll, TEXT_CHARS);
+    AddRow(&filter, question.wcName, question.wcPatterns);
+    AddRow(&filter, wcAll, TEXT("*.*"));
     OPENFILENAMEW asked = {};
     asked.lStructSize = sizeof asked;
     asked.hwndOwner = hOwner;
-    asked.lpstrFilter = filter.wcText;
+    asked.lpstrFilter = filter.wcRows;
     asked.lpstrFile = tcPath;
-    asked.nMaxFile = PATH_CHARS;
-    asked.lpstrInitialDir = TEXT("My Documents");
-    asked.lpstrDefExt = wcPattern;
+    asked.nMaxFile = static_cast<DWORD>(std::min(question.cch, PATH_CHARS));
+    asked.lpstrInitialDir = question.tcFolder;
+    asked.lpstrDefExt = question.wcExtension;
     asked.Flags = OFN_NOCHANGEDIR;
-    int bChosen = fnOpen(&asked) != 0;
-    tcPath[bChosen ? PATH_CHARS - 1 : 0] = 0; /* a path that did not fit leaves its length there */
-    return bChosen && tcPath[0];
+    int bChosen = fnAsk(&asked) != 0;
+    tcPath[bChosen ? PATH_CHARS - 1 : 0] = 0; /* the length of a path that did not fit stands there */
+    return tcPath[0] != 0;
 }

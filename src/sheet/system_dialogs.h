@@ -11,11 +11,18 @@
    Result: 1; 0 with *pColor as it was when the user cancels or the dialog cannot be shown. */
 int PickColor(UiSession* pSession, HWND hOwner, COLORREF* pColor);
 
-/* Has the user choose a file, among those of a pattern or among all. The current folder stays as it is.
-   nText       string of the library that names the files of the pattern
-   wcPattern   "*.BMP;*.TIF", up to 63 characters
-   tcPath   O  PATH_CHARS of room; empty without a file
-   Result: 1 with a full path; 0 when the user cancels or the dialog cannot be shown. */
-int PickFile(UiSession* pSession, HWND hOwner, int nText, const WCHAR* wcPattern, WCHAR* tcPath);
+/* wcName is shown for wcPatterns, "*.BMP;*.TIF", above the row for all files; each has up to TEXT_CHARS - 1 characters. */
+struct FileQuestion {
+    const WCHAR* wcName;
+    const WCHAR* wcPatterns;
+    const WCHAR* tcFolder;    /* where the dialog starts */
+    const WCHAR* wcExtension; /* of a name that is typed without one */
+    int cch;                  /* room for the path with its NUL, at most PATH_CHARS */
+};
+
+/* Asks the user for a file. The current folder stays as it is.
+   tcPath   O  full path, PATH_CHARS of room; empty without a file
+   Result: 1 with a path; 0 when the user cancels or the dialog cannot be shown. */
+int AskFile(HWND hOwner, UiSession* pSession, const FileQuestion& question, WCHAR* tcPath);
 
 #endif
