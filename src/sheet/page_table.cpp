@@ -1,5 +1,4 @@
-/* The pages and their order. A page without routines shows its template's controls with their texts; when a page gets
-   its own file, that file supplies its row. */
+/* The pages and their order. Each page's own file supplies its routines and its commands. */
 #include "sheet/page_table.h"
 
 #include "description/control_ids.h"
