@@ -245,7 +245,9 @@ TEST_F(Resources, SystemLibrariesAreLoadedByTheirFullPathToBeRun)
     PutTestFile(tcPlanted, std::string("no library"));
     EXPECT_FALSE(LoadLibraryExW(tcPlanted.c_str(), nullptr, TO_BE_RUN));
     const DWORD dwBeside = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32;
-    EXPECT_TRUE(LoadLibraryExW((tcSystem + TEXT("\\version.dll")).c_str(), nullptr, dwBeside));
+    const HMODULE hBeside = LoadLibraryExW((tcSystem + TEXT("\\version.dll")).c_str(), nullptr, dwBeside);
+    EXPECT_TRUE(hBeside);
+    EXPECT_TRUE(FreeLibrary(hBeside));
     EXPECT_FALSE(LoadLibraryExW((TestFolder() + TEXT("\\tqnone.dll")).c_str(), nullptr, dwBeside));
 }
 
