@@ -6,6 +6,7 @@
      click NAME        a button, check box or radio button
      type NAME TEXT    an edit control's text
      spin NAME N       a movement of a spin button or scroll bar by its code
+     help NAME         F1 on a control; "menu NAME" its context menu
      open NAME         a button that opens a dialog; what follows is done there
      end NAME          a button that ends a dialog; what follows is done below it */
 #ifndef TQUI_TESTS_WINDOWS_PAGE_USER_H
