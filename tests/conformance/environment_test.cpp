@@ -18,11 +18,10 @@ TEST_F(Environment, NamesAreExpanded)
     EXPECT_GE(ExpandEnvironmentStringsW(wcText, wcOut, cchNeeded - 1), cchNeeded);
 }
 
-TEST_F(Environment, ClassesAreTheUsersAndTheMachines)
+TEST_F(Environment, ClassesAreTheMachines)
 {
-    const WCHAR* wcClass = TEXT("SOFTWARE\\Classes\\TquiConformance\\shell");
     HKEY hKey;
-    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, wcClass, &hKey), 0);
+    ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, TEXT("SOFTWARE\\Classes\\TquiConformance\\shell"), &hKey), 0);
     EXPECT_EQ(RegCloseKey(hKey), 0);
     ASSERT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, TEXT("TquiConformance\\shell"), 0, KEY_QUERY_VALUE, &hKey), 0);
     EXPECT_EQ(RegCloseKey(hKey), 0);

@@ -40,7 +40,8 @@
      drop PATH         removes it
      registry KEY TYPE TEXT   the default value of a key
      control PATH      the help control lies there
-     ask NAME          help for a control, as by F1 or the question mark of a title bar
+     ask NAME          help for a control, as by F1 or the question mark of a title bar; "askitem": for
+                       a menu's item of that handle
      menu NAME         the right button over a control; "menu at 200 100" over that point of the page
      help              the sheet's Help button
 
@@ -281,9 +282,9 @@ class SheetScript : public SheetTest {
                         Bytes(pBytes, pBytes + (wcValue.size() + 1) * sizeof(WCHAR)));
         } else if (verb == "control") {
             SetHelpControl(Blanks(name));
-        } else if (verb == "ask") {
+        } else if (verb == "ask" || verb == "askitem") {
             const HWND hControl = GetDlgItem(PageOf(name), Id(name));
-            HELPINFO info = {sizeof info, HELPINFO_WINDOW, Id(name), hControl, 0, {}};
+            HELPINFO info = {sizeof info, verb == "ask" ? HELPINFO_WINDOW : 2, Id(name), hControl, 0, {}};
             SendMessageW(hControl, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
         } else if (verb == "menu") {
             RECT rect = {};

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int STEP_MILLISECONDS = 5, PATIENCE_STEPS = 2000;
+constexpr UINT KEY_F1 = 0x4D; /* what the system makes of the key for the window with the focus */
 
 /* Where the controls are: the uppermost dialog, or the page that is shown. */
 HWND Place(HWND hSheet)
@@ -88,6 +89,10 @@ std::string DoStep(HWND hSheet, const std::string& step)
         const bool bDown = GetWindowLongW(hControl, GWL_STYLE) & SBS_VERT;
         SendMessageW(hPlace, bDown ? WM_VSCROLL : WM_HSCROLL, MAKEWPARAM(std::stoi(text), 0),
                      reinterpret_cast<LPARAM>(hControl));
+    } else if (verb == "help") {
+        SendMessageW(hControl, KEY_F1, 0, 0);
+    } else if (verb == "menu") {
+        SendMessageW(hControl, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(hControl), -1);
     } else if (verb == "open" || verb == "end") {
         const HWND hBefore = UppermostWindow(hSheet);
         PostMessageW(hControl, BM_CLICK, 0, 0);

@@ -8,6 +8,7 @@
      keys NAME TEXT    a text by keys in the place of the control's, which gets the focus
      apply             the sheet's button
      spin NAME N       a movement of a spin button or scroll bar by its code
+     help NAME         F1 on a control; "menu NAME" its context menu
      open NAME         a button that opens a dialog; what follows is done there
      end NAME          a button that ends a dialog; what follows is done below it; "end IDCANCEL" for the system's own */
 #ifndef TQUI_TESTS_WINDOWS_PAGE_USER_H

@@ -2,10 +2,13 @@
    test of what is held opens and closes one (50). */
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
 #include "description/control_ids.h"
+#include "help_standin.h"
 #include "page_user.h"
 #include "settings/driver_devmode.h"
 #include "sheet_user.h"
@@ -174,6 +177,41 @@ TEST(Sheets, StoreWhatTheUserChooses)
     EXPECT_EQ(pRecord->rPrivate.sBrightness, 0);
     EXPECT_EQ(pRecord->rPrivate.sScreening, 3);
     EXPECT_EQ(pRecord->rPrivate.dwColorFormat, 2u);
+}
+
+/* The preset's button, and help by the key and by the menu, which reach the control that is registered. */
+TEST(Sheets, BringAPresetAndHelp)
+{
+    WCHAR tcControl[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, tcControl, MAX_PATH);
+    const std::wstring tcHelp = std::filesystem::path(tcControl).replace_filename("HELP.OCX").wstring();
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE,
+                    L"SOFTWARE\\Classes\\CLSID\\{ADB880A6-D8FF-11CF-9377-00AA003B7A11}\\InprocServer32",
+                    nullptr, REG_SZ, tcHelp.c_str(), static_cast<DWORD>((tcHelp.size() + 1) * sizeof(WCHAR)));
+    const auto fnLast = reinterpret_cast<LastHelpRoutine>(
+        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(tcHelp.c_str()), "GetLastHelp")));
+    ASSERT_TRUE(fnLast);
+    std::filesystem::create_directories("C:\\TEMP");
+    std::ofstream("C:\\TEMP\\tqui_test.ini") << "[PrinterSettings]\nPagesPerSheet=4\nCopies=3\n";
+    const InstalledPrinter printer = Install("K100");
+    Record out(cbRecord);
+    std::string fault = "never shown";
+    std::wstring asked;
+    VisitDocumentSheet(printer, AsDevmode(out), nullptr, [&](HWND hSheet) {
+        fault = DoSteps(hSheet, "page 0,click PRESET_APPLY");
+        for (const char* cStep : {"help LAYOUT_TYPE", "page 1,menu PAPER_COLLATE"}) {
+            fault += DoSteps(hSheet, cStep);
+            asked += std::to_wstring(fnLast()->uCommand) + L":" + std::to_wstring(fnLast()->dwTopic) + L" " +
+                     std::filesystem::path(fnLast()->wcPath).filename().wstring() + L" ";
+        }
+        PressOk(hSheet);
+    });
+    std::filesystem::remove("C:\\TEMP\\tqui_test.ini");
+    EXPECT_EQ(fault, "");
+    EXPECT_EQ(asked, L"17:124 veldtopics.txt 16:104 veldtopics.txt ");
+    const auto* pRecord = reinterpret_cast<const DriverDevmode*>(out.data());
+    EXPECT_EQ(pRecord->dmCopies, 3);
+    EXPECT_EQ(pRecord->rPrivate.lPagesPerSheet, 4);
 }
 
 /* What the printer cannot do keeps the sheet, below a notice. */
