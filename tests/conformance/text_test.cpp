@@ -48,6 +48,8 @@ SCRIPTED(TextScripts, AreConvertedAsWritten, "conformance_text.txt")
                       VERB("same", lstrcmpW(WideWord(w[0]).c_str(), WideWord(w[1]).c_str()) == 0)});
 }
 
+} // namespace
+
 /* Every character of 16 bits becomes what the system makes of it: a sum over all of them. */
 TEST_F(TextConformance, EveryCharacterBecomesTheSameByte)
 {

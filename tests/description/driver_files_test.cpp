@@ -194,31 +194,26 @@ TEST_F(DriverFilesTest, TheDescriptionIsOpenedOnceACall)
 
 TEST_F(DriverFilesTest, FontFile)
 {
-    PrinterCall none(nullptr);
+    const WideText tcFile = setup.tcDataFile = u"C:\\drv\\qa.fdf";
+    AddPrinterAgain();
+    PrinterCall none(nullptr), call(hPrinter);
     EXPECT_EQ(GetFontFileSize(none), 0xFFFFFFFF);
     EXPECT_FALSE(IsOpen(OpenFontFile(none, GENERIC_READ).get()));
-
-    setup.tcDataFile = u"C:\\drv\\qa.fdf";
-    AddPrinterAgain();
-    PrinterCall call(hPrinter);
     EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF) << "named, but not there";
     EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get()));
-    PutFile(u"C:\\drv\\qa.fdf", "");
-    EXPECT_EQ(GetFontFileSize(call), 0u);
-    PutFile(u"C:\\drv\\qa.fdf", std::string(1000, 'f'));
-    EXPECT_EQ(GetFontFileSize(call), 1000u);
+    for (u32 cb : {0u, 1000u}) {
+        PutFile(tcFile, std::string(cb, 'f'));
+        EXPECT_EQ(GetFontFileSize(call), cb);
+    }
     TellLies(LIE_HUGE, CALL_GetFileSizeEx);
     EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF) << "4 GB and more";
     TellLies(LIE_NONE);
-
-    SetReadOnly(u"C:\\drv\\qa.fdf", true);
-    {
-        OwnedFile hFont = OpenFontFile(call, GENERIC_READ | GENERIC_WRITE);
-        EXPECT_TRUE(IsOpen(hFont.get())) << "the read-only attribute is cleared first";
-        EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get())) << "nobody shares it";
-        EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF);
-    }
-    EXPECT_EQ(GetFileAttributesW(u"C:\\drv\\qa.fdf") & FILE_ATTRIBUTE_READONLY, 0u);
+    SetReadOnly(tcFile, true);
+    OwnedFile hFont = OpenFontFile(call, GENERIC_READ | GENERIC_WRITE);
+    EXPECT_TRUE(IsOpen(hFont.get())) << "the read-only attribute is cleared first";
+    EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get())) << "nobody shares it";
+    EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF);
+    EXPECT_EQ(GetFileAttributesW(tcFile.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
 }
 
 class PrintersOpened : public Scripted<MachineTest> {

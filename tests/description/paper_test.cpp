@@ -189,37 +189,6 @@ TEST_F(PaperTest, SizesAndMargins)
     }
 }
 
-TEST_F(PaperTest, CompanionsAndExtents)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
-                                {1, 8, 2970, 4200, 1, 0, 0, 9, {}},
-                                {1, 20, 1048, 2413, 0, 0, 0, -1, {}},
-                                {0, 30, 9999, 9999, 0, 0, 0, 5, {}}});
-    Describe(builder);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 8), 9);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 20), -1);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 1), 0);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 30), 0) << "the closing row is no paper";
-    EXPECT_EQ(GetCompanionPaper(nullptr, 8), 0);
-
-    auto Extents = [this](i16 sMinW, i16 sMaxW, i16 sMinL, i16 sMaxL, DescriptionBuilder builderOf) {
-        builderOf.Set(16, sMinW).Set(18, sMaxW).Set(20, sMinL).Set(22, sMaxL);
-        Describe(builderOf);
-        PaperExtents extents = GetPaperExtents(pModel.get());
-        return std::array<i32, 4>{extents.lMinWidth, extents.lMinLength, extents.lMaxWidth,
-                                  extents.lMaxLength};
-    };
-    EXPECT_EQ(Extents(762, 3112, 1270, 12000, builder), (std::array<i32, 4>{762, 1270, 3112, 12000}));
-    EXPECT_EQ(Extents(1200, 2000, 2500, 3000, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}));
-    for (auto [sMaxW, sMaxL] : {std::pair<i16, i16>{0, 0}, {3112, 0}, {0, 12000}, {-1, 12000}}) {
-        EXPECT_EQ(Extents(10, sMaxW, 20, sMaxL, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}))
-            << sMaxW;
-    }
-    EXPECT_EQ(Extents(10, 0, 20, 0, {}), (std::array<i32, 4>{0x7FFFFFFF, 0x7FFFFFFF, 0, 0}));
-    EXPECT_EQ(Extents(10, 30, 20, 40, {}), (std::array<i32, 4>{10, 20, 30, 40}));
-}
-
 namespace {
 
 class PaperLists : public Scripted<PaperTest> {
@@ -241,6 +210,28 @@ class PaperLists : public Scripted<PaperTest> {
             lines.replace(lines.find(broken), 6, "Bottom");
         }
         return Trimmed(Saved(count, lines, pModel.get()));
+    }
+    /* Papers with companions; the last row is the closing one. */
+    static DescriptionBuilder Companions()
+    {
+        DescriptionBuilder builder;
+        builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
+                                    {1, 8, 2970, 4200, 1, 0, 0, 9, {}},
+                                    {1, 20, 1048, 2413, 0, 0, 0, -1, {}},
+                                    {0, 30, 9999, 9999, 0, 0, 0, 5, {}}});
+        return builder;
+    }
+    /* Widths and lengths of custom papers: least and largest of each; the extents in the same order. */
+    std::string Extents(const Args& w)
+    {
+        DescriptionBuilder builder = w.size() > 4 ? DescriptionBuilder() : Companions();
+        for (size_t n = 0; n < 4; n++) {
+            builder.Set(16 + 2 * n, static_cast<i16>(Int(w, n)));
+        }
+        Describe(builder);
+        const PaperExtents extents = GetPaperExtents(pModel.get());
+        return std::to_string(extents.lMinWidth) + " " + std::to_string(extents.lMaxWidth) + " " +
+               std::to_string(extents.lMinLength) + " " + std::to_string(extents.lMaxLength);
     }
     void UseLeast(int nWidth, int nLength)
     {
@@ -264,7 +255,10 @@ SCRIPTED(PaperLists, AreToldByTheSpoolerAndTheSettingsFile, "paper_lists.txt")
             DEED("printer", AddTestPrinter(Bytes())), DEED("many-forms", AddManyForms()),
             DEED("lines", lines_ = Unescaped(w[0])), VERB("saved", SavedOf(w[0], lines_)),
             VERB("broken", SavedOf("2", lines_, w[0])), DEED("least", UseLeast(Int(w, 0), Int(w, 1))),
-            VERB("new", NewPaper()),
+            VERB("new", NewPaper()), DEED("companions", Describe(Companions())),
+            VERB("companion",
+                 GetCompanionPaper(w.size() > 1 ? nullptr : pModel.get(), static_cast<i16>(Int(w, 0)))),
+            VERB("extents", Extents(w)),
             VERB("default-paper",
                  (IsMetricLocale() ? "metric " : "inches ") + std::to_string(GetDefaultPaper()))});
 }
