@@ -199,130 +199,6 @@ TEST_F(ModelTest, ValueRowsAreWiderOnTheFirstImageKindOnly)
     EXPECT_EQ(Value(PjlValueRow(nullptr, 0)->usNameId), 0);
 }
 
-TEST_F(ModelTest, CommandsComeWholeOrNotAtAll)
-{
-    DescriptionBuilder builder;
-    u16 usShort = builder.Command("@PJL SET RESOLUTION=600\r\n"), usNone = builder.Command("");
-    u16 us127 = builder.Command(std::string(127, 'a')), us128 = builder.Command(std::string(128, 'b'));
-    u16 us1023 = builder.Command(std::string(1023, 'c')), us1024 = builder.Command(std::string(1024, 'd'));
-    builder.commands.push_back({'A', 'B', 'C'}); /* no NUL: the font section is its end */
-    u16 usOpen = static_cast<u16>(builder.commands.size() - 1);
-    Open(builder.Build());
-
-    const std::string resolution = "@PJL SET RESOLUTION=600\r\n";
-    const std::tuple<u16, std::string, std::string> aCases[] = {
-        /* by the two readers */
-        {usShort, resolution, resolution},
-        {usNone, "", ""},
-        {0, "", ""},
-        {usOpen, "ABC", "ABC"},
-        {us127, std::string(127, 'a'), std::string(127, 'a')},
-        {us128, std::string(128, 'b'), ""},
-        {us1023, std::string(1023, 'c'), ""},
-        {us1024, "", ""}};
-    for (const auto& [usId, full, brief] : aCases) {
-        char cText[2000];
-        std::memset(cText, '~', sizeof cText);
-        EXPECT_EQ(ReadXpiCommand(file, usId, cText, sizeof cText), static_cast<int>(full.size())) << usId;
-        EXPECT_EQ(cText, full);
-        EXPECT_EQ(ReadXpiShortCommand(file, usId, cText, sizeof cText), static_cast<int>(brief.size()));
-        EXPECT_EQ(cText, brief);
-    }
-
-    /* Fields of 12 bytes and fewer: half a command is worse than none. */
-    char cField[4] = {'~', '~', '~', '~'};
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 4), 3);
-    EXPECT_STREQ(cField, "ABC");
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 3), 0);
-    EXPECT_STREQ(cField, "");
-    cField[0] = '~';
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 0), 0);
-    EXPECT_EQ(cField[0], '~');
-
-    FailCall(CALL_ReadFile, 2, FAIL_FROM_THERE);
-    char cText[200] = "~";
-    EXPECT_EQ(ReadXpiCommand(file, usShort, cText, sizeof cText), 0);
-    EXPECT_STREQ(cText, "");
-    EXPECT_GT(StopFaults(), 0);
-}
-
-TEST_F(ModelTest, BitmapsComeWholeOrNotAtAll)
-{
-    DescriptionBuilder builder;
-    auto Bitmap = [](u32 cbTold, size_t cb) {
-        Bytes bitmap(cb, 0x77);
-        bitmap[0] = 'B';
-        bitmap[1] = 'M';
-        Poke(&bitmap, 2, cbTold);
-        return bitmap;
-    };
-    builder.bitmaps = {Bitmap(70, 70), Bitmap(14, 14), Bitmap(13, 14), Bitmap(61, 60),
-                       Bitmap(0xFFFFFFFF, 14)};
-    Bytes whole = builder.Build();
-    Poke(&whole, AT_COLOR_DATA, u32{0});
-    whole.resize(Peek<u32>(whole, AT_BITMAP_DATA) + 70 + 14 + 14 + 60 + 14);
-    Open(whole);
-    u32 cb = 99;
-    OwnedBlock<u8> pFirst = ReadXpiBitmap(file, 0, &cb);
-    ASSERT_TRUE(pFirst);
-    EXPECT_EQ(Bytes(pFirst.get(), pFirst.get() + cb), builder.bitmaps[0]);
-    OwnedBlock<u8> pSmallest = ReadXpiBitmap(file, 1, &cb);
-    ASSERT_TRUE(pSmallest);
-    EXPECT_EQ(cb, 14u);
-
-    ResetCallCounts();
-    for (u16 usId : std::initializer_list<u16>{2, 4, 0xFFFF}) {
-        cb = 99;
-        EXPECT_FALSE(ReadXpiBitmap(file, usId, &cb)) << usId;
-        EXPECT_EQ(cb, 0u);
-    }
-    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0) << "a size that the file cannot hold is not allocated";
-    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "61 bytes told where 60 lie reads on into the next bitmap";
-    whole.resize(whole.size() - 14);
-    Open(whole);
-    ResetCallCounts();
-    EXPECT_FALSE(ReadXpiBitmap(file, 3, &cb)) << "but not beyond the end";
-    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
-    Poke(&whole, whole.size() - 60 + 2, u32{60});
-    Open(whole);
-    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "and up to it";
-
-    Open(whole);
-    for (int nTh = 2; nTh <= 4; nTh++) { /* the header was read for the file; offset, BMP header, whole */
-        Open(whole);
-        FailCall(CALL_ReadFile, nTh);
-        EXPECT_FALSE(ReadXpiBitmap(file, 0, &cb)) << nTh;
-        EXPECT_EQ(StopFaults(), 1);
-    }
-}
-
-TEST_F(ModelTest, ColorDataIsAsLongAsTheLowHalfSays)
-{
-    DescriptionBuilder builder;
-    builder.colorData = {1, 2, 3, 4, 5, 6, 7, 8};
-    Bytes whole = builder.Build();
-    u8 aRoom[16];
-    for (const auto& [cbTold, cb] : {std::pair<u32, u32>{8, 8}, {0, 0}, {0x10005, 5}, {0x10000, 0}}) {
-        Bytes bytes = whole;
-        Poke(&bytes, AT_COLOR_SIZE, cbTold);
-        Open(bytes);
-        EXPECT_EQ(ReadXpiColorData(file, nullptr), cb);
-        std::memset(aRoom, 0xEE, sizeof aRoom);
-        EXPECT_EQ(ReadXpiColorData(file, aRoom), cb);
-        Bytes expected(builder.colorData.begin(), builder.colorData.begin() + static_cast<i64>(cb));
-        expected.resize(sizeof aRoom, 0xEE);
-        EXPECT_EQ(Bytes(aRoom, aRoom + 16), expected) << cbTold;
-    }
-    Poke(&whole, AT_COLOR_SIZE, u32{12}); /* four more than the file has */
-    Open(whole);
-    std::memset(aRoom, 0xEE, sizeof aRoom);
-    EXPECT_EQ(ReadXpiColorData(file, aRoom), 12u);
-    EXPECT_EQ(Bytes(aRoom, aRoom + 16), (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE}));
-    FailCall(CALL_ReadFile, 1);
-    EXPECT_EQ(ReadXpiColorData(file, aRoom), 0u);
-    EXPECT_EQ(StopFaults(), 1);
-}
-
 namespace {
 
 class ModelScripts : public Scripted<ModelTest> {
@@ -336,6 +212,9 @@ class ModelScripts : public Scripted<ModelTest> {
             {"command-data", AT_COMMAND_DATA},
             {"font-table", AT_FONT_TABLE},
             {"font-data", AT_FONT_DATA},
+            {"bitmap-data", AT_BITMAP_DATA},
+            {"color-data", AT_COLOR_DATA},
+            {"color-size", AT_COLOR_SIZE},
         };
         if (word[0] == '@') {
             const size_t nSign = word.find_first_of("+", 1);
@@ -391,12 +270,53 @@ class ModelScripts : public Scripted<ModelTest> {
         builder.Table(174, rows);
         return GetXpiHalftoneBytes(Load(builder.Build()));
     }
-    std::string Command(u16 usId)
+    /* ID [ROOM]: by one of the two readers. */
+    std::string Command(int (*read)(XpiFile&, u16, char*, int), const Args& w)
     {
-        char cText[64];
-        Open(bytes_);
-        ReadXpiCommand(file, usId, cText, sizeof cText);
-        return cText;
+        char cText[2001];
+        std::memset(cText, '~', sizeof cText);
+        const int cb = w.size() > 1 ? Int(w, 1) : 2000;
+        const int nRead = read(file, static_cast<u16>(At(w[0])), cText, cb);
+        EXPECT_EQ(cText[cb], '~');
+        const std::string text = cb ? cText : "";
+        EXPECT_EQ(nRead, static_cast<int>(text.size()));
+        return text;
+    }
+    void AddBitmap(u32 cbTold, size_t cb)
+    {
+        Bytes bitmap(cb, 0x77);
+        bitmap[0] = 'B';
+        bitmap[1] = 'M';
+        Poke(&bitmap, 2, cbTold);
+        builder_.bitmaps.push_back(bitmap);
+    }
+    std::string Bitmap(u16 usId)
+    {
+        u32 cb = 99;
+        ResetCallCounts();
+        const OwnedBlock<u8> pBitmap = ReadXpiBitmap(file, usId, &cb);
+        EXPECT_EQ(pBitmap != nullptr, cb > 0);
+        if (pBitmap && usId < builder_.bitmaps.size()) { /* the size that is told may be another */
+            const Bytes& own = builder_.bitmaps[usId];
+            EXPECT_TRUE(std::equal(pBitmap.get() + 6, pBitmap.get() + std::min<size_t>(cb, own.size()),
+                                   own.begin() + 6));
+        }
+        return pBitmap ? std::to_string(cb) : CallCount(CALL_HeapAlloc) ? "none for want of bytes" : "none";
+    }
+    /* The length without a room, and the bytes of a room of 16. */
+    std::string Color()
+    {
+        u8 aRoom[16];
+        std::memset(aRoom, 0xEE, sizeof aRoom);
+        const u32 cb = ReadXpiColorData(file, nullptr);
+        std::string text = std::to_string(cb);
+        if (const u32 cbRead = ReadXpiColorData(file, aRoom); cbRead != cb) {
+            return text + " but " + std::to_string(cbRead);
+        }
+        for (u8 bByte : aRoom) {
+            text += " " + std::to_string(bByte);
+        }
+        return text.substr(0, text.find(" 238"));
     }
 
     Bytes bytes_;
@@ -437,7 +357,14 @@ SCRIPTED(ModelScripts, AreLoadedAsWritten, "models.txt")
         VERB("font-bytes", GetXpiFontDataSize(file, pModel.get())),
         VERB("memory", LookupXpiMemory(Load(builder_.Build()), static_cast<u16>(at(w)))),
         VERB("halftone", Halftone(w)),
-        VERB("read-command", Command(static_cast<u16>(at(w)))),
+        DEED("open-command", builder_.commands.emplace_back(w[0].begin(), w[0].end())),
+        DEED("open", Open(bytes_)),
+        VERB("read-command", Command(ReadXpiCommand, w)),
+        VERB("read-short-command", Command(ReadXpiShortCommand, w)),
+        DEED("bitmap", AddBitmap(static_cast<u32>(at(w)), at(w, 1))),
+        VERB("read-bitmap", Bitmap(static_cast<u16>(at(w)))),
+        DEED("color", builder_.colorData = FromHex<Bytes>(w[0])),
+        VERB("read-color", Color()),
     });
 }
 

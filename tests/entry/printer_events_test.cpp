@@ -97,29 +97,6 @@ TEST_F(PrinterEvents, TheFontFileGetsHalftonesThenFontsBehindItsBaseAndOnlyOnce)
         nEnd += cb;
         EXPECT_EQ(extended[nEnd - 1], bFill);
     }
-    /* The value tells the size before; neither a second setting-up nor a connection adds again. */
-    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), 1000u);
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(GetFile(tcFontFile), extended);
-    Raise(INITIALIZE);
-    EXPECT_EQ(GetFile(tcFontFile), extended);
-    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), extended.size());
-    /* Another machine has the file as shipped, or less of it. */
-    SetPrinterValue(wcPrinter, u"BasePDFSize", REG_DWORD, {0xE8, 3, 0, 0});
-    PutFile(tcFontFile, Bytes(900, 0x46));
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
-    /* A base as large as the additions is never extended; nor is a file that somebody holds open. */
-    PutFile(tcFontFile, Bytes(extended.size(), 0x47));
-    Raise(INITIALIZE);
-    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
-    PutFile(tcFontFile, Bytes(1000, 0x46));
-    HANDLE hHeld = CreateFileW(tcFontFile.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                               OPEN_EXISTING, 0, nullptr);
-    Raise(INITIALIZE);
-    CloseHandle(hHeld);
-    EXPECT_EQ(GetFile(tcFontFile), Bytes(1000, 0x46));
-    EXPECT_FALSE(HasFile(tcFontFile + u".new"));
 }
 
 TEST_F(PrinterEvents, LostPowerLeavesTheFontFileBaseOrWhole)
@@ -259,6 +236,7 @@ class EventLives : public Scripted<PrinterEvents> {
                (GetFile(u"C:\\drv\\W32X86\\4\\t.fdf") == Bytes(1000000, 0x48) ? " stayed" : " followed");
     }
     Bytes kept_;
+    HANDLE hHeld_ = nullptr;
 };
 
 SCRIPTED(EventLives, LeaveWhatIsWritten, "printer_events.txt")
@@ -275,6 +253,13 @@ SCRIPTED(EventLives, LeaveWhatIsWritten, "printer_events.txt")
         VERB("values", PrinterValues(wcPrinter).size()),
         VERB("forms", FormNames().size()),
         VERB("font-file", GetFile(tcFontFile).size()),
+        DEED("put-font-file", PutFile(tcFontFile, Bytes(static_cast<size_t>(Int(w, 0)), 0x46))),
+        VERB("new-font-file", HasFile(tcFontFile + u".new")),
+        VERB("base-size", Peek<u32>(Value(u"BasePDFSize"), 0)),
+        DEED("hold",
+             hHeld_ = CreateFileW(tcFontFile.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr)),
+        DEED("let-go", CloseHandle(hHeld_)),
         VERB("processor", Narrow(GetPrinterSetup(wcPrinter).wcPrintProcessor)),
         VERB("processors", PrintProcessors().size()),
         VERB("remove-processor", std::filesystem::remove(HostPath(tcProcessorFolder + u"JOB.DLL"))),
