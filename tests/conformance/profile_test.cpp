@@ -149,7 +149,7 @@ std::string Utf16(const std::string& text)
     return bytes;
 }
 
-class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<Scenario> {
+class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<Script> {
   protected:
     /* What both readers answer about the file that the script has put together. */
     template <class Question> std::string AskBoth(Question question)
@@ -159,7 +159,7 @@ class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<S
         EXPECT_EQ(own, question(SystemReader(tcPath)));
         return own;
     }
-    std::string Read(const StepWords& w)
+    std::string Read(const Args& w)
     {
         std::string text = AskBoth([&](const auto& reader) { return reader.Text(Wide(w[0]), Wide(w[1])); });
         for (char* pEnd : {&text.front(), &text.back()}) {
@@ -167,7 +167,7 @@ class ProfileScripts : public ProfileFiles, public testing::WithParamInterface<S
         }
         return text;
     }
-    std::string Number(const StepWords& w)
+    std::string Number(const Args& w)
     {
         return AskBoth(
             [&](const auto& reader) { return std::to_string(reader.Number(Wide(w[0]), Wide(w[1]))); });
@@ -196,8 +196,8 @@ TEST_P(ProfileScripts, AreReadAsWritten)
     Play(GetParam(), verbs);
 }
 
-INSTANTIATE_TEST_SUITE_P(, ProfileScripts, testing::ValuesIn(ReadScenarios("conformance_profile.txt")),
-                         ScenarioName);
+INSTANTIATE_TEST_SUITE_P(, ProfileScripts, testing::ValuesIn(ReadScripts("conformance_profile.txt")),
+                         ScriptName);
 
 TEST_F(ProfileFiles, FilesThatAnotherHoldsAloneAreAsIfEmpty)
 {

@@ -134,7 +134,7 @@ class TestSheet {
 
 #endif
 
-class SheetHost : public BothBuilds, public testing::WithParamInterface<Scenario> {};
+class SheetHost : public BothBuilds, public testing::WithParamInterface<Script> {};
 
 TEST_P(SheetHost, TellsItsPagesAsWritten)
 {
@@ -166,7 +166,6 @@ TEST_P(SheetHost, TellsItsPagesAsWritten)
     Play(GetParam(), verbs);
 }
 
-INSTANTIATE_TEST_SUITE_P(, SheetHost, testing::ValuesIn(ReadScenarios("conformance_sheet.txt")),
-                         ScenarioName);
+INSTANTIATE_TEST_SUITE_P(, SheetHost, testing::ValuesIn(ReadScripts("conformance_sheet.txt")), ScriptName);
 
 } // namespace

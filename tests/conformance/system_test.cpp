@@ -49,12 +49,13 @@ std::string AttributeLetters(DWORD dwAttributes)
            (dwAttributes & FILE_ATTRIBUTE_REPARSE_POINT ? "L" : "");
 }
 
-class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
+class System : public BothBuilds, public testing::WithParamInterface<Script> {
   protected:
     void SetUp() override
     {
         BothBuilds::SetUp();
         tcFolder_ = TestFolder();
+        GetCurrentDirectoryW(300, tcFirst_);
         PutTestFile(Path("a.txt"), "0123456789");
         handles_ = {{"null", nullptr},
                     {"invalid", INVALID_HANDLE_VALUE},
@@ -78,7 +79,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* NAME PATH ACCESS SHARE [new] [folder] [link] */
-    std::string Open(const StepWords& words)
+    std::string Open(const Args& words)
     {
         DWORD dwHow = OPEN_EXISTING, dwFlags = FILE_ATTRIBUTE_NORMAL;
         for (size_t i = 4; i < words.size(); i++) {
@@ -94,7 +95,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
                     INVALID_HANDLE_VALUE);
     }
 
-    std::string Read(const StepWords& words)
+    std::string Read(const Args& words)
     {
         std::string bytes(64, '~');
         DWORD cbRead = 0xDEAD;
@@ -105,7 +106,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bytes.substr(0, cbRead);
     }
 
-    std::string Seek(const StepWords& words)
+    std::string Seek(const Args& words)
     {
         LARGE_INTEGER move, position;
         move.QuadPart = ToNumber(words[1]);
@@ -116,7 +117,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bDone ? std::to_string(position.QuadPart) : Error(GetLastError());
     }
 
-    std::string Size(const StepWords& words)
+    std::string Size(const Args& words)
     {
         LARGE_INTEGER size;
         size.QuadPart = -99;
@@ -125,7 +126,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return bDone ? std::to_string(size.QuadPart) : Error(GetLastError());
     }
 
-    std::string Write(const StepWords& words)
+    std::string Write(const Args& words)
     {
         DWORD cbDone = 77;
         const BOOL bDone = WriteFile(handles_[words[0]], words[1].data(), static_cast<DWORD>(words[1].size()),
@@ -134,7 +135,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* The final path behind the test's folder, in small letters. */
-    std::string Final(const StepWords& words)
+    std::string Final(const Args& words)
     {
         WCHAR tcFinal[260];
         const DWORD cch = GetFinalPathNameByHandleW(handles_[words[0]], tcFinal, 260, 0);
@@ -152,20 +153,20 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return path;
     }
 
-    std::string MarkDeleted(const StepWords& words)
+    std::string MarkDeleted(const Args& words)
     {
         FILE_DISPOSITION_INFO info = {1};
         return Done(SetFileInformationByHandle(handles_[words[0]], FileDispositionInfo, &info, sizeof info));
     }
 
-    std::string Attributes(const StepWords& words)
+    std::string Attributes(const Args& words)
     {
         const DWORD dwAttributes = GetFileAttributesW(Path(words[0]).c_str());
         return dwAttributes == INVALID_FILE_ATTRIBUTES ? Error(GetLastError())
                                                        : AttributeLetters(dwAttributes);
     }
 
-    std::string Find(const StepWords& words)
+    std::string Find(const Args& words)
     {
         WIN32_FIND_DATAW entry;
         std::string found;
@@ -187,7 +188,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
 
     /* The sharing of an open file against that of a second opening: read, write and both, each with no share, r, w, rw.
        "x" for a violation. */
-    std::string Sharing(const StepWords& words)
+    std::string Sharing(const Args& words)
     {
         std::string found;
         for (const char* cAccess : {"r", "w", "rw"}) {
@@ -202,7 +203,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return found;
     }
 
-    std::string Load(const StepWords& words)
+    std::string Load(const Args& words)
     {
         const WideString tcPath = words[1][0] == '*' ? BuiltFile(words[1].c_str() + 1) : Path(words[1]);
         const DWORD dwHow = words[2] == "data"    ? DWORD{LOAD_LIBRARY_AS_DATAFILE}
@@ -215,7 +216,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* LoadStringW into a room within a larger buffer: "6 Layout"; without its end, when the room has none. */
-    std::string String(const StepWords& words)
+    std::string String(const Args& words)
     {
         constexpr WCHAR FILLER = 0x2588; /* in no text of the libraries */
         WideString wcBuffer(200, FILLER);
@@ -229,14 +230,14 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return std::to_string(cch) + (text.empty() ? "" : " " + text);
     }
 
-    std::string Text(const StepWords& words)
+    std::string Text(const Args& words)
     {
         const std::vector<unsigned char> bytes = ReadTestFile(Path(words[0]));
         return {bytes.begin(), bytes.end()};
     }
 
     /* A library that was cut. */
-    void PutPart(const StepWords& words)
+    void PutPart(const Args& words)
     {
         std::vector<unsigned char> bytes = ReadTestFile(BuiltFile("TXT.DLL"));
         bytes.resize(words[1] == "half" ? bytes.size() / 2 : Number(words[1]));
@@ -245,7 +246,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
 
 #ifndef _WIN32
     /* Where a file lies below the machine's root. */
-    static std::string OnHost(const StepWords& words)
+    static std::string OnHost(const Args& words)
     {
         const std::string root = HostPath(u"C:\\").parent_path().string();
         const std::string host = HostPath(WideWord(words[0])).string();
@@ -255,7 +256,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 #endif
 
-    std::string QueryValue(const StepWords& words)
+    std::string QueryValue(const Args& words)
     {
         HKEY hKey;
         BYTE abRoom[16] = {};
@@ -272,7 +273,7 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
     }
 
     /* Makes or opens the key; sets a value of so many bytes. */
-    std::string SetValue(const StepWords& words)
+    std::string SetValue(const Args& words)
     {
         HKEY hKey;
         const BYTE abValue[4] = {7};
@@ -282,10 +283,22 @@ class System : public BothBuilds, public testing::WithParamInterface<Scenario> {
         return std::to_string(lError + RegCloseKey(hKey));
     }
 
+    /* The current folder behind the test's, and that it is told into the room that it needs. */
+    std::string CurrentFolder()
+    {
+        WCHAR tcNow[300] = {};
+        const DWORD cch = GetCurrentDirectoryW(300, tcNow);
+        EXPECT_EQ(GetCurrentDirectoryW(cch, tcNow), cch + 1) << "what is needed, with the NUL";
+        GetCurrentDirectoryW(300, tcNow);
+        EXPECT_EQ(cch, WideString(tcNow).size());
+        return tcNow == tcFolder_ ? "the test's" : "another";
+    }
+
     static constexpr DWORD REPLACE = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     static constexpr const WCHAR* KEY = TEXT("SOFTWARE\\TquiConformance\\");
 
     WideString tcFolder_;
+    WCHAR tcFirst_[300] = {};
     std::map<std::string, HANDLE> handles_;
 };
 
@@ -294,9 +307,9 @@ TEST_P(System, AnswersAsWritten)
 #ifdef _WIN32
     RegDeleteKeyW(HKEY_CURRENT_USER, KEY);
 #endif
-    const auto file = [&](const StepWords& w, size_t n = 0) { return Path(w[n]); };
-    const auto handle = [&](const StepWords& w) { return handles_[w[0]]; };
-    const auto module = [&](const StepWords& w) { return static_cast<HMODULE>(handles_[w[0]]); };
+    const auto file = [&](const Args& w, size_t n = 0) { return Path(w[n]); };
+    const auto handle = [&](const Args& w) { return handles_[w[0]]; };
+    const auto module = [&](const Args& w) { return static_cast<HMODULE>(handles_[w[0]]); };
     const Verbs verbs = {
         VERB("open", Open(w)),
         VERB("close", Done(CloseHandle(handle(w)))),
@@ -323,6 +336,14 @@ TEST_P(System, AnswersAsWritten)
              Keep(w[0], CreateSemaphoreW(nullptr, w.size() > 2 ? 2 : 1, 1, WideWord(w[1]).c_str()), nullptr)),
         VERB("open-semaphore",
              Keep(w[0], OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, 0, WideWord(w[1]).c_str()), nullptr)),
+        VERB("event", Keep(w[0], CreateEventW(nullptr, 0, 0, WideWord(w[1]).c_str()), nullptr)),
+        VERB("open-event",
+             Keep(w[0], OpenEventW(EVENT_MODIFY_STATE | SYNCHRONIZE, 0, WideWord(w[1]).c_str()), nullptr)),
+        VERB("set-event", SetEvent(handle(w)) != 0),
+        VERB("wait", WaitForSingleObject(handle(w), Number(w[1]))),
+        VERB("change-folder", SetCurrentDirectoryW(w[0] == "first" ? tcFirst_ : file(w).c_str()) != 0),
+        VERB("attributes-here", GetFileAttributesW(WideWord(w[0]).c_str()) != INVALID_FILE_ATTRIBUTES),
+        VERB("current-folder", CurrentFolder()),
         VERB("last-error", Error(GetLastError())),
         VERB("query-value", QueryValue(w)),
         VERB("set-value", SetValue(w)),
@@ -341,7 +362,7 @@ TEST_P(System, AnswersAsWritten)
     Play(GetParam(), verbs);
 }
 
-INSTANTIATE_TEST_SUITE_P(, System, testing::ValuesIn(ReadScenarios("conformance_system.txt")), ScenarioName);
+INSTANTIATE_TEST_SUITE_P(, System, testing::ValuesIn(ReadScripts("conformance_system.txt")), ScriptName);
 
 using SystemFolder = BothBuilds;
 

@@ -145,10 +145,10 @@ std::string Place(HDC hDc, const WideString& wcText, DWORD dwFlags, UINT nRoom, 
            std::to_string(results.nGlyphs) + " " + Ascii(wcChars.c_str());
 }
 
-class LetterScripts : public TextOutput, public testing::WithParamInterface<Scenario> {
+class LetterScripts : public TextOutput, public testing::WithParamInterface<Script> {
   protected:
     /* FACE HEIGHT [angle N] [bold-italic] [set N] */
-    void Font(const StepWords& words)
+    void Font(const Args& words)
     {
         Face face = {WideWord(words[0]), static_cast<int>(ToNumber(words[1]))};
         for (size_t i = 2; i < words.size(); i++) {
@@ -161,7 +161,7 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
         }
         Use(face);
     }
-    void Align(const StepWords& words)
+    void Align(const Args& words)
     {
         const std::map<std::string, UINT> aligns = {
             {"left", TA_LEFT}, {"center", TA_CENTER}, {"baseline", TA_BASELINE}, {"rtl", TA_RTLREADING}};
@@ -171,7 +171,7 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
         }
         EXPECT_EQ(SetTextAlign(hDc, uAlign), std::exchange(uBefore_, uAlign));
     }
-    std::string InkOf(const StepWords& words)
+    std::string InkOf(const Args& words)
     {
         Wipe(WHITE);
         Draw(WideWord(words[0]), words.size() > 1 ? static_cast<int>(ToNumber(words[1])) : 100,
@@ -179,7 +179,7 @@ class LetterScripts : public TextOutput, public testing::WithParamInterface<Scen
         return Ink();
     }
     /* Of the text in the rectangle: the result and the ink. */
-    std::string Set(const StepWords& words)
+    std::string Set(const Args& words)
     {
         RECT rect = {20, 10, 120, 90};
         const UINT uFormat = (words[1].find('c') != std::string::npos ? DT_CENTER : 0) |
@@ -208,8 +208,8 @@ TEST_P(LetterScripts, AreTheSystems)
     Play(GetParam(), verbs);
 }
 
-INSTANTIATE_TEST_SUITE_P(, LetterScripts, testing::ValuesIn(ReadScenarios("conformance_letters.txt")),
-                         ScenarioName);
+INSTANTIATE_TEST_SUITE_P(, LetterScripts, testing::ValuesIn(ReadScripts("conformance_letters.txt")),
+                         ScriptName);
 
 TEST_F(TextOutput, CallsWithoutAContextOrAGlyphFail)
 {

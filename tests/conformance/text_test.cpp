@@ -1,5 +1,5 @@
 /* What the library relies on of code pages and case, on both builds. */
-#include "support/both_builds.h"
+#include "support/script.h"
 
 #include "platform/text.h"
 
@@ -7,75 +7,48 @@ namespace {
 
 using TextConformance = BothBuilds;
 
-WideString Upper(WideString wcText)
+class TextScripts : public BothBuilds, public testing::WithParamInterface<Script> {};
+
+std::string Upper(WideString wcText)
 {
     EXPECT_EQ(CharUpperBuffW(wcText.data(), static_cast<DWORD>(wcText.size())), wcText.size());
-    return wcText;
+    return Ascii(wcText);
 }
 
-WideString Convert(const std::string& text, DWORD dwFlags, int cch)
+/* Text of the code page, whether invalid characters are errors, room in characters (0 measures). */
+std::string ToWide(const std::string& text, DWORD dwFlags, int nBytes, int cch)
 {
     WideString wcOut(static_cast<size_t>(cch), TEXT('#'));
-    int nOut =
-        MultiByteToWideChar(CP_ACP, dwFlags, text.data(), static_cast<int>(text.size()), wcOut.data(), cch);
-    return nOut > 0 ? wcOut.substr(0, static_cast<size_t>(nOut)) : WideString(TEXT("(failed)"));
+    const int nOut =
+        MultiByteToWideChar(CP_ACP, dwFlags, text.data(), nBytes, cch ? wcOut.data() : nullptr, cch);
+    return std::to_string(nOut) + (nOut > 0 ? " " + Ascii(wcOut.substr(0, static_cast<size_t>(nOut))) : "");
+}
+
+/* The bytes in hexadecimal and one behind them, none when it measures. */
+std::string ToAnsi(const WideString& wcText, int nChars, int cb)
+{
+    std::string out(64, '#'), text;
+    const int nOut = WideCharToMultiByte(CP_ACP, 0, wcText.c_str(), nChars, cb ? out.data() : nullptr, cb,
+                                         nullptr, nullptr);
+    for (int i = 0; cb && nOut && i <= nOut; i++) {
+        const auto uByte = static_cast<unsigned char>(out[static_cast<size_t>(i)]);
+        text += uByte < 0x7F ? std::string(1, static_cast<char>(uByte)) : "x" + std::to_string(uByte);
+    }
+    return std::to_string(nOut) + " " + text;
+}
+
+SCRIPTED(TextScripts, AreConvertedAsWritten, "conformance_text.txt")
+{
+    const auto number = [](const Args& w, size_t n) { return static_cast<int>(ToNumber(w[n])); };
+    Play(GetParam(), {VERB("upper", Upper(WideWord(w[0]))),
+                      VERB("wide", ToWide(FromHex<std::string>(w[0]), 0, number(w, 1), number(w, 2))),
+                      VERB("wide-valid", ToWide(FromHex<std::string>(w[0]), MB_ERR_INVALID_CHARS,
+                                                number(w, 1), number(w, 2))),
+                      VERB("ansi", ToAnsi(WideWord(w[0]), number(w, 1), number(w, 2))),
+                      VERB("same", lstrcmpW(WideWord(w[0]).c_str(), WideWord(w[1]).c_str()) == 0)});
 }
 
 } // namespace
-
-TEST_F(TextConformance, CapitalsOfPathsInAllScriptsThatAPrinterMeets)
-{
-    for (const auto& [wcText, wcCapitals] :
-         {std::pair(TEXT("c:\\Drv\\qa-1_{}~.xpi"), TEXT("C:\\DRV\\QA-1_{}~.XPI")),
-          {TEXT("\u00E4\u00F6\u00FC\u00DF\u00F7\u00FF\u00E9"),
-           TEXT("\u00C4\u00D6\u00DC\u00DF\u00F7\u0178\u00C9")},
-          {TEXT("\u0101\u0142\u0148\u0161\u017E\u0151\u0133"),
-           TEXT("\u0100\u0141\u0147\u0160\u017D\u0150\u0132")},
-          {TEXT("\u03B1\u03C9\u03AC\u03CC\u03CE\u03C3"), TEXT("\u0391\u03A9\u0386\u038C\u038F\u03A3")},
-          {TEXT("\u0430\u044F\u0451\u0457\u0491"), TEXT("\u0410\u042F\u0401\u0407\u0490")},
-          {TEXT("\u3042\u4E2D\uFF11\U0001F600"), TEXT("\u3042\u4E2D\uFF11\U0001F600")}}) { /* no case */
-        EXPECT_EQ(Upper(wcText), wcCapitals);
-    }
-}
-
-TEST_F(TextConformance, AnsiTextBecomesWide)
-{
-    EXPECT_EQ(Convert("Gr\xF6\xDF \x80", 0, 16), TEXT("Gr\u00F6\u00DF \u20AC"));
-    EXPECT_EQ(Convert("abc", 0, 3), TEXT("abc")); /* no NUL is added */
-    EXPECT_EQ(Convert("abcd", 0, 3), TEXT("(failed)"));
-    EXPECT_EQ(Convert("abc", MB_ERR_INVALID_CHARS, 8), TEXT("abc"));
-    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcd", 4, nullptr, 0), 4); /* measures */
-    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcd", 0, nullptr, 0), 0);
-    EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcd", -1, nullptr, 0), 5);
-}
-
-TEST_F(TextConformance, NamesAreTheSameOrNot)
-{
-    EXPECT_EQ(lstrcmpW(TEXT("Draft 1"), TEXT("Draft 1")), 0);
-    EXPECT_NE(lstrcmpW(TEXT("Draft"), TEXT("draft")), 0);
-    EXPECT_NE(lstrcmpW(TEXT("Draft"), TEXT("Draft ")), 0);
-    EXPECT_NE(lstrcmpW(TEXT("a"), TEXT("\u00E4")), 0);
-}
-
-/* Wide text in the code page: measured first, then converted; a buffer that is too small is a failure, and no
-   NUL is added that was not counted. */
-TEST_F(TextConformance, WideTextBecomesAnsi)
-{
-    const auto convert = [](const WideString& wcText, int nChars, int cb) {
-        std::string out(64, '#');
-        int nOut = WideCharToMultiByte(CP_ACP, 0, wcText.c_str(), nChars, cb ? out.data() : nullptr, cb,
-                                       nullptr, nullptr);
-        return std::to_string(nOut) + (cb && nOut ? " " + out.substr(0, static_cast<size_t>(nOut) + 1) : "");
-    };
-    EXPECT_EQ(convert(TEXT("Gr\u00F6\u00DFe \u20AC"), 7, 0), "7");
-    EXPECT_EQ(convert(TEXT("Gr\u00F6\u00DF \u20AC"), 6, 64), "6 Gr\xF6\xDF \x80#");
-    EXPECT_EQ(convert(TEXT("abc"), -1, 0), "4");
-    EXPECT_EQ(convert(TEXT("abc"), 3, 3), "3 abc#");
-    EXPECT_EQ(convert(TEXT("abc"), 3, 2), "0");
-    EXPECT_EQ(convert(TEXT("abc"), 0, 64), "0");
-    EXPECT_EQ(convert(TEXT("a\u4E2Dx"), 3, 64), "3 a?x#");             /* not in the code page */
-    EXPECT_EQ(convert(TEXT("\uFF02\u2216\u0101"), 3, 64), "3 \"\\a#"); /* the nearest that it holds */
-}
 
 /* Every character of 16 bits becomes what the system makes of it: a sum over all of them. */
 TEST_F(TextConformance, EveryCharacterBecomesTheSameByte)

@@ -185,7 +185,7 @@ class Windows : public BothBuilds {
     HWND hDialog_ = nullptr;
 };
 
-class WindowScripts : public Windows, public testing::WithParamInterface<Scenario> {
+class WindowScripts : public Windows, public testing::WithParamInterface<Script> {
   protected:
     static int Id(const std::string& name) { return controls.at(name); }
     HWND Named(const std::string& name)
@@ -193,19 +193,19 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
         return name == "DIALOG" ? hDialog_ : name == "NOTHING" ? nullptr : Item(Id(name));
     }
     /* A number, or the number of a control. */
-    static WPARAM Value(const StepWords& words, size_t n)
+    static WPARAM Value(const Args& words, size_t n)
     {
         return n >= words.size()          ? 0
                : controls.count(words[n]) ? static_cast<WPARAM>(controls.at(words[n]))
                                           : static_cast<WPARAM>(ToNumber(words[n]));
     }
-    std::string TellDialog(const StepWords& words)
+    std::string TellDialog(const Args& words)
     {
         const UINT uMessage = messages.at(words[0]) + (words[0] == "WM_USER" ? 7 : 0);
         const LRESULT lResult = SendMessageW(hDialog_, uMessage, Value(words, 1), 0);
         return Said(LOWORD(lResult)) + (HIWORD(lResult) == DC_HASDEFID ? " default" : "");
     }
-    void Type(const StepWords& words)
+    void Type(const Args& words)
     {
         for (const char c : words[1]) {
             Tell(Id(words[0]), WM_CHAR, static_cast<WPARAM>(c), 1);
@@ -224,21 +224,21 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
             Tell(Id(name), bCombo ? CB_SETITEMDATA : LB_SETITEMDATA, static_cast<WPARAM>(lRow), lData++);
         }
     }
-    std::string Row(const StepWords& words)
+    std::string Row(const Args& words)
     {
         WCHAR wcRow[16] = {};
         const LRESULT lResult =
             Tell(Id(words[0]), LB_GETTEXT, Value(words, 1), reinterpret_cast<LPARAM>(wcRow));
         return Said(lResult) + (*wcRow ? " " + Ascii(wcRow) : "");
     }
-    std::string NumberOf(const StepWords& words)
+    std::string NumberOf(const Args& words)
     {
         SetDlgItemTextW(hDialog_, EDIT_LINE, WideWord(words[0]).c_str());
         BOOL bDone = 7;
         const UINT uNumber = GetDlgItemInt(hDialog_, EDIT_LINE, &bDone, words.size() < 2);
         return std::to_string(static_cast<int>(uNumber)) + (bDone ? "" : " failed");
     }
-    LRESULT TabStops(const StepWords& words)
+    LRESULT TabStops(const Args& words)
     {
         int nStop = 80;
         return Tell(Id(words[0]), LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&nStop));
@@ -247,8 +247,8 @@ class WindowScripts : public Windows, public testing::WithParamInterface<Scenari
 
 TEST_P(WindowScripts, AnswerAsWritten)
 {
-    const auto item = [&](const StepWords& w) { return Id(w[0]); };
-    const auto window = [&](const StepWords& w) { return Named(w[0]); };
+    const auto item = [&](const Args& w) { return Id(w[0]); };
+    const auto window = [&](const Args& w) { return Named(w[0]); };
     const Verbs verbs = {
         VERB("tell", Tell(item(w), messages.at(w[1]), Value(w, 2), static_cast<LPARAM>(Value(w, 3)))),
         VERB("tell-text",
@@ -281,8 +281,8 @@ TEST_P(WindowScripts, AnswerAsWritten)
     Play(GetParam(), verbs);
 }
 
-INSTANTIATE_TEST_SUITE_P(, WindowScripts, testing::ValuesIn(ReadScenarios("conformance_windows.txt")),
-                         ScenarioName);
+INSTANTIATE_TEST_SUITE_P(, WindowScripts, testing::ValuesIn(ReadScripts("conformance_windows.txt")),
+                         ScriptName);
 
 TEST_F(Windows, NoWindowIsNone)
 {

@@ -1,8 +1,7 @@
 /* Companion files of the driver: found by a piece of their name in the spooler's list; printers opened by
    name; answers of the spooler that are long, short or strange. */
 #include "description/driver_files.h"
-#include "support/data_file.h"
-#include "support/sample_machine.h"
+#include "support/machine_script.h"
 
 namespace {
 
@@ -47,26 +46,9 @@ class DriverFilesTest : public MachineTest {
         }
     }
 
-    std::string OpenByName(const WCHAR* wcName, bool* pbOpen)
-    {
-        size_t nBefore = OpenedPrinters().size();
-        OwnedPrinter hByName = OpenPrinterByName(wcName);
-        *pbOpen = IsOpen(hByName.get());
-        std::string tries;
-        for (size_t i = nBefore; i < OpenedPrinters().size(); i++) {
-            tries += (tries.empty() ? "" : " ") + OpenedPrinters()[i];
-        }
-        return tries;
-    }
-
     PrinterSetup setup;
     std::vector<std::pair<WideText, WideText>> values;
 };
-
-WideText PathOf(size_t cch, const WideText& tcEnd)
-{
-    return u"C:\\" + WideText(cch - 3 - tcEnd.size(), u'd') + tcEnd;
-}
 
 } // namespace
 
@@ -83,7 +65,7 @@ TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
         for (const std::string& word : Words(row[0])) {
             const size_t nName = word.find('=') + 1; /* 0 for a dependent file */
             const WideText tcPath =
-                (word.find(':') == word.npos ? u"c:\\drv\\" : u"") + Wide(word.substr(nName));
+                (word.find(':') == word.npos ? u"c:\\drv\\" : u"") + WideWord(word.substr(nName));
             const auto role = roles.find(word.substr(0, nName));
             if (role != roles.end()) {
                 setup.*role->second = tcPath;
@@ -97,26 +79,13 @@ TEST_F(DriverFilesTest, SearchOrderValuesAndTheRenderCore)
         }
         std::vector<std::string> asked = Words(row[2]);
         asked.resize(2);
-        const std::string found =
-            asked[0] == "core" ? RenderCore()
-                               : Find(asked[0] == "-" ? u"" : Wide(asked[0]).c_str(), Wide(asked[1]).c_str());
+        const std::string found = asked[0] == "core" ? RenderCore()
+                                                     : Find(asked[0] == "-" ? u"" : Wide(asked[0]).c_str(),
+                                                            WideWord(asked[1]).c_str());
         const bool bWhole = row[3].empty() || row[3].find(':') != row[3].npos;
         EXPECT_EQ(found, (bWhole ? "" : "C:\\DRV\\") + row[3])
             << row[0] << " | " << row[1] << " | " << row[2];
     }
-    values.clear();
-    setup.atcDependentFiles = {u"c:\\\u00E4\u00F6\u00FC\\\u03B1.dll"};
-    EXPECT_EQ(Find(u"", u"\u00C4\u00D6"), Narrow(u"C:\\\u00C4\u00D6\u00DC\\\u0391.DLL"));
-
-    /* At most 128 characters of it are looked for. */
-    setup.atcDependentFiles = {u"c:\\" + WideText(128, u'n') + u".dll"};
-    values = {{u"XPI", WideText(200, u'n')}};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\" + std::string(128, 'N') + ".DLL");
-    setup.atcDependentFiles = {u"c:\\" + WideText(127, u'n') + u".dll"};
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "");
-    setup.atcDependentFiles = {u"c:\\drv\\a.xpi"};
-    values = {{u"XPI", WideText(300, u'n')}}; /* more than there is room for: not there */
-    EXPECT_EQ(Find(u"XPI", u".XPI"), "C:\\DRV\\A.XPI");
 }
 
 TEST_F(DriverFilesTest, AValueThatFillsItsRoom)
@@ -134,19 +103,6 @@ TEST_F(DriverFilesTest, AValueThatFillsItsRoom)
     EXPECT_EQ(ReadPrinterText(call, u"XPI", tcText, PATH_CHARS, &bEnded), 1);
     EXPECT_EQ(bEnded, 0);
     EXPECT_EQ(WideText(tcText), WideText(259, u'n'));
-}
-
-TEST_F(DriverFilesTest, PathsThatDoNotFitNameNoFile)
-{
-    WideText tcLongest = PathOf(259, u".xpi"), tcTooLong = PathOf(260, u".xpi");
-    setup.atcDependentFiles = {tcLongest};
-    EXPECT_EQ(Find(u"", u".XPI").size(), 259u);
-    setup.atcDependentFiles = {tcTooLong, PathOf(1000, u".xpi"), u"c:\\drv\\next.xpi"};
-    EXPECT_EQ(Find(u"", u".XPI"), "C:\\DRV\\NEXT.XPI");
-    setup.atcDependentFiles = {PathOf(260, u".xpi.dll")}; /* its first 259 characters would match */
-    EXPECT_EQ(Find(u"", u".XPI"), "");
-    setup.tcDriverPath = tcTooLong;
-    EXPECT_EQ(RenderCore(), "");
 }
 
 TEST_F(DriverFilesTest, LongAnswersOfTheSpoolerAreAskedForTwice)
@@ -238,74 +194,51 @@ TEST_F(DriverFilesTest, TheDescriptionIsOpenedOnceACall)
 
 TEST_F(DriverFilesTest, FontFile)
 {
-    PrinterCall none(nullptr);
+    const WideText tcFile = setup.tcDataFile = u"C:\\drv\\qa.fdf";
+    AddPrinterAgain();
+    PrinterCall none(nullptr), call(hPrinter);
     EXPECT_EQ(GetFontFileSize(none), 0xFFFFFFFF);
     EXPECT_FALSE(IsOpen(OpenFontFile(none, GENERIC_READ).get()));
-
-    setup.tcDataFile = u"C:\\drv\\qa.fdf";
-    AddPrinterAgain();
-    PrinterCall call(hPrinter);
     EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF) << "named, but not there";
     EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get()));
-    PutFile(u"C:\\drv\\qa.fdf", "");
-    EXPECT_EQ(GetFontFileSize(call), 0u);
-    PutFile(u"C:\\drv\\qa.fdf", std::string(1000, 'f'));
-    EXPECT_EQ(GetFontFileSize(call), 1000u);
+    for (u32 cb : {0u, 1000u}) {
+        PutFile(tcFile, std::string(cb, 'f'));
+        EXPECT_EQ(GetFontFileSize(call), cb);
+    }
     TellLies(LIE_HUGE, CALL_GetFileSizeEx);
     EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF) << "4 GB and more";
     TellLies(LIE_NONE);
+    SetReadOnly(tcFile, true);
+    OwnedFile hFont = OpenFontFile(call, GENERIC_READ | GENERIC_WRITE);
+    EXPECT_TRUE(IsOpen(hFont.get())) << "the read-only attribute is cleared first";
+    EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get())) << "nobody shares it";
+    EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF);
+    EXPECT_EQ(GetFileAttributesW(tcFile.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
+}
 
-    SetReadOnly(u"C:\\drv\\qa.fdf", true);
+class PrintersOpened : public Scripted<MachineTest> {
+  protected:
+    void SetUp() override
     {
-        OwnedFile hFont = OpenFontFile(call, GENERIC_READ | GENERIC_WRITE);
-        EXPECT_TRUE(IsOpen(hFont.get())) << "the read-only attribute is cleared first";
-        EXPECT_FALSE(IsOpen(OpenFontFile(call, GENERIC_READ).get())) << "nobody shares it";
-        EXPECT_EQ(GetFontFileSize(call), 0xFFFFFFFF);
+        MachineTest::SetUp();
+        AddTestPrinter(DescriptionBuilder().Build());
     }
-    EXPECT_EQ(GetFileAttributesW(u"C:\\drv\\qa.fdf") & FILE_ATTRIBUTE_READONLY, 0u);
-}
 
-TEST_F(DriverFilesTest, PrintersOpenedByName)
+    /* The tries, and whether it is open. */
+    static std::string Open(const WCHAR* wcName)
+    {
+        const size_t nBefore = OpenedPrinters().size();
+        const OwnedPrinter hByName = OpenPrinterByName(wcName);
+        std::string tries;
+        for (size_t i = nBefore; i < OpenedPrinters().size(); i++) {
+            tries += OpenedPrinters()[i] + " ";
+        }
+        std::replace(tries.begin(), tries.end(), '|', ';');
+        return tries + (IsOpen(hByName.get()) ? "open" : "none");
+    }
+};
+
+SCRIPTED(PrintersOpened, ByTheirOwnNameWithTheAccessThatThereIs, "printers_opened.txt")
 {
-    bool bOpen;
-    for (const WCHAR* wcName :
-         {u"Test", u"\\\\WORKPC\\Test,LocalOnly", u"\\\\WORKPC\\Test", u"\\\\WORKPC\\Test,LocalA,LocalB"}) {
-        const WideText wcBare = WideText(wcName).substr(0, WideText(wcName).find(u','));
-        EXPECT_EQ(OpenByName(wcName, &bOpen), Narrow(wcBare) + "|F000C");
-        EXPECT_TRUE(bOpen) << Narrow(wcName);
-    }
-    /* Names of other computers, in other letters, or without the leading backslashes stay as they are. */
-    for (const WCHAR* wcName :
-         {u"\\\\WORKPC\\Test,local", u"\\\\OTHER\\Test,Local", u"\\\\workpc\\Test,Local",
-          u"\\\\WORKPC2\\Test,Local", u"\\\\WORKPC", u"\\WORKPC\\Test,Local", u"Test,Local", u""}) {
-        EXPECT_EQ(OpenByName(wcName, &bOpen), Narrow(wcName) + "|F000C");
-        EXPECT_FALSE(bOpen) << Narrow(wcName);
-    }
-    EXPECT_EQ(OpenByName(WideText(200, u'n').c_str(), &bOpen), std::string(128, 'n') + "|F000C");
-    EXPECT_EQ(OpenByName(nullptr, &bOpen), "") << "no name would be the print server";
-    EXPECT_FALSE(bOpen);
-
-    SetComputerName(u"");
-    EXPECT_EQ(OpenByName(u"\\\\WORKPC\\Test,Local", &bOpen), "\\\\WORKPC\\Test,Local|F000C");
-    SetComputerName(WideText(15, u'W'));
-    EXPECT_EQ(OpenByName((u"\\\\" + WideText(15, u'W') + u"\\Test,Local").c_str(), &bOpen),
-              "\\\\" + std::string(15, 'W') + "\\Test|F000C");
-    TellLies(LIE_UNTERMINATED, CALL_GetComputerNameW);
-    EXPECT_EQ(OpenByName(u"\\\\WORKPC\\Test,Local", &bOpen), "\\\\WORKPC\\Test,Local|F000C");
-    TellLies(LIE_NONE);
-}
-
-TEST_F(DriverFilesTest, LessAccessIsAskedForBehindARefusalOnly)
-{
-    bool bOpen;
-    DenyPrinterAccess(0xF000C, 5);
-    EXPECT_EQ(OpenByName(u"Test", &bOpen), "Test|F000C Test|8");
-    EXPECT_TRUE(bOpen);
-    DenyPrinterAccess(8, 5);
-    EXPECT_EQ(OpenByName(u"Test", &bOpen), "Test|F000C Test|8");
-    EXPECT_FALSE(bOpen);
-    DenyPrinterAccess(0, 0);
-    DenyPrinterAccess(0xF000C, 1722);
-    EXPECT_EQ(OpenByName(u"Test", &bOpen), "Test|F000C");
-    EXPECT_FALSE(bOpen);
+    PlayBy({VERB("open", Open(w.empty() ? nullptr : WideWord(w[0]).c_str()))});
 }

@@ -1,7 +1,7 @@
 /* The loaded body of a description file, its rows, and the sections beside texts: built byte by byte, whole
    and damaged. */
 #include "description/driver_files.h"
-#include "support/sample_machine.h"
+#include "support/machine_script.h"
 
 namespace {
 
@@ -91,29 +91,6 @@ const std::vector<size_t> SIX_FONTS = {20000, 12767, 1, 30000, 2767, 1};
 
 } // namespace
 
-TEST_F(ModelTest, BodySizeIsADifferenceOfLowHalves)
-{
-    /* 0x10200 - 0x40 is 66,000 bytes; the low halves give 448. */
-    Bytes bytes(64 + 70000, 0xEE);
-    Poke(&bytes, AT_BODY, u32{0x40});
-    Poke(&bytes, AT_STRING_BASE, u32{0x10200});
-    for (size_t nSlot : aTableSlots) {
-        Poke(&bytes, 64 + nSlot, u64{0});
-    }
-    Poke(&bytes, 64 + 8, u64{440});
-    Load(bytes);
-    EXPECT_EQ(SlotOffset(8), 440);
-    EXPECT_EQ(Body()[447], 0xEE);
-    EXPECT_EQ(Body()[448], 0x00);
-    EXPECT_LT(PeakBlockBytes(), 2048u) << "the block is as large as the body, not as the difference";
-
-    /* Low halves that fall wrap as 16 bits: 0x0010 - 0x0040 is 65,488. */
-    Poke(&bytes, AT_STRING_BASE, u32{0x10});
-    Poke(&bytes, 64 + 8, u64{65480});
-    Load(bytes);
-    EXPECT_EQ(SlotOffset(8), 65480);
-}
-
 TEST_F(ModelTest, AllSlotsBecomePointersAndNothingElseChanges)
 {
     Bytes bytes = BareBody(0x240, 0xA7);
@@ -129,68 +106,16 @@ TEST_F(ModelTest, AllSlotsBecomePointersAndNothingElseChanges)
     EXPECT_EQ(after, Bytes(bytes.begin() + 64, bytes.begin() + 64 + 315));
 }
 
-TEST_F(ModelTest, SlotsCountByAllEightBytesButLeadByTheLowFour)
-{
-    const std::pair<u64, i64> aCases[] = {
-        {0, -1},                 /* absent */
-        {0x0000000100000000, 0}, /* not zero, so it leads to the body's first byte */
-        {0xDEADBEEF00000140, 0x140},
-        {0x17F, 0x17F},
-        {0x180, 0x180}, /* the body's size: from here on it is the tail */
-        {0x181, 0x180},
-        {0x80000010, 0x180},
-        {0xFFFFFFFFFFFFFFFF, 0x180},
-    };
-    for (const auto& [ullSlot, lOffset] : aCases) {
-        Bytes bytes = BareBody(0x180);
-        Poke(&bytes, 64 + 284, ullSlot);
-        Load(bytes);
-        EXPECT_EQ(SlotOffset(284), lOffset) << std::hex << ullSlot;
-    }
-}
-
-TEST_F(ModelTest, ShortBodiesAndFilesReadAsZeros)
-{
-    /* A body of 100 bytes: what it has counts, its pointers lead nowhere, the rest is zero. */
-    Bytes bytes = BareBody(100);
-    Poke(&bytes, 64 + 2, u16{3});
-    Poke(&bytes, 64 + 8, u64{96});
-    Poke(&bytes, 64 + 24, u64{200});
-    Poke(&bytes, 64 + 92, i16{64});
-    bytes.resize(64 + 400, 0xEE); /* what lies behind the body in the file is no part of it */
-    const XpiModel* pLoaded = Load(bytes);
-    EXPECT_EQ(pLoaded->usLanguage, 3);
-    EXPECT_EQ(pLoaded->sStdMemory, 64);
-    EXPECT_EQ(SlotOffset(8), 96);
-    EXPECT_EQ(SlotOffset(24), 315);
-    EXPECT_EQ(pLoaded->usColorClass, 0);
-    EXPECT_EQ(SlotOffset(220), -1);
-    EXPECT_EQ(pLoaded->bModelFlags, 0);
-
-    /* A body that is announced longer than the file. */
-    bytes = BareBody(448, 0x55);
-    bytes.resize(64 + 4);
-    pLoaded = Load(bytes);
-    EXPECT_EQ(pLoaded->usLanguage, 0x5555);
-    EXPECT_EQ(pLoaded->sLanguageLevel, 0);
-    EXPECT_EQ(SlotOffset(8), -1);
-
-    for (const Bytes& empty : {Bytes(), Bytes(64), BareBody(0)}) {
-        Load(empty);
-        EXPECT_EQ(Bytes(Body(), Body() + 315 + 128), Bytes(315 + 128));
-    }
-    bytes = BareBody(448, 0x55);
-    Poke(&bytes, AT_BODY, u32{0xFFFFFF00});
-    Poke(&bytes, AT_STRING_BASE, u32{0x100});
-    EXPECT_EQ(Load(bytes)->usLanguage, 0);
-}
-
 TEST_F(ModelTest, NoModelWithoutAFileMemoryOrAReadableBody)
 {
     XpiFile closed = {};
     EXPECT_FALSE(LoadXpiModel(closed));
     EXPECT_FALSE(OpenXpiPath(closed, u"C:\\missing.xpi"));
     EXPECT_FALSE(LoadXpiModel(closed));
+    EXPECT_EQ(LookupXpiMemory(nullptr, 8), 0);
+    EXPECT_EQ(GetXpiHalftoneBytes(nullptr), 0u);
+    EXPECT_EQ(ReadXpiFontChunk(closed, nullptr, nullptr, 1), 0u);
+    EXPECT_EQ(GetXpiFontDataSize(closed, nullptr), 0u);
 
     DescriptionBuilder builder = WithFonts({10, 20});
     builder.Table<u16>(140, {0, 0, 0});
@@ -241,54 +166,6 @@ TEST_F(ModelTest, RowsOutsideTheBlockAreTheSharedRowOfZeros)
     EXPECT_STREQ(BodyText(pLoaded, nullptr), "");
 }
 
-TEST_F(ModelTest, FontPagesHoldTheStartsOfTheChunksThatEnded)
-{
-    auto Pages = [this](DescriptionBuilder builder, u16 usFill) {
-        const u32 ulPages = builder.Table<u16>(140, {usFill, usFill, usFill, usFill});
-        Load(builder.Build());
-        return std::vector<u16>{WordAt(ulPages), WordAt(ulPages + 2), WordAt(ulPages + 4),
-                                WordAt(ulPages + 6)};
-    };
-    EXPECT_EQ(Pages(WithFonts(SIX_FONTS), 0xEEEE), (std::vector<u16>{1, 3, 5, 0xEEEE}));
-    /* More fonts than are read at one go: 255 * 128 is 32640. */
-    for (size_t nFonts : std::initializer_list<size_t>{254, 255, 256, 257, 511, 600}) {
-        EXPECT_EQ(
-            Pages(WithFonts(std::vector<size_t>(nFonts, 128)), 0),
-            (std::vector<u16>{1, nFonts > 255 ? u16{256} : u16{0}, nFonts > 510 ? u16{511} : u16{0}, 0}))
-            << nFonts;
-    }
-    for (i16 sCount : std::initializer_list<i16>{0, -1, -32768}) {
-        EXPECT_EQ(Pages(WithFonts({}).Set<i16>(156, sCount), 0xEEEE),
-                  (std::vector<u16>{1, 0xEEEE, 0xEEEE, 0xEEEE}))
-            << sCount;
-    }
-}
-
-TEST_F(ModelTest, FontPagesNeverTouchTheFixedPartOrTheTail)
-{
-    DescriptionBuilder builder = WithFonts(SIX_FONTS);
-    builder.Set<u32>(311, 0xA5A5A5A5);
-    builder.body.resize(320, 0xA5);
-    const std::tuple<u64, size_t, Bytes> aCases[] = {
-        {311, 311, {0xA5, 0xA5, 0xA5, 0xA5, 5, 0, 0xA5, 0xA5, 0xA5}}, /* two entries lie in the fixed part */
-        {314, 312, {0xA5, 0xA5, 0xA5, 0xA5, 3, 0, 5, 0}},             /* entry 0 would share a byte with it */
-        {317, 315, {0xA5, 0xA5, 1, 0, 0xA5, 0, 0, 0, 0, 0}},          /* entry 1 would leave the body */
-    };
-    for (const auto& [ullSlot, nFrom, bytes] : aCases) {
-        builder.Set<u64>(140, ullSlot);
-        Load(builder.Build());
-        EXPECT_EQ(Bytes(Body() + nFrom, Body() + nFrom + bytes.size()), bytes) << ullSlot;
-    }
-    for (u64 ullSlot :
-         {u64{0x100000000}, u64{4}, u64{320}, u64{0xFFFFFFF0}}) { /* body's start, within, tail */
-        builder.Set<u64>(140, ullSlot);
-        builder.Set<u16>(2, 3);
-        Load(builder.Build());
-        EXPECT_EQ(pModel->usLanguage, 3);
-        EXPECT_EQ(Bytes(Body() + 320, Body() + 320 + 128), Bytes(128)) << "the tail stays zero";
-    }
-}
-
 TEST_F(ModelTest, FontChunksAndSizes)
 {
     DescriptionBuilder builder = WithFonts(SIX_FONTS);
@@ -306,83 +183,6 @@ TEST_F(ModelTest, FontChunksAndSizes)
         expected.resize(32767, 0xEE);
         EXPECT_EQ(buffer, expected) << nFirst;
     }
-    for (i32 nFirst : {0, -1, 8, INT32_MAX, INT32_MIN}) {
-        EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, nFirst), 0u) << nFirst;
-    }
-    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 65536u);
-
-    Load(WithFonts({40000, 5}).Build());
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 0u) << "a single font over the limit";
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 2), 5u);
-
-    builder = WithFonts(std::vector<size_t>(200, 100)); /* more rows than are held at once */
-    builder.fonts[130].assign(101, 0x7A);
-    Load(builder.Build());
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 20001u);
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 130), 7101u);
-    Bytes last(101);
-    Load(WithFonts({3, 101}).Build());
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), last.data(), 2), 101u);
-    EXPECT_EQ(last, Bytes(101, 0x42));
-}
-
-TEST_F(ModelTest, FontsThatLeadOutOfTheFileHaveNoSize)
-{
-    DescriptionBuilder builder = WithFonts({10, 20});
-    Bytes whole = builder.Build();
-    size_t nTable = Peek<u32>(whole, AT_FONT_TABLE);
-
-    u8 aRoom[40];
-    /* An offset that leads out, a table that falls, a section at whose offset 32 bits would wrap. */
-    for (const auto& [nAt, ulValue] :
-         {std::pair<size_t, u32>{nTable + 8, 0x7FFFFFFF}, {nTable, 31}, {AT_FONT_DATA, 0xFFFFFFF8}}) {
-        Bytes bytes = whole;
-        Poke(&bytes, nAt, ulValue);
-        Load(bytes);
-        EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u) << nAt;
-        EXPECT_EQ(nAt == nTable + 8 ? 0u : ReadXpiFontChunk(file, pModel.get(), aRoom, 1), 0u) << nAt;
-    }
-    whole.resize(Peek<u32>(whole, AT_FONT_DATA) + 29); /* a byte is missing */
-    Load(whole);
-    EXPECT_EQ(GetXpiFontDataSize(file, pModel.get()), 0u);
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), nullptr, 1), 30u);
-    EXPECT_EQ(ReadXpiFontChunk(file, pModel.get(), aRoom, 1), 0u);
-    EXPECT_EQ(ReadXpiFontChunk(file, nullptr, aRoom, 1), 0u);
-    EXPECT_EQ(GetXpiFontDataSize(file, nullptr), 0u);
-}
-
-TEST_F(ModelTest, MemoryIsLookedUpWithTheFirstRowInReserve)
-{
-    const std::vector<MemoryRow> two = {{8, 60}, {96, 90}, {0, 77}};
-    const std::tuple<std::vector<MemoryRow>, u16, u16> aCases[] = {
-        {two, 96, 90}, {two, 8, 60},        {two, 16, 60},
-        {two, 0, 60},  {{{0, 77}}, 96, 77}, {{{448, 40000}, {0, 0}}, 448, 40000}};
-    for (const auto& [rows, usKey, usValue] : aCases) {
-        DescriptionBuilder builder;
-        builder.Table(96, rows);
-        EXPECT_EQ(LookupXpiMemory(Load(builder.Build()), usKey), usValue) << usKey;
-    }
-    EXPECT_EQ(LookupXpiMemory(Load(DescriptionBuilder().Build()), 8), 0);
-    EXPECT_EQ(LookupXpiMemory(nullptr, 8), 0);
-}
-
-TEST_F(ModelTest, HalftoneBytesAreSquaresOfSaneDimensions)
-{
-    auto Told = [this](const std::vector<i16>& dimensions) {
-        std::vector<ResolutionRow> rows;
-        for (i16 sDim : dimensions) {
-            rows.push_back({1, 300, 0, 0, 300, 300, sDim, 1});
-        }
-        rows.push_back({});
-        rows.push_back({1, 300, 0, 0, 300, 300, 1024, 1}); /* behind the closing row */
-        DescriptionBuilder builder;
-        builder.Table(174, rows);
-        return GetXpiHalftoneBytes(Load(builder.Build()));
-    };
-    EXPECT_EQ(Told({8, 16}), 10240u);
-    EXPECT_EQ(Told({-8, 0, 1, 1024, 1025, 32767, -32768}), 32u + 32u * 1024 * 1024);
-    EXPECT_EQ(Told(std::vector<i16>(200, 1024)), 200 * (u64{32} << 20)) << "more than 32 bits hold";
-    EXPECT_EQ(GetXpiHalftoneBytes(nullptr), 0u);
 }
 
 TEST_F(ModelTest, ValueRowsAreWiderOnTheFirstImageKindOnly)
@@ -399,152 +199,173 @@ TEST_F(ModelTest, ValueRowsAreWiderOnTheFirstImageKindOnly)
     EXPECT_EQ(Value(PjlValueRow(nullptr, 0)->usNameId), 0);
 }
 
-TEST_F(ModelTest, CommandsComeWholeOrNotAtAll)
-{
-    DescriptionBuilder builder;
-    u16 usShort = builder.Command("@PJL SET RESOLUTION=600\r\n"), usNone = builder.Command("");
-    u16 us127 = builder.Command(std::string(127, 'a')), us128 = builder.Command(std::string(128, 'b'));
-    u16 us1023 = builder.Command(std::string(1023, 'c')), us1024 = builder.Command(std::string(1024, 'd'));
-    builder.commands.push_back({'A', 'B', 'C'}); /* no NUL: the font section is its end */
-    u16 usOpen = static_cast<u16>(builder.commands.size() - 1);
-    Open(builder.Build());
+namespace {
 
-    const std::string resolution = "@PJL SET RESOLUTION=600\r\n";
-    const std::tuple<u16, std::string, std::string> aCases[] = {
-        /* by the two readers */
-        {usShort, resolution, resolution},
-        {usNone, "", ""},
-        {0, "", ""},
-        {usOpen, "ABC", "ABC"},
-        {us127, std::string(127, 'a'), std::string(127, 'a')},
-        {us128, std::string(128, 'b'), ""},
-        {us1023, std::string(1023, 'c'), ""},
-        {us1024, "", ""}};
-    for (const auto& [usId, full, brief] : aCases) {
-        char cText[2000];
+class ModelScripts : public Scripted<ModelTest> {
+  protected:
+    /* A number; a field of the header by its name; "@NAME+N" what stands in that field, and N more. */
+    u64 At(const std::string& word) const
+    {
+        static const std::map<std::string, size_t> fields = {
+            {"body", AT_BODY},
+            {"string-base", AT_STRING_BASE},
+            {"command-data", AT_COMMAND_DATA},
+            {"font-table", AT_FONT_TABLE},
+            {"font-data", AT_FONT_DATA},
+            {"bitmap-data", AT_BITMAP_DATA},
+            {"color-data", AT_COLOR_DATA},
+            {"color-size", AT_COLOR_SIZE},
+        };
+        if (word[0] == '@') {
+            const size_t nSign = word.find_first_of("+", 1);
+            const u64 ullMore = nSign == word.npos ? 0 : static_cast<u64>(ToNumber(word.substr(nSign + 1)));
+            return Peek<u32>(bytes_, fields.at(word.substr(1, nSign - 1))) + ullMore;
+        }
+        const auto field = fields.find(word);
+        return field == fields.end() ? static_cast<u64>(ToNumber(word)) : field->second;
+    }
+    /* AT WIDTH VALUE */
+    void Change(Bytes* pBytes, const Args& w)
+    {
+        const u64 ullValue = At(w[2]);
+        for (u64 i = 0; i < At(w[1]); i++) {
+            Poke(pBytes, At(w[0]) + i, static_cast<u8>(ullValue >> 8 * i));
+        }
+    }
+    void Words16(const Args& w)
+    {
+        std::vector<u16> words;
+        for (size_t n = 1; n < w.size(); n++) {
+            words.push_back(static_cast<u16>(At(w[n])));
+        }
+        builder_.Table(At(w[0]), words);
+    }
+    std::string Pages(u16 usFill)
+    {
+        const u32 ulPages = builder_.Table<u16>(140, {usFill, usFill, usFill, usFill});
+        Load(builder_.Build());
+        std::string pages;
+        for (u32 i = 0; i < 8; i += 2) {
+            pages += std::to_string(WordAt(ulPages + i)) + " ";
+        }
+        return pages;
+    }
+    /* The size; when it is read the first and the last byte as well. */
+    std::string Chunk(i32 nFirst, bool bRead)
+    {
+        Bytes room(32767);
+        const u32 cb = ReadXpiFontChunk(file, pModel.get(), bRead ? room.data() : nullptr, nFirst);
+        return std::to_string(cb) +
+               (bRead && cb ? " " + std::to_string(room[0]) + " " + std::to_string(room[cb - 1]) : "");
+    }
+    u64 Halftone(const Args& w)
+    {
+        std::vector<ResolutionRow> rows;
+        for (const std::string& word : w) {
+            rows.push_back({1, 300, 0, 0, 300, 300, static_cast<i16>(ToNumber(word)), 1});
+        }
+        rows.push_back({});
+        rows.push_back({1, 300, 0, 0, 300, 300, 1024, 1}); /* behind the closing row */
+        DescriptionBuilder builder;
+        builder.Table(174, rows);
+        return GetXpiHalftoneBytes(Load(builder.Build()));
+    }
+    /* ID [ROOM]: by one of the two readers. */
+    std::string Command(int (*read)(XpiFile&, u16, char*, int), const Args& w)
+    {
+        char cText[2001];
         std::memset(cText, '~', sizeof cText);
-        EXPECT_EQ(ReadXpiCommand(file, usId, cText, sizeof cText), static_cast<int>(full.size())) << usId;
-        EXPECT_EQ(cText, full);
-        EXPECT_EQ(ReadXpiShortCommand(file, usId, cText, sizeof cText), static_cast<int>(brief.size()));
-        EXPECT_EQ(cText, brief);
+        const int cb = w.size() > 1 ? Int(w, 1) : 2000;
+        const int nRead = read(file, static_cast<u16>(At(w[0])), cText, cb);
+        EXPECT_EQ(cText[cb], '~');
+        const std::string text = cb ? cText : "";
+        EXPECT_EQ(nRead, static_cast<int>(text.size()));
+        return text;
     }
-
-    /* Fields of 12 bytes and fewer: half a command is worse than none. */
-    char cField[4] = {'~', '~', '~', '~'};
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 4), 3);
-    EXPECT_STREQ(cField, "ABC");
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 3), 0);
-    EXPECT_STREQ(cField, "");
-    cField[0] = '~';
-    EXPECT_EQ(ReadXpiCommand(file, usOpen, cField, 0), 0);
-    EXPECT_EQ(cField[0], '~');
-
-    FailCall(CALL_ReadFile, 2, FAIL_FROM_THERE);
-    char cText[200] = "~";
-    EXPECT_EQ(ReadXpiCommand(file, usShort, cText, sizeof cText), 0);
-    EXPECT_STREQ(cText, "");
-    EXPECT_GT(StopFaults(), 0);
-}
-
-TEST_F(ModelTest, CommandsNeverReachTheFontSection)
-{
-    DescriptionBuilder builder;
-    u16 usId = builder.Command("ABCDEF");
-    Bytes whole = builder.Build();
-    u32 ulAt = Peek<u32>(whole, AT_COMMAND_DATA) + 1; /* behind command 0 */
-    char cText[64];
-    for (const auto& [ulFontData, cExpected] : {std::pair<u32, const char*>{ulAt + 7, "ABCDEF"},
-                                                {ulAt + 6, "ABCDEF"},
-                                                {ulAt + 3, "ABC"},
-                                                {ulAt, ""},
-                                                {ulAt - 1, ""},
-                                                {0, ""},
-                                                {0xFFFFFFFF, "ABCDEF"}}) {
-        Bytes bytes = whole;
-        Poke(&bytes, AT_FONT_DATA, ulFontData);
-        Open(bytes);
-        ReadXpiCommand(file, usId, cText, sizeof cText);
-        EXPECT_STREQ(cText, cExpected) << ulFontData - ulAt;
-    }
-    /* Ids beyond the table read what lies behind it in the file, or nothing: never a fault. */
-    Open(whole);
-    ReadXpiCommand(file, 0xFFFF, cText, sizeof cText);
-    EXPECT_STREQ(cText, "");
-}
-
-TEST_F(ModelTest, BitmapsComeWholeOrNotAtAll)
-{
-    DescriptionBuilder builder;
-    auto Bitmap = [](u32 cbTold, size_t cb) {
+    void AddBitmap(u32 cbTold, size_t cb)
+    {
         Bytes bitmap(cb, 0x77);
         bitmap[0] = 'B';
         bitmap[1] = 'M';
         Poke(&bitmap, 2, cbTold);
-        return bitmap;
-    };
-    builder.bitmaps = {Bitmap(70, 70), Bitmap(14, 14), Bitmap(13, 14), Bitmap(61, 60),
-                       Bitmap(0xFFFFFFFF, 14)};
-    Bytes whole = builder.Build();
-    Poke(&whole, AT_COLOR_DATA, u32{0});
-    whole.resize(Peek<u32>(whole, AT_BITMAP_DATA) + 70 + 14 + 14 + 60 + 14);
-    Open(whole);
-    u32 cb = 99;
-    OwnedBlock<u8> pFirst = ReadXpiBitmap(file, 0, &cb);
-    ASSERT_TRUE(pFirst);
-    EXPECT_EQ(Bytes(pFirst.get(), pFirst.get() + cb), builder.bitmaps[0]);
-    OwnedBlock<u8> pSmallest = ReadXpiBitmap(file, 1, &cb);
-    ASSERT_TRUE(pSmallest);
-    EXPECT_EQ(cb, 14u);
-
-    ResetCallCounts();
-    for (u16 usId : std::initializer_list<u16>{2, 4, 0xFFFF}) {
-        cb = 99;
-        EXPECT_FALSE(ReadXpiBitmap(file, usId, &cb)) << usId;
-        EXPECT_EQ(cb, 0u);
+        builder_.bitmaps.push_back(bitmap);
     }
-    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0) << "a size that the file cannot hold is not allocated";
-    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "61 bytes told where 60 lie reads on into the next bitmap";
-    whole.resize(whole.size() - 14);
-    Open(whole);
-    ResetCallCounts();
-    EXPECT_FALSE(ReadXpiBitmap(file, 3, &cb)) << "but not beyond the end";
-    EXPECT_EQ(CallCount(CALL_HeapAlloc), 0);
-    Poke(&whole, whole.size() - 60 + 2, u32{60});
-    Open(whole);
-    EXPECT_TRUE(ReadXpiBitmap(file, 3, &cb)) << "and up to it";
-
-    Open(whole);
-    for (int nTh = 2; nTh <= 4; nTh++) { /* the header was read for the file; offset, BMP header, whole */
-        Open(whole);
-        FailCall(CALL_ReadFile, nTh);
-        EXPECT_FALSE(ReadXpiBitmap(file, 0, &cb)) << nTh;
-        EXPECT_EQ(StopFaults(), 1);
+    std::string Bitmap(u16 usId)
+    {
+        u32 cb = 99;
+        ResetCallCounts();
+        const OwnedBlock<u8> pBitmap = ReadXpiBitmap(file, usId, &cb);
+        EXPECT_EQ(pBitmap != nullptr, cb > 0);
+        if (pBitmap && usId < builder_.bitmaps.size()) { /* the size that is told may be another */
+            const Bytes& own = builder_.bitmaps[usId];
+            EXPECT_TRUE(std::equal(pBitmap.get() + 6, pBitmap.get() + std::min<size_t>(cb, own.size()),
+                                   own.begin() + 6));
+        }
+        return pBitmap ? std::to_string(cb) : CallCount(CALL_HeapAlloc) ? "none for want of bytes" : "none";
     }
-}
-
-TEST_F(ModelTest, ColorDataIsAsLongAsTheLowHalfSays)
-{
-    DescriptionBuilder builder;
-    builder.colorData = {1, 2, 3, 4, 5, 6, 7, 8};
-    Bytes whole = builder.Build();
-    u8 aRoom[16];
-    for (const auto& [cbTold, cb] : {std::pair<u32, u32>{8, 8}, {0, 0}, {0x10005, 5}, {0x10000, 0}}) {
-        Bytes bytes = whole;
-        Poke(&bytes, AT_COLOR_SIZE, cbTold);
-        Open(bytes);
-        EXPECT_EQ(ReadXpiColorData(file, nullptr), cb);
+    /* The length without a room, and the bytes of a room of 16. */
+    std::string Color()
+    {
+        u8 aRoom[16];
         std::memset(aRoom, 0xEE, sizeof aRoom);
-        EXPECT_EQ(ReadXpiColorData(file, aRoom), cb);
-        Bytes expected(builder.colorData.begin(), builder.colorData.begin() + static_cast<i64>(cb));
-        expected.resize(sizeof aRoom, 0xEE);
-        EXPECT_EQ(Bytes(aRoom, aRoom + 16), expected) << cbTold;
+        const u32 cb = ReadXpiColorData(file, nullptr);
+        std::string text = std::to_string(cb);
+        if (const u32 cbRead = ReadXpiColorData(file, aRoom); cbRead != cb) {
+            return text + " but " + std::to_string(cbRead);
+        }
+        for (u8 bByte : aRoom) {
+            text += " " + std::to_string(bByte);
+        }
+        return text.substr(0, text.find(" 238"));
     }
-    Poke(&whole, AT_COLOR_SIZE, u32{12}); /* four more than the file has */
-    Open(whole);
-    std::memset(aRoom, 0xEE, sizeof aRoom);
-    EXPECT_EQ(ReadXpiColorData(file, aRoom), 12u);
-    EXPECT_EQ(Bytes(aRoom, aRoom + 16), (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE}));
-    FailCall(CALL_ReadFile, 1);
-    EXPECT_EQ(ReadXpiColorData(file, aRoom), 0u);
-    EXPECT_EQ(StopFaults(), 1);
+
+    Bytes bytes_;
+    DescriptionBuilder builder_;
+};
+
+SCRIPTED(ModelScripts, AreLoadedAsWritten, "models.txt")
+{
+    const auto sizes = [](const Args& w) {
+        std::vector<size_t> all;
+        for (const std::string& word : w) {
+            all.push_back(static_cast<size_t>(ToNumber(word)));
+        }
+        return all;
+    };
+    const auto at = [&](const Args& w, size_t n = 0) { return At(w.at(n)); };
+    PlayBy({
+        DEED("bare", bytes_ = BareBody(at(w), w.size() > 1 ? static_cast<u8>(at(w, 1)) : u8{0})),
+        DEED("poke", Change(&bytes_, w)),
+        DEED("resize", bytes_.resize(at(w), w.size() > 1 ? static_cast<u8>(at(w, 1)) : u8{0})),
+        DEED("new", builder_ = DescriptionBuilder()),
+        DEED("fonts", builder_ = WithFonts(sizes(w))),
+        DEED("set", Change(&builder_.body, w)),
+        DEED("words", Words16(w)),
+        DEED("command", builder_.Command(w[0])),
+        DEED("grow-body", builder_.body.resize(at(w), static_cast<u8>(at(w, 1)))),
+        DEED("build", bytes_ = builder_.Build()),
+        DEED("load", Load(bytes_)),
+        VERB("slot", SlotOffset(at(w))),
+        VERB("word", WordAt(at(w))),
+        VERB("byte", Body()[at(w)]),
+        VERB("zeros", std::count(Body() + at(w), Body() + at(w, 1), 0) ==
+                          static_cast<std::ptrdiff_t>(at(w, 1) - at(w))),
+        VERB("peak-below", PeakBlockBytes() < at(w)),
+        VERB("pages", Pages(static_cast<u16>(at(w)))),
+        VERB("chunk", Chunk(Int(w, 0), false)),
+        VERB("read-chunk", Chunk(Int(w, 0), true)),
+        VERB("font-bytes", GetXpiFontDataSize(file, pModel.get())),
+        VERB("memory", LookupXpiMemory(Load(builder_.Build()), static_cast<u16>(at(w)))),
+        VERB("halftone", Halftone(w)),
+        DEED("open-command", builder_.commands.emplace_back(w[0].begin(), w[0].end())),
+        DEED("open", Open(bytes_)),
+        VERB("read-command", Command(ReadXpiCommand, w)),
+        VERB("read-short-command", Command(ReadXpiShortCommand, w)),
+        DEED("bitmap", AddBitmap(static_cast<u32>(at(w)), at(w, 1))),
+        VERB("read-bitmap", Bitmap(static_cast<u16>(at(w)))),
+        DEED("color", builder_.colorData = FromHex<Bytes>(w[0])),
+        VERB("read-color", Color()),
+    });
 }
+
+} // namespace

@@ -2,9 +2,8 @@
 #include "description/custom_sizes.h"
 #include "description/margins.h"
 #include "description/paper.h"
-#include "support/data_file.h"
+#include "support/machine_script.h"
 #include "support/same_bytes.h"
-#include "support/sample_machine.h"
 
 namespace {
 
@@ -190,123 +189,95 @@ TEST_F(PaperTest, SizesAndMargins)
     }
 }
 
-TEST_F(PaperTest, TheLocaleChoosesTheDefaultPaper)
-{
-    for (const WCHAR* wcMeasure : {u"0", u"1", u"2", u"-1", u"x", u""}) {
-        SetLocaleValue(u"iMeasure", wcMeasure); /* "" takes the value away: that counts as 1 */
-        const int bMetric = *wcMeasure && *wcMeasure != u'1';
-        EXPECT_EQ(IsMetricLocale(), bMetric);
-        EXPECT_EQ(GetDefaultPaper(), bMetric ? 9 : 1);
+namespace {
+
+class PaperLists : public Scripted<PaperTest> {
+  protected:
+    static std::string Trimmed(const std::string& text)
+    {
+        return text.substr(std::min(text.size(), text.find_first_not_of(' ')));
     }
+    void AddManyForms()
+    {
+        for (int i = 0; i < 300; i++) { /* more than one room of the first asking holds */
+            AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i,
+                           500);
+        }
+    }
+    std::string SavedOf(const std::string& count, std::string lines, const std::string& broken = "")
+    {
+        if (!broken.empty()) {
+            lines.replace(lines.find(broken), 6, "Bottom");
+        }
+        return Trimmed(Saved(count, lines, pModel.get()));
+    }
+    /* Papers with companions; the last row is the closing one. */
+    static DescriptionBuilder Companions()
+    {
+        DescriptionBuilder builder;
+        builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
+                                    {1, 8, 2970, 4200, 1, 0, 0, 9, {}},
+                                    {1, 20, 1048, 2413, 0, 0, 0, -1, {}},
+                                    {0, 30, 9999, 9999, 0, 0, 0, 5, {}}});
+        return builder;
+    }
+    /* Widths and lengths of custom papers: least and largest of each; the extents in the same order. */
+    std::string Extents(const Args& w)
+    {
+        DescriptionBuilder builder = w.size() > 4 ? DescriptionBuilder() : Companions();
+        for (size_t n = 0; n < 4; n++) {
+            builder.Set(16 + 2 * n, static_cast<i16>(Int(w, n)));
+        }
+        Describe(builder);
+        const PaperExtents extents = GetPaperExtents(pModel.get());
+        return std::to_string(extents.lMinWidth) + " " + std::to_string(extents.lMaxWidth) + " " +
+               std::to_string(extents.lMinLength) + " " + std::to_string(extents.lMaxLength);
+    }
+    void UseLeast(int nWidth, int nLength)
+    {
+        DescriptionBuilder builder;
+        Describe(builder.Set(16, static_cast<i16>(nWidth)).Set(20, static_cast<i16>(nLength)));
+    }
+    std::string NewPaper()
+    {
+        PaperSizeRow fresh;
+        std::memset(&fresh, 0xEE, sizeof fresh);
+        NewPaperRow(&fresh, pModel.get());
+        EXPECT_TRUE(SameBytes(fresh, PaperSizeRow{fresh.ulWidth, fresh.ulLength, u32(IsMetricLocale()), {}}));
+        return std::to_string(fresh.ulWidth) + " " + std::to_string(fresh.ulLength);
+    }
+    std::string lines_;
+};
+
+SCRIPTED(PaperLists, AreToldByTheSpoolerAndTheSettingsFile, "paper_lists.txt")
+{
+    PlayBy({VERB("forms", Trimmed(Forms(w.empty() ? 0 : static_cast<size_t>(Int(w, 0))))),
+            DEED("printer", AddTestPrinter(Bytes())), DEED("many-forms", AddManyForms()),
+            DEED("lines", lines_ = Unescaped(w[0])), VERB("saved", SavedOf(w[0], lines_)),
+            VERB("broken", SavedOf("2", lines_, w[0])), DEED("least", UseLeast(Int(w, 0), Int(w, 1))),
+            VERB("new", NewPaper()), DEED("companions", Describe(Companions())),
+            VERB("companion",
+                 GetCompanionPaper(w.size() > 1 ? nullptr : pModel.get(), static_cast<i16>(Int(w, 0)))),
+            VERB("extents", Extents(w)),
+            VERB("default-paper",
+                 (IsMetricLocale() ? "metric " : "inches ") + std::to_string(GetDefaultPaper()))});
 }
 
-TEST_F(PaperTest, FormsOfTheUser)
+TEST_F(PaperTest, TheLongestListOfSavedPapers)
 {
-    AddTestPrinter(Bytes());
-    AddMachineForm(u"Built in", FORM_BUILTIN, 1, 1);
-    EXPECT_EQ(Forms(), "");
-    AddMachineForm(u"Card", FORM_USER, 215905, 215904);
-    AddMachineForm(u"Driver's", FORM_PRINTER, 1, 1);
-    AddMachineForm(WideText(63, u'n'), FORM_USER, 0, 4);
-    AddMachineForm(WideText(64, u'n'), FORM_USER, 2147483647, 0);
-    AddMachineForm(WideText(62, u'n') + u"\xD83D\xDE00", FORM_USER, 5, 15);
-    AddMachineForm(u"Card", FORM_USER, 1000, 2000);
-    const std::string name(62, 'n');
-    EXPECT_EQ(Forms(), "Card 21591 21590 1, " + name + "n 0 0 1, " + name + "n 214748365 0 1, " + name +
-                           " 1 2 1, Card 100 200 1")
-        << "half of the unit is added in more than 32 bits";
-    SetLocaleValue(u"iMeasure", u"1");
-    EXPECT_EQ(Forms(4), "Card 100 200 0");
-
-    for (int i = 0; i < 300; i++) { /* more than one room of the first asking holds */
-        AddMachineForm(u"Form of a longer name, number " + Widen(std::to_string(i)), FORM_USER, 1000 * i,
-                       500);
-    }
-    ResetCallCounts();
-    EXPECT_EQ(Forms(304), "Form of a longer name, number 299 29900 50 0");
-    EXPECT_EQ(CallCount(CALL_EnumFormsW), 2);
-
-    for (LieKind lie : {LIE_HUGE, LIE_GROWS}) {
-        TellLies(lie, CALL_EnumFormsW);
-        EXPECT_EQ(Forms(), "") << lie;
-    }
-    TellLies(LIE_NULL_MEMBERS, CALL_EnumFormsW);
-    EXPECT_EQ(Forms(304), " 29900 50 0");
-    TellLies(LIE_NONE);
-    for (int nTh : {1, 2, 3}) {
-        FailCall(CALL_HeapAlloc, nTh);
-        EXPECT_EQ(Forms(), "") << nTh;
-        EXPECT_EQ(StopFaults(), 1);
-    }
-}
-
-TEST_F(PaperTest, CompanionsAndExtents)
-{
-    DescriptionBuilder builder;
-    builder.Table<PaperRow>(8, {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
-                                {1, 8, 2970, 4200, 1, 0, 0, 9, {}},
-                                {1, 20, 1048, 2413, 0, 0, 0, -1, {}},
-                                {0, 30, 9999, 9999, 0, 0, 0, 5, {}}});
-    Describe(builder);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 8), 9);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 20), -1);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 1), 0);
-    EXPECT_EQ(GetCompanionPaper(pModel.get(), 30), 0) << "the closing row is no paper";
-    EXPECT_EQ(GetCompanionPaper(nullptr, 8), 0);
-
-    auto Extents = [this](i16 sMinW, i16 sMaxW, i16 sMinL, i16 sMaxL, DescriptionBuilder builderOf) {
-        builderOf.Set(16, sMinW).Set(18, sMaxW).Set(20, sMinL).Set(22, sMaxL);
-        Describe(builderOf);
-        PaperExtents extents = GetPaperExtents(pModel.get());
-        return std::array<i32, 4>{extents.lMinWidth, extents.lMinLength, extents.lMaxWidth,
-                                  extents.lMaxLength};
-    };
-    EXPECT_EQ(Extents(762, 3112, 1270, 12000, builder), (std::array<i32, 4>{762, 1270, 3112, 12000}));
-    EXPECT_EQ(Extents(1200, 2000, 2500, 3000, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}));
-    for (auto [sMaxW, sMaxL] : {std::pair<i16, i16>{0, 0}, {3112, 0}, {0, 12000}, {-1, 12000}}) {
-        EXPECT_EQ(Extents(10, sMaxW, 20, sMaxL, builder), (std::array<i32, 4>{1048, 2413, 2970, 4200}))
-            << sMaxW;
-    }
-    EXPECT_EQ(Extents(10, 0, 20, 0, {}), (std::array<i32, 4>{0x7FFFFFFF, 0x7FFFFFFF, 0, 0}));
-    EXPECT_EQ(Extents(10, 30, 20, 40, {}), (std::array<i32, 4>{10, 20, 30, 40}));
-}
-
-TEST_F(PaperTest, SavedPapersAreAllOrNothing)
-{
-    const std::string good =
-        "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=+15000\r\nCustomMetric0=1\r\n"
-        "CustomName1=" +
-        std::string(80, 'b') + "\r\nCustomWidth1=1x\r\nCustomLength1=\r\nCustomMetric1=12abc\r\n";
-    const std::string spare = " 0 0 0"; /* nothing of a dropped row shows in it */
-    EXPECT_EQ(Saved("2", good), "A 10000 15000 1, " + std::string(63, 'b') + " 1 0 12, " + spare)
-        << "an empty number is a number";
-    for (const char* cKey : {"CustomName1", "CustomWidth0", "CustomLength1", "CustomMetric1"}) {
-        std::string broken = good;
-        broken.replace(broken.find(cKey), 6, "Bottom");
-        EXPECT_EQ(Saved("2", broken), spare) << cKey;
-    }
-    for (const char* cCount : {"", "0", "-1", "-2147483648", "x", "3", "2147483647"}) {
-        EXPECT_EQ(Saved(cCount, good), spare) << cCount;
-    }
-    const std::string below = "CustomName0=A\r\nCustomLength0=5\r\nCustomMetric0=1\r\nCustomWidth0=";
-    EXPECT_EQ(Saved("1", below + "-1\r\n"), spare);
-    EXPECT_EQ(Saved("1", below + "-2\r\n"), "A 4294967294 5 1, " + spare);
-
-    /* The longest list that is read, and one row more. */
     std::string all, wanted;
-    for (int i = 0; i < 4097; i++) {
+    for (int i = 0; i < 4097; i++) { /* one row more than is read */
         const std::string n = std::to_string(i);
         all += "CustomName" + n + "=P\r\nCustomWidth" + n + "=" + n + "0\r\nCustomLength" + n +
                "=1\r\nCustomMetric" + n + "=1\r\n";
-        wanted += i < 4096 ? "P " + std::to_string(10 * i) + " 1 1, " : spare;
+        wanted += i < 4096 ? "P " + std::to_string(10 * i) + " 1 1, " : " 0 0 0";
     }
     EXPECT_EQ(Saved("4097", all), wanted);
-
     OwnedBlock<PaperSizeRow> pRows;
     ResetCallCounts();
-    EXPECT_EQ(ReadCustomSizes(OpenProfile(u"s.ini"), nullptr, &pRows), 0)
-        << "a bare name is one of the current folder";
-    EXPECT_EQ(ReadCustomSizes(OpenProfile(u""), nullptr, &pRows), 0);
+    for (const WCHAR* tcNone : {u"s.ini", u""}) { /* a bare name is one of the current folder */
+        EXPECT_EQ(ReadCustomSizes(OpenProfile(tcNone), nullptr, &pRows), 0);
+    }
     EXPECT_EQ(CallCount(CALL_CreateFileW), 0);
     for (int n : {1, 2, 3, 4}) { /* the file's bytes and text, the index, the rows */
         FailCall(CALL_HeapAlloc, n);
@@ -316,28 +287,4 @@ TEST_F(PaperTest, SavedPapersAreAllOrNothing)
     }
 }
 
-TEST_F(PaperTest, ANewPaperIsTheSmallestInWholeUnits)
-{
-    const std::tuple<i16, i32, i32> aCases[] = {{762, 7600, 7620}, {148, 1500, 2540},       {144, 1400, 2540},
-                                                {145, 1500, 2540}, {126, 1300, 0},          {127, 1300, 2540},
-                                                {0, 0, 0},         {32767, 327700, 327660}, {-20, -100, 0}};
-    for (const auto& [sMin, lMetric, lInch] : aCases) {
-        for (bool bMetric : {true, false}) {
-            SetLocaleValue(u"iMeasure", bMetric ? u"0" : u"1");
-            DescriptionBuilder builder;
-            Describe(builder.Set(16, sMin).Set<i16>(20, 762));
-            PaperSizeRow fresh,
-                expected = {
-                    static_cast<u32>(bMetric ? lMetric : lInch), bMetric ? 7600u : 7620u, bMetric, {}};
-            std::memset(&fresh, 0xEE, sizeof fresh);
-            NewPaperRow(&fresh, pModel.get());
-            EXPECT_TRUE(SameBytes(fresh, expected)) << sMin;
-        }
-    }
-    SetLocaleValue(u"iMeasure", u"0");
-    DescriptionBuilder builder;
-    Describe(builder.Set<i16>(16, 762).Set<i16>(20, 1270));
-    const std::string good = "CustomName0=A\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n";
-    EXPECT_EQ(Saved("1", good, pModel.get()), "A 1 1 1,  7600 12700 1");
-    EXPECT_EQ(Saved("2", good, pModel.get()), " 7600 12700 1") << "behind no row: at the start";
-}
+} // namespace

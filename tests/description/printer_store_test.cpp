@@ -2,8 +2,7 @@
 #include "description/installed_set.h"
 #include "description/paper.h"
 #include "description/printer_store.h"
-#include "support/data_file.h"
-#include "support/sample_machine.h"
+#include "support/machine_script.h"
 
 namespace {
 
@@ -46,39 +45,7 @@ class PrinterStoreTest : public MachineTest {
         PutFile(u"C:\\drv\\qa.ini", "[DeviceInfo]\r\n" + ini);
         return Installed(bModel);
     }
-
-    /* The printer with another driver name; its values are gone. */
-    void NameDriver(const WideText& wcDriver)
-    {
-        PrinterSetup setup;
-        setup.wcName = u"Test";
-        setup.wcDriverName = wcDriver;
-        AddPrinter(setup);
-    }
-
-    std::string UserFolder()
-    {
-        PrinterCall call(hPrinter);
-        WCHAR tcFolder[PATH_CHARS + 1] = {};
-        tcFolder[PATH_CHARS] = u'~';
-        int bNamed = GetUserFolder(call, tcFolder);
-        EXPECT_EQ(tcFolder[PATH_CHARS], u'~');
-        EXPECT_EQ(bNamed, tcFolder[0] != 0);
-        return Narrow(tcFolder);
-    }
-
-    std::string SettingsPath(const WideText& wcSettings)
-    {
-        SetPrinterText(u"Test", u"Settings", wcSettings);
-        PrinterCall call(hPrinter);
-        WCHAR tcPath[PATH_CHARS];
-        int bNamed = GetUserSettingsPath(call, tcPath);
-        EXPECT_EQ(bNamed, tcPath[0] != 0);
-        return Narrow(tcPath);
-    }
 };
-
-const std::string FOLDER = "C:\\Users\\worker\\Application Data\\Corvantis Optics\\";
 
 } // namespace
 
@@ -182,159 +149,85 @@ TEST_F(PrinterStoreTest, MemoryAndFontPairs)
     EXPECT_EQ(dwType, REG_MULTI_SZ);
     ASSERT_EQ(GetFontSubs(call, &pPairs), sizeof awcPairs);
     EXPECT_EQ(std::memcmp(pPairs.get(), awcPairs, sizeof awcPairs), 0);
-
-    SetFontSubs(call, awcPairs, sizeof awcPairs);
-    for (int nTh : {1, 2}) {
-        FailCall(CALL_GetPrinterDataW, nTh);
-        EXPECT_EQ(GetFontSubs(call, &pPairs), 0u) << nTh;
-        EXPECT_FALSE(pPairs);
-        EXPECT_EQ(StopFaults(), 1);
-    }
-    FailCall(CALL_HeapAlloc, 1);
-    EXPECT_EQ(GetFontSubs(call, &pPairs), 0u);
-    EXPECT_EQ(StopFaults(), 1);
-    for (LieKind lie : {LIE_GROWS, LIE_HUGE}) {
-        TellLies(lie, CALL_GetPrinterDataW);
-        EXPECT_EQ(GetFontSubs(call, &pPairs), 0u) << lie;
-        EXPECT_FALSE(pPairs);
-        TellLies(LIE_NONE);
-    }
 }
 
-TEST_F(PrinterStoreTest, TheSettingsNameIsAPlainFileName)
-{
-    EXPECT_EQ(SettingsPath(u"00001234.EXT"), FOLDER + "Test Driver\\00001234.EXT");
-    EXPECT_EQ(SettingsPath(u"a.b"), FOLDER + "Test Driver\\a.b");
-    for (const WCHAR* wcBad :
-         {u"", u"..", u".", u" . ", u"..\\x", u"a/b", u"C:x", u"x:stream", u"\\x", u"C:\\x"}) {
-        EXPECT_EQ(SettingsPath(wcBad), "") << Narrow(wcBad);
+class StoreScripts : public Scripted<MachineTest> {
+  protected:
+    void SetUp() override
+    {
+        MachineTest::SetUp();
+        AddTestPrinter(FourWords().Build());
     }
-    /* 259 characters are the longest path: 69 of them are the folder and its backslash. */
-    size_t nFolder = (FOLDER + "Test Driver\\").size();
-    EXPECT_EQ(SettingsPath(WideText(259 - nFolder, u's')).size(), 259u);
-    EXPECT_EQ(SettingsPath(WideText(260 - nFolder, u's')), "");
-    EXPECT_EQ(SettingsPath(WideText(400, u's')), "");
 
-    PrinterCall call(hPrinter);
-    SetSettingsFileName(call, u"0000ABCD.INI");
-    DWORD dwType = 0;
-    Bytes bytes;
-    ASSERT_TRUE(GetPrinterValue(u"Test", u"Settings", &dwType, &bytes));
-    EXPECT_EQ(dwType, REG_SZ);
-    EXPECT_EQ(bytes.size(), 26u) << "with its NUL";
-    WCHAR wcName[13];
-    EXPECT_EQ(GetSettingsFileName(call, wcName, 13), 1);
-    EXPECT_EQ(WideText(wcName), u"0000ABCD.INI");
-}
-
-TEST_F(PrinterStoreTest, TheUsersFolderIsNamedByTheDriverAndMade)
-{
-    EXPECT_FALSE(std::filesystem::exists(HostPath(Widen(FOLDER))));
-    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
-    EXPECT_TRUE(std::filesystem::is_directory(HostPath(Widen(FOLDER + "Test Driver"))));
-    ResetCallCounts();
-    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
-    EXPECT_EQ(CallCount(CALL_CreateDirectoryW), 0) << "it is there";
-
-    NameDriver(u"Q\"A*B\\C<D>");
-    EXPECT_EQ(UserFolder(), FOLDER + "Q'A B-C(D)");
-    EXPECT_TRUE(std::filesystem::is_directory(HostPath(Widen(FOLDER + "Q'A B-C(D)"))));
-    NameDriver(u"a:b?c|d/e..");
-    EXPECT_EQ(UserFolder(), FOLDER + "a b c d-e..");
-    for (const WCHAR* wcHollow : {u"", u"..", u".", u" ", u" .. ", u"??", u":"}) {
-        NameDriver(wcHollow);
-        EXPECT_EQ(UserFolder(), "") << Narrow(wcHollow);
+    /* "~" stands for the makers folder of the user. */
+    static std::string Short(int bNamed, const WCHAR* tcPath)
+    {
+        const std::string path = Narrow(tcPath);
+        EXPECT_EQ(bNamed, !path.empty());
+        EXPECT_EQ(tcPath[PATH_CHARS], u'~');
+        return path.starts_with(FOLDER) ? "~" + path.substr(FOLDER.size()) : path;
     }
-    NameDriver(u"d");
-    PrinterCall call(hPrinter);
-    WCHAR wcName[PATH_CHARS];
-    EXPECT_EQ(GetDriverName(call, wcName), 1);
-    NameDriver(u"..\\..\\x"); /* no way out of the folder */
-    EXPECT_EQ(UserFolder(), FOLDER + "..-..-x");
-
-    NameDriver(WideText(259 - FOLDER.size(), u'd'));
-    EXPECT_EQ(UserFolder().size(), 259u);
-    for (size_t cch : {260 - FOLDER.size(), size_t{259}, size_t{400}}) {
-        NameDriver(WideText(cch, u'd'));
-        EXPECT_EQ(UserFolder(), "") << cch;
-    }
-}
-
-TEST_F(PrinterStoreTest, NoUsersFolderWithoutAProfileOrADriverName)
-{
-    SetEnvironmentValue(u"USERPROFILE", u"");
-    EXPECT_EQ(UserFolder(), "");
-    SetEnvironmentValue(u"USERPROFILE", u"C:\\" + WideText(300, u'u'));
-    EXPECT_EQ(UserFolder(), "");
-    SetEnvironmentValue(u"USERPROFILE", u"C:\\Users\\worker");
-    for (LieKind lie : {LIE_HUGE, LIE_UNTERMINATED}) {
-        TellLies(lie, CALL_GetEnvironmentVariableW);
-        EXPECT_EQ(UserFolder(), "") << lie;
-        TellLies(LIE_NONE);
-    }
-    TellLies(LIE_NULL_MEMBERS, CALL_GetPrinterW);
-    EXPECT_EQ(UserFolder(), "");
-    TellLies(LIE_NONE);
-    FailCall(CALL_GetPrinterW, 1);
-    EXPECT_EQ(UserFolder(), "");
-    EXPECT_EQ(StopFaults(), 1);
-
-    /* A folder that cannot be made has its name all the same. */
-    PutFile(u"C:\\Users\\worker\\Application Data", "a file in the way");
-    EXPECT_EQ(UserFolder(), FOLDER + "Test Driver");
-}
-
-TEST_F(PrinterStoreTest, ProfileAndScreenNamesLieInTheUsersFile)
-{
-    PrinterCall call(hPrinter);
-    WCHAR wcName[16] = u"~";
-    PutFile(u"C:\\drv\\qa.ini", "[Basalt]\r\nProfile=driver.icc\r\n");
-    GetProfileName(call, wcName, 16);
-    EXPECT_EQ(WideText(wcName), u"") << "the driver's own file is not asked";
-    ASSERT_NE(SettingsPath(u"mine.ini"), "");
-    PutFile(
-        Widen(SettingsPath(u"mine.ini")),
-        "[PrinterSettings]\r\nProfile=2\r\n[Basalt]\r\nProfile= \"Coated 12.icc\" \r\nScreen=fine.scr\r\n");
-    GetProfileName(call, wcName, 16);
-    EXPECT_EQ(WideText(wcName), u"") << "what a call has read stays for that call";
-    ForgetUserSettings(call);
-    GetProfileName(call, wcName, 16);
-    EXPECT_EQ(WideText(wcName), u"Coated 12.icc");
-    GetScreenName(call, wcName, 16);
-    EXPECT_EQ(WideText(wcName), u"fine.scr");
-    GetProfileName(call, wcName, 7);
-    EXPECT_EQ(WideText(wcName), u"Coated");
-}
-
-TEST_F(PrinterStoreTest, SavedPapersComeFromTheUsersFileWhenThereIsOne)
-{
-    const std::string two =
-        "[CustomSizes]\r\nNumCustomSizes=2\r\n"
-        "CustomName0=A\r\nCustomWidth0=10000\r\nCustomLength0=15000\r\nCustomMetric0=1\r\n"
-        "CustomName1=B\r\nCustomWidth1=20009\r\nCustomLength1=30000\r\nCustomMetric1=0\r\n";
-    auto Saved = [this](std::string* pNames = nullptr) {
+    std::string Path(int (*find)(PrinterCall&, WCHAR*))
+    {
         PrinterCall call(hPrinter);
+        WCHAR tcPath[PATH_CHARS + 1] = {};
+        tcPath[PATH_CHARS] = u'~';
+        const int bNamed = find(call, tcPath);
+        return Short(bNamed, tcPath);
+    }
+    std::string Settings(const Args& w)
+    {
+        SetPrinterText(wcPrinter, u"Settings", WideWord(w[0]));
+        return Path(GetUserSettingsPath);
+    }
+    /* By a call that goes on until "next-call". */
+    static std::string Name(PrinterCall& lasting, void (*read)(PrinterCall&, WCHAR*, int), int cch)
+    {
+        WCHAR wcName[16] = u"~";
+        read(lasting, wcName, cch);
+        return Narrow(wcName);
+    }
+    std::string SavedPapers()
+    {
+        PrinterCall now(hPrinter);
         OwnedBlock<PaperSizeRow> pRows;
-        i32 nRows = GetSavedPapers(call, nullptr, &pRows);
-        for (i32 i = 0; pNames && i < nRows; i++) {
-            *pNames += Narrow(pRows.get()[i].wcName) + " ";
+        std::string names;
+        for (i32 i = 0, nRows = GetSavedPapers(now, nullptr, &pRows); i < nRows; i++) {
+            names += Narrow(pRows.get()[i].wcName) + " ";
         }
-        return nRows;
-    };
-    EXPECT_EQ(Saved(), 0);
-    PutFile(u"C:\\drv\\qa.ini", two);
-    std::string names;
-    EXPECT_EQ(Saved(&names), 2);
-    EXPECT_EQ(names, "A B ");
-    WideText tcUser = Widen(SettingsPath(u"mine.ini"));
-    EXPECT_EQ(Saved(), 2) << "named, but not there";
-    PutFile(tcUser, "[PrinterSettings]\r\nCopies=1\r\n");
-    EXPECT_EQ(Saved(), 0) << "the file decides, not its section";
-    PutFile(tcUser, "[CustomSizes]\r\nNumCustomSizes=1\r\n"
-                    "CustomName0=Mine\r\nCustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n");
-    names.clear();
-    EXPECT_EQ(Saved(&names), 1);
-    EXPECT_EQ(names, "Mine ");
-    SettingsPath(u"..\\mine.ini");
-    EXPECT_EQ(Saved(), 2) << "a name that is none counts as no file";
+        return names;
+    }
+    u32 FontPairs()
+    {
+        PrinterCall now(hPrinter);
+        OwnedBlock<u8> pPairs;
+        const u32 cb = GetFontSubs(now, &pPairs);
+        EXPECT_EQ(pPairs != nullptr, cb != 0);
+        return cb;
+    }
+    /* A user's path below the folder. */
+    static WideText Below(const std::string& word) { return Widen(FOLDER) + WideWord(word); }
+
+    static inline const std::string FOLDER = "C:\\Users\\worker\\Application Data\\Corvantis Optics";
+};
+
+SCRIPTED(StoreScripts, FindTheUsersFolderAndFile, "printer_store.txt")
+{
+    PrinterCall lasting(hPrinter);
+    PlayBy({
+        VERB("folder", Path(GetUserFolder)),
+        VERB("settings", Settings(w)),
+        VERB("is-folder", std::filesystem::is_directory(HostPath(Below(w[0])))),
+        DEED("put-user", PutFile(Below(w[0]), Unescaped(w[1]))),
+        VERB("papers", SavedPapers()),
+        VERB("font-pairs", FontPairs()),
+        DEED("next-call", ForgetUserSettings(lasting)),
+        VERB("profile-name", Name(lasting, GetProfileName, Int(w, 0))),
+        VERB("screen-name", Name(lasting, GetScreenName, Int(w, 0))),
+        DEED("set-name", SetSettingsFileName(lasting, WideWord(w[0]).c_str())),
+        VERB("name",
+             Name(
+                 lasting, [](PrinterCall& of, WCHAR* wc, int cch) { GetSettingsFileName(of, wc, cch); },
+                 Int(w, 0))),
+    });
 }

@@ -3,8 +3,7 @@
 
 #include "description/language_dll.h"
 #include "description/xpi_text.h"
-#include "support/data_file.h"
-#include "support/sample_machine.h"
+#include "support/machine_script.h"
 
 namespace {
 
@@ -87,29 +86,6 @@ WideText PlainReading(const Bytes& bytes, u16 usLanguage, i32 nId, int cch)
 
 } // namespace
 
-TEST_F(TextsTest, IdsBelowOneAreTheLibrarys)
-{
-    OpenLibrary();
-    DescriptionBuilder builder;
-    builder.strings[9] = {"first", "second"};
-    Open(builder.Build());
-    EXPECT_EQ(Read(-121), u"Letter");
-    EXPECT_EQ(Read(static_cast<i16>(0xFF87)), u"Letter");
-    EXPECT_EQ(Read(-129, 7), u"A4");
-    EXPECT_EQ(Read(0), u"");
-    EXPECT_EQ(Read(-32768), u"");
-    EXPECT_EQ(Read(static_cast<i16>(0x8000)), u"");
-    EXPECT_EQ(Read(-7), u"") << "the library has no such text";
-    EXPECT_EQ(Read(-121, 9, 4), u"Let");
-    EXPECT_EQ(Read(-121, 9, 1), u"");
-
-    SetUserLanguage(0x0407);
-    EXPECT_EQ(Read(-2203), u"Vorgabe des Druckers");
-    WCHAR wcRoom[32];
-    ReadLibraryString(hLibrary.get(), 2203, wcRoom, 32);
-    EXPECT_EQ(WideText(wcRoom), u"Vorgabe des Druckers");
-}
-
 TEST_F(TextsTest, WithoutALibraryTheHostProgramIsNotAsked)
 {
     Open(DescriptionBuilder().Build());
@@ -129,21 +105,6 @@ TEST_F(TextsTest, WithoutALibraryTheHostProgramIsNotAsked)
     EXPECT_EQ(NeedsLanguageDll(aIds + 1, 1), 0) << "id 0 has no text, so no library is opened for it";
 }
 
-TEST_F(TextsTest, AFalseLengthOfTheLibraryStaysInTheBuffer)
-{
-    OpenLibrary();
-    for (LieKind lie : {LIE_UNTERMINATED, LIE_HUGE, LIE_SHORT}) {
-        TellLies(lie, CALL_LoadStringW);
-        EXPECT_LT(Read(-121, 9, 16).size(), 16u) << lie;
-        TellLies(LIE_NONE);
-    }
-    DescriptionBuilder builder;
-    builder.strings[9] = {std::string(100, 'x')};
-    Open(builder.Build());
-    TellLies(LIE_HUGE, CALL_MultiByteToWideChar);
-    EXPECT_LT(Read(1, 9, 16).size(), 16u);
-}
-
 TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
 {
     for (const DataRow& row : ReadRows("cut_texts.txt")) {
@@ -154,34 +115,6 @@ TEST_F(TextsTest, LongTextsAreCutAtACharactersEnd)
         EXPECT_EQ(Narrow(Read(1, 9, static_cast<int>(ToNumber(row[3])))),
                   Narrow(FromHex<WideText>(row[4], 4)))
             << row[0];
-    }
-}
-
-TEST_F(TextsTest, IdsAndLanguagesBeyondTheirTables)
-{
-    TextSections sections;
-    sections.bases = {0, 0xFFFF};
-    sections.offsets = {0, 0};
-    sections.texts = {'a', 0};
-    Open(sections.Build());
-    EXPECT_EQ(Read(1, 0), u"a");
-    EXPECT_EQ(Read(32767, 0), u"");
-    EXPECT_EQ(Read(1, 1), u"") << "base and id are added in 32 bits: row 65,536, not row 0";
-    EXPECT_EQ(Read(1, 0x3FF), u"");
-    EXPECT_EQ(Read(1, 0xFFFF), u"");
-
-    Bytes bytes = sections.Build();
-    for (size_t nField : {AT_STRING_BASE, AT_STRING_ID, AT_STRING_DATA}) {
-        for (u32 ulOffset : {0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu}) {
-            Bytes wrong = bytes;
-            Poke(&wrong, nField, ulOffset);
-            Open(wrong);
-            EXPECT_EQ(Read(1, 0), u"") << nField << " " << ulOffset;
-        }
-    }
-    for (const Bytes& shortened : {Bytes(), Bytes(13), Bytes(64)}) {
-        Open(shortened);
-        EXPECT_EQ(Read(1, 9), u"");
     }
 }
 
@@ -270,3 +203,43 @@ TEST_F(TextsTest, AListCostsFewReadsAndAFailedOneLeavesEmptyRows)
     }
     EXPECT_EQ(WideText(rows.data() + 39 * 64), u"Paper of a somewhat longer name, number 39");
 }
+
+namespace {
+
+class TextScripts : public Scripted<TextsTest> {
+  protected:
+    void Build(const Args& w)
+    {
+        DescriptionBuilder builder;
+        builder.strings[9] = w;
+        Open(builder.Build());
+    }
+    /* Two languages, whose texts begin at row 0 and at the last that there can be. */
+    void BuildSections(const Args& w)
+    {
+        TextSections sections;
+        sections.bases = {0, 0xFFFF};
+        sections.offsets = {0, 0};
+        sections.texts = {'a', 0};
+        Bytes bytes = sections.Build();
+        if (w.size() == 2) {
+            Poke(&bytes, static_cast<size_t>(ToNumber(w[0])), static_cast<u32>(ToNumber(w[1])));
+        }
+        Open(bytes);
+    }
+    std::string ReadOne(const Args& w)
+    {
+        return Narrow(Read(static_cast<i16>(ToNumber(w[0])),
+                           static_cast<u16>(w.size() > 1 ? ToNumber(w[1]) : 9),
+                           w.size() > 2 ? Int(w, 2) : 64));
+    }
+};
+
+SCRIPTED(TextScripts, AreReadAsWritten, "texts.txt")
+{
+    PlayBy({DEED("library", OpenLibrary()), DEED("texts", Build(w)), DEED("sections", BuildSections(w)),
+            DEED("bare", Open(Bytes(static_cast<size_t>(ToNumber(w[0]))))), VERB("read", ReadOne(w)),
+            VERB("fits", Read(Int(w, 0), 9, 16).size() < 16)});
+}
+
+} // namespace

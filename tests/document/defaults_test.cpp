@@ -303,38 +303,18 @@ TEST_F(DefaultsTest, StepsOfADescription)
     }
 }
 
+/* Rows of default_fonts.txt: code page, bytes of the model's font, the record's. */
 TEST_F(DefaultsTest, FontsAreTheModelsWhereItHasThem)
 {
-    auto font = [](const DriverDevmode& record) { return FieldOf(record, "wcDefaultFont").value; };
-    EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, std::string(40, 'f')))),
-              '"' + std::string(31, 'f') + '"');
-    EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, "Pr\xFC"
-                                                    "f"))),
-              "\"Pr\\u00FCf\"");
-    EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, ""))), "\"\"") << "there, and empty";
-    /* Characters count, not bytes: 20 of two bytes stay whole, 31 of 40 stay. */
-    for (UINT uPage : {932u, 65001u}) {
-        SetCodePage(uPage);
-        for (int nChars : {20, 31, 40}) {
-            std::string name, value;
-            for (int i = 0; i < nChars; i++) {
-                name += uPage == 932 ? "\x82\xA0" : "\xE3\x81\x82";
-                value += i < 31 ? "\\u3042" : "";
-            }
-            EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, name))), '"' + value + '"')
-                << uPage << " " << nChars;
-        }
+    for (const DataRow& row : ReadRows("default_fonts.txt")) {
+        SetCodePage(static_cast<UINT>(ToNumber(row[0])));
+        const DriverDevmode record = BuildFrom(WithFont(DEFAULT_FONT, FromHex<std::string>(row[1])));
+        EXPECT_EQ(FieldOf(record, "wcDefaultFont").value, row[2]) << row[1];
     }
-    SetCodePage(65001);
-    EXPECT_EQ(font(BuildFrom(WithFont(DEFAULT_FONT, std::string(30, 'f') + "\xF0\x9F\x98\x80"))),
-              '"' + std::string(30, 'f') + '"')
-        << "no half of a pair";
     SetCodePage(1252);
     DriverDevmode record = BuildFrom(WithFont(PROP_FONT, "Sans").Set<i16>(FONT_COUNT, -1).Set<i16>(122, 14));
-    EXPECT_EQ(font(record), "\"Courier\"");
-    EXPECT_EQ(FieldOf(record, "wcDefaultPropFont").value, "\"Sans\"");
-    EXPECT_EQ(record.rPrivate.ulNumResFonts, 0u) << "fewer fonts than none";
-    EXPECT_EQ(record.rPrivate.ulDefaultFontSize, 14u);
+    EXPECT_EQ(Fields(record, "wcDefaultFont wcDefaultPropFont ulNumResFonts ulDefaultFontSize"),
+              "wcDefaultFont=\"Courier\" wcDefaultPropFont=\"Sans\" ulNumResFonts=0 ulDefaultFontSize=14");
 }
 
 TEST_F(DefaultsTest, WhatIsInstalledDoesNotCountForTheJobLine)
@@ -346,14 +326,20 @@ TEST_F(DefaultsTest, WhatIsInstalledDoesNotCountForTheJobLine)
     EXPECT_EQ(record.dmDuplex, 1) << "but the duplex unit does";
 }
 
+/* Rows of typed_options.txt: kind, features by the index of their first value, the values' bytes, the slots. */
 TEST_F(DefaultsTest, TypedOptionsCountAmongThemselves)
 {
-    auto slots = [this](u16 usKind, const std::vector<FeatureRow>& rows, const Bytes& values) {
+    for (const DataRow& row : ReadRows("typed_options.txt")) {
         DescriptionBuilder builder = Small();
-        builder.Set<u16>(KIND, usKind);
+        builder.Set(KIND, static_cast<u16>(ToNumber(row[0])));
+        std::vector<FeatureRow> rows;
+        for (i16 sFirst : ToNumbers<i16>(row[1])) {
+            rows.push_back({1, 0, 0, sFirst, 0});
+        }
+        rows.push_back({});
         builder.Table<FeatureRow>(FEATURES, rows);
-        if (!values.empty()) {
-            builder.Table<u8>(FEATURE_VALUES, values);
+        if (!row[2].empty()) {
+            builder.Table<u8>(FEATURE_VALUES, FromHex<Bytes>(row[2]));
         }
         const DriverDevmode record = BuildFrom(builder);
         std::string all;
@@ -361,21 +347,8 @@ TEST_F(DefaultsTest, TypedOptionsCountAmongThemselves)
             all += std::to_string(sSlot) + " ";
         }
         EXPECT_EQ(FieldOf(record, "cPJLUserValue[0]").value, "\"\"");
-        return all.substr(0, all.find_last_not_of(" 0") + 1);
-    };
-    /* As rows of 4 bytes: a value, an end, a value, an end. As rows of 6: two values and an end. */
-    const Bytes values = {1, 0, 0, 0, 0, 0, 9, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-    const std::vector<FeatureRow> four = {
-        {1, 0, 0, 0, 0}, {1, 0, 0, 1, 0}, {1, 0, 0, 2, 0}, {1, 0, 0, -1, 0}, {}};
-    EXPECT_EQ(slots(0, four, values), "0 -1 0 -2");
-    EXPECT_EQ(slots(4, four, values), "0 -1 0 -2");
-    EXPECT_EQ(slots(3, four, values), "0 0 -1 -2");
-    EXPECT_EQ(slots(0, four, {}), "-1 -2 -3 -4") << "no values at all: every row is typed";
-    EXPECT_EQ(
-        slots(0, std::vector<FeatureRow>(40, {1, 0, 0, 0, 0}), {}),
-        "-1 -2 -3 -4 -5 -6 -7 -8 -9 -10 -11 -12 -13 -14 -15 -16 -17 -18 -19 -20 -21 -22 -23 -24 -25 -26 -27 "
-        "-28 -29 -30 -31 -32")
-        << "there are no more slots";
+        EXPECT_EQ(all.substr(0, all.find_last_not_of(" 0") + 1), row[3]) << row[0] << " " << row[2];
+    }
 }
 
 TEST_F(DefaultsTest, TheSettingsFileOfTheDriverComesLastAndUnchecked)

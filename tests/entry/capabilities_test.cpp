@@ -222,51 +222,12 @@ TEST_F(CapabilitiesTest, KindsDecideOnMediaBinsFontsAndPages)
     }
 }
 
-TEST_F(CapabilitiesTest, SavedPapersAndFormsNeedBothCustomMaxima)
-{
-    AddMachineForm(u"Letter", FORM_BUILTIN, 215900, 279400);
-    AddMachineForm(u"Card", FORM_USER, 100059, 150059); /* 10006 and 15006 hundredths */
-    AddMachineForm(u"Driver's", FORM_PRINTER, 1000, 1000);
-    AddMachineForm(WideText(80, u'f'), FORM_USER, 655369995, 4);
-    AddSample("K100");
-    Expect(DC_PAPERS, "8: 1 9 8 258 448 449 450 451");
-    Expect(DC_PAPERSIZE,
-           "8: 2159 2794 2100 2970 2970 4200 3050 4570 2200 3200 1270 1778 1000 1500 6553700 0");
-    Expect(DC_PAPERNAMES, "8: Letter; A4; A3; Proof Film; " + Narrow(u"Pr\u00FCfbogen") +
-                              "; Card 5 x 7 in; Card; " + std::string(63, 'f'));
-    Expect(DC_MINEXTENT, "0x01F401F4"); /* 50 mm each */
-    Expect(DC_MAXEXTENT, "0x32C80CE4");
-    for (const char* cChange :
-         {"xpi model.max_custom_width=0", "xpi model.max_custom_length=0", "xpi model.max_custom_width=-1"}) {
-        SCOPED_TRACE(cChange);
-        AddChanged("K100", cChange);
-        Expect(DC_PAPERS, "4: 1 9 8 258");
-        Expect(DC_PAPERNAMES, "4: Letter; A4; A3; Proof Film");
-        Expect(DC_MINEXTENT, "0x0AEA0834"); /* the table alone */
-        Expect(DC_MAXEXTENT, "0x11DA0BEA");
-    }
-    /* A row that is broken takes the others with it, and the forms take their codes. */
-    AddSample("K100");
-    PutFile(wcDriverFolder + WideText(u"K100.INI"),
-            "[CustomSizes]\r\nNumCustomSizes=2\r\nCustomName0=A\r\n"
-            "CustomWidth0=1\r\nCustomLength0=1\r\nCustomMetric0=1\r\n");
-    Expect(DC_PAPERS, "6: 1 9 8 258 448 449");
-    EXPECT_EQ(Texts(Ask(DC_PAPERNAMES))[4], "Card");
-}
-
-TEST_F(CapabilitiesTest, ExtentsTakeEachSideByItself)
+TEST_F(CapabilitiesTest, ANegativeWidthDoesNotRunIntoTheLength)
 {
     DescriptionBuilder builder;
-    builder.Table<PaperRow>(offsetof(XpiModel, pPaperTable), {{1, 1, 2159, 2794, 0, 0, 0, 0, {}},
-                                                              {1, 9, 2100, 2970, 1, 0, 0, 0, {}},
-                                                              {1, 20, 1048, 2413, 0, 0, 0, 0, {}},
-                                                              {}});
-    AddTestPrinter(builder.Build());
-    Expect(DC_MINEXTENT, "0x096D0418");
-    Expect(DC_MAXEXTENT, "0x0B9A086F");
     builder.Table<PaperRow>(offsetof(XpiModel, pPaperTable), {{1, 1, -1, -2, 0, 0, 0, 0, {}}, {}});
     AddTestPrinter(builder.Build());
-    Expect(DC_MINEXTENT, "0xFFFEFFFF"); /* a negative width does not run into the length */
+    Expect(DC_MINEXTENT, "0xFFFEFFFF");
 }
 
 TEST_F(CapabilitiesTest, LongNamesAreCutToTheirRows)
@@ -283,38 +244,6 @@ TEST_F(CapabilitiesTest, LongNamesAreCutToTheirRows)
     AddTestPrinter(builder.Build());
     Expect(DC_BINNAMES, "2:  0123456789012345678901; 01234567890123456789012");
     Expect(DC_MEDIATYPENAMES, "1: 012345678901234567890123456789012345678901234567890123456789012");
-}
-
-TEST_F(CapabilitiesTest, PrintRateGoesByTheExactNameOfTheDriver)
-{
-    struct Case {
-        const WCHAR* wcDriver;
-        DWORD dwRate;
-    };
-    for (Case row : {Case{u"Halden T410A", 33}, Case{u"Halden T420B", 33}, Case{u"Halden T430A", 33},
-                     Case{u"Halden T440B", 33}, Case{u"Ostra K100", 33}, Case{u"Ostra K200", 33},
-                     Case{u"halden T410A", 26}, Case{u"Halden T410A ", 26}, Case{u"Halden T410", 26},
-                     Case{u"Halden T410AB", 26}, Case{u"Halden T440A", 26}, Case{u"", 26}}) {
-        PrinterSetup setup;
-        setup.wcName = u"Test";
-        setup.wcDriverName = row.wcDriver;
-        AddTestPrinter(Bytes());
-        AddPrinter(setup);
-        EXPECT_EQ(Count(DC_PRINTRATE), row.dwRate);
-        EXPECT_EQ(Count(DC_PRINTRATEPPM), row.dwRate);
-    }
-    AddSample("T410A");
-    TellLies(LIE_NULL_MEMBERS, CALL_GetPrinterW);
-    EXPECT_EQ(Count(DC_PRINTRATE), 26u);
-    TellLies(LIE_HUGE, CALL_GetPrinterW);
-    EXPECT_EQ(Count(DC_PRINTRATE), 0u); /* a size that cannot be had */
-    TellLies(LIE_NONE);
-    FailCall(CALL_HeapAlloc, 1);
-    EXPECT_EQ(Count(DC_PRINTRATE), 0u);
-    EXPECT_EQ(StopFaults(), 1);
-    FailCall(CALL_GetPrinterW, 1);
-    EXPECT_EQ(Count(DC_PRINTRATE), 26u);
-    EXPECT_EQ(StopFaults(), 1);
 }
 
 TEST_F(CapabilitiesTest, WithoutTheLibraryItsTextsAreEmpty)

@@ -8,6 +8,7 @@
 #include "entry/exports.h"
 #include "settings/check_support.h"
 #include "support/guarded_pages.h"
+#include "support/machine_script.h"
 #include "support/well_formed.h"
 
 namespace {
@@ -169,115 +170,76 @@ TEST_F(DocumentEvents, OtherSizesEventsAndPointersDoNothing)
 
 TEST_F(DocumentEvents, FeedEdgeFollowsTheStateOfTheDocument)
 {
-    struct {
-        int nPaper;
-        bool bLarge;
-    } const aPapers[] = {{A5, false}, {A4, true}, {SQUARE, false}, {WIDE, true}, {LONG_ONE, true}};
     for (u32 ulStarted : {0u, 1u, 2u, 0xFFFFFFFFu}) {
         for (u32 ulBefore : {0u, 1u, 9u}) {
-            for (const auto& paper : aPapers) {
-                DriverDevmode in = OnPaper(paper.nPaper);
-                u32 ulTest = paper.bLarge;
+            for (const auto& [nPaper, ulTest] :
+                 {std::pair(A5, 0u), {A4, 1u}, {SQUARE, 0u}, {WIDE, 1u}, {LONG_ONE, 1u}}) {
+                DriverDevmode in = OnPaper(nPaper);
+                const std::string tail = std::to_string(ulStarted) + "-";
                 Set(u"Refresh_FeedEdge", ulStarted);
                 Set(u"FeedEdge", ulBefore);
                 Create(&in);
-                std::string tail = std::to_string(ulStarted) + "-";
                 EXPECT_EQ(Values(), std::to_string(ulStarted == 0 ? ulTest : ulBefore) + tail);
                 Set(u"FeedEdge", ulBefore);
                 Reset(&in);
-                bool bWritten = ulStarted == 0 || (ulStarted == 1 && paper.bLarge);
+                const bool bWritten = ulStarted == 0 || (ulStarted == 1 && ulTest);
                 EXPECT_EQ(Values(), std::to_string(bWritten ? ulTest : ulBefore) + tail);
             }
         }
     }
-    /* A document from its device context on. */
-    DropKey(wcKey);
-    DriverDevmode small = OnPaper(A5), own = OnPaper(256);
-    own.dmPaperWidth = own.dmPaperLength = 1300;
-    Create(&small);
-    EXPECT_EQ(Values(), "0--");
-    Start();
-    EXPECT_EQ(Values(), "010");
-    Reset(&small);
-    EXPECT_EQ(Values(), "010");
-    Reset(&own);
-    EXPECT_EQ(Values(), "110") << "a size of one's own counts as the default paper's";
-    Reset(&small);
-    Create(&small);
-    EXPECT_EQ(Values(), "110");
-    /* What is not a number of four bytes counts as 0. */
-    for (auto [dwType, cb] : {std::pair<DWORD, size_t>{REG_BINARY, 4},
-                              {REG_DWORD, 0},
-                              {REG_DWORD, 3},
-                              {REG_DWORD, 8},
-                              {REG_SZ, 4},
-                              {REG_SZ, 4000}}) {
-        Set(u"Refresh_FeedEdge", 1, dwType, cb);
-        Set(u"FeedEdge", 9);
-        Create(&small);
-        EXPECT_EQ(Values()[0], '0') << dwType << " " << cb;
-    }
 }
 
-TEST_F(DocumentEvents, FastPrintersAreToldByTheirWholeName)
-{
-    for (auto [wcDriver, cFast] : {std::pair<const WCHAR*, char>{u"Halden T410A", '1'},
-                                   {u"Ostra K200", '1'},
-                                   {u"halden t410a", '0'},
-                                   {u"Halden T410A ", '0'},
-                                   {u"Halden T410", '0'},
-                                   {u"", '0'}}) {
-        PrinterSetup setup;
-        setup.wcName = u"Test";
-        setup.wcDriverName = wcDriver;
-        AddPrinter(setup);
-        Set(u"33PPM", 7);
-        Start();
-        EXPECT_EQ(Values()[2], cFast) << Narrow(wcDriver);
+class EventScripts : public Scripted<DocumentEvents> {
+  protected:
+    std::string Raise(bool bReset, const Args& w)
+    {
+        static const std::map<std::string, int> papers = {{"A4", A4}, {"A5", A5}, {"own", 256}};
+        DriverDevmode in = w[0] == "none" ? good : OnPaper(papers.at(w[0]));
+        in.dmOrientation = w.size() > 1 ? 2 : in.dmOrientation;
+        if (w[0] == "own") {
+            in.dmPaperWidth = in.dmPaperLength = 1300;
+        }
+        DriverDevmode* pRecord = w[0] == "none" ? nullptr : &in;
+        bReset ? Reset(pRecord) : Create(pRecord);
+        return Values();
     }
-    Set(u"33PPM", 7);
-    FailCall(CALL_GetPrinterW, 1, FAIL_FROM_THERE);
-    Start();
-    EXPECT_GT(StopFaults(), 0);
-    EXPECT_EQ(Values(), "-10");
-    hPrinter = nullptr;
-    Set(u"33PPM", 7);
-    Start();
-    EXPECT_EQ(Values()[2], '0');
-}
+    static std::string Traces()
+    {
+        std::string all;
+        for (const std::string& trace : TakeTraces()) {
+            all += (all.empty() ? "" : "; ") + trace;
+        }
+        std::replace(all.begin(), all.end(), '\n', '/');
+        return all;
+    }
+    std::string Rate()
+    {
+        std::string rates;
+        for (WORD wQuestion : {DC_PRINTRATE, DC_PRINTRATEPPM}) {
+            rates += (rates.empty() ? "" : " ") +
+                     std::to_string(
+                         DrvDeviceCapabilities(hPrinter, wcPrinter.data(), wQuestion, nullptr, nullptr));
+        }
+        return rates;
+    }
+};
 
-TEST_F(DocumentEvents, TracesWordForWord)
+SCRIPTED(EventScripts, TellThePortMonitor, "document_events.txt")
 {
-    using Traces = std::vector<std::string>;
-    DriverDevmode in = OnPaper(A4);
-    in.dmOrientation = 2;
-    Create(&in);
-    EXPECT_EQ(TakeTraces(), (Traces{"DOCUMENTEVENT_CREATEDCPRE", "CREATEDCPRE-dm_in = 2,2100,2970\n",
-                                    "CREATEDCPRE-dwnumber: 1\n"}));
-    Start();
-    EXPECT_EQ(TakeTraces(),
-              (Traces{"DOCUMENTEVENT_STARTDOC----------------", "DOCUMENTEVENT_STARTDOC-dwnumber: 1\n"}));
-    Create(&in);
-    EXPECT_EQ(TakeTraces(), (Traces{"DOCUMENTEVENT_CREATEDCPRE", "CREATEDCPRE-dm_in = 2,2100,2970\n",
-                                    "CREATEDCPRE-Refresh_FeedEdge = 1\n"}));
-    Reset(&in);
-    EXPECT_EQ(TakeTraces(), (Traces{"RESETDCPRE-dm_in = 2,2100,2970\n", "RESETDCPRE-Refresh_FeedEdge = 1\n",
-                                    "RESETDCPRE-dwnumber: 1\n"}));
-    Set(u"Refresh_FeedEdge", 0xFFFFFFFF);
-    Reset(&in);
-    EXPECT_EQ(TakeTraces(),
-              (Traces{"RESETDCPRE-dm_in = 2,2100,2970\n", "RESETDCPRE-Refresh_FeedEdge = -1\n"}));
-    Create(nullptr);
-    EXPECT_EQ(TakeTraces(), (Traces{"DOCUMENTEVENT_CREATEDCPRE"}));
-    /* A step of the registry that fails is skipped, and nothing else. */
-    DropKey(wcKey);
-    for (CallId call : {CALL_RegCreateKeyW, CALL_RegSetValueExW}) {
-        FailCall(call, 1);
-        Start();
-        EXPECT_EQ(StopFaults(), 1);
-        EXPECT_EQ(Values(), "--0");
-        EXPECT_EQ(TakeTraces(), (Traces{"DOCUMENTEVENT_STARTDOC----------------"}));
-    }
+    PlayBy({
+        VERB("create", Raise(false, w)),
+        VERB("reset", Raise(true, w)),
+        VERB("start", (Start(), Values())),
+        VERB("edge", Values().substr(0, 1)),
+        VERB("traces", Traces()),
+        VERB("set", (Set(WideWord(w[0]).c_str(), static_cast<DWORD>(ToNumber(w[1])),
+                         static_cast<DWORD>(w.size() > 2 ? Int(w, 2) : int{REG_DWORD}),
+                         w.size() > 3 ? static_cast<size_t>(Int(w, 3)) : 4),
+                     Values())),
+        DEED("drop-key", DropKey(wcKey)),
+        DEED("no-printer", hPrinter = nullptr),
+        VERB("rate", Rate()),
+    });
 }
 
 /* Each thread has its record: freed when the thread ends, and with the library those of threads that run. */

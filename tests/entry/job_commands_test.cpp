@@ -9,9 +9,9 @@
 #include "entry/render_parameters.h"
 #include "hosted/user_input.h"
 #include "places.h"
-#include "support/data_file.h"
 #include "support/job_machine.h"
 #include "support/same_bytes.h"
+#include "support/script.h"
 
 namespace {
 
@@ -295,7 +295,7 @@ TEST_F(JobCommands, ALengthWithinTheRecordIsReadOnce)
 }
 
 /* The record's own description serves the job's end unless overlays are at work; another computer's, a
-   device's or a relative path is never opened. */
+   device's or a relative path is never opened. Rows of record_paths.txt: the path, "overlay", taken or not. */
 TEST_F(JobCommands, TheEndTakesTheRecordsDescription)
 {
     AddTestPrinter(Small(KIND_PCL6).Build());
@@ -305,49 +305,16 @@ TEST_F(JobCommands, TheEndTakesTheRecordsDescription)
     }
     XpiFile device = {};
     EXPECT_FALSE(OpenXpiPath(device, u"C:\\NUL"));
-    struct Row {
-        const WCHAR* wcName;
-        int bOverlay, bTaken;
-    };
-    const Row aRows[] = {
-        {u"D:\\Else\\qa.xpi", 0, 1},
-        {u"d:\\ELSE\\QA.XPI", 0, 1},
-        {u"D:\\Else\\qa.xpi", 1, 0},
-        {u"D:\\Else\\none.xpi", 0, 0},
-        {u"", 0, 0},
-        {u"D:", 0, 0},
-        {u"D:Else\\qa.xpi", 0, 0},
-        {u"D:/Else/qa.xpi", 0, 0},
-        {u"\\Else\\qa.xpi", 0, 0},
-        {u"qa.xpi", 0, 0},
-        {u"\\\\D:\\Else\\qa.xpi", 0, 0},
-        {u"\\\\?\\D:\\Else\\qa.xpi", 0, 0},
-        {u"\\\\.\\D:\\Else\\qa.xpi", 0, 0},
-        {u"1:\\Else\\qa.xpi", 0, 0},
-        {u"\u0144:\\Else\\qa.xpi", 0, 0},
-        {u"\\\\server\\share\\qa.xpi", 0, 0},
-        {u"//server/share/qa.xpi", 0, 0},
-        {u"\\\\?\\UNC\\server\\share\\qa.xpi", 0, 0},
-        {u"\\\\.\\pipe\\other", 0, 0},
-        {u"C:\\NUL", 0, 0},
-    };
-    for (const Row& row : aRows) {
+    for (const DataRow& row : ReadRows("record_paths.txt")) {
         record = good;
-        WCHAR tcName[160] = {}, tcOverlay[160] = {static_cast<WCHAR>(row.bOverlay ? 'o' : 0)};
-        CopyWide(tcName, 160, row.wcName);
-        std::memcpy(record.rPrivate.tcXPIName, tcName, sizeof tcName);
+        WCHAR tcName[161] = {}, tcOverlay[160] = {static_cast<WCHAR>(row[1].empty() ? 0 : 'o')};
+        CopyWide(tcName, 161, WideWord(row[0]).c_str()); /* 160 characters have no end */
+        std::memcpy(record.rPrivate.tcXPIName, tcName, 160 * sizeof(WCHAR));
         std::memcpy(record.rPrivate.tcOverlayDir, tcOverlay, sizeof tcOverlay);
         const PartCall end = CallPart(JOB_TAIL, hPrinter, &record, 0);
         EXPECT_EQ(end.dwResult, 2u);
-        EXPECT_EQ(end.cbLength, row.bTaken ? 1040u : 11u) << Narrow(row.wcName) << row.bOverlay;
+        EXPECT_EQ(end.cbLength, row[2] == "taken" ? 1040u : 11u) << row[0];
     }
-    /* 160 characters without an end. */
-    record = good;
-    WCHAR tcLong[160];
-    std::fill(std::begin(tcLong), std::end(tcLong), u'x');
-    std::memcpy(tcLong, u"D:\\", 6);
-    std::memcpy(record.rPrivate.tcXPIName, tcLong, sizeof tcLong);
-    EXPECT_EQ(RunJob(OWN, hPrinter, 7, &record).tail.bytes, std::string("@PJL EOJ\r\n\0", 11));
 }
 
 /* What the rows of job_values.txt say of heads and sheets: lines in job language and entries of parameters. */

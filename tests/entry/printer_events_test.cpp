@@ -4,6 +4,7 @@
 #include "places.h"
 #include "settingsfile/settings_reader.h"
 #include "support/event_machine.h"
+#include "support/machine_script.h"
 #include "support/power_cuts.h"
 #include "tools/tq/machine_text.h"
 
@@ -96,29 +97,6 @@ TEST_F(PrinterEvents, TheFontFileGetsHalftonesThenFontsBehindItsBaseAndOnlyOnce)
         nEnd += cb;
         EXPECT_EQ(extended[nEnd - 1], bFill);
     }
-    /* The value tells the size before; neither a second setting-up nor a connection adds again. */
-    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), 1000u);
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(GetFile(tcFontFile), extended);
-    Raise(INITIALIZE);
-    EXPECT_EQ(GetFile(tcFontFile), extended);
-    EXPECT_EQ(Peek<u32>(Value(u"BasePDFSize"), 0), extended.size());
-    /* Another machine has the file as shipped, or less of it. */
-    SetPrinterValue(wcPrinter, u"BasePDFSize", REG_DWORD, {0xE8, 3, 0, 0});
-    PutFile(tcFontFile, Bytes(900, 0x46));
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
-    /* A base as large as the additions is never extended; nor is a file that somebody holds open. */
-    PutFile(tcFontFile, Bytes(extended.size(), 0x47));
-    Raise(INITIALIZE);
-    EXPECT_EQ(GetFile(tcFontFile).size(), extended.size());
-    PutFile(tcFontFile, Bytes(1000, 0x46));
-    HANDLE hHeld = CreateFileW(tcFontFile.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                               OPEN_EXISTING, 0, nullptr);
-    Raise(INITIALIZE);
-    CloseHandle(hHeld);
-    EXPECT_EQ(GetFile(tcFontFile), Bytes(1000, 0x46));
-    EXPECT_FALSE(HasFile(tcFontFile + u".new"));
 }
 
 TEST_F(PrinterEvents, LostPowerLeavesTheFontFileBaseOrWhole)
@@ -145,30 +123,6 @@ TEST_F(PrinterEvents, LostPowerLeavesTheFontFileBaseOrWhole)
     EXPECT_GT(sweep.nNew, 0u);
 }
 
-TEST_F(PrinterEvents, ASecondSettingUpStartsTheLoadOfFormsAndSizesAnew)
-{
-    InstallSample("K100");
-    Raise(INITIALIZE);
-    const Bytes sizes = Value(u"PaperSizes");
-    const std::vector<std::string> forms = FormNames();
-    ResetCallCounts();
-    Raise(INITIALIZE);
-    EXPECT_EQ(Value(u"PaperSizes"), sizes) << "the digest starts the rows, the import appends to them";
-    EXPECT_EQ(FormNames().size(), forms.size());
-    EXPECT_EQ(CallCount(CALL_AddPrintProcessorW), 0);
-    EXPECT_EQ(CallCount(CALL_SetPrinterW), 1) << "the record; the print processor is the right one already";
-    /* A value whose condition is gone stays as it was. */
-    SetPrinterValue(wcPrinter, u"Margin", REG_BINARY, {1, 2, 3});
-    Raise(INITIALIZE);
-    EXPECT_EQ(Value(u"Margin"), Bytes({1, 2, 3}));
-    /* A file that is there already means that nothing is imported by a connection. */
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(Value(u"PaperSizes"), sizes);
-    std::filesystem::remove(HostPath(UserFolder(u"worker") + u"\\00abcdef.tqs"));
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(Value(u"PaperSizes").size(), sizes.size() + 12);
-}
-
 TEST_F(PrinterEvents, ASecondImagePrinterImportsWatermarksAsFiles)
 {
     for (const auto& [cStem, bFiles] : {std::pair("T440B", true), std::pair("K100", false)}) {
@@ -181,73 +135,6 @@ TEST_F(PrinterEvents, ASecondImagePrinterImportsWatermarksAsFiles)
         EXPECT_EQ(wcText.find(u"WMWidth0=1\r\n") != wcText.npos, bFiles);
         EXPECT_NE(wcText.find(u"NumWatermarks=2\r\n"), wcText.npos);
     }
-}
-
-TEST_F(PrinterEvents, NamesOfTheSettingsFileAndOfTheUserModeDriver)
-{
-    InstallSample("T410A");
-    PutFile(UserFolder(u"worker") + u"\\00001234.tqs", "taken");
-    SetTickCount(0x1234);
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(Text(u"Settings"), "00001235.TQS");
-    /* A value that leads elsewhere is none; sixteen taken names are an end. */
-    SetPrinterText(wcPrinter, u"Settings", u"..\\..\\x.ini");
-    for (int i = 0; i < 16; i++) {
-        char cName[32];
-        std::snprintf(cName, sizeof cName, "\\%08X.tqs", 0xFFFFFFF8u + static_cast<unsigned>(i));
-        PutFile(UserFolder(u"worker") + Widen(cName), "taken");
-    }
-    SetTickCount(0xFFFFFFF8);
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(Text(u"Settings"), "..\\..\\x.ini");
-    EXPECT_FALSE(HasFile(tcUsers + u"worker\\x.ini"));
-
-    /* An empty key is no key; one with a text makes the search unnecessary. */
-    const WideText tcIni = wcDriverFolder + WideText(u"T410A.INI");
-    PutFile(tcIni, "[PrinterDriver]\r\nSPLUserModePrinterDriver=\r\nA b=1\r\nLong=" + std::string(200, 'x'));
-    Raise(INITIALIZE);
-    EXPECT_EQ(Text(u"SPLUserModePrinterDriver"), "KRND.DLL");
-    EXPECT_EQ(Text(u"A b"), "1");
-    EXPECT_EQ(Text(u"Long"), std::string(127, 'x'));
-    PutFile(tcIni, "[PrinterDriver]\r\nsplusermodeprinterdriver=OWN.DLL\r\n");
-    Raise(INITIALIZE);
-    EXPECT_EQ(Text(u"SPLUserModePrinterDriver"), "OWN.DLL");
-}
-
-TEST_F(PrinterEvents, OnlySettingUpCanFailAndOnlyForThreeReasons)
-{
-    InstallSample("T410A");
-    for (int nEvent : {-1, 0, 1, 2, 4, 5, 7}) {
-        EXPECT_EQ(DrvPrinterEvent(nullptr, nEvent, 0, 0), 1) << nEvent;
-        WideText wcNone = u"No such printer";
-        EXPECT_EQ(DrvPrinterEvent(wcNone.data(), nEvent, 0, 0), 1) << nEvent;
-    }
-    EXPECT_EQ(DrvPrinterEvent(nullptr, INITIALIZE, 0, 0), 0);
-    FailCall(CALL_SetPrinterDataW, 1);
-    EXPECT_EQ(Raise(INITIALIZE), 0);
-    StopFaults();
-    EXPECT_EQ(PrinterValues(wcPrinter).size(), 0u) << "nothing behind it has happened";
-    EXPECT_EQ(GetFile(tcFontFile).size(), 1000u);
-    for (int nEvent : {0, 5, 6, 7}) {
-        ResetCallCounts();
-        EXPECT_EQ(Raise(nEvent), 1);
-        EXPECT_EQ(CallCount(ANY_CALL), 0);
-    }
-}
-
-TEST_F(PrinterEvents, APrintProcessorThatTheSpoolerDoesNotFindLeavesThePrinterTheOneItHad)
-{
-    InstallSample("K100");
-    std::filesystem::remove(HostPath(tcProcessorFolder + u"JOB.DLL"));
-    EXPECT_EQ(Raise(INITIALIZE), 1);
-    EXPECT_EQ(GetPrinterSetup(wcPrinter).wcPrintProcessor, u"winprint");
-    EXPECT_EQ(PrintProcessors().size(), 1u);
-    /* The spooler hears the printer's own name, and the caller's text stays. */
-    const WideText wcShared = u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly";
-    WideText wcAsked = wcShared;
-    EXPECT_EQ(DrvPrinterEvent(wcAsked.data(), INITIALIZE, 0, 0), 1);
-    EXPECT_EQ(AnnouncedPrinters().back(), "\\\\WORKPC\\" + Narrow(wcPrinter));
-    EXPECT_EQ(wcAsked, wcShared);
 }
 
 TEST_F(PrinterEvents, AnIsolatedHostThatForbidsMostStillGetsItsDigest)
@@ -272,39 +159,6 @@ TEST_F(PrinterEvents, AnIsolatedHostThatForbidsMostStillGetsItsDigest)
         EXPECT_NE(text.find(honest.substr(nAt, honest.find("\nvalue", nAt) - nAt)), text.npos) << cValue;
     }
     EXPECT_EQ(StartedPrograms().size(), 1u);
-}
-
-TEST_F(PrinterEvents, AConnectionTakesOnlyThisUsersSettings)
-{
-    InstallSample("K100");
-    SetSystemVersion(4, 0);
-    Raise(ADD_CONNECTION);
-    EXPECT_EQ(DescribeValue(REG_MULTI_SZ, Value(u"TQNetworkInstall")), "multi \"WORKPC\\0\\0\"");
-    const WideText wcFile = u"\\00abcdef.tqs";
-    ASSERT_TRUE(HasFile(UserFolder(u"worker") + wcFile));
-    PutFile(UserFolder(u"second") + wcFile, "stays");
-    EXPECT_TRUE(HasSemaphore(wcPrinter));
-    DropSemaphores();
-    Raise(DELETE_CONNECTION);
-    EXPECT_FALSE(HasFile(UserFolder(u"worker") + wcFile));
-    EXPECT_TRUE(HasFile(UserFolder(u"second") + wcFile));
-    EXPECT_EQ(Value(u"TQNetworkInstall").size(), 0u);
-}
-
-/* The folders of other driver versions below W32X86 have copies of the font file: a smaller one follows. */
-TEST_F(PrinterEvents, CopiesOfTheFontFileFollow)
-{
-    InstallSample("T410A");
-    PrinterSetup setup = GetPrinterSetup(wcPrinter);
-    setup.tcDataFile = u"C:\\drv\\W32X86\\3\\t.fdf";
-    AddPrinter(setup);
-    PutFile(setup.tcDataFile, Bytes(1000, 0x46));
-    PutFile(u"C:\\drv\\W32X86\\2\\t.fdf", Bytes(999, 0x47));
-    PutFile(u"C:\\drv\\W32X86\\4\\t.fdf", Bytes(1000000, 0x48));
-    PrinterCall call(hPrinter);
-    SyncDataFileCopies(call);
-    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\2\\t.fdf"), GetFile(setup.tcDataFile));
-    EXPECT_EQ(GetFile(u"C:\\drv\\W32X86\\4\\t.fdf"), Bytes(1000000, 0x48));
 }
 
 /* Names that fill their fields without an end are cut: 14 and 31 bytes, and a NUL. */
@@ -343,3 +197,81 @@ TEST_F(PrinterEvents, TheSpoolerMayCallBackWithinTheCall)
     EXPECT_EQ(GetPrinterSetup(wcPrinter).devmode, BuiltDefault());
     EXPECT_EQ(GetPrinterSetup(wcPrinter).wcPrintProcessor, u"JOB");
 }
+
+namespace {
+
+class EventLives : public Scripted<PrinterEvents> {
+  protected:
+    BOOL RaiseBy(const std::string& event, WideText wcName)
+    {
+        static const std::map<std::string, int> events = {{"add-connection", ADD_CONNECTION},
+                                                          {"delete-connection", DELETE_CONNECTION},
+                                                          {"initialize", INITIALIZE},
+                                                          {"delete-printer", DELETE_PRINTER}};
+        const WideText wcBefore = wcName;
+        const int nEvent = events.count(event) ? events.at(event) : static_cast<int>(ToNumber(event));
+        const BOOL bDone = DrvPrinterEvent(wcName.empty() ? nullptr : wcName.data(), nEvent, 0, 0);
+        EXPECT_EQ(wcName, wcBefore) << "the caller's text";
+        return bDone;
+    }
+    WideText User(const Args& w) const { return UserFolder(WideWord(w[0])) + u"\\" + WideWord(w[1]); }
+    std::string Change(const std::string& value)
+    {
+        const Bytes now = Value(Widen(value));
+        return now == kept_ ? "none" : std::to_string(static_cast<long>(now.size() - kept_.size()));
+    }
+    /* The data file elsewhere, and copies of it in folders of other versions. */
+    std::string Copies()
+    {
+        PrinterSetup setup = GetPrinterSetup(wcPrinter);
+        setup.tcDataFile = u"C:\\drv\\W32X86\\3\\t.fdf";
+        AddPrinter(setup);
+        PutFile(setup.tcDataFile, Bytes(1000, 0x46));
+        PutFile(u"C:\\drv\\W32X86\\2\\t.fdf", Bytes(999, 0x47));
+        PutFile(u"C:\\drv\\W32X86\\4\\t.fdf", Bytes(1000000, 0x48));
+        PrinterCall call(hPrinter);
+        SyncDataFileCopies(call);
+        return std::string(GetFile(u"C:\\drv\\W32X86\\2\\t.fdf") == GetFile(setup.tcDataFile) ? "followed"
+                                                                                              : "stayed") +
+               (GetFile(u"C:\\drv\\W32X86\\4\\t.fdf") == Bytes(1000000, 0x48) ? " stayed" : " followed");
+    }
+    Bytes kept_;
+    HANDLE hHeld_ = nullptr;
+};
+
+SCRIPTED(EventLives, LeaveWhatIsWritten, "printer_events.txt")
+{
+    PlayBy({
+        DEED("install", InstallSample(w[0].c_str())),
+        VERB("raise", RaiseBy(w[0], wcPrinter)),
+        VERB("raise-for", RaiseBy(w[0], w.size() > 1 ? WideWord(w[1]) : u"")),
+        VERB("raise-shared", RaiseBy(w[0], u"\\\\WORKPC\\" + wcPrinter + u",LocalOnly")),
+        VERB("announced", AnnouncedPrinters().back()),
+        DEED("keep", kept_ = Value(Widen(w[0]))),
+        VERB("change", Change(w[0])),
+        VERB("value-text", Text(Widen(w[0]))),
+        VERB("values", PrinterValues(wcPrinter).size()),
+        VERB("forms", FormNames().size()),
+        VERB("font-file", GetFile(tcFontFile).size()),
+        DEED("put-font-file", PutFile(tcFontFile, Bytes(static_cast<size_t>(Int(w, 0)), 0x46))),
+        VERB("new-font-file", HasFile(tcFontFile + u".new")),
+        VERB("base-size", Peek<u32>(Value(u"BasePDFSize"), 0)),
+        DEED("hold",
+             hHeld_ = CreateFileW(tcFontFile.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr)),
+        DEED("let-go", CloseHandle(hHeld_)),
+        VERB("processor", Narrow(GetPrinterSetup(wcPrinter).wcPrintProcessor)),
+        VERB("processors", PrintProcessors().size()),
+        VERB("remove-processor", std::filesystem::remove(HostPath(tcProcessorFolder + u"JOB.DLL"))),
+        DEED("ini", PutFile(wcDriverFolder + Widen(w[0]) + u".INI", Unescaped(w[1]))),
+        DEED("ticks", SetTickCount(static_cast<u32>(ToNumber(w[0])))),
+        DEED("put-user", PutFile(User(w), "taken")),
+        VERB("has-user", HasFile(User(w))),
+        VERB("remove-user", std::filesystem::remove(HostPath(User(w)))),
+        VERB("network-list", DescribeValue(REG_MULTI_SZ, Value(u"TQNetworkInstall"))),
+        VERB("marked", HasSemaphore(wcPrinter)),
+        VERB("copies", Copies()),
+    });
+}
+
+} // namespace

@@ -4,7 +4,7 @@
 
 #include "description/string_ids.h"
 #include "hosted/standin.h"
-#include "support/sample_machine.h"
+#include "support/machine_script.h"
 
 namespace {
 
@@ -144,78 +144,64 @@ TEST_F(HostedMachine, CountsCallsAndThePeak)
     EXPECT_STREQ(CallName(CALL_GetPrinterDriverW), "GetPrinterDriverW");
 }
 
-TEST_F(HostedMachine, LiesOfTheSpooler)
+class HostedLies : public Scripted<HostedMachine> {
+  protected:
+    /* The driver's path in a room of so many bytes, or in just the room that the first asking said. */
+    std::string Driver(DWORD cbRoom)
+    {
+        DWORD cbNeeded = 0;
+        Bytes buffer(8);
+        if (cbRoom == 0) {
+            EXPECT_FALSE(AskDriver(&buffer, &cbRoom));
+        }
+        buffer.assign(cbRoom, 0);
+        if (!AskDriver(&buffer, &cbNeeded)) {
+            return cbRoom == 4096 ? "needs " + std::to_string(cbNeeded) : "needs more";
+        }
+        const auto* pInfo = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
+        EXPECT_TRUE(pInfo->pDriverPath || (!pInfo->pDependentFiles && !pInfo->pDataFile));
+        return pInfo->pDriverPath ? Narrow(pInfo->pDriverPath).substr(0, 16) : "null";
+    }
+    /* Code, bytes needed, the first bytes as letters. */
+    std::string Stored()
+    {
+        Bytes value(8);
+        DWORD cbNeeded = 0;
+        std::string text = std::to_string(ReadValue(u"Value", &value, &cbNeeded));
+        text += " " + std::to_string(cbNeeded) + " ";
+        for (u8 bByte : value) {
+            text += bByte ? static_cast<char>(bByte) : '.';
+        }
+        return text;
+    }
+    static std::string File()
+    {
+        const HANDLE hFile =
+            CreateFileW(u"C:\\a.txt", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+        char cBytes[8];
+        DWORD cbRead = 0;
+        LARGE_INTEGER size = {};
+        EXPECT_TRUE(GetFileSizeEx(hFile, &size) && ReadFile(hFile, cBytes, 8, &cbRead, nullptr));
+        CloseHandle(hFile);
+        return std::to_string(cbRead) + " of " + std::to_string(size.QuadPart);
+    }
+    static std::string Library()
+    {
+        const HMODULE hModule = LoadLibraryExW(u"C:\\drv\\txt.dll", nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        WCHAR wcText[12] = {};
+        const int cch = LoadStringW(hModule, IDS_TITLE_LAYOUT, wcText, 10);
+        EXPECT_EQ(wcText[10], 0) << "no lie goes beyond the room";
+        FreeLibrary(hModule);
+        return (cch > 0x7FFF0000 ? "huge" : std::to_string(cch)) + " " + Narrow(wcText);
+    }
+};
+
+SCRIPTED(HostedLies, AreToldAsWritten, "hosted_lies.txt")
 {
     AddTestPrinter(Bytes());
-    SetPrinterText(u"Test", u"Value", u"abc");
-    Bytes buffer(4096), value(8);
-    DWORD cbNeeded, cbFirst;
-    const DRIVER_INFO_3W* pInfo = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
-    TellLies(LIE_NULL_MEMBERS);
-    ASSERT_TRUE(AskDriver(&buffer, &cbNeeded));
-    EXPECT_TRUE(!pInfo->pDriverPath && !pInfo->pDependentFiles && !pInfo->pDataFile);
-    TellLies(LIE_UNTERMINATED);
-    ASSERT_TRUE(AskDriver(&buffer, &cbNeeded));
-    EXPECT_TRUE(WideText(pInfo->pDriverPath).starts_with(u"C:\\drv\\qrnd.dllX"))
-        << "runs on into the next text";
-    TellLies(LIE_HUGE);
-    EXPECT_FALSE(AskDriver(&buffer, &cbNeeded));
-    EXPECT_EQ(cbNeeded, 0xFFFFFFF0u);
-    TellLies(LIE_GROWS);
-    Bytes small(8);
-    EXPECT_FALSE(AskDriver(&small, &cbFirst));
-    small.resize(cbFirst);
-    EXPECT_FALSE(AskDriver(&small, &cbNeeded)) << "what the first asking said is too little for the second";
-
-    const auto ask = [&](LieKind kind, CallId call = ANY_CALL) {
-        value.assign(8, 0);
-        TellLies(kind, call);
-        const DWORD dwResult = ReadValue(u"Value", &value, &cbNeeded);
-        TellLies(LIE_NONE);
-        return std::pair(dwResult, cbNeeded);
-    };
-    EXPECT_EQ(ask(LIE_SHORT), std::pair(ERROR_SUCCESS, DWORD{4}));
-    EXPECT_EQ(ask(LIE_UNTERMINATED), std::pair(ERROR_SUCCESS, DWORD{8}));
-    EXPECT_EQ(value, Bytes(8, 'A'));
-    EXPECT_EQ(ask(LIE_GROWS), std::pair(ERROR_MORE_DATA, DWORD{72}));
-    EXPECT_EQ(ask(LIE_UNTERMINATED, CALL_GetPrinterW), std::pair(ERROR_SUCCESS, DWORD{8}))
-        << "one call alone";
-    EXPECT_EQ(value, (Bytes{'a', 0, 'b', 0, 'c', 0, 0, 0}));
-}
-
-TEST_F(HostedMachine, LiesOfFilesAndTexts)
-{
-    PutFile(u"C:\\a.txt", "01234567");
-    const HANDLE hFile =
-        CreateFileW(u"C:\\a.txt", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    char cBytes[8];
-    DWORD cbRead = 0;
-    LARGE_INTEGER size;
-    TellLies(LIE_SHORT);
-    EXPECT_TRUE(ReadFile(hFile, cBytes, 8, &cbRead, nullptr));
-    EXPECT_EQ(cbRead, 4u);
-    TellLies(LIE_HUGE, CALL_GetFileSizeEx);
-    EXPECT_TRUE(GetFileSizeEx(hFile, &size));
-    EXPECT_EQ(size.QuadPart, 1LL << 40);
-    TellLies(LIE_NONE);
-    CloseHandle(hFile);
-
-    AddTestPrinter(Bytes()); /* with the language libraries */
-    const HMODULE hModule = LoadLibraryExW(u"C:\\drv\\txt.dll", nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const auto ask = [hModule](LieKind kind) {
-        WCHAR wcText[12] = {};
-        TellLies(kind, CALL_LoadStringW);
-        const int cch = LoadStringW(hModule, IDS_TITLE_LAYOUT, wcText, 10);
-        TellLies(LIE_NONE);
-        EXPECT_EQ(wcText[10], 0); /* no lie goes beyond the room */
-        return std::pair(cch, WideText(wcText));
-    };
-    EXPECT_EQ(ask(LIE_NONE), std::pair(6, WideText(u"Layout")));
-    EXPECT_EQ(ask(LIE_SHORT), std::pair(3, WideText(u"Lay")));
-    EXPECT_EQ(ask(LIE_UNTERMINATED), std::pair(10, WideText(u"Layout####")));
-    EXPECT_GT(ask(LIE_HUGE).first, 0x7FFF0000);
-    FreeLibrary(hModule);
-    EXPECT_FALSE(LoadLibraryExW(u"C:\\drv\\txt.dll", nullptr, 0)) << "its code is never run";
+    PlayBy({VERB("driver-info", Driver(w.empty() ? 0 : static_cast<DWORD>(Int(w, 0)))),
+            VERB("stored-value", Stored()), VERB("file", File()), VERB("string", Library()),
+            VERB("run", LoadLibraryExW(u"C:\\drv\\txt.dll", nullptr, 0) != nullptr)});
 }
 
 /* Windows ends paths at 259 characters and folders at 247; Wine takes longer ones. */

@@ -66,7 +66,7 @@ std::string SizesText(PictureCase sheet)
 
 TEST(Geometry, GivesThePicturesWorkedOutByHand)
 {
-    for (const Scenario& scenario : ReadScenarios("preview_geometry.txt")) {
+    for (const Script& scenario : ReadScripts("preview_geometry.txt")) {
         for (const DataRow& row : scenario.steps) {
             const PictureCase sheet = CaseOf("", "layout 1 default 21000 29700 " + row[0]);
             EXPECT_EQ(scenario.name == "Sizes" ? SizesText(sheet) : PictureText(sheet), row[1]) << row[0];

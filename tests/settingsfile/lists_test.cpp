@@ -5,9 +5,8 @@
 #include "hosted/standin.h"
 #include "settingsfile/font_substitutions.h"
 #include "settingsfile/settings_writer.h"
-#include "support/both_builds.h"
-#include "support/data_file.h"
 #include "support/same_bytes.h"
+#include "support/script.h"
 #include "support/settings_text.h"
 #include "support/sweep.h"
 #include "watermark/watermark_rows.h"
@@ -58,19 +57,6 @@ class Lists : public BothBuilds {
         }
         return rows;
     }
-
-    /* Result of the substitutions, and the block's texts with | for each NUL. */
-    std::pair<int, std::string> Fonts(const std::string& lines, size_t nChars = 0)
-    {
-        PutFile(LIST_FILE, "[FontSubstitutions]\r\n" + lines);
-        OwnedBlock<WCHAR> pBlock;
-        u16 cb = ReadFontSubstitutions(OpenProfile(LIST_FILE), &pBlock);
-        std::string texts = pBlock ? "" : "null";
-        for (size_t i = 0; pBlock && i < nChars; i++) {
-            texts += pBlock.get()[i] ? static_cast<char>(pBlock.get()[i]) : '|';
-        }
-        return {cb, texts};
-    }
 };
 
 } // namespace
@@ -101,69 +87,82 @@ TEST_F(Lists, WatermarkRowsAreWhatTheFileSays)
     image.WMTransparency = 50;
     image.WMPositionX = 0x7FFFFFFF;
     EXPECT_TRUE(SameBytes(rows[1], image));
-
-    /* What no row says. */
-    rows = Rows("1", Without(Without(TextRow("0"), "WMType0"), "WMCharSet0"));
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].WMType, 1u);
-    EXPECT_EQ(rows[0].WMCharSet, 255);
-    /* Out of range stays, wider than the field is cut. */
-    rows = Rows("1", Without(Without(TextRow("0"), "WMAngle0"), "WMSize0") +
-                         "WMAngle0=65000\r\nWMSize0=-2\r\nWMPlacement0=65546\r\nWMTransparency0=-1\r\n");
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0].WMAngle, 65000);
-    EXPECT_EQ(rows[0].WMSize, -2);
-    EXPECT_EQ(rows[0].WMPlacement, 10);
-    EXPECT_EQ(rows[0].WMTransparency, 65535);
 }
 
-TEST_F(Lists, TheFirstBrokenRowEndsTheWatermarks)
+class ListScripts : public Lists, public testing::WithParamInterface<Script> {
+  protected:
+    /* A text or an image row: text|image [without KEY]... [with LINE]... */
+    static std::string Row(const Args& w, const std::string& i)
+    {
+        std::string lines = w[0] == "text" ? TextRow(i) : w[0] == "image" ? ImageRow(i) : "";
+        for (size_t n = 1; n + 1 < w.size(); n += 2) {
+            lines = w[n] == "with" ? lines + Unescaped(w[n + 1]) + "\r\n" : Without(lines, w[n + 1]);
+        }
+        return lines;
+    }
+    /* How many rows are read of three, the middle one of which is this. */
+    size_t Kept(const Args& w) { return Rows("3", TextRow("0") + Row(w, "1") + TextRow("2")).size(); }
+    std::string Values(const Args& w)
+    {
+        const std::vector<WatermarkEntry> rows = Rows("1", Row(w, "0"));
+        std::string text = rows.size() == 1 ? "" : "none";
+        for (const WatermarkEntry& row : rows) {
+            for (int n : {int(row.WMType), int(row.WMCharSet), int(row.WMAngle), int(row.WMSize),
+                          int(row.WMPlacement), int(row.WMTransparency)}) {
+                text += std::to_string(n) + " ";
+            }
+        }
+        return text;
+    }
+    std::string Built(const Args& w)
+    {
+        const std::string names = "WMFileName0=C:\\u\\1.WM\r\nWMColorFile0=C:\\u\\1.CWM\r\n",
+                          numbers = "WMResolution0=600\r\nWMWidth0=1200\r\nWMHeight0=300\r\n";
+        Args own = {"text", "with", names + numbers};
+        own.insert(own.end(), w.begin(), w.end());
+        const WatermarkEntry row = Rows("1", Row(own, "0")).at(0), unbuilt = Rows("1", TextRow("0")).at(0);
+        return SameBytes(row, unbuilt) ? "unbuilt"
+                                       : Ascii(row.WMFileName) + ";" + Ascii(row.WMColorFile) + ";" +
+                                             std::to_string(row.WMHeight);
+    }
+    std::string Many(const std::string& count)
+    {
+        std::string many;
+        for (int i = 0; i < 40; i++) {
+            many += TextRow(std::to_string(i), "Row " + std::to_string(i));
+        }
+        const size_t cbBefore = PeakBlockBytes();
+        const std::vector<WatermarkEntry> rows = Rows(count, many);
+        EXPECT_LT(PeakBlockBytes() - cbBefore, 256u * 1024) << "a count costs what rows there are";
+        return rows.empty() ? "none" : std::to_string(rows.size()) + " " + Ascii(rows.back().WMString);
+    }
+    /* Size and the block's texts, with a comma for each NUL. */
+    std::string Fonts(const std::string& lines)
+    {
+        PutFile(LIST_FILE, "[FontSubstitutions]\r\n" + Unescaped(lines));
+        OwnedBlock<WCHAR> pBlock;
+        const u16 cb = ReadFontSubstitutions(OpenProfile(LIST_FILE), &pBlock);
+        EXPECT_EQ(!pBlock, cb == NO_FONT_SUBSTITUTIONS);
+        std::string texts = std::to_string(cb) + " ";
+        for (int i = 0; pBlock && i < cb + 2; i++) {
+            texts += pBlock.get()[i] ? static_cast<char>(pBlock.get()[i]) : ',';
+        }
+        return texts;
+    }
+};
+
+SCRIPTED(ListScripts, AreReadAsWritten, "lists.txt")
 {
-    /* The middle one of three rows, the others whole. */
-    auto Kept = [this](const std::string& middle) {
-        return Rows("3", TextRow("0").append(middle).append(TextRow("2"))).size();
-    };
-    EXPECT_EQ(Kept(TextRow("1")), 3u);
-    for (const char* cKey :
-         {"WMString1", "WMFace1", "WMBold1", "WMItalic1", "WMSize1", "WMAngle1", "WMColor1", "WMOutline1"}) {
-        std::string broken = Without(TextRow("1"), cKey);
-        EXPECT_EQ(Kept(broken), 1u) << cKey;
-        EXPECT_EQ(Kept(broken.append(cKey).append("=\r\n")), cKey == std::string("WMColor1") ? 3u : 1u)
-            << cKey << ", empty";
-    }
-    for (const char* cLine : {"WMAngle1=-1", "WMAngle1=65535", "WMSize1=65535", "WMSize1=-1", "WMBold1=-1",
-                              "WMItalic1=4294967295", "WMColor1=FFFFFFFF", "WMOutline1=-1"}) {
-        std::string key(cLine, std::strchr(cLine, '='));
-        EXPECT_EQ(Kept(Without(TextRow("1"), key).append(cLine).append("\r\n")), 1u) << cLine;
-    }
-    EXPECT_EQ(Kept(ImageRow("1")), 3u);
-    EXPECT_EQ(Kept(Without(ImageRow("1"), "WMImageName1")), 1u);
-    /* A type that no one knows needs a name only. */
-    EXPECT_EQ(Kept("WMType1=7\r\nWMString1=x\r\n"), 3u);
+    Play(GetParam(), {VERB("kept", Kept(w)), VERB("values", Values(w)), VERB("built", Built(w)),
+                      VERB("many", Many(w[0])), VERB("fonts", Fonts(w[0]))});
 }
 
-TEST_F(Lists, TheCountOfWatermarks)
+TEST_F(Lists, OfNoFileAreEmpty)
 {
-    std::string many;
-    for (int i = 0; i < 40; i++) {
-        many += TextRow(std::to_string(i), "Row " + std::to_string(i));
-    }
-    for (const char* cCount : {"", "0", "-1", "-2147483648", "x"}) {
-        EXPECT_EQ(Rows(cCount, many).size(), 0u) << cCount;
-    }
-    for (int nCount : {1, 15, 16, 17, 32, 33, 40}) {
-        std::vector<WatermarkEntry> rows = Rows(std::to_string(nCount), many);
-        ASSERT_EQ(rows.size(), static_cast<size_t>(nCount));
-        EXPECT_EQ(Ascii(rows.back().WMString), "Row " + std::to_string(nCount - 1));
-    }
-    /* A count costs what rows there are. */
-    size_t cbBefore = PeakBlockBytes();
-    EXPECT_EQ(Rows("2147483647", many).size(), 40u);
-    EXPECT_LT(PeakBlockBytes() - cbBefore, 256u * 1024);
-    EXPECT_EQ(ListOf(u"C:\\set\\none.ini").size(), 0u);
     PutFile(u"C:\\Windows\\list.ini", "[Watermarks]\r\nNumWatermarks=1\r\n" + TextRow("0"));
-    EXPECT_EQ(ListOf(u"list.ini").size(), 0u);
-    EXPECT_EQ(ListOf(u"").size(), 0u);
+    for (const WCHAR* tcNone : {u"C:\\set\\none.ini", u"list.ini", u""}) {
+        EXPECT_EQ(ListOf(tcNone).size(), 0u);
+    }
 }
 
 TEST_F(Lists, TheLongestFilesTakeBoundedTimeAndMemory)
@@ -192,72 +191,6 @@ TEST_F(Lists, TheLongestFilesTakeBoundedTimeAndMemory)
     }
     PutFile(LIST_FILE, lines + "x");
     EXPECT_EQ(ListOf(LIST_FILE).size(), 0u) << "a byte too many";
-}
-
-TEST_F(Lists, BuiltFilesNeedTheirNumbers)
-{
-    const std::string names = "WMFileName0=C:\\u\\1.WM\r\nWMColorFile0=C:\\u\\1.CWM\r\n";
-    const std::string numbers = "WMResolution0=600\r\nWMWidth0=1200\r\nWMHeight0=300\r\n";
-    const WatermarkEntry unbuilt = Rows("1", TextRow("0")).at(0);
-    for (const char* cKey : {"WMResolution0", "WMWidth0", "WMHeight0"}) {
-        for (std::string value : {"", "=0\r\n", "=x\r\n"}) {
-            std::string lines =
-                TextRow("0") + names + Without(numbers, cKey) + (value.empty() ? "" : cKey + value);
-            std::vector<WatermarkEntry> rows = Rows("1", lines);
-            ASSERT_EQ(rows.size(), 1u);
-            EXPECT_TRUE(SameBytes(rows[0], unbuilt)) << cKey << value;
-        }
-    }
-    EXPECT_EQ(Rows("1", TextRow("0") + names + Without(numbers, "WMResolution0") + "WMResolution0=65536\r\n")
-                  .at(0)
-                  .WMFileName[0],
-              0);
-    EXPECT_TRUE(SameBytes(Rows("1", TextRow("0") + numbers).at(0), unbuilt)) << "numbers without a file";
-    WatermarkEntry one = Rows("1", TextRow("0") + Without(names, "WMFileName0") + numbers).at(0);
-    EXPECT_EQ(one.WMFileName[0], 0);
-    EXPECT_EQ(Ascii(one.WMColorFile), "C:\\u\\1.CWM");
-    EXPECT_EQ(one.WMHeight, 300u);
-    /* A longer path is cut as the profile calls cut it. */
-    EXPECT_EQ(
-        WideLength(Rows("1", TextRow("0") + "WMFileName0=C:\\" + std::string(400, 'p') + "\r\n" + numbers)
-                       .at(0)
-                       .WMFileName),
-        259);
-}
-
-TEST_F(Lists, FontSubstitutionsBecomeAMultiString)
-{
-    const std::string two =
-        "FontSubSys0=Arial\r\nFontSubPrt0=Univers\r\nFontSubSys1=Times\r\nFontSubPrt1=CG Times\r\n";
-    const std::string texts = "Arial|Univers|Times|CG Times|";
-    /* Size and count; 65535 for neither block nor texts. Twice the size in bytes: 29 characters are needed. */
-    const std::tuple<const char*, const char*, int, std::string> aCases[] = {
-        {"60", "2", 60, texts + std::string(33, '|')},
-        {"40", "0", 40, std::string(42, '|')},
-        {"0", "0", 0, "||"},
-        {"29", "2", 29, texts + "||"},
-        {"28", "2", 65535, ""},
-        {"6", "1", 65535, ""},
-        {"0", "1", 65535, ""},
-        {nullptr, nullptr, 65535, ""},
-        {"40", nullptr, 65535, ""},
-        {nullptr, "1", 65535, ""},
-        {"-1", "0", 65535, ""},
-        {"65535", "0", 65535, ""},
-        {"40", "65535", 65535, ""},
-        {"40", "-1", 65535, ""},
-        {"40", "3", 65535, ""},
-    };
-    for (const auto& [cSize, cCount, cb, block] : aCases) {
-        const std::string lines = (cSize ? std::string("FontSubSize=") + cSize + "\r\n" : "") +
-                                  (cCount ? std::string("NumFontSubs=") + cCount + "\r\n" : "") + two;
-        EXPECT_EQ(Fonts(lines, block.size()), std::pair(cb, cb == 65535 ? "null" : block)) << lines;
-    }
-    const std::string one = "FontSubSize=300\r\nNumFontSubs=1\r\nFontSub";
-    EXPECT_EQ(Fonts(one + "Sys0=A\r\n", 4), std::pair(300, std::string("A|||"))) << "no device font";
-    EXPECT_EQ(Fonts(one + "Prt0=x\r\n"), std::pair(65535, std::string("null")));
-    EXPECT_EQ(Fonts(one + "Sys0=" + std::string(200, 'f') + "\r\n", 129),
-              std::pair(300, std::string(127, 'f') + "||"));
 }
 
 TEST_F(Lists, FailingCallsLeaveNothingBehind)

@@ -94,37 +94,6 @@ TEST_F(SettingsReader, WhatAFileDoesNotNameStays)
     }
 }
 
-TEST_F(SettingsReader, TheGuardKeyNamesTheDescription)
-{
-    const WideText tcFolder = u"C:\\drv\\", tc31 = WideText(27, u'N') + u".XPI", tc32 = u"N" + tc31;
-    const std::tuple<WideText, std::string, int> aCases[] = {
-        {tcFolder + u"QA.XPI", "", 1},
-        {tcFolder + u"QA.XPI", "XPI=QA.XPI\r\n", 1},
-        {u"QA.XPI", "XPI=QA.XPI\r\n", 1},
-        {tcFolder + u"QA.XPI", "XPI=qa.xpi\r\n", 0},
-        {tcFolder + u"QA.XPI", "XPI=QA.XP\r\n", 0},
-        {tcFolder + u"QA.XPI", "XPI=C:\\drv\\QA.XPI\r\n", 0},
-        {tcFolder + u"QA.XPI", "XPI=\r\n", 0},
-        {tcFolder + tc31, "", 1},
-        {tcFolder + tc32, "", 0},
-        {tcFolder + tc32, "XPI=" + Narrow(tc32) + "\r\n", 0},
-        {tcFolder, "", 1},
-        {WideText(159, u'N'), "", 0},
-    };
-    for (const auto& [tcXpi, guard, nResult] : aCases) {
-        DriverDevmode before = MarkedRecord(0x11);
-        PutText(&before, 2052, tcXpi);
-        DriverDevmode read = before;
-        EXPECT_EQ(Read(guard + "Copies=7\r\nWMType=1\r\n", &read), nResult) << Narrow(tcXpi) << guard;
-        EXPECT_EQ(read.dmCopies, nResult ? 7 : before.dmCopies);
-        EXPECT_TRUE(nResult || SameBytes(read, before));
-    }
-    /* A name without its end is taken up to the field's. */
-    DriverDevmode read = MarkedRecord(0x11);
-    std::memset(read.rPrivate.tcXPIName, 'N', sizeof read.rPrivate.tcXPIName);
-    EXPECT_EQ(Read("Copies=7\r\n", &read), 0);
-}
-
 TEST_F(SettingsReader, LinesAndWhatTheyChange)
 {
     for (const DataRow& row : ReadRows("settings_lines.txt")) {
@@ -132,9 +101,17 @@ TEST_F(SettingsReader, LinesAndWhatTheyChange)
         record = Changed(recordTemplate, row[0]);
         const std::string lines = Unescaped(row[2]) + "\r\n";
         const int bReadOnly = row[1].find(" read-only") != row[1].npos;
-        EXPECT_EQ(Changes(record, After(lines, static_cast<u16>(row[1][0] - '0'), bReadOnly)), row[3])
-            << row[2];
+        DriverDevmode read = record;
+        const int nResult = Read(lines, &read, static_cast<u16>(row[1][0] - '0'), bReadOnly);
+        EXPECT_EQ(nResult                   ? Changes(record, read)
+                  : SameBytes(read, record) ? "refused"
+                                            : "touched",
+                  row[3])
+            << row[0] << row[2];
     }
+    /* A name without its end is taken up to the field's. */
+    std::memset(record.rPrivate.tcXPIName, 'N', sizeof record.rPrivate.tcXPIName);
+    EXPECT_EQ(Read("Copies=7\r\n", &record), 0);
 }
 
 TEST_F(SettingsReader, TextsOfFieldsAndOfFiles)
@@ -176,49 +153,18 @@ TEST_F(SettingsReader, StylesThatStandInTheRecordAreTheDefaults)
 
 TEST_F(SettingsReader, NoStyleReachesBeyondTheRegion)
 {
-    /* Two styles with names of these lengths, and a third. */
-    auto Three = [](size_t nFirst, size_t nSecond) {
-        return "StyleCount=3\r\nStyleType0=6\r\nStyleWMFileName0=" + std::string(nFirst, 'a') +
-               "\r\nStyleType1=6\r\nStyleWMFileName1=" + std::string(nSecond, 'b') + "\r\nStyleType2=0\r\n";
-    };
-    const std::string blocks = "BlockPageCount0=255\r\nBlockPageCount1=",
-                      last = "StyleCount=183\r\nStyleType182=";
-    const struct {
-        u16 usKind;
-        std::string lines;
-        int nStyles, nBlocks;
-    } aCases[] = {
-        /* 4 bytes a style, 2 are left. */
-        {3, "StyleCount=200\r\nBlockCount=200\r\n", 183, 1},
-        {4, "StyleCount=255\r\nBlockCount=255\r\n", 183, 1},
-        {3, "StyleCount=-1\r\n", 183, 0},
-        {4, "StyleCount=256\r\n", 0, 0},
-        /* 182 styles end at 3710; the name of the next would begin behind the region. */
-        {3, last + "6\r\n", 182, 0},
-        {3, last + "6\r\nStyleWMFileName182=n\r\n", 182, 0},
-        {4, last + "5\r\n", 182, 0},
-        {4, last + "5\r\nStyleOverlayFile182=n\r\n", 182, 0},
-        /* 27 + 2 * 259 and 27 + 2 * 81 bytes fill the region; with one more the second is not read. The longest
-           name is 259. */
-        {3, Three(259, 81), 2, 0},
-        {3, Three(259, 82), 1, 0},
-        {3, Three(400, 81), 2, 0},
-        /* A block of 366 pages would fill all; 255 is the most that can be told. */
-        {3, "BlockCount=2\r\n" + blocks + "110\r\n", 0, 2},
-        {3, "BlockCount=2\r\n" + blocks + "111\r\n", 0, 1},
-        {3, "BlockCount=3\r\n" + blocks + "111\r\nBlockPageCount2=0\r\n", 0, 1},
-    };
-    for (const auto& row : aCases) {
+    for (const DataRow& row : ReadRows("settings_styles.txt")) {
         DriverDevmode before = recordTemplate;
         std::memset(reinterpret_cast<u8*>(&before) + 3716, 0x77, sizeof before - 3716);
         DriverDevmode read = before;
-        EXPECT_EQ(Read(row.lines, &read, row.usKind), 1);
+        EXPECT_EQ(Read(Unescaped(row[1]), &read, static_cast<u16>(ToNumber(row[0]))), 1);
         /* The keys behind the region are not in these files. */
         EXPECT_EQ(std::memcmp(reinterpret_cast<u8*>(&before) + 3716, reinterpret_cast<u8*>(&read) + 3716,
                               sizeof before - 3716),
                   0);
-        EXPECT_EQ(read.rPrivate.bStyleCount, row.nStyles) << row.lines;
-        EXPECT_EQ(read.rPrivate.bBlockCount, row.nBlocks) << row.lines;
+        EXPECT_EQ(std::to_string(read.rPrivate.bStyleCount) + " " + std::to_string(read.rPrivate.bBlockCount),
+                  row[2])
+            << row[1];
     }
 }
 

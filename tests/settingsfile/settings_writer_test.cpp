@@ -236,42 +236,18 @@ TEST_F(SettingsWriter, StylesOfAnUncheckedRecordStayInTheRegion)
         EXPECT_EQ(std::stoul(keys["BlockCount"]), CountStem(lines, "BlockPageCount"));
         EXPECT_LE(std::stoul(keys["StyleCount"]), pRegion[0]);
     }
-    DriverDevmode record = recordTemplate;
-    u8* pRegion = record.rPrivate.bExceptionRegion;
-    static const struct {
-        u8 abStyle[4];
-        u8 bCount;
-        size_t nStyles;
-    } aCases[] = {
-        {{0, 0, 1, 9}, 200, 200}, /* no size: the same bytes, as often as the count says */
-        {{222, 2, 0, 9}, 2, 1},   /* 734 bytes: the whole region, and nothing behind it */
-        {{223, 2, 0, 9}, 2, 0},   /* one too many */
-        {{255, 255, 0, 9}, 1, 0}, {{27, 0, 6, 9}, 1, 1},
-    };
-    for (const auto& one : aCases) {
-        std::memset(pRegion, 0x41, REGION_END - REGION_AT); /* names without an end */
-        pRegion[0] = one.bCount;
-        pRegion[1] = 0;
-        std::memcpy(pRegion + 2, one.abStyle, 4);
-        EXPECT_EQ(CountStem(Written(record, 3), "StyleUsage"), one.nStyles);
-    }
-    std::memset(pRegion, 0, REGION_END - REGION_AT);
-    pRegion[0] = 2;
-    pRegion[2] = 218; /* the second begins 14 bytes in front of the end */
-    pRegion[3] = 2;
-    pRegion[2 + 720 + 2] = 6;
-    pRegion[2 + 538 + 2] = 6;
-    EXPECT_EQ(CountStem(Written(record, 3), "StyleType"), 2u);
-    pRegion[2] = 208;
-    EXPECT_EQ(CountStem(Written(record, 3), "StyleWMFileName"), 0u) << "a type that needs more than there is";
-    /* Blocks that end with the region: of 255 pages behind 222 bytes, and of none behind 732. */
-    for (const auto& [nStyle, bPages] : {std::pair<size_t, u8>{222, 255}, {732, 0}}) {
-        std::memset(pRegion, 0, REGION_END - REGION_AT);
-        pRegion[0] = pRegion[1] = 1;
-        pRegion[2] = static_cast<u8>(nStyle);
-        pRegion[3] = static_cast<u8>(nStyle >> 8);
-        pRegion[2 + nStyle + 1] = bPages;
-        EXPECT_EQ(CountStem(Written(record, 3), "BlockPageCount"), 1u) << nStyle;
+    /* What is filled, bytes of the region, and how many keys of a stem are written. */
+    for (const DataRow& row : ReadRows("style_regions.txt")) {
+        DriverDevmode record = recordTemplate;
+        u8* pRegion = record.rPrivate.bExceptionRegion;
+        std::memset(pRegion, static_cast<int>(ToNumber(row[0])), REGION_END - REGION_AT);
+        for (const std::string& poke : Words(row[1])) {
+            int nAt = 0, nValue = 0;
+            EXPECT_EQ(std::sscanf(poke.c_str(), "%d=%d", &nAt, &nValue), 2) << poke;
+            pRegion[nAt] = static_cast<u8>(nValue);
+        }
+        const std::string stem = row[2].substr(0, row[2].find(' '));
+        EXPECT_EQ(stem + " " + std::to_string(CountStem(Written(record, 3), stem)), row[2]) << row[1];
     }
 }
 

@@ -50,6 +50,10 @@ std::vector<std::string> MachineTest::AddChanged(const std::string& sample, cons
             SetPrinterText(wcPrinter, Widen(name), Widen(value));
         } else if (kind == "language") {
             SetUserLanguage(static_cast<u16>(ToNumber("0x" + text)));
+        } else if (kind == "form") {
+            const std::vector<std::string> words = Words(text);
+            AddMachineForm(Widen(words[3]), static_cast<DWORD>(ToNumber(words[0])),
+                           static_cast<LONG>(ToNumber(words[1])), static_cast<LONG>(ToNumber(words[2])));
         } else if (kind == "set") {
             sets.push_back(text);
         } else {

@@ -1,5 +1,6 @@
 /* Rows of test data from text files under tests/data, for both builds. A row is a line; its columns are separated
-   by '|'. Blanks around a column, empty lines and lines that begin with '#' are left out. */
+   by '|'. Blanks around a column, empty lines and lines that begin with '#' are left out; {TEXT*NUMBER} is that text so
+   often. */
 #ifndef TQUI_TESTS_DATA_FILE_H
 #define TQUI_TESTS_DATA_FILE_H
 
@@ -34,23 +35,6 @@ inline std::vector<std::string> SplitTrimmed(const std::string& text, char cSepa
     return pieces;
 }
 
-/* The rows of tests/data/NAME. The running test fails when the file is missing or has no rows. */
-inline std::vector<DataRow> ReadRows(const char* cName)
-{
-    std::vector<DataRow> rows;
-    std::ifstream file(std::string(TQUI_SOURCE_DIR "/tests/data/") + cName);
-    for (std::string line; std::getline(file, line);) {
-        DataRow row = SplitTrimmed(line, '|');
-        if ((row.size() > 1 || !row[0].empty()) && line[0] != '#') {
-            rows.push_back(row);
-        }
-    }
-    if (rows.empty()) {
-        ADD_FAILURE() << "tests/data/" << cName << " is missing or empty";
-    }
-    return rows;
-}
-
 /* A decimal or 0x number that is the whole text; else the running test fails. */
 inline long long ToNumber(const std::string& text)
 {
@@ -60,6 +44,39 @@ inline long long ToNumber(const std::string& text)
         ADD_FAILURE() << "not a number in a data file: '" << text << "'";
     }
     return llNumber;
+}
+
+/* The text with each {TEXT*NUMBER} as that text so often. */
+inline std::string Repeated(std::string text)
+{
+    for (size_t nAt = 0; (nAt = text.find('{', nAt)) != text.npos; nAt++) {
+        const size_t nStar = text.find('*', nAt), nEnd = text.find('}', nAt);
+        if (nStar < nEnd && nEnd != text.npos) {
+            std::string all;
+            for (long long n = ToNumber(text.substr(nStar + 1, nEnd - nStar - 1)); n > 0; n--) {
+                all += text.substr(nAt + 1, nStar - nAt - 1);
+            }
+            text.replace(nAt, nEnd + 1 - nAt, all);
+        }
+    }
+    return text;
+}
+
+/* The rows of tests/data/NAME. The running test fails when the file is missing or has no rows. */
+inline std::vector<DataRow> ReadRows(const char* cName)
+{
+    std::vector<DataRow> rows;
+    std::ifstream file(std::string(TQUI_SOURCE_DIR "/tests/data/") + cName);
+    for (std::string line; std::getline(file, line);) {
+        DataRow row = SplitTrimmed(line[0] == '#' ? line : Repeated(line), '|');
+        if ((row.size() > 1 || !row[0].empty()) && line[0] != '#') {
+            rows.push_back(row);
+        }
+    }
+    if (rows.empty()) {
+        ADD_FAILURE() << "tests/data/" << cName << " is missing or empty";
+    }
+    return rows;
 }
 
 /* The text with \r and \n as what they stand for. */

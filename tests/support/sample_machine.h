@@ -26,6 +26,7 @@ class MachineTest : public BothBuilds {
          options 0x10   installed, no other      inputs 0x3       the same of input bins
          number N=98    printer value, DWORD     text N=a.ext     printer value
          language 0407  of the user              set TEXT         handed back for the record
+         form 0 2100 2970 NAME  of the machine, FORM_USER (0) or of another kind
        Result: what is set. */
     std::vector<std::string> AddChanged(const std::string& sample, const std::string& changes);
 

@@ -11,22 +11,22 @@
 #include "support/both_builds.h"
 #include "support/data_file.h"
 
-using StepWords = std::vector<std::string>;
-using Verbs = std::map<std::string, std::function<std::string(const StepWords&)>>;
+using Args = std::vector<std::string>;
+using Verbs = std::map<std::string, std::function<std::string(const Args&)>>;
 
-struct Scenario {
+struct Script {
     std::string name;
     std::vector<DataRow> steps;
 };
 
-inline void PrintTo(const Scenario& scenario, std::ostream* pOut)
+inline void PrintTo(const Script& scenario, std::ostream* pOut)
 {
     *pOut << scenario.name;
 }
 
-inline std::vector<Scenario> ReadScenarios(const char* cFile)
+inline std::vector<Script> ReadScripts(const char* cFile)
 {
-    std::vector<Scenario> scenarios;
+    std::vector<Script> scenarios;
     for (const DataRow& row : ReadRows(cFile)) {
         if (row[0].front() == '[') {
             scenarios.push_back({row[0].substr(1, row[0].size() - 2), {}});
@@ -35,23 +35,23 @@ inline std::vector<Scenario> ReadScenarios(const char* cFile)
         }
     }
 #ifdef _WIN32
-    std::erase_if(scenarios, [](const Scenario& each) { return each.name.ends_with(" hosted"); });
+    std::erase_if(scenarios, [](const Script& each) { return each.name.ends_with(" hosted"); });
 #endif
     return scenarios;
 }
 
 /* For INSTANTIATE_TEST_SUITE_P: a scenario's name without blanks. */
-inline std::string ScenarioName(const testing::TestParamInfo<Scenario>& info)
+inline std::string ScriptName(const testing::TestParamInfo<Script>& info)
 {
     std::string name = info.param.name;
     std::erase(name, ' ');
     return name;
 }
 
-/* StepWords are separated by blanks; quotation marks hold blanks together, or nothing. */
-inline StepWords WordsOf(const std::string& text)
+/* Words are separated by blanks; quotation marks hold blanks together, or nothing. */
+inline Args WordsOf(const std::string& text)
 {
-    StepWords words;
+    Args words;
     bool bInside = false, bOpen = false;
     for (const char c : text) {
         if (c == '"') {
@@ -105,18 +105,18 @@ template <class Number> std::enable_if_t<std::is_arithmetic_v<Number>, std::stri
 /* An entry of Verbs: the name, and what it answers to the words w. DEED is one that answers nothing. */
 #define VERB(name, ...) \
     { \
-        name, [&]([[maybe_unused]] const StepWords& w) { return Said(__VA_ARGS__); } \
+        name, [&]([[maybe_unused]] const Args& w) { return Said(__VA_ARGS__); } \
     }
 #define DEED(name, ...) \
     { \
-        name, [&]([[maybe_unused]] const StepWords& w) { return __VA_ARGS__, std::string(); } \
+        name, [&]([[maybe_unused]] const Args& w) { return __VA_ARGS__, std::string(); } \
     }
 
 /* Takes the steps one after the other, each by the verb that its first word names. */
-inline void Play(const Scenario& scenario, const Verbs& verbs)
+inline void Play(const Script& scenario, const Verbs& verbs)
 {
     for (const DataRow& row : scenario.steps) {
-        const StepWords words = WordsOf(row[0]);
+        const Args words = WordsOf(row[0]);
         const auto verb = verbs.find(words[0]);
         ASSERT_NE(verb, verbs.end()) << row[0];
         std::string answer = verb->second({words.begin() + 1, words.end()});
@@ -127,5 +127,10 @@ inline void Play(const Scenario& scenario, const Verbs& verbs)
             << row[0] << "\nanswers: " << answer << "\nwanted:  " << row[1];
     }
 }
+
+/* One test for each scenario of a file. */
+#define SCRIPTED(Suite, Test, file) \
+    INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(ReadScripts(file)), ScriptName); \
+    TEST_P(Suite, Test)
 
 #endif

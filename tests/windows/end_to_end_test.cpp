@@ -99,20 +99,6 @@ void ExpectSameLines(const std::vector<std::string>& found, const std::vector<st
     }
 }
 
-template <typename Value> std::vector<Value> Rows(const CapabilityCall& call, int nQuestion)
-{
-    const int nRows = call(nQuestion, nullptr);
-    std::vector<Value> rows(nRows > 0 ? static_cast<size_t>(nRows) : 0);
-    EXPECT_EQ(call(nQuestion, rows.data()), nRows);
-    return rows;
-}
-
-BOOL AddUserForm(HANDLE hPrinter, const WCHAR* wcName, LONG lWidth, LONG lLength)
-{
-    FORM_INFO_1W form{FORM_USER, const_cast<LPWSTR>(wcName), {lWidth, lLength}, {0, 0, lWidth, lLength}};
-    return AddFormW(hPrinter, 1, reinterpret_cast<LPBYTE>(&form));
-}
-
 constexpr WCHAR wcDocument[] = L"Brief an Gr\u00F6\u00DFe";
 
 /* A document of that name, begun on a printer as an application begins one, and ended without a page. */
@@ -178,7 +164,6 @@ TEST_P(EveryModel, LiesInTheSpoolerAsTheInfSays)
         found.push_back(tcFile.filename().string());
     }
     EXPECT_EQ(found, AllInfFiles(model));
-    EXPECT_EQ(FindAmbiguousNames(model), std::vector<std::string>());
 }
 
 TEST_P(EveryModel, AnswersAsTheHostedBuild)
@@ -201,45 +186,6 @@ TEST_P(EveryModel, AnswersAsTheHostedBuild)
 
 INSTANTIATE_TEST_SUITE_P(Package, EveryModel, ::testing::ValuesIn(PackageSections()),
                          [](const auto& test) { return test.param; });
-
-/* User forms come last in the papers, in the order of their adding, with sizes in tenths of a millimetre;
-   forms of other kinds are not papers, and a model without custom sizes lists none. */
-TEST(UserForms, ArePapersBehindTheModels)
-{
-    const InstalledPrinter printer = Install("T410A");
-    const InstalledPrinter other = Install("QP5");
-    const auto before = Rows<WORD>(ByHandle(printer), DC_PAPERS);
-    const auto without = Rows<WORD>(ByHandle(other), DC_PAPERS);
-
-    ASSERT_TRUE(AddUserForm(printer.Handle(), L"Zoning map", 150000, 400000));
-    ASSERT_TRUE(AddUserForm(printer.Handle(), L"Bookmark", 100996, 200004));
-    const auto papers = Rows<WORD>(ByHandle(printer), DC_PAPERS);
-    const auto sizes = Rows<POINT>(ByHandle(printer), DC_PAPERSIZE);
-    struct Name {
-        WCHAR wcText[64];
-    };
-    const auto names = Rows<Name>(ByHandle(printer), DC_PAPERNAMES);
-    const auto seen = Rows<WORD>(ByApplication(printer), DC_PAPERS);
-    const auto stillNot = Rows<WORD>(ByHandle(other), DC_PAPERS);
-    EXPECT_TRUE(DeleteFormW(printer.Handle(), const_cast<LPWSTR>(L"Zoning map")));
-    EXPECT_TRUE(DeleteFormW(printer.Handle(), const_cast<LPWSTR>(L"Bookmark")));
-    EXPECT_EQ(Rows<WORD>(ByHandle(printer), DC_PAPERS), before);
-
-    ASSERT_EQ(papers.size(), before.size() + 2);
-    EXPECT_TRUE(std::equal(before.begin(), before.end(), papers.begin()));
-    EXPECT_GE(papers[before.size()], 448);
-    EXPECT_EQ(papers[before.size() + 1], papers[before.size()] + 1);
-    ASSERT_EQ(names.size(), papers.size());
-    EXPECT_STREQ(names[before.size()].wcText, L"Zoning map");
-    EXPECT_STREQ(names[before.size() + 1].wcText, L"Bookmark");
-    ASSERT_EQ(sizes.size(), papers.size());
-    EXPECT_EQ(sizes[before.size()].x, 1500);
-    EXPECT_EQ(sizes[before.size()].y, 4000);
-    EXPECT_EQ(sizes[before.size() + 1].x, 1010); /* 100996: (100996 + 5) / 10 / 10 */
-    EXPECT_EQ(sizes[before.size() + 1].y, 2000);
-    EXPECT_EQ(seen, papers);
-    EXPECT_EQ(stillNot, without);
-}
 
 /* The library as it ships, called by the stand-in rendering core for a document in the spooler: the same
    bytes as on the hosted build. */
@@ -281,31 +227,6 @@ TEST(Jobs, ArePlayedByTheCoreProgram)
     }
     EXPECT_EQ(found, GoldenLines(golden, L""));
     DeleteFileW(tcOutput.c_str());
-}
-
-/* What the supplement has to do itself, and no test of the library sees. */
-TEST(Supplement, KeepsFormsAndValues)
-{
-    const InstalledPrinter printer = Install("K100");
-    const HANDLE hPrinter = printer.Handle();
-
-    EXPECT_FALSE(AddUserForm(hPrinter, L"A4", 100000, 100000)) << "a form of the system's has that name";
-    ASSERT_TRUE(AddUserForm(hPrinter, L"Ticket", 80000, 150000));
-    EXPECT_FALSE(AddUserForm(hPrinter, L"TICKET", 80000, 150000));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_EXISTS));
-    DWORD cbNeeded = 0;
-    EXPECT_TRUE(DeleteFormW(hPrinter, const_cast<LPWSTR>(L"Ticket")));
-    EXPECT_FALSE(DeleteFormW(hPrinter, const_cast<LPWSTR>(L"Ticket")));
-
-    WCHAR wcValue[] = L"Try";
-    DWORD dwData = 7, dwType = 0;
-    ASSERT_EQ(SetPrinterDataW(hPrinter, wcValue, REG_DWORD, reinterpret_cast<LPBYTE>(&dwData), sizeof dwData),
-              0u);
-    EXPECT_EQ(DeletePrinterDataW(hPrinter, wcValue), 0u);
-    EXPECT_EQ(GetPrinterDataW(hPrinter, wcValue, &dwType, reinterpret_cast<LPBYTE>(&dwData), sizeof dwData,
-                              &cbNeeded),
-              static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(DeletePrinterDataW(hPrinter, wcValue), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
 }
 
 /* Not a test of the product: run by name to see that a wrong expectation turns the run red. */
